@@ -1,0 +1,43 @@
+# A folder is a layer: one library, which sees the headers of its own folder and of the layers it stands on, and no others.
+#
+#   layer(kbImport FILES obj.cpp ply.cpp ON kbModel kbTools)
+#
+# Each layer's folder is offered to the compiler through a folder of links of its own, so that an #include of a layer that
+# is not linked does not compile.
+
+set(kbWarnings -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND KESTRELBOX_SANITIZE)
+    list(APPEND kbWarnings -Wno-maybe-uninitialized) # false alarms of GCC in instrumented code of the standard library
+endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    list(APPEND kbWarnings -Wno-restrict) # a false alarm of GCC 12 about adding strings to literals
+endif()
+
+function(offer_headers target scope)
+    get_filename_component(folder ${CMAKE_CURRENT_SOURCE_DIR} NAME)
+    set(links ${PROJECT_BINARY_DIR}/include/${folder})
+    file(MAKE_DIRECTORY ${links})
+    file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR} ${links}/${folder} SYMBOLIC)
+    target_include_directories(${target} ${scope} ${links})
+endfunction()
+
+function(layer target)
+    cmake_parse_arguments(ARG "" "" "FILES;ON" ${ARGN})
+    if(ARG_FILES)
+        add_library(${target} STATIC ${ARG_FILES})
+        target_compile_options(${target} PRIVATE ${kbWarnings})
+        offer_headers(${target} PUBLIC)
+        target_link_libraries(${target} PUBLIC ${ARG_ON})
+    else()
+        add_library(${target} INTERFACE)
+        offer_headers(${target} INTERFACE)
+        target_link_libraries(${target} INTERFACE ${ARG_ON})
+    endif()
+endfunction()
+
+# One implementation of a part of the seam: objects, so that a program links exactly those it names.
+function(implementation target)
+    add_library(${target} OBJECT ${ARGN})
+    target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:${kbWarnings}>)
+    target_link_libraries(${target} PUBLIC kbPlatform)
+endfunction()
