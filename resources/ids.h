@@ -1,0 +1,70 @@
+// resources/ids.h - every identifier of the menu and the dialogs, once; read by the resource compiler, too
+#pragma once
+
+// Menu "AppMenu"
+#define ID_EXIT 101
+#define ID_ABOUT 102
+#define ID_OPEN_MESH 104
+#define ID_EXPORT_OBJ 108
+#define ID_EXPORT_PP2 109
+#define ID_LOAD_TEXTURE 110
+#define ID_SAVE_IMAGE 111
+#define ID_READ_RKF 112
+#define ID_SAVE_RKF 113
+#define ID_RESET_VIEW 140
+#define ID_TEXTURE_WOOD 160
+#define ID_TEXTURE_METAL 161
+#define ID_TEXTURE_PATTERN 162
+#define ID_TEXTURE_USER 163
+#define ID_LIGHT_1 200
+#define ID_LIGHT_2 201
+#define ID_LIGHT_3 202
+#define ID_PRESET_BRASS 300
+#define ID_PRESET_WOOD 301
+#define ID_PRESET_PEWTER 302
+#define ID_PRESET_SILVER 303
+#define ID_PRESET_GOLD 304
+#define ID_PRESET_GREEN 305
+#define ID_PRESET_CHALK 306
+#define ID_PRESET_BRICK 307
+#define ID_PRESET_CRYSTAL 308
+#define ID_PRESET_WHITE 309
+#define ID_PRESET_PROP 310
+#define ID_BACKGROUND_GREY1 336
+#define ID_BACKGROUND_GREY2 337
+#define ID_BACKGROUND_BLACK 338
+#define ID_KEYFRAMES_3DS 339
+#define ID_EXACT_WELD 340
+
+// Dialogs "ProgressBarDialog", "MessageDialog", "AboutDialog"
+#define ID_PROGRESS_CAPTION 114
+#define ID_PROGRESS_BAR 115
+#define ID_NOTICE_TEXT 116
+#define ID_ABOUT_OK 200
+#define ID_ABOUT_PICTURE 201
+
+// Dialog "ToolBarDialog"
+#define ID_WIREFRAME 1050
+#define ID_BACKCULLED 1051
+#define ID_TEXTURED 1052
+#define ID_SHADOWS 1053
+#define ID_VERTEX_COLOUR 1054
+#define ID_INVERT 1055
+#define ID_ROUGH 1056
+#define ID_METALLIC 1057
+#define ID_MOON 1058
+#define ID_VERT_COUNT 1060
+#define ID_UV_COUNT 1061
+#define ID_FACE_COUNT 1062
+#define ID_LINE_COUNT 1063
+#define ID_GROUP_COUNT 1064
+#define ID_MATERIAL_COUNT 1065
+#define ID_FILTER_LIST 1066
+#define ID_BY_GROUP 1067
+#define ID_WELD 1068
+#define ID_LUX_EXPORT 1069
+#define ID_SPLIT 1070
+#define ID_FIX_NORMALS 1071
+#define ID_DUP_FACES 1072
+#define ID_TRI 1073
+#define ID_QUAD 1074
