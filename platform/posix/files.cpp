@@ -1,0 +1,126 @@
+// platform/posix/files.cpp - files where names are bytes and letter case counts
+#include "platform/files.h"
+
+#include <dirent.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <string.h>
+#include <strings.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <string>
+
+// A write past the limit of a file's size is to fail, as on a full disk; unasked, the system would end the program.
+static void letLongWritesFail()
+{
+    static int done;
+    if (!done)
+        signal(SIGXFSZ, SIG_IGN);
+    done = 1;
+}
+
+FILE* openFile(const char* path, const char* mode)
+{
+    letLongWritesFail();
+    FILE* file = fopen(path, mode);
+    struct stat facts;
+    if (file && fstat(fileno(file), &facts) == 0 && S_ISDIR(facts.st_mode))
+    {
+        fclose(file);
+        return nullptr;
+    }
+    return file;
+}
+
+int64_t measureFile(FILE* file)
+{
+    if (fseeko(file, 0, SEEK_END) != 0)
+        return -1;
+    int64_t size = ftello(file);
+    return fseeko(file, 0, SEEK_SET) == 0 ? size : -1;
+}
+
+int64_t filePosition(FILE* file)
+{
+    return ftello(file);
+}
+
+int seekFile(FILE* file, int64_t position)
+{
+    return fseeko(file, static_cast<off_t>(position), SEEK_SET) == 0;
+}
+
+int findNameIgnoringCase(const char* folder, const char* name, char* found, size_t roomBytes)
+{
+    DIR* entries = opendir(*folder ? folder : ".");
+    if (!entries)
+        return 0;
+    int ok = 0;
+    while (const dirent* entry = readdir(entries))
+    {
+        if (strcasecmp(entry->d_name, name) == 0 && strlen(entry->d_name) < roomBytes)
+        {
+            memcpy(found, entry->d_name, strlen(entry->d_name) + 1);
+            ok = 1;
+            break;
+        }
+    }
+    closedir(entries);
+    return ok;
+}
+
+// The path that a link without a file at its end points to, else the path itself. It may point to another such link.
+static std::string followEmptyLinks(std::string path)
+{
+    constexpr int mostLinks = 40;
+    char target[4096];
+    for (int i = 0; i < mostLinks; ++i)
+    {
+        ssize_t length = readlink(path.c_str(), target, sizeof target);
+        if (length <= 0 || length == static_cast<ssize_t>(sizeof target))
+            break;
+        std::string name(target, static_cast<size_t>(length));
+        if (name[0] == '/')
+            path.clear();
+        path.resize(path.rfind('/') + 1); // its folder; nothing when there is none
+        path += name;
+    }
+    return path;
+}
+
+// The file itself, links followed.
+static std::string actualPath(const char* path)
+{
+    char* followed = realpath(path, nullptr);
+    std::string actual = followed ? followed : followEmptyLinks(path);
+    free(followed);
+    return actual;
+}
+
+FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
+{
+    struct stat facts;
+    bool there = stat(path, &facts) == 0;
+    bool isFile = there && S_ISREG(facts.st_mode), isFolder = there && S_ISDIR(facts.st_mode);
+    bool direct = there && !isFile && !isFolder;
+    if (*path == 0 || (isFile && access(path, W_OK) != 0))
+        return targetRefused;
+    std::string name = direct ? path : actualPath(path);
+    if (name.size() >= roomBytes)
+        return targetRefused;
+    memcpy(actual, name.c_str(), name.size() + 1);
+    return direct ? targetDirect : targetReplaceable;
+}
+
+int renameFile(const char* from, const char* to)
+{
+    struct stat facts;
+    if (stat(to, &facts) == 0 && S_ISREG(facts.st_mode))
+        (void)!chmod(from, facts.st_mode & 07777); // a file system without permissions has none to keep
+    return rename(from, to) == 0;
+}
+
+int removeFile(const char* path)
+{
+    return remove(path) == 0;
+}

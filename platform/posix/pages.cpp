@@ -1,0 +1,52 @@
+// platform/posix/pages.cpp - pages by mmap
+//
+// A block is preceded by a page of its own that remembers the mapping, so that a block can be released by its address
+// alone. Large blocks are laid on 2 MiB boundaries and ask for huge pages: touching fresh memory in 4 KiB steps costs
+// more than reading a file into it.
+#include "platform/pages.h"
+
+#include <stdint.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+constexpr size_t hugePage = size_t{ 2 } << 20;
+constexpr size_t hugeFrom = 2 * hugePage;
+
+struct BlockHeader
+{
+    void* mapping;
+    size_t mappedBytes;
+};
+
+static size_t pageSize()
+{
+    static const size_t size = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    return size;
+}
+
+void* allocatePages(size_t sizeBytes)
+{
+    size_t page = pageSize();
+    if (sizeBytes == 0 || sizeBytes > SIZE_MAX / 2)
+        return nullptr;
+    size_t alignment = sizeBytes >= hugeFrom ? hugePage : page;
+    size_t mappedBytes = ((sizeBytes + page - 1) & ~(page - 1)) + alignment;
+    void* mapping = mmap(nullptr, mappedBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapping == MAP_FAILED)
+        return nullptr;
+    uintptr_t block = (reinterpret_cast<uintptr_t>(mapping) + page + alignment - 1) & ~(alignment - 1);
+    auto* header = reinterpret_cast<BlockHeader*>(block - page);
+    if (alignment == hugePage)
+        madvise(reinterpret_cast<void*>(block), sizeBytes, MADV_HUGEPAGE);
+    header->mapping = mapping;
+    header->mappedBytes = mappedBytes;
+    return reinterpret_cast<void*>(block);
+}
+
+void releasePages(void* block)
+{
+    if (!block)
+        return;
+    auto* header = reinterpret_cast<BlockHeader*>(static_cast<char*>(block) - pageSize());
+    munmap(header->mapping, header->mappedBytes);
+}

@@ -1,0 +1,60 @@
+// platform/win32/dialogs.cpp - the system's open and save dialogs
+#include "platform/dialogs.h"
+#include "platform/win32/handles.h"
+#include "platform/win32/names.h"
+
+#include <commdlg.h>
+#include <string.h>
+
+static_assert(dialogOverwritePrompt == OFN_OVERWRITEPROMPT && dialogHideReadOnly == OFN_HIDEREADONLY);
+
+// Cut to so many characters, the terminator among them.
+static void storeText(const std::wstring& wide, char* text, size_t room)
+{
+    std::string narrow = utf8FromWide(wide.substr(0, room - 1).c_str());
+    memcpy(text, narrow.c_str(), narrow.size() + 1);
+}
+
+static std::wstring withoutFolder(const std::wstring& path)
+{
+    size_t separator = path.find_last_of(L"\\/:");
+    return separator == std::wstring::npos ? path : path.substr(separator + 1);
+}
+
+static int ask(FileDialog* dialog, BOOL(WINAPI* show)(OPENFILENAMEW*))
+{
+    std::wstring filter =
+        wideFromUtf8(dialog->filterText) + L'\0' + wideFromUtf8(dialog->filterPattern) + L'\0' + L'\0';
+    std::wstring dialogTitle = wideFromUtf8(dialog->title ? dialog->title : "");
+    std::wstring extension = wideFromUtf8(dialog->defaultExtension ? dialog->defaultExtension : "");
+    std::wstring path = wideFromUtf8(dialog->path).substr(0, dialog->pathRoom - 1);
+    path.resize(dialog->pathRoom);
+
+    OPENFILENAMEW request = {};
+    request.lStructSize = sizeof request;
+    request.hwndOwner = mainWindow;
+    request.lpstrFilter = filter.c_str();
+    request.nFilterIndex = 1;
+    request.lpstrFile = path.data();
+    request.nMaxFile = static_cast<DWORD>(path.size());
+    request.lpstrTitle = dialog->title ? dialogTitle.c_str() : nullptr;
+    request.lpstrDefExt = dialog->defaultExtension ? extension.c_str() : nullptr;
+    request.Flags = dialog->flags;
+    if (!show(&request))
+        return 0;
+    path.resize(wcslen(path.c_str()));
+    storeText(path, dialog->path, dialog->pathRoom);
+    if (dialog->fileTitle)
+        storeText(withoutFolder(path), dialog->fileTitle, dialog->fileTitleRoom);
+    return 1;
+}
+
+int chooseFileToOpen(FileDialog* dialog)
+{
+    return ask(dialog, GetOpenFileNameW);
+}
+
+int chooseFileToSave(FileDialog* dialog)
+{
+    return ask(dialog, GetSaveFileNameW);
+}

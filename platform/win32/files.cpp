@@ -1,0 +1,91 @@
+// platform/win32/files.cpp - files by wide names; letter case does not count here
+#include "platform/files.h"
+#include "platform/win32/names.h"
+
+#include <string.h>
+#include <windows.h>
+
+std::wstring wideFromUtf8(const char* text)
+{
+    int length = MultiByteToWideChar(CP_UTF8, 0, text, -1, nullptr, 0);
+    if (length < 1)
+        return {};
+    std::wstring wide(static_cast<size_t>(length), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, text, -1, wide.data(), length);
+    wide.resize(static_cast<size_t>(length) - 1);
+    return wide;
+}
+
+std::string utf8FromWide(const wchar_t* text)
+{
+    int length = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
+    if (length < 1)
+        return {};
+    std::string narrow(static_cast<size_t>(length), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text, -1, narrow.data(), length, nullptr, nullptr);
+    narrow.resize(static_cast<size_t>(length) - 1);
+    return narrow;
+}
+
+FILE* openFile(const char* path, const char* mode)
+{
+    std::wstring widePath = wideFromUtf8(path);
+    DWORD facts = GetFileAttributesW(widePath.c_str());
+    if (facts != INVALID_FILE_ATTRIBUTES && (facts & FILE_ATTRIBUTE_DIRECTORY))
+        return nullptr;
+    return _wfopen(widePath.c_str(), wideFromUtf8(mode).c_str());
+}
+
+int64_t measureFile(FILE* file)
+{
+    if (_fseeki64(file, 0, SEEK_END) != 0)
+        return -1;
+    int64_t size = _ftelli64(file);
+    return _fseeki64(file, 0, SEEK_SET) == 0 ? size : -1;
+}
+
+int64_t filePosition(FILE* file)
+{
+    return _ftelli64(file);
+}
+
+int seekFile(FILE* file, int64_t position)
+{
+    return _fseeki64(file, position, SEEK_SET) == 0;
+}
+
+int findNameIgnoringCase(const char* folder, const char* name, char* found, size_t roomBytes)
+{
+    std::string path = *folder ? std::string(folder) + "\\" + name : std::string(name);
+    if (GetFileAttributesW(wideFromUtf8(path.c_str()).c_str()) == INVALID_FILE_ATTRIBUTES || strlen(name) >= roomBytes)
+        return 0;
+    memcpy(found, name, strlen(name) + 1);
+    return 1;
+}
+
+FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
+{
+    if (*path == 0 || snprintf(actual, roomBytes, "%s", path) >= static_cast<int>(roomBytes))
+        return targetRefused;
+    std::wstring widePath = wideFromUtf8(path);
+    DWORD facts = GetFileAttributesW(widePath.c_str());
+    if (facts != INVALID_FILE_ATTRIBUTES && (facts & FILE_ATTRIBUTE_READONLY) && !(facts & FILE_ATTRIBUTE_DIRECTORY))
+        return targetRefused;
+    HANDLE handle = CreateFileW(widePath.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                OPEN_EXISTING, 0, nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return targetReplaceable;
+    DWORD type = GetFileType(handle);
+    CloseHandle(handle);
+    return type == FILE_TYPE_CHAR || type == FILE_TYPE_PIPE ? targetDirect : targetReplaceable;
+}
+
+int renameFile(const char* from, const char* to)
+{
+    return MoveFileExW(wideFromUtf8(from).c_str(), wideFromUtf8(to).c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
+}
+
+int removeFile(const char* path)
+{
+    return DeleteFileW(wideFromUtf8(path).c_str()) != 0;
+}
