@@ -1,0 +1,12 @@
+// image/colour.h - component rows to pixels
+#pragma once
+#include "image/decoder.h"
+
+// The colour space that the file's markers and component numbers tell.
+ColourSpace fileColourSpace();
+
+// Returns 0 when the number of components is not that of the colour space.
+int setUpColour();
+
+// One row of jpeg.width pixels from as many component rows as the colour space has.
+void convertRow(uint32_t* words, const uint8_t* const* rows);

@@ -1,0 +1,109 @@
+// image/huffman.cpp - Huffman tables ready for decoding
+#include "image/entropy.h"
+
+#include <string.h>
+
+constexpr int32_t symbolsMax = 256;
+
+// The canonical codes in symbol order, with their lengths. Returns how many, or -1 when they do not fit: no code may be
+// all ones, so after each length the next code must still have that length.
+static int32_t canonicalCodes(const StoredHuffman& stored, uint8_t* lengths, uint32_t* codes)
+{
+    int32_t count = 0;
+    uint32_t code = 0;
+    for (int32_t length = 1; length <= 16; ++length)
+    {
+        if (count + stored.counts[length] > symbolsMax)
+            return -1;
+        for (int32_t i = 0; i < stored.counts[length]; ++i)
+        {
+            lengths[count] = static_cast<uint8_t>(length);
+            codes[count++] = code++;
+        }
+        if (code >= 1u << length)
+            return -1;
+        code <<= 1;
+    }
+    return count;
+}
+
+static void fillSearch(HuffmanTable* table, const uint32_t* codes)
+{
+    int32_t first = 0;
+    for (int32_t length = 1; length <= 16; ++length)
+    {
+        int32_t count = table->stored->counts[length];
+        table->maxCode[length] = -1;
+        if (count > 0)
+        {
+            table->valueOffset[length] = first - static_cast<int32_t>(codes[first]);
+            table->maxCode[length] = static_cast<int32_t>(codes[first + count - 1]);
+        }
+        first += count;
+    }
+    table->maxCode[0] = -1;
+    table->maxCode[17] = 0xFFFFF;
+}
+
+static void fillLookAhead(HuffmanTable* table, int32_t count, const uint8_t* lengths, const uint32_t* codes)
+{
+    memset(table->lookLength, 0, sizeof table->lookLength);
+    for (int32_t i = 0; i < count && lengths[i] <= 8; ++i)
+    {
+        int32_t free = 8 - lengths[i];
+        for (uint32_t rest = 0; rest < 1u << free; ++rest)
+        {
+            uint32_t prefix = codes[i] << free | rest;
+            table->lookLength[prefix] = lengths[i];
+            table->lookSymbol[prefix] = table->stored->symbols[i];
+        }
+    }
+}
+
+// One entry of the wide look-ahead: the code at the top of wideBits bits, then rest, `free` bits long.
+static int32_t wideEntry(int isDc, int32_t symbol, int32_t length, uint32_t rest, int32_t free)
+{
+    int32_t size = symbol & 15;
+    int32_t run = isDc ? 0 : symbol >> 4;
+    int32_t entry = run << 8 | size << 12 | length;
+    if (size == 0)
+        return entry | wideSymbol;
+    if (size > free)
+        return entry | wideCode;
+    int32_t value = static_cast<int32_t>(rest >> (free - size));
+    if (value < 1 << (size - 1))
+        value += 1 - (1 << size);
+    return value * 65536 + (entry + size + wideValue);
+}
+
+static void fillWide(HuffmanTable* table, int isDc, int32_t count, const uint8_t* lengths, const uint32_t* codes)
+{
+    memset(table->wide, 0, sizeof table->wide);
+    for (int32_t i = 0; i < count && lengths[i] <= wideBits; ++i)
+    {
+        int32_t free = wideBits - lengths[i];
+        for (uint32_t rest = 0; rest < 1u << free; ++rest)
+            table->wide[codes[i] << free | rest] = wideEntry(isDc, table->stored->symbols[i], lengths[i], rest, free);
+    }
+}
+
+int buildHuffmanTable(int isDc, int32_t number, HuffmanTable* table)
+{
+    if (number < 0 || number > 3)
+        return 0;
+    table->stored = isDc ? jpeg.dcTables[number] : jpeg.acTables[number];
+    if (!table->stored)
+        return 0;
+    uint8_t lengths[symbolsMax];
+    uint32_t codes[symbolsMax];
+    int32_t count = canonicalCodes(*table->stored, lengths, codes);
+    if (count < 0)
+        return 0;
+    for (int32_t i = 0; isDc && i < count; ++i)
+        if (table->stored->symbols[i] > 15)
+            return 0;
+    fillSearch(table, codes);
+    fillLookAhead(table, count, lengths, codes);
+    fillWide(table, isDc, count, lengths, codes);
+    return 1;
+}

@@ -1,0 +1,91 @@
+// image/textures.cpp - the built-in pictures and the user's
+#include "image/textures.h"
+
+#include "image/jpeg.h"
+#include "model/settings.h"
+#include "platform/boxes.h"
+#include "platform/dialogs.h"
+#include "platform/files.h"
+#include "platform/resources.h"
+
+#include <stdlib.h>
+
+constexpr Image emptyUserTexture = { nullptr, 1, 1 };
+constexpr size_t pathCharacters = 128;
+
+Image TextureSlots[textureCount] = { {}, {}, {}, emptyUserTexture };
+Image ReflectionImage;
+
+int loadTextureResource(Image* image, const char* name)
+{
+    ResourceBytes resource;
+    if (!findResource(name, &resource))
+        return 0;
+    free(image->pixels);
+    return decodeJpegMemory(resource.bytes, resource.size, image);
+}
+
+void loadBuiltInTextures()
+{
+    loadTextureResource(&TextureSlots[textureWood], "wood");
+    loadTextureResource(&TextureSlots[textureMetal], "metal");
+    loadTextureResource(&TextureSlots[texturePattern], "pattern");
+    loadTextureResource(&ReflectionImage, "reflect");
+    renderSettings.currentTexture = &TextureSlots[textureWood];
+}
+
+int loadTextureFile(const char* path, Image* image, int* opened)
+{
+    FILE* file = openFile(path, "rb");
+    if (opened)
+        *opened = file != nullptr;
+    if (!file)
+        return 0;
+    Image fresh;
+    int ok = decodeJpegFile(file, &fresh);
+    fclose(file);
+    if (!ok)
+    {
+        messageBox(progressiveRefused ? "Progressive Jpeg not supported" : "Error reading Jpeg file", "error",
+                   iconNone);
+        return 0;
+    }
+    free(image->pixels);
+    *image = fresh;
+    return 1;
+}
+
+static void lowerCase(char* text)
+{
+    for (; *text; ++text)
+        if (*text >= 'A' && *text <= 'Z')
+            *text = static_cast<char>(*text + ('a' - 'A'));
+}
+
+int loadUserTexture(Image* image, char* title)
+{
+    char path[dialogBytes(pathCharacters)] = "";
+    FileDialog dialog = {};
+    dialog.filterText = "JPG Files(*.JPG)";
+    dialog.filterPattern = "*.JPG";
+    dialog.path = path;
+    dialog.pathRoom = pathCharacters;
+    dialog.fileTitle = title;
+    dialog.fileTitleRoom = textureTitleCharacters;
+    if (!chooseFileToOpen(&dialog))
+        return 0;
+    lowerCase(title);
+    return loadTextureFile(path, image);
+}
+
+void freeTextures()
+{
+    for (Image& texture : TextureSlots)
+    {
+        free(texture.pixels);
+        texture = {};
+    }
+    TextureSlots[textureUser] = emptyUserTexture;
+    free(ReflectionImage.pixels);
+    ReflectionImage = {};
+}

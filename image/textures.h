@@ -1,0 +1,36 @@
+// image/textures.h - the pictures that models are covered with
+#pragma once
+#include "model/image.h"
+#include "platform/dialogs.h"
+
+#include <stddef.h>
+
+constexpr int textureWood = 0;
+constexpr int textureMetal = 1;
+constexpr int texturePattern = 2;
+constexpr int textureUser = 3;
+constexpr int textureCount = 4;
+constexpr size_t textureTitleCharacters = 32;
+constexpr size_t textureTitleRoom = dialogBytes(textureTitleCharacters);
+
+extern Image TextureSlots[textureCount]; // the user's is empty, 1 x 1, until one is loaded
+extern Image ReflectionImage;
+
+// Decodes an embedded JPEG picture. Returns 1; or 0 without a message and the image cleared. What the image held is
+// freed.
+int loadTextureResource(Image* image, const char* name);
+
+// Loads the four embedded pictures into their slots and makes wood the current texture. A picture that fails leaves its
+// slot empty.
+void loadBuiltInTextures();
+
+// Asks for a JPEG file and decodes it into the image, whose old pixels are freed then. Title, of textureTitleRoom
+// bytes, gets the chosen name in lower case. Returns 1, or 0: cancelled or not to be opened, in silence; not decoded,
+// with a message. The image is then as it was.
+int loadUserTexture(Image* image, char* title);
+
+// The same for a file that is known. *opened, where wanted, tells the silent failure from the other.
+int loadTextureFile(const char* path, Image* image, int* opened = nullptr);
+
+// Frees the pixels of all slots and of the reflection picture.
+void freeTextures();
