@@ -1,0 +1,63 @@
+// tools/filter.cpp - the list of groups and materials and what choosing from it hides
+#include "tools/filter.h"
+
+#include "platform/boxes.h"
+
+int32_t filterEntryCount(const Mesh* mesh)
+{
+    return mesh->groupCount + mesh->materialCount + 2;
+}
+
+const char* filterEntryName(const Mesh* mesh, int32_t index)
+{
+    if (index == 0)
+        return "All Groups";
+    if (index <= mesh->groupCount)
+        return mesh->groupNames[index - 1];
+    if (index == mesh->groupCount + 1)
+        return "All Materials";
+    return mesh->materialNames[index - mesh->groupCount - 2];
+}
+
+static void showAllFaces(Mesh* mesh)
+{
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+        mesh->faceAttributes[f] &= ~faceHidden;
+}
+
+// Returns how many faces belong to the entry.
+static int32_t showEntry(Mesh* mesh, int32_t index)
+{
+    int32_t shown = 0;
+    bool byMaterial = index > mesh->groupCount + 1;
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    {
+        uint32_t& attributes = mesh->faceAttributes[f];
+        if (attributes & faceDeleted)
+            continue;
+        int32_t entry = byMaterial ? static_cast<int32_t>(faceMaterial(attributes)) + mesh->groupCount + 2
+                                   : static_cast<int32_t>(faceGroup(attributes)) + 1;
+        bool matches = entry == index;
+        attributes = matches ? attributes & ~faceHidden : attributes | faceHidden;
+        shown += matches;
+    }
+    return shown;
+}
+
+void applyFilter(Mesh* mesh, int32_t index)
+{
+    if (!mesh)
+        return;
+    if (index == 0)
+    {
+        showAllFaces(mesh);
+        computeBounds(mesh);
+        return;
+    }
+    if (showEntry(mesh, index) == 0)
+    {
+        showAllFaces(mesh);
+        beep();
+    }
+    computeVisibleBounds(mesh);
+}

@@ -1,0 +1,173 @@
+// tools/statistics.cpp - counting what is wrong with a mesh
+//
+// Edges are sorted into one list for each vertex, that of their lower end, and a list is counted by the upper ends: no
+// hash and no comparison, so no mesh makes it slow.
+#include "tools/statistics.h"
+
+#include "model/memory.h"
+#include "tools/hash.h"
+#include "tools/positions.h"
+
+#include <algorithm>
+
+struct EdgeLists
+{
+    uint32_t* start; // per vertex: of its list in upper; one more for the end of the last
+    uint32_t* upper; // the upper ends of all edges, list by list
+    uint32_t* uses;  // per vertex: how often it is an upper end in the list being counted
+};
+
+static bool isSurface(uint32_t attributes)
+{
+    return (attributes & (faceDeleted | faceLine)) == 0;
+}
+
+static bool repeatsCorner(const Corners& corners, size_t count)
+{
+    for (size_t k = 1; k < count; ++k)
+    {
+        if (std::find(corners.begin(), corners.begin() + k, corners[k]) != corners.begin() + k)
+            return true;
+    }
+    return false;
+}
+
+static bool hasArea(const Plane& plane)
+{
+    return plane.normal[0] != 0 || plane.normal[1] != 0 || plane.normal[2] != 0;
+}
+
+static size_t surfaceCorners(const Corners& corners)
+{
+    return corners[3] == noCorner ? 3 : 4;
+}
+
+static int32_t countDegenerateFaces(const Mesh* mesh)
+{
+    int32_t count = 0;
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    {
+        const Corners& corners = mesh->faces[f];
+        count += isSurface(mesh->faceAttributes[f]) &&
+                 (repeatsCorner(corners, surfaceCorners(corners)) || !hasArea(mesh->facePlanes[f]));
+    }
+    return count;
+}
+
+// Calls visit with the lower and the upper end of every edge.
+template <typename Visit>
+static void visitEdges(const Mesh* mesh, Visit visit)
+{
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    {
+        const Corners& corners = mesh->faces[f];
+        size_t count = surfaceCorners(corners);
+        if (!isSurface(mesh->faceAttributes[f]) || !cornersAreVertices(mesh, corners, count) ||
+            repeatsCorner(corners, count))
+            continue;
+        for (size_t k = 0; k < count; ++k)
+        {
+            uint32_t a = corners[k], b = corners[k + 1 == count ? 0 : k + 1];
+            visit(std::min(a, b), std::max(a, b));
+        }
+    }
+}
+
+static void freeEdgeLists(EdgeLists* lists)
+{
+    workFree(lists->start);
+    workFree(lists->upper);
+    workFree(lists->uses);
+}
+
+static uint32_t* wordBlock(int64_t count)
+{
+    return static_cast<uint32_t*>(workAlloc(blockSize(count, sizeof(uint32_t))));
+}
+
+static int makeEdgeLists(const Mesh* mesh, EdgeLists* lists)
+{
+    *lists = {};
+    uint64_t edgeCount = 0;
+    visitEdges(mesh, [&](uint32_t, uint32_t) { ++edgeCount; });
+    if (edgeCount > UINT32_MAX)
+        return reportOutOfMemory();
+    lists->start = wordBlock(int64_t{ mesh->vertexCount } + 2);
+    lists->upper = lists->start ? wordBlock(static_cast<int64_t>(edgeCount) + 1) : nullptr;
+    lists->uses = lists->upper ? wordBlock(int64_t{ mesh->vertexCount } + 1) : nullptr;
+    if (!lists->uses)
+    {
+        freeEdgeLists(lists);
+        return 0;
+    }
+    return 1;
+}
+
+// Lengths two places on, then their sums: start[v + 1] is where v's list begins, and moves to its end as it fills.
+static void fillEdgeLists(const Mesh* mesh, EdgeLists* lists)
+{
+    visitEdges(mesh, [&](uint32_t lower, uint32_t) { ++lists->start[lower + 2]; });
+    for (int32_t v = 0; v < mesh->vertexCount; ++v)
+        lists->start[v + 2] += lists->start[v + 1];
+    visitEdges(mesh, [&](uint32_t lower, uint32_t upper) { lists->upper[lists->start[lower + 1]++] = upper; });
+}
+
+static void countList(const EdgeLists& lists, int32_t vertex, MeshStatistics* statistics)
+{
+    const uint32_t* first = lists.upper + lists.start[vertex];
+    const uint32_t* last = lists.upper + lists.start[vertex + 1];
+    for (const uint32_t* end = first; end != last; ++end)
+        ++lists.uses[*end];
+    for (const uint32_t* end = first; end != last; ++end)
+    {
+        statistics->openEdges += lists.uses[*end] == 1;
+        statistics->nonManifoldEdges += lists.uses[*end] > 2;
+        lists.uses[*end] = 0; // each edge once, and clean for the next list
+    }
+}
+
+static int countEdges(const Mesh* mesh, MeshStatistics* statistics)
+{
+    EdgeLists lists;
+    if (!makeEdgeLists(mesh, &lists))
+        return 0;
+    fillEdgeLists(mesh, &lists);
+    for (int32_t v = 0; v < mesh->vertexCount; ++v)
+        countList(lists, v, statistics);
+    freeEdgeLists(&lists);
+    return 1;
+}
+
+static int countDuplicateVertices(const Mesh* mesh, int32_t* count)
+{
+    uint32_t mask = tableMask(static_cast<uint64_t>(mesh->vertexCount));
+    int64_t homeCount = int64_t{ mask } + 1;
+    uint32_t* home = wordBlock(homeCount + mesh->vertexCount); // vertex + 1, 0 for none
+    if (!home)
+        return 0;
+    uint32_t* next = home + homeCount; // per vertex: the next vertex + 1 of the same hash
+    for (int32_t i = 0; i < mesh->vertexCount; ++i)
+    {
+        const float* position = mesh->vertices[i].position;
+        uint32_t* first = &home[positionHash(position) & mask];
+        uint32_t stored = *first;
+        while (stored != 0 && !equalPositions(mesh->vertices[stored - 1].position, position))
+            stored = next[stored - 1];
+        if (stored != 0)
+        {
+            ++*count;
+            continue;
+        }
+        next[i] = *first;
+        *first = static_cast<uint32_t>(i) + 1;
+    }
+    workFree(home);
+    return 1;
+}
+
+int gatherStatistics(const Mesh* mesh, MeshStatistics* statistics)
+{
+    *statistics = {};
+    statistics->degenerateFaces = countDegenerateFaces(mesh);
+    return countDuplicateVertices(mesh, &statistics->duplicateVertices) && countEdges(mesh, statistics);
+}

@@ -1,0 +1,71 @@
+// tools/uvs.cpp - the placeholder texture coordinate, and coordinates from the shape
+#include "tools/uvs.h"
+
+#include "model/memory.h"
+
+#include <math.h>
+
+int resetUvs(Mesh* mesh)
+{
+    tableFree(mesh->uvs);
+    mesh->uvs = nullptr;
+    if (!growUvs(mesh, 4))
+        return 0;
+    mesh->uvs[0] = { 0, 0 };
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+        mesh->faceUvs[f] = {};
+    mesh->uvCount = 1;
+    return 1;
+}
+
+// The projection looks along viewAxis, 24 degrees from above and 60 degrees about; textureRight and textureUp complete
+// it to three unit vectors at right angles. No side of a box is narrowed to less than 0.4 of its length.
+constexpr float viewAxis[3] = { 0.7911536f, 0.4067366f, 0.4567727f };
+constexpr float textureRight[3] = { 0.5f, 0, -0.8660254f };
+constexpr float textureUp[3] = { -0.3522442f, 0.9135455f, -0.2033683f };
+constexpr float spreadRadius = 0.1f; // of the sphere that is unrolled evenly, in largest extents of the model
+
+static float dot(const float* a, const float* b)
+{
+    return (a[0] * b[0] + a[1] * b[1]) + a[2] * b[2];
+}
+
+// acos(c) / sqrt(1 - c c) - 1 for c = 0..1: how much longer the arc to the pole is than its projection. A cubic with
+// the right values and slopes at both ends, so that every machine computes the same.
+static float arcExcess(float c)
+{
+    return 0.5707963f + c * (-1.0f + c * (0.6209408f + c * -0.1917371f));
+}
+
+// Positions near the end of the number range overflow on the way; they get the middle of the picture.
+static float finiteOrMiddle(float x)
+{
+    return isfinite(x) ? x : 0.5f;
+}
+
+static Uv projectVertex(const MeshVertex& vertex, const float* centre, float scale)
+{
+    float away[3];
+    for (int axis = 0; axis < 3; ++axis)
+        away[axis] = (vertex.position[axis] - centre[axis]) * scale;
+    float facing = fabsf(dot(vertex.normal, viewAxis));
+    float spread = spreadRadius * arcExcess(facing < 1.0f ? facing : 1.0f);
+    float u = (dot(away, textureRight) + spread * dot(vertex.normal, textureRight)) + 0.5f;
+    float v = (dot(away, textureUp) + spread * dot(vertex.normal, textureUp)) + 0.5f;
+    return { finiteOrMiddle(u), finiteOrMiddle(v) };
+}
+
+int generateUvs(Mesh* mesh)
+{
+    int32_t room = mesh->uvs ? mesh->uvCapacity : 0;
+    if (room < mesh->vertexCount && !growUvs(mesh, mesh->vertexCount - room))
+        return 0;
+    float extent = 0;
+    for (int axis = 0; axis < 3; ++axis)
+        extent = fmaxf(extent, mesh->boundsMax[axis] - mesh->boundsMin[axis]);
+    float scale = extent > 0 ? 1.0f / extent : 0;
+    for (int32_t i = 0; i < mesh->vertexCount; ++i)
+        mesh->uvs[i] = projectVertex(mesh->vertices[i], mesh->centre, scale);
+    mesh->uvCount = mesh->vertexCount;
+    return 1;
+}
