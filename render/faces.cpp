@@ -1,0 +1,308 @@
+// render/faces.cpp - the face drawer: which faces a pass draws, and how a corner gets its colour and its texture place
+#include "render/faces.h"
+
+#include "model/settings.h"
+#include "render/edges.h"
+#include "render/face_blocks.h"
+#include "render/kernels.h"
+#include "render/materials.h"
+#include "render/project.h"
+#include "render/raster.h"
+#include "render/reflect.h"
+
+#include <algorithm>
+#include <bit>
+
+enum TextureKind
+{
+    textureNone,
+    textureCoordinates, // the mesh's own
+    textureReflection
+};
+
+// What all passes of a frame share.
+struct FaceDrawer
+{
+    Mesh* mesh;
+    const FrameTransforms* transforms;
+    uint32_t flags; // renderSettings.renderFlags
+    TextureKind texture;
+    RasterKernels kernels;
+    FaceBlockSorter sortBlock; // null where there is none
+    FillState fill;
+    uint32_t transparent[2 * slotCount]; // of a FacePass
+};
+
+// A material as a pass uses it.
+struct FaceMaterial
+{
+    const Material* material;
+    uint32_t key; // of the vertices shaded with it, on the side of the pass
+};
+
+static TextureKind textureKindOf(const Mesh* mesh, uint32_t flags)
+{
+    const Image* image = renderSettings.currentTexture;
+    if (!image || !image->pixels || image->width <= 0 || image->height <= 0)
+        return textureNone;
+    if (flags & renderMetallic)
+        return textureReflection;
+    // One coordinate is the placeholder of files that have none.
+    return flags & renderTextured && mesh->uvCount > 1 ? textureCoordinates : textureNone;
+}
+
+static FillState fillStateOf(const FrameBuffer* target, uint32_t flags)
+{
+    FillState fill = {};
+    fill.cells = target->cells;
+    fill.pitch = target->pitch;
+    fill.texture = renderSettings.currentTexture;
+    constexpr int32_t fieldStep[4] = { 2048, 1024, 2048, 0 }; // one step of a cell's field in a 16-bit lane
+    constexpr int32_t roughness = 4096;
+    for (int k = 0; k < 4; ++k)
+        fill.noiseAmplitude[k] = fieldStep[k] + (flags & renderRough ? roughness : 0);
+    return fill;
+}
+
+static FaceMaterial materialOf(const FaceDrawer* drawer, uint32_t attributes)
+{
+    uint32_t eyeFacing = attributes & faceEyeFacing;
+    uint32_t key = vertexShaded | (eyeFacing ? vertexEyeFacing : 0);
+    if (!renderSettings.propMaterial)
+        return { eyeFacing ? &rendererMaterials.front : &rendererMaterials.behind, key };
+    uint32_t index = faceMaterial(attributes);
+    return { &drawer->mesh->materials[index], key | index << vertexMaterialShift };
+}
+
+// Colour and reflection of a vertex on the side that is seen, kept until another material or side asks.
+static void shadeProjected(FaceDrawer* drawer, uint32_t index, const FaceMaterial& face)
+{
+    const MeshVertex& vertex = drawer->mesh->vertices[index];
+    ProjectedVertex* projected = &drawer->mesh->projected[index];
+    float normal[3];
+    transformDirection(normal, &drawer->transforms->normal, vertex.normal);
+    if (!(face.key & vertexEyeFacing))
+        for (float& n : normal)
+            n = -n;
+    int inShadow = drawer->flags & renderShadows && projected->flags & vertexShadowed;
+    projected->colour = shadeVertex(face.material, normal, inShadow, drawer->flags, vertex.colour);
+    if (drawer->texture == textureReflection)
+        projected->texture = reflectionOf(normal);
+    projected->flags = (projected->flags & ~vertexKeyMask) | face.key;
+    ++frameStatistics.litVertices;
+}
+
+// Places and depths of the corners of a face that is wholly on the screen. Returns their number, or 0 when a corner is
+// off the screen or is no vertex.
+static int readCorners(const Mesh* mesh, TriangleCorner* out, int32_t faceIndex)
+{
+    const Corners& corners = mesh->faces[faceIndex];
+    int count = cornerCount(corners);
+    for (int k = 0; k < count; ++k)
+    {
+        uint32_t index = corners[static_cast<size_t>(k)];
+        if (index >= static_cast<uint32_t>(mesh->vertexCount))
+            return 0;
+        const ProjectedVertex& vertex = mesh->projected[index];
+        if (vertex.flags & vertexOffScreen)
+            return 0;
+        out[k] = {
+            projectedX(vertex), projectedY(vertex), static_cast<int32_t>(vertex.flags & vertexDepthMask), 0, 0, 0
+        };
+    }
+    return count;
+}
+
+// Colours and texture coordinates of the corners.
+static void shadeCorners(FaceDrawer* drawer, TriangleCorner* out, int count, int32_t faceIndex,
+                         const FaceMaterial& face)
+{
+    const Mesh* mesh = drawer->mesh;
+    for (int k = 0; k < count; ++k)
+    {
+        uint32_t index = mesh->faces[faceIndex][static_cast<size_t>(k)];
+        const ProjectedVertex& vertex = mesh->projected[index];
+        if ((vertex.flags & vertexKeyMask) != face.key)
+            shadeProjected(drawer, index, face);
+        out[k].colour = vertex.colour;
+        if (drawer->texture == textureCoordinates)
+        {
+            uint32_t uv = mesh->faceUvs[faceIndex][static_cast<size_t>(k)];
+            uv = uv < static_cast<uint32_t>(mesh->uvCount) ? uv : 0;
+            out[k].row = mesh->uvs[uv].v;
+            out[k].column = mesh->uvs[uv].u;
+        }
+        else if (drawer->texture == textureReflection)
+        {
+            out[k].row = static_cast<float>(vertex.texture & 0xFFFF) / reflectionPeriod;
+            out[k].column = static_cast<float>(vertex.texture >> 16) / reflectionPeriod;
+        }
+    }
+}
+
+static void fillFace(FaceDrawer* drawer, const TriangleCorner* corners)
+{
+    bool blended = static_cast<int32_t>(drawer->fill.transparency) >= 1;
+    bool textured = drawer->texture != textureNone;
+    SpanState state;
+    if (!drawer->kernels.setUp(&state, corners, textured || blended ? laneCount : plainLanes))
+        return;
+    const RasterKernels& kernels = drawer->kernels;
+    TriangleFiller filler = textured ? kernels.textured : blended ? kernels.transparent : kernels.opaque;
+    filler(&drawer->fill, &state);
+}
+
+// A polyline's points, or a polygon's outline when closed.
+static void drawOutline(FaceDrawer* drawer, const TriangleCorner* corners, int count, bool closed)
+{
+    ++frameStatistics.framePolygons;
+    for (int k = 0; k + 1 < count; ++k)
+        drawLine(&drawer->fill, corners[k], corners[k + 1]);
+    if (closed)
+        drawLine(&drawer->fill, corners[count - 1], corners[0]);
+}
+
+// The half of a quad without corner 1; drawn before the one without corner 3.
+static const TriangleCorner* secondHalfOf(TriangleCorner* half, const TriangleCorner* quad)
+{
+    half[0] = quad[0];
+    half[1] = quad[2];
+    half[2] = quad[3];
+    return half;
+}
+
+// sorted: a triangle that is known to have pixels, or too large to tell.
+static void drawFace(FaceDrawer* drawer, int32_t index, const FaceMaterial& face, bool sorted)
+{
+    TriangleCorner corner[4];
+    int count = readCorners(drawer->mesh, corner, index);
+    if (count == 0)
+        return;
+    bool isLine = drawer->mesh->faceAttributes[index] & faceLine || count == 2;
+    if (isLine || drawer->flags & renderWireframe)
+    {
+        shadeCorners(drawer, corner, count, index, face);
+        return drawOutline(drawer, corner, count, !isLine);
+    }
+    frameStatistics.framePolygons += static_cast<uint32_t>(count - 2);
+    TriangleCorner half[3];
+    bool secondHalf = count == 4 && mayCoverPixels(secondHalfOf(half, corner));
+    bool firstHalf = (sorted && count == 3) || mayCoverPixels(corner);
+    if (!firstHalf && !secondHalf)
+        return;
+    shadeCorners(drawer, corner, count, index, face);
+    drawer->fill.transparency = transparencyByte(face.material) * 0x010101u;
+    if (secondHalf)
+        fillFace(drawer, secondHalfOf(half, corner));
+    if (firstHalf)
+        fillFace(drawer, corner);
+}
+
+// A triangle of one pixel, a corner's, in an opaque pass without a texture.
+static void drawSingle(FaceDrawer* drawer, int32_t faceIndex, uint32_t vertexIndex)
+{
+    ++frameStatistics.framePolygons;
+    const ProjectedVertex& vertex = drawer->mesh->projected[vertexIndex];
+    FillState* fill = &drawer->fill;
+    uint32_t* cell = fill->cells + static_cast<ptrdiff_t>(projectedY(vertex)) * fill->pitch + projectedX(vertex);
+    int32_t depth = static_cast<int32_t>(vertex.flags & vertexDepthMask);
+    if (static_cast<uint32_t>(depth) > *cell >> 16)
+    {
+        FaceMaterial face = materialOf(drawer, drawer->mesh->faceAttributes[faceIndex]);
+        if ((vertex.flags & vertexKeyMask) != face.key)
+            shadeProjected(drawer, vertexIndex, face);
+        *cell = opaqueCell(fill, depth, vertex.colour);
+    }
+    fill->noiseCounter += noiseStep;
+}
+
+// Draws those faces of first..end - 1 that are of the pass. Returns 1 when any face that is not hidden is transparent,
+// whichever way it faces.
+static int drawFaceRange(FaceDrawer* drawer, const FacePass* pass, int32_t first, int32_t end)
+{
+    const Mesh* mesh = drawer->mesh;
+    int anyTransparent = 0;
+    for (int32_t i = first; i < end; ++i)
+    {
+        uint32_t attributes = mesh->faceAttributes[i];
+        if (attributes & (faceHidden | faceDeleted))
+            continue;
+        FaceMaterial face = materialOf(drawer, attributes);
+        bool transparent = face.material->transparency > 0;
+        anyTransparent |= transparent ? 1 : 0;
+        if ((attributes & faceEyeFacing) == pass->side && transparent == !pass->opaque)
+            drawFace(drawer, i, face, false);
+    }
+    return anyTransparent;
+}
+
+// The same in the same order, eight faces a step.
+static int drawFaceBlocks(FaceDrawer* drawer, const FacePass* pass)
+{
+    const Mesh* mesh = drawer->mesh;
+    bool singles = pass->opaque && drawer->texture == textureNone;
+    int anyTransparent = 0;
+    int32_t i = 0;
+    for (; i + faceBlock <= mesh->faceCount; i += faceBlock)
+    {
+        FaceBlock block;
+        drawer->sortBlock(&block, pass, i);
+        anyTransparent |= block.transparent ? 1 : 0;
+        frameStatistics.framePolygons += static_cast<uint32_t>(std::popcount(block.empty));
+        for (uint32_t left = block.drawn | block.single; left; left &= left - 1)
+        {
+            int32_t k = std::countr_zero(left);
+            if (singles && block.single >> k & 1)
+                drawSingle(drawer, i + k, block.vertex[k]);
+            else
+                drawFace(drawer, i + k, materialOf(drawer, mesh->faceAttributes[i + k]), true);
+        }
+    }
+    return drawFaceRange(drawer, pass, i, mesh->faceCount) | anyTransparent;
+}
+
+// Draws the opaque, or the transparent, faces of one side; returns as drawFaceRange does.
+static int drawFaces(FaceDrawer* drawer, uint32_t side, bool opaque)
+{
+    const Mesh* mesh = drawer->mesh;
+    FacePass pass = { side,
+                      opaque ? ~0u : 0,
+                      drawer->transparent,
+                      mesh->projected,
+                      mesh->faces,
+                      mesh->faceAttributes,
+                      static_cast<uint32_t>(mesh->vertexCount) - 1 };
+    bool inBlocks = drawer->sortBlock && !(drawer->flags & renderWireframe) && mesh->vertexCount > 0 &&
+                    mesh->vertexCount <= blockVertexLimit;
+    return inBlocks ? drawFaceBlocks(drawer, &pass) : drawFaceRange(drawer, &pass, 0, mesh->faceCount);
+}
+
+// All ones for the transparent materials, by side and index.
+static void findTransparent(FaceDrawer* drawer)
+{
+    for (uint32_t index = 0; index < 2 * slotCount; ++index)
+    {
+        uint32_t side = index & slotCount ? faceEyeFacing : 0;
+        bool transparent = materialOf(drawer, side | index % slotCount).material->transparency > 0;
+        drawer->transparent[index] = transparent ? ~0u : 0;
+    }
+}
+
+void drawMesh(FrameBuffer* target, Mesh* mesh, const FrameTransforms* transforms)
+{
+    uint32_t flags = renderSettings.renderFlags;
+    FaceDrawer drawer = {
+        mesh, transforms, flags, textureKindOf(mesh, flags), rasterKernels(), faceSorter(), fillStateOf(target, flags),
+        {}
+    };
+    findTransparent(&drawer);
+    bool drawAway = !(flags & renderBackCulled);
+    int anyTransparent = drawFaces(&drawer, faceEyeFacing, true);
+    if (drawAway)
+        drawFaces(&drawer, 0, true);
+    if (!anyTransparent)
+        return;
+    if (drawAway)
+        drawFaces(&drawer, 0, false);
+    drawFaces(&drawer, faceEyeFacing, false);
+}

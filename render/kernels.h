@@ -1,0 +1,32 @@
+// render/kernels.h - which version of each kernel this processor runs
+//
+// displayState.useSse2 off forces the plain versions, whatever the processor has; all versions give the same bits.
+#pragma once
+#include "render/expand.h"
+#include "render/face_blocks.h"
+#include "render/project.h"
+#include "render/raster.h"
+#include "render/shadows.h"
+
+struct RasterKernels
+{
+    TriangleSetup setUp;
+    TriangleFiller opaque, transparent, textured;
+};
+
+struct VertexKernels
+{
+    void (*project)(Mesh* mesh, const FrameTransforms* transforms, int32_t width, int32_t height);
+    void (*projectToLight)(Mesh* mesh, const FrameTransforms* transforms);
+    void (*classify)(Mesh* mesh, const FaceDirections* directions, int32_t first, int32_t end);
+};
+
+using FaceBlockSorter = void (*)(FaceBlock* block, const FacePass* pass, int32_t first);
+using CellExpander = void (*)(uint8_t* pixels, const uint32_t* cells, int32_t count);
+using ShadowFiller = void (*)(uint16_t* map, int32_t side, const ShadowTriangle* triangle);
+
+RasterKernels rasterKernels();
+VertexKernels vertexKernels();
+FaceBlockSorter faceSorter(); // null: there is no plain one, faces are drawn one by one
+CellExpander cellExpander();
+ShadowFiller shadowFiller();

@@ -1,0 +1,309 @@
+// render/shadows.cpp - the light's view of the model and the shadow marks
+//
+// The depth stored at a map entry is that of the face's plane at the entry's whole column and row, where the vertices
+// too stand, and never nearer than the face's nearest corner. It is worked out in 64 bits, wide enough for faces seen
+// edge-on.
+#include "render/shadows.h"
+
+#include "model/matrix.h"
+#include "platform/files.h"
+#include "render/edges.h"
+#include "render/kernels.h"
+#include "render/project.h"
+
+#include <immintrin.h>
+#include <math.h>
+#include <stdlib.h>
+#include <string.h>
+#include <algorithm>
+
+// How far, in columns, the place where an entry's depth was taken can lie from a vertex in that entry, both being known
+// to whole columns and rows only.
+constexpr float ownReach = 2;
+
+void ProjectToLight(Mesh* mesh, const FrameTransforms* transforms)
+{
+    vertexKernels().projectToLight(mesh, transforms);
+}
+
+constexpr int64_t steepestStep = int64_t{ 1 } << 29; // of 16.16 depths that 32 bits are enough for
+
+// a / b in 16.16; a short division where that is enough.
+static int64_t quotient16(int64_t a, int32_t b)
+{
+    if (a >= -32768 && a < 32768)
+        return static_cast<int32_t>(a) * 65536 / b;
+    return a * 65536 / b;
+}
+
+static DepthPlane depthPlaneOf(const TriangleFrame& frame)
+{
+    int64_t dz1 = frame.corner[1]->depth - frame.corner[0]->depth;
+    int64_t dz2 = frame.corner[2]->depth - frame.corner[0]->depth;
+    return { quotient16(dz1 * frame.dy2 - dz2 * frame.dy1, frame.area),
+             quotient16(dz2 * frame.dx1 - dz1 * frame.dx2, frame.area) };
+}
+
+// In 64 bits, for faces so steep that a column's step does not fit in less.
+static void fillSteepShadowSpan(uint16_t* entry, int32_t count, int64_t depth, int64_t perColumn, int32_t highest)
+{
+    for (int32_t i = 0; i < count; ++i, depth += perColumn)
+    {
+        int64_t whole = std::clamp<int64_t>(depth >> 16, 0, highest);
+        entry[i] = std::max(entry[i], static_cast<uint16_t>(whole));
+    }
+}
+
+void fillShadowSpan(uint16_t* entry, int32_t count, int32_t depth, int32_t perColumn, int32_t highest)
+{
+    uint32_t value = static_cast<uint32_t>(depth);
+    for (int32_t i = 0; i < count; ++i, value += static_cast<uint32_t>(perColumn))
+    {
+        int32_t whole = std::clamp(static_cast<int32_t>(value) >> 16, 0, highest);
+        entry[i] = std::max(entry[i], static_cast<uint16_t>(whole));
+    }
+}
+
+static inline void stepToSecondEdges(SpanEdge* left, SpanEdge* right, int32_t y)
+{
+    if (y == right->changeRow)
+        *right = { right->secondX, right->secondStep, 0, 0, noChange };
+    if (y == left->changeRow)
+        *left = { left->secondX, left->secondStep, 0, 0, noChange };
+}
+
+static inline int64_t depthAt(const ShadowTriangle& triangle, int32_t x, int32_t y)
+{
+    return static_cast<int64_t>(triangle.depth) * 65536 + triangle.plane.perRow * (y - triangle.y) +
+           triangle.plane.perColumn * (x - triangle.x);
+}
+
+// The rows of a triangle. A gentle step keeps all depths of a span, and of the column left of it, within 32 bits.
+void fillShadowRows(uint16_t* map, int32_t side, const ShadowTriangle* triangle)
+{
+    const DepthPlane& plane = triangle->plane;
+    bool isSteep = plane.perColumn > steepestStep || plane.perColumn < -steepestStep;
+    SpanEdge left = triangle->left, right = triangle->right;
+    for (int32_t y = triangle->topRow; y < std::min(triangle->bottomRow, side); ++y)
+    {
+        stepToSecondEdges(&left, &right, y);
+        int32_t x = left.x >> 16;
+        int32_t end = std::min((right.x >> 16) + 1, side);
+        int64_t depth = depthAt(*triangle, x, y);
+        uint16_t* entry = map + static_cast<ptrdiff_t>(y) * side + x;
+        if (isSteep)
+            fillSteepShadowSpan(entry, end - x, depth, plane.perColumn, triangle->highest);
+        else
+            fillShadowSpan(entry, end - x, static_cast<int32_t>(depth), static_cast<int32_t>(plane.perColumn),
+                           triangle->highest);
+        left.x += left.step;
+        right.x += right.step;
+    }
+}
+
+#define withAvx2 __attribute__((target("avx2")))
+#define inlineAvx2 __attribute__((target("avx2"), always_inline)) static inline
+
+// What stays the same over the spans of a triangle. The halves of low and high are those that packing brings together.
+struct Avx2Shadow
+{
+    __m256i low, high, sixteen; // steps of sixteen columns, and by sixteen
+    __m256i limit;
+};
+
+inlineAvx2 Avx2Shadow avx2ShadowOf(int32_t perColumn, int32_t highest)
+{
+    __m256i step = _mm256_set1_epi32(perColumn);
+    return { _mm256_mullo_epi32(step, _mm256_setr_epi32(0, 1, 2, 3, 8, 9, 10, 11)),
+             _mm256_mullo_epi32(step, _mm256_setr_epi32(4, 5, 6, 7, 12, 13, 14, 15)), _mm256_slli_epi32(step, 4),
+             _mm256_set1_epi16(static_cast<int16_t>(highest)) };
+}
+
+inlineAvx2 void fillSpanAvx2(const Avx2Shadow& shadow, uint16_t* entry, int32_t count, ptrdiff_t room, int32_t depth,
+                             int32_t perColumn, int32_t highest)
+{
+    const __m256i places = _mm256_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+    __m256i value = _mm256_set1_epi32(depth);
+    int32_t done = 0;
+    for (; done < count && room - done >= 16; done += 16)
+    {
+        __m256i low = _mm256_srai_epi32(_mm256_add_epi32(value, shadow.low), 16);
+        __m256i high = _mm256_srai_epi32(_mm256_add_epi32(value, shadow.high), 16);
+        __m256i depths = _mm256_min_epu16(_mm256_packus_epi32(low, high), shadow.limit);
+        __m256i inside = _mm256_cmpgt_epi16(_mm256_set1_epi16(static_cast<int16_t>(count - done)), places);
+        __m256i* at = reinterpret_cast<__m256i*>(entry + done);
+        _mm256_storeu_si256(at, _mm256_max_epu16(_mm256_loadu_si256(at), _mm256_and_si256(depths, inside)));
+        value = _mm256_add_epi32(value, shadow.sixteen);
+    }
+    if (done < count)
+        fillShadowSpan(entry + done, count - done, _mm256_cvtsi256_si32(value), perColumn, highest);
+}
+
+withAvx2 void fillShadowSpanAvx2(uint16_t* entry, int32_t count, int32_t room, int32_t depth, int32_t perColumn,
+                                 int32_t highest)
+{
+    fillSpanAvx2(avx2ShadowOf(perColumn, highest), entry, count, room, depth, perColumn, highest);
+}
+
+// The map's rows lie far apart, in few of the cache's sets: the row eight rows on is asked for ahead.
+inlineAvx2 void prefetchAhead(const uint16_t* entry, int32_t side)
+{
+    uintptr_t ahead = reinterpret_cast<uintptr_t>(entry) + static_cast<uintptr_t>(side) * 8 * sizeof *entry;
+    _mm_prefetch(reinterpret_cast<const char*>(ahead), _MM_HINT_T0);
+}
+
+withAvx2 void fillShadowRowsAvx2(uint16_t* map, int32_t side, const ShadowTriangle* triangle)
+{
+    const ShadowTriangle t = *triangle; // nothing that is stored in the map changes the copy
+    if (t.plane.perColumn > steepestStep || t.plane.perColumn < -steepestStep)
+        return fillShadowRows(map, side, triangle);
+    int32_t perColumn = static_cast<int32_t>(t.plane.perColumn);
+    Avx2Shadow shadow = avx2ShadowOf(perColumn, t.highest);
+    const uint16_t* mapEnd = map + static_cast<ptrdiff_t>(side) * side;
+    uint16_t* row = map + static_cast<ptrdiff_t>(t.topRow) * side;
+    int64_t rowDepth = depthAt(t, 0, t.topRow);
+    int32_t bottom = std::min(t.bottomRow, side);
+    SpanEdge left = t.left, right = t.right;
+    for (int32_t y = t.topRow; y < bottom; ++y, row += side, rowDepth += t.plane.perRow)
+    {
+        stepToSecondEdges(&left, &right, y);
+        int32_t x = left.x >> 16;
+        int32_t end = std::min((right.x >> 16) + 1, side);
+        int32_t depth = static_cast<int32_t>(rowDepth + t.plane.perColumn * x);
+        prefetchAhead(row + x, side);
+        fillSpanAvx2(shadow, row + x, end - x, mapEnd - (row + x), depth, perColumn, t.highest);
+        left.x += left.step;
+        right.x += right.step;
+    }
+}
+
+static void fillShadowTriangle(FrameBuffer* target, const TriangleCorner* corners, ShadowFiller fillRows)
+{
+    TriangleFrame frame;
+    SpanState edges;
+    if (!frameTriangle(&frame, corners))
+        return;
+    setUpEdges(&edges, frame, slopesOf(frame));
+    const TriangleCorner& origin = *frame.corner[0];
+    ShadowTriangle triangle = { edges.left, edges.right, edges.topRow,       edges.bottomRow, depthPlaneOf(frame),
+                                origin.x,   origin.y,    edges.highestDepth, origin.depth };
+    fillRows(target->shadowMap, target->shadowSize, &triangle);
+}
+
+// The face's corners on the map. Returns their number, up to the first absent one, or 0 when one is off the map.
+static int readLightCorners(TriangleCorner* out, const Mesh* mesh, const Corners& corners)
+{
+    int count = 0;
+    for (uint32_t corner : corners)
+    {
+        if (corner == noCorner)
+            break;
+        if (corner >= static_cast<uint32_t>(mesh->vertexCount))
+            return 0;
+        const ProjectedVertex& vertex = mesh->projected[corner];
+        if (vertex.flags & vertexOffScreen)
+            return 0;
+        out[count++] = {
+            projectedX(vertex), projectedY(vertex), static_cast<int32_t>(vertex.flags & vertexDepthMask), 0, 0, 0
+        };
+    }
+    return count;
+}
+
+void RenderShadowMap(FrameBuffer* target, const Mesh* mesh)
+{
+    ShadowFiller fillRows = shadowFiller();
+    for (int32_t i = 0; i < mesh->faceCount; ++i)
+    {
+        uint32_t attributes = mesh->faceAttributes[i];
+        if (attributes & (faceHidden | faceDeleted) || !(attributes & faceLit))
+            continue;
+        TriangleCorner corner[4];
+        int count = readLightCorners(corner, mesh, mesh->faces[i]);
+        if (count == 4)
+        {
+            const TriangleCorner half[3] = { corner[0], corner[2], corner[3] };
+            fillShadowTriangle(target, half, fillRows);
+        }
+        if (count >= 3)
+            fillShadowTriangle(target, corner, fillRows);
+    }
+}
+
+// Whether an entry that is excess depths nearer to the light than a vertex in it can hold the vertex's own surface:
+// that surface rises by so much within the entry. A surface turned away from the light has another side over it.
+static bool isOwnSurface(uint32_t excess, float towardLight)
+{
+    if (!(towardLight > 0))
+        return false;
+    constexpr float depthsPerColumn = static_cast<float>(depthLimit) / shadowMapSide;
+    float across = sqrtf(std::max(1 - towardLight * towardLight, 0.0f)); // rise = across / towardLight
+    return static_cast<float>(excess) * towardLight <= ownReach * depthsPerColumn * across;
+}
+
+void MarkShadowedVertices(const FrameBuffer* target, Mesh* mesh, const FrameTransforms* transforms)
+{
+    float light[3] = { shadowLightDirection[0], shadowLightDirection[1], shadowLightDirection[2] };
+    normalise(light);
+    transformDirection(light, &transforms->normalTransposed, light);
+    const uint16_t* map = target->shadowMap;
+    int32_t side = target->shadowSize;
+    for (int32_t i = 0; i < mesh->vertexCount; ++i)
+    {
+        ProjectedVertex* vertex = &mesh->projected[i];
+        int32_t column = projectedX(*vertex), row = projectedY(*vertex);
+        uint32_t depth = vertex->flags & vertexDepthMask;
+        bool onMap = !(vertex->flags & vertexOffScreen) && column < side && row < side;
+        uint32_t entry = onMap ? map[static_cast<ptrdiff_t>(row) * side + column] : 0;
+        bool hidden = entry > depth && !isOwnSurface(entry - depth, dotProduct(mesh->vertices[i].normal, light));
+        vertex->flags = hidden ? vertex->flags | vertexShadowed : vertex->flags & ~vertexShadowed;
+    }
+}
+
+// ----- the diagnostic picture
+
+static void putWord(uint8_t* at, uint32_t value, int bytes)
+{
+    for (int i = 0; i < bytes; ++i)
+        at[i] = static_cast<uint8_t>(value >> (8 * i));
+}
+
+static int writeShadowPicture(FILE* file, const FrameBuffer* target)
+{
+    uint32_t side = static_cast<uint32_t>(target->shadowSize);
+    uint32_t rowBytes = (side * 3 + 3) & ~3u;
+    uint8_t header[54] = { 'B', 'M' };
+    putWord(header + 2, side * rowBytes + sizeof header, 4);
+    putWord(header + 10, sizeof header, 4);
+    putWord(header + 14, 40, 4);
+    putWord(header + 18, side, 4);
+    putWord(header + 22, side, 4);
+    putWord(header + 26, 1, 2);
+    putWord(header + 28, 24, 2);
+    putWord(header + 34, side * rowBytes, 4);
+    if (fwrite(header, sizeof header, 1, file) != 1)
+        return 0;
+    uint8_t* row = static_cast<uint8_t*>(calloc(rowBytes, 1));
+    int ok = row != nullptr;
+    for (uint32_t y = side; ok && y-- > 0;)
+    {
+        for (uint32_t x = 0; x < side; ++x)
+            memset(row + x * 3, std::min(target->shadowMap[y * side + x] >> 6, 255), 3);
+        ok = fwrite(row, rowBytes, 1, file) == 1;
+    }
+    free(row);
+    return ok;
+}
+
+int DumpShadowMap(const FrameBuffer* target)
+{
+    static bool called = false;
+    if (called)
+        return 0;
+    called = true;
+    FILE* file = openFile("shadow.bmp", "wb");
+    if (!file)
+        return 0;
+    int written = writeShadowPicture(file, target);
+    return fclose(file) == 0 && written;
+}

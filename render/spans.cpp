@@ -1,0 +1,245 @@
+// render/spans.cpp - the triangle fillers: the meaning of a pixel, written plainly
+//
+// Colours are worked on as 16-bit lanes: 256 steps to a byte of colour, less 32768, so that a lane's top bits are the
+// bits of its field in a cell once the sign is flipped. 0 is -32768 and 255 is 32512.
+#include "render/raster.h"
+
+#include <algorithm>
+
+constexpr int32_t laneBias = 32768;
+constexpr uint32_t cellSigns = 0x8410; // the top bit of each field
+
+static inline int32_t saturate16(int32_t value)
+{
+    return std::clamp(value, -32768, 32767);
+}
+
+// A 16.16 byte of colour as a lane.
+static inline int32_t colourLane(uint32_t colour)
+{
+    return saturate16((static_cast<int32_t>(colour) >> 8) - laneBias);
+}
+
+// The square of the noise counter, as signed 16 bits.
+static inline int32_t noiseSquare(uint32_t counter)
+{
+    return static_cast<int16_t>(counter * counter & 0xFFFF);
+}
+
+static inline int32_t noisyLane(uint32_t colour, int32_t square, int32_t amplitude)
+{
+    return saturate16(colourLane(colour) + (square * amplitude >> 16));
+}
+
+static inline int32_t spanDepth(uint32_t depth, const SpanState* state)
+{
+    return std::clamp(static_cast<int32_t>(depth) >> 16, state->lowestDepth, state->highestDepth);
+}
+
+static inline bool isNearer(int32_t depth, uint32_t cell)
+{
+    return static_cast<uint32_t>(depth) > cell >> 16;
+}
+
+// From unsigned lanes.
+static inline uint32_t packCell(uint32_t blue, uint32_t green, uint32_t red, int32_t depth)
+{
+    return static_cast<uint32_t>(depth) << 16 | (red & 0xF800) | (green >> 10) << 5 | blue >> 11;
+}
+
+// The present colour's fields at the top of 16 bits.
+static inline uint32_t cellBlue(uint32_t cell)
+{
+    return cell << 11 & 0xF800;
+}
+
+static inline uint32_t cellGreen(uint32_t cell)
+{
+    return cell << 5 & 0xFC00;
+}
+
+static inline uint32_t cellRed(uint32_t cell)
+{
+    return cell & 0xF800;
+}
+
+// The colours are 16.16.
+static inline uint32_t noisyCell(const FillState* fill, uint32_t counter, uint32_t blue, uint32_t green, uint32_t red,
+                                 int32_t depth)
+{
+    int32_t square = noiseSquare(counter);
+    uint32_t b = static_cast<uint32_t>(noisyLane(blue, square, fill->noiseAmplitude[0]));
+    uint32_t g = static_cast<uint32_t>(noisyLane(green, square, fill->noiseAmplitude[1]));
+    uint32_t r = static_cast<uint32_t>(noisyLane(red, square, fill->noiseAmplitude[2]));
+    return packCell(b & 0xFFFF, g & 0xFFFF, r & 0xFFFF, depth) ^ cellSigns;
+}
+
+uint32_t opaqueCell(const FillState* fill, int32_t depth, uint32_t colour)
+{
+    uint32_t blue = (colour & 0xFF) << 16, green = (colour & 0xFF00) << 8, red = colour & 0xFF0000;
+    return noisyCell(fill, fill->noiseCounter, blue, green, red, depth);
+}
+
+struct OpaqueSpan
+{
+    static constexpr int32_t lanes = plainLanes;
+
+    static inline void fill(FillState* fill, const SpanState* state, uint32_t* cell, int32_t count,
+                            const uint32_t* start)
+    {
+        uint32_t depth = start[laneDepth];
+        uint32_t blue = start[laneBlue], green = start[laneGreen], red = start[laneRed];
+        uint32_t counter = fill->noiseCounter;
+        for (int32_t i = 0; i < count; ++i)
+        {
+            int32_t pixelDepth = spanDepth(depth, state);
+            if (isNearer(pixelDepth, cell[i]))
+                cell[i] = noisyCell(fill, counter, blue, green, red, pixelDepth);
+            depth += state->perPixel[laneDepth];
+            blue += state->perPixel[laneBlue];
+            green += state->perPixel[laneGreen];
+            red += state->perPixel[laneRed];
+            counter += noiseStep;
+        }
+        fill->noiseCounter = counter;
+    }
+};
+
+struct TransparentSpan
+{
+    static constexpr int32_t lanes = laneCount;
+
+    // The face's unsigned lane plus what of the present field comes through.
+    static inline uint32_t blend(int32_t lane, uint32_t field, uint32_t fourth, uint32_t transparency)
+    {
+        uint32_t share = fourth * (transparency * 256) >> 16;
+        return std::min(static_cast<uint32_t>(lane + laneBias) + (field * share >> 16), 0xFFFFu);
+    }
+
+    static inline void fill(FillState* fill, const SpanState* state, uint32_t* cell, int32_t count,
+                            const uint32_t* start)
+    {
+        uint32_t depth = start[laneDepth];
+        uint32_t colour[4] = { start[laneBlue], start[laneGreen], start[laneRed], start[laneFourth] };
+        uint32_t counter = fill->noiseCounter;
+        uint32_t t = fill->transparency;
+        for (int32_t i = 0; i < count; ++i)
+        {
+            int32_t pixelDepth = spanDepth(depth, state);
+            if (isNearer(pixelDepth, cell[i]))
+            {
+                int32_t square = noiseSquare(counter);
+                int32_t lane[4];
+                for (int32_t k = 0; k < 4; ++k)
+                    lane[k] = noisyLane(colour[k], square, fill->noiseAmplitude[k]);
+                uint32_t fourth = static_cast<uint32_t>(lane[3] + laneBias);
+                uint32_t b = blend(lane[0], cellBlue(cell[i]), fourth, t & 0xFF);
+                uint32_t g = blend(lane[1], cellGreen(cell[i]), fourth, t >> 8 & 0xFF);
+                uint32_t r = blend(lane[2], cellRed(cell[i]), fourth, t >> 16 & 0xFF);
+                cell[i] = packCell(b, g, r, pixelDepth);
+            }
+            depth += state->perPixel[laneDepth];
+            for (int32_t k = 0; k < 4; ++k)
+                colour[k] += state->perPixel[laneBlue + k];
+            counter += noiseStep;
+        }
+        fill->noiseCounter = counter;
+    }
+};
+
+struct TexturedSpan
+{
+    static constexpr int32_t lanes = laneCount;
+
+    // Texel byte x light, mixed with the top byte of the present field: 8 bits and 8 of fraction.
+    static inline uint32_t mix(uint32_t texelByte, uint32_t colour, uint32_t field, uint32_t transparency)
+    {
+        int32_t light = colourLane(colour) + laneBias;
+        int32_t lit = static_cast<int32_t>(texelByte) * light >> 16;
+        int32_t present = static_cast<int32_t>(field >> 8);
+        return static_cast<uint32_t>(lit * 256 + (present - lit) * static_cast<int32_t>(transparency));
+    }
+
+    static inline void fill(FillState* fill, const SpanState* state, uint32_t* cell, int32_t count,
+                            const uint32_t* start)
+    {
+        uint32_t depth = start[laneDepth];
+        uint32_t blue = start[laneBlue], green = start[laneGreen], red = start[laneRed];
+        uint32_t row = start[laneRow], column = start[laneColumn];
+        const Image& image = *fill->texture;
+        uint32_t width = static_cast<uint32_t>(image.width), height = static_cast<uint32_t>(image.height);
+        uint32_t t = fill->transparency;
+        for (int32_t i = 0; i < count; ++i)
+        {
+            int32_t pixelDepth = spanDepth(depth, state);
+            if (isNearer(pixelDepth, cell[i]))
+            {
+                size_t texelRow = (row >> 15 & 0xFFFF) * height >> 16;
+                uint32_t texelColumn = (column >> 15 & 0xFFFF) * width >> 16;
+                uint32_t texel = image.pixels[texelRow * width + texelColumn];
+                uint32_t b = mix(texel & 0xFF, blue, cellBlue(cell[i]), t & 0xFF);
+                uint32_t g = mix(texel >> 8 & 0xFF, green, cellGreen(cell[i]), t >> 8 & 0xFF);
+                uint32_t r = mix(texel >> 16 & 0xFF, red, cellRed(cell[i]), t >> 16 & 0xFF);
+                cell[i] = packCell(b, g, r, pixelDepth);
+            }
+            depth += state->perPixel[laneDepth];
+            blue += state->perPixel[laneBlue];
+            green += state->perPixel[laneGreen];
+            red += state->perPixel[laneRed];
+            row += state->perPixel[laneRow];
+            column += state->perPixel[laneColumn];
+        }
+        fill->noiseCounter += noiseStep * static_cast<uint32_t>(count);
+    }
+};
+
+// Walks the rows and hands each span to its loop, which stands inside the walk: most spans are a few pixels long.
+template <class Span>
+static void fillTriangle(FillState* fill, const SpanState* state)
+{
+    uint32_t value[laneCount];
+    std::copy_n(state->value, Span::lanes, value);
+    uint32_t leftX = static_cast<uint32_t>(state->left.x), leftStep = static_cast<uint32_t>(state->left.step);
+    int32_t rightX = state->right.x, rightStep = state->right.step;
+    const uint32_t(*rowStep)[laneCount] = state->rowStep;
+    uint32_t* row = fill->cells + static_cast<ptrdiff_t>(state->topRow) * fill->pitch;
+    for (int32_t y = state->topRow; y < state->bottomRow; ++y, row += fill->pitch)
+    {
+        if (y == state->right.changeRow)
+        {
+            rightX = state->right.secondX;
+            rightStep = state->right.secondStep;
+        }
+        if (y == state->left.changeRow)
+        {
+            leftX = static_cast<uint32_t>(state->left.secondX);
+            leftStep = static_cast<uint32_t>(state->left.secondStep);
+            std::copy_n(state->secondValue, Span::lanes, value);
+            rowStep = state->rowStep + 2;
+        }
+        int32_t x = static_cast<int32_t>(leftX) >> 16;
+        int32_t count = (rightX >> 16) - x;
+        if (count > 0)
+            Span::fill(fill, state, row + x, count, value);
+        uint32_t carry = ((leftX & 0xFFFF) + (leftStep & 0xFFFF)) >> 16;
+        for (int32_t lane = 0; lane < Span::lanes; ++lane)
+            value[lane] += rowStep[carry][lane];
+        leftX += leftStep;
+        rightX += rightStep;
+    }
+}
+
+void fillOpaque(FillState* fill, const SpanState* state)
+{
+    fillTriangle<OpaqueSpan>(fill, state);
+}
+
+void fillTransparent(FillState* fill, const SpanState* state)
+{
+    fillTriangle<TransparentSpan>(fill, state);
+}
+
+void fillTextured(FillState* fill, const SpanState* state)
+{
+    fillTriangle<TexturedSpan>(fill, state);
+}

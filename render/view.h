@@ -1,0 +1,52 @@
+// render/view.h - how the user looks at the model, and the transforms of one frame that follow from it
+//
+// The picture is orthographic. The model is moved to its centre, scaled by its radius, turned by the view rotation and
+// magnified by the zoom; x points right, y up and z toward the eye. The light turns with the view: it is fixed to the
+// screen.
+#pragma once
+#include "model/matrix.h"
+
+#include <stdint.h>
+
+struct ViewState
+{
+    Matrix rotation; // turns the model before it is projected
+    Matrix step;     // multiplied onto it before every frame while continuousRedraw is set
+};
+
+extern ViewState viewState;
+
+struct FrameTransforms
+{
+    Matrix screen;           // model to pixels and depth
+    Matrix light;            // model to columns, rows and depth of the shadow map
+    Matrix normal;           // model directions to eye space
+    Matrix normalTransposed; // eye directions to model space
+};
+
+// Direction toward light 1, the shadows' and the lit side's light; not normalised.
+constexpr float shadowLightDirection[3] = { -1, 1, 1 };
+constexpr float eyeDirection[3] = { 0, 0, 1 };
+
+// The view as it was before anybody touched it: identities, no spin, zoom 1.
+void resetView();
+
+// The rotations alone, as opening a model does.
+void resetViewRotations();
+
+// One frame of spin: rotation = step x rotation.
+void spinView();
+
+// The rotation by an angle in radians about a unit axis, turning clockwise for one who looks against the axis: about
+// current x reference it takes the reference point of a drag to the current one.
+void rotationAboutAxis(Matrix* out, float angle, const float* axis);
+
+// Turns about the screen's x, then y, then z axis, in degrees; positive angles turn from y to z, from z to x, from x
+// to y, so that the front of the model moves down, to the right, and counter-clockwise.
+void rotationAboutScreenAxes(Matrix* out, float degreesX, float degreesY, float degreesZ);
+
+// The frame's transforms for a model of that centre and radius (not above 0: drawn unscaled) on a display of that size.
+void setUpCamera(FrameTransforms* out, const float* centre, float radius, int32_t width, int32_t height);
+
+// The rotation and offset into the shadow map for a light direction of any length; parallel to the y axis is fine.
+void setUpLightView(Matrix* out, const float* direction);
