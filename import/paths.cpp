@@ -1,0 +1,88 @@
+// import/paths.cpp - looking for named files beside a model
+#include "import/paths.h"
+
+#include "import/dispatch.h"
+#include "platform/files.h"
+
+#include <algorithm>
+
+static bool fileOpens(const std::string& path)
+{
+    FILE* file = openFile(path.c_str(), "rb");
+    if (file)
+        fclose(file);
+    return file != nullptr;
+}
+
+#ifdef _WIN32
+static const char separators[] = "/\\:";
+#else
+static const char separators[] = "/";
+#endif
+
+// "" for the current folder, else with its separator.
+static std::string folderOf(const std::string& path)
+{
+    return path.substr(0, path.find_last_of(separators) + 1);
+}
+
+static bool isAbsolute(const std::string& name)
+{
+#ifdef _WIN32
+    if (name[0] == '\\' || name.find(':') != std::string::npos)
+        return true;
+#endif
+    return name[0] == '/';
+}
+
+// folder + name, each part of the name looked up ignoring letter case. Empty when a part is not there.
+static std::string findIgnoringCase(std::string folder, const std::string& name)
+{
+    size_t begin = 0;
+    for (;;)
+    {
+        size_t end = std::min(name.find('/', begin), name.size());
+        std::string part = name.substr(begin, end - begin);
+        char found[1024];
+        if (!part.empty() && !findNameIgnoringCase(folder.c_str(), part.c_str(), found, sizeof found))
+            return {};
+        if (!part.empty())
+            folder += found;
+        if (end == name.size())
+            return folder;
+        folder += '/';
+        begin = end + 1;
+    }
+}
+
+static std::string findInFolder(const std::string& folder, const std::string& name)
+{
+    std::string path = folder + name;
+    if (fileOpens(path))
+        return path;
+    std::string slashed = name;
+    std::replace(slashed.begin(), slashed.end(), '\\', '/');
+    path = folder + slashed;
+    if (fileOpens(path))
+        return path;
+    path = findIgnoringCase(folder, slashed);
+    return !path.empty() && fileOpens(path) ? path : std::string{};
+}
+
+std::string findModelFile(const char* modelPath, const char* name)
+{
+    if (!*name)
+        return {};
+    if (isAbsolute(name))
+        return fileOpens(name) ? name : std::string{};
+    return findInFolder(folderOf(modelPath), name);
+}
+
+std::string findTextureFile(const char* modelPath, const char* name)
+{
+    std::string path = findModelFile(modelPath, name);
+    const char* bare = fileNameOf(name);
+    if (path.empty() && *bare)
+        path = findInFolder(folderOf(modelPath), bare);
+    return path;
+}
