@@ -1,0 +1,97 @@
+// export/face_order.cpp - sorting faces by counting
+#include "export/face_order.h"
+#include "model/memory.h"
+#include "platform/pages.h"
+
+struct FaceOrder
+{
+    int32_t groups;         // at least 1
+    int32_t materials;      // at least 1
+    int32_t* pairEnds;      // [groups * materials + 1]: entry p + 1 is the end of pair p in faces, entry p its start
+    int32_t* faces;         // live faces by pair = group * materials + material; null: no memory for it
+    uint8_t met[slotCount]; // groups with a live face of any material
+};
+
+// The pair of a face, -1 when it is not to be written.
+static int32_t pairOf(const FaceOrder* order, uint32_t attributes)
+{
+    int32_t group = static_cast<int32_t>(faceGroup(attributes));
+    int32_t material = static_cast<int32_t>(faceMaterial(attributes));
+    if ((attributes & faceDeleted) != 0 || group >= order->groups || material >= order->materials)
+        return -1;
+    return group * order->materials + material;
+}
+
+static void noteGroups(FaceOrder* order, const Mesh* mesh)
+{
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+        if ((mesh->faceAttributes[f] & faceDeleted) == 0)
+            order->met[faceGroup(mesh->faceAttributes[f])] = 1;
+}
+
+// One block for the pairs and the faces. Counts first, then places: the start of each pair moves to its end.
+static void sortFaces(FaceOrder* order, const Mesh* mesh)
+{
+    int64_t pairs = int64_t{ order->groups } * order->materials;
+    size_t bytes = blockSize(pairs + 2 + mesh->faceCount, sizeof(int32_t));
+    int32_t* block = static_cast<int32_t*>(allocatePages(bytes));
+    if (!block)
+        return;
+    int32_t* counts = block + 2; // two further along, so that placing leaves each start and end where it belongs
+    order->pairEnds = block;
+    order->faces = block + pairs + 2;
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    {
+        int32_t pair = pairOf(order, mesh->faceAttributes[f]);
+        if (pair >= 0)
+            ++counts[pair];
+    }
+    for (int64_t p = 1; p < pairs; ++p)
+        counts[p] += counts[p - 1];
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    {
+        int32_t pair = pairOf(order, mesh->faceAttributes[f]);
+        if (pair >= 0)
+            order->faces[block[pair + 1]++] = f;
+    }
+}
+
+struct Visit
+{
+    void* context;
+    void (*faceMet)(void* context, int32_t material, int32_t face);
+};
+
+static void visitPair(const FaceOrder* order, const Mesh* mesh, int32_t group, int32_t material, const Visit* visit)
+{
+    int32_t pair = group * order->materials + material;
+    if (order->faces)
+    {
+        for (int32_t i = order->pairEnds[pair]; i < order->pairEnds[pair + 1]; ++i)
+            visit->faceMet(visit->context, material, order->faces[i]);
+        return;
+    }
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+        if (pairOf(order, mesh->faceAttributes[f]) == pair)
+            visit->faceMet(visit->context, material, f);
+}
+
+void visitFacesInOrder(const Mesh* mesh, void* context, void (*groupMet)(void* context, int32_t group),
+                       void (*faceMet)(void* context, int32_t material, int32_t face))
+{
+    FaceOrder order = {};
+    order.groups = mesh->groupCount > 0 ? mesh->groupCount : 1;
+    order.materials = mesh->materialCount > 0 ? mesh->materialCount : 1;
+    noteGroups(&order, mesh);
+    sortFaces(&order, mesh);
+    Visit visit = { context, faceMet };
+    for (int32_t group = 0; group < order.groups; ++group)
+    {
+        if (!order.met[group])
+            continue;
+        groupMet(context, group);
+        for (int32_t material = 0; material < order.materials; ++material)
+            visitPair(&order, mesh, group, material, &visit);
+    }
+    releasePages(order.pairEnds);
+}

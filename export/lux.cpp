@@ -1,0 +1,168 @@
+// export/lux.cpp - the scene's view, its list of pictures, and the four files
+#include "export/lux.h"
+#include "export/file_names.h"
+#include "export/lux_parts.h"
+#include "export/output_file.h"
+#include "model/memory.h"
+#include "platform/boxes.h"
+#include "platform/files.h"
+
+static void writeCamera(TextWriter* writer, const LuxScene* scene)
+{
+    float scale = scene->mesh->radius > 1.0f ? scene->mesh->radius : 1.0f;
+    writeLine(writer, "# Global Settings");
+    writeBlankLine(writer);
+    writeLine(writer, "LookAt %f %f %f", 0.0f, -1.94f * scale, 0.36f * scale);
+    writeLine(writer, "       %f %f %f", 0.0f, 0.0f, 0.36f * scale);
+    writeLine(writer, "       %f %f %f", 0.0f, 0.0f, 1.0f);
+    writeBlankLine(writer);
+    writeLine(writer, R"(Camera "perspective")");
+    writeLine(writer, R"(   "float fov" [28.0])");
+    writeBlankLine(writer);
+}
+
+static void writeFilm(TextWriter* writer, const LuxScene* scene)
+{
+    writeLine(writer, R"(Film "fleximage")");
+    writeLine(writer, R"( "integer xresolution" [%d])", 800);
+    writeLine(writer, R"( "integer yresolution" [%d])", 600);
+    writeLine(writer, R"( "string filename" ["%s_img"])", scene->baseName.c_str());
+    writeLine(writer, R"( "bool write_png" ["true"])");
+    writeLine(writer, R"( "string tonemapkernel" ["maxwhite"])");
+    writeBlankLine(writer);
+    writeLine(writer, R"(PixelFilter "gaussian")");
+    writeLine(writer, R"( "float xwidth" [1.3])");
+    writeLine(writer, R"( "float ywidth" [1.3])");
+    writeBlankLine(writer);
+    writeLine(writer, R"(Sampler "lowdiscrepancy")");
+    writeBlankLine(writer);
+    writeLine(writer, R"(SurfaceIntegrator "path")");
+    writeLine(writer, R"( "integer maxdepth" [10])");
+    writeBlankLine(writer);
+    writeLine(writer, R"(Accelerator "kdtree")");
+    writeBlankLine(writer);
+}
+
+// A lamp, and a sky for those who prefer it, commented out.
+static void writeLights(TextWriter* writer)
+{
+    writeLine(writer, R"(LightGroup "directional")");
+    writeLine(writer, R"(LightSource "distant")");
+    writeLine(writer, R"( "color L" [0.8 0.7 0.4])");
+    writeLine(writer, R"( "float gain" [1])");
+    writeLine(writer, R"( "point from" [%f %f %f])", 0.2f, -2.0f, 0.7f);
+    writeLine(writer, R"( "point to" [%f %f %f])", 0.0f, 0.0f, 0.0f);
+    writeBlankLine(writer);
+    writeLine(writer, R"(#LightGroup "sky")");
+    writeLine(writer, R"(#LightSource "sunsky")");
+    writeLine(writer, R"(#   "float gain" [0.00100])");
+    writeLine(writer, R"(#   "vector sundir" [%f %f %f])", -0.5f, -2.0f, 1.0f);
+    writeLine(writer, R"(#   "float relsize" [1.00000])");
+    writeLine(writer, R"(#   "float turbidity" [2.00000])");
+}
+
+void writeLuxView(TextWriter* writer, LuxScene* scene)
+{
+    writeCamera(writer, scene);
+    writeFilm(writer, scene);
+    writeLine(writer, "# The Scene");
+    writeLine(writer, "WorldBegin");
+    writeLine(writer, "AttributeBegin");
+    writeBlankLine(writer);
+    writeLights(writer);
+    writeLine(writer, "AttributeEnd");
+    writeBlankLine(writer);
+    writeLine(writer, R"(Include "%s.lxm")", scene->baseName.c_str());
+    writeLine(writer, R"(Include "%s.lxo")", scene->baseName.c_str());
+    writeBlankLine(writer);
+    writeLine(writer, "WorldEnd");
+}
+
+// Each name once, compared byte for byte.
+static void writeDistinctNames(TextWriter* writer, const char (*names)[nameRoom], int32_t count)
+{
+    for (int32_t i = 0; i < count; ++i)
+    {
+        int32_t earlier = 0;
+        while (strcmp(names[earlier], names[i]) != 0) // ends at i
+            ++earlier;
+        if (*names[i] && earlier == i)
+            writeLine(writer, "%s", names[i]);
+    }
+}
+
+void writeLuxTextures(TextWriter* writer, LuxScene* scene)
+{
+    writeDistinctNames(writer, scene->mesh->textureNames, scene->materials);
+    writeDistinctNames(writer, scene->mesh->opacityNames, scene->materials);
+}
+
+struct LuxFile
+{
+    const char* ending;
+    void (*write)(TextWriter* writer, LuxScene* scene);
+};
+
+static const LuxFile luxFiles[] = {
+    { ".lxo", writeLuxGeometry },
+    { ".lxm", writeLuxMaterials },
+    { ".lxs", writeLuxView },
+    { "_textures.txt", writeLuxTextures },
+};
+constexpr int luxFileCount = sizeof luxFiles / sizeof luxFiles[0];
+
+static int writeLuxFile(const LuxFile* which, FILE* file, LuxScene* scene)
+{
+    TextWriter writer;
+    startText(&writer, file);
+    which->write(&writer, scene);
+    return finishText(&writer);
+}
+
+// The folder with its separator, and the file name up to its first ".".
+static void splitPath(const std::string& path, std::string* folder, std::string* baseName)
+{
+    size_t start = nameStart(path);
+    *folder = path.substr(0, start);
+    *baseName = path.substr(start, path.find('.', start) - start);
+}
+
+int exportLuxRender(const Mesh* mesh, const char* modelFileName)
+{
+    std::string folder, baseName;
+    splitPath(modelFileName, &folder, &baseName);
+    LuxScene scene;
+    int ok = openLuxScene(&scene, mesh, baseName);
+    for (int i = 0; ok && i < luxFileCount; ++i)
+    {
+        FILE* file = openFile((folder + baseName + luxFiles[i].ending).c_str(), "wb");
+        ok = file != nullptr;
+        if (file)
+        {
+            writeLuxFile(&luxFiles[i], file, &scene);
+            fclose(file);
+        }
+    }
+    closeLuxScene(&scene);
+    if (ok)
+        messageBox((baseName + ".lxo, .lxm and .lxs files exported").c_str(), "LuxRender Export", iconNone);
+    return ok;
+}
+
+int writeLuxFiles(const Mesh* mesh, const char* path)
+{
+    std::string folder, baseName;
+    splitPath(path, &folder, &baseName);
+    LuxScene scene;
+    OutputFile outputs[luxFileCount] = {};
+    int ok = openLuxScene(&scene, mesh, baseName) || reportOutOfMemory();
+    for (int i = 0; ok && i < luxFileCount; ++i)
+    {
+        ok = openOutput(&outputs[i], (folder + baseName + luxFiles[i].ending).c_str()) &&
+             closeOutput(&outputs[i], writeLuxFile(&luxFiles[i], outputs[i].file, &scene));
+    }
+    closeLuxScene(&scene);
+    ok = ok && commitOutputs(outputs, luxFileCount);
+    abandonOutputs(outputs, luxFileCount);
+    return ok;
+}

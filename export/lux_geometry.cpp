@@ -1,0 +1,261 @@
+// export/lux_geometry.cpp - one triangle mesh for each material slot
+//
+// A scene's vertex has one texture coordinate, a mesh's vertex has one for each face. The slot's vertices are numbered
+// in the order of their first use and take the coordinate they have there; a corner with another coordinate gets a
+// vertex after all of those, which corners of the same vertex and coordinate share.
+#include "export/lux_parts.h"
+#include "model/memory.h"
+#include "platform/pages.h"
+
+static int usedCorners(const Corners& corners)
+{
+    int count = 0;
+    while (count < 4 && corners[static_cast<size_t>(count)] != noCorner)
+        ++count;
+    return count;
+}
+
+// The material slot that a face is written with; the flags do not matter. -1: past the mesh's materials.
+static int32_t slotOf(const LuxScene* scene, int32_t f)
+{
+    int32_t slot = static_cast<int32_t>(faceMaterial(scene->mesh->faceAttributes[f]));
+    return slot < scene->materials ? slot : -1;
+}
+
+static void sortFaces(LuxScene* scene)
+{
+    int32_t next[slotCount] = {};
+    for (int32_t f = 0; f < scene->mesh->faceCount; ++f)
+        if (slotOf(scene, f) >= 0)
+            ++next[slotOf(scene, f)];
+    for (int32_t m = 0; m < scene->materials; ++m)
+    {
+        scene->slotEnds[m + 1] = scene->slotEnds[m] + next[m];
+        next[m] = scene->slotEnds[m];
+    }
+    for (int32_t f = 0; f < scene->mesh->faceCount; ++f)
+        if (slotOf(scene, f) >= 0)
+            scene->slotFaces[next[slotOf(scene, f)]++] = f;
+}
+
+static int64_t countSlotCorners(const LuxScene* scene, int32_t slot)
+{
+    int64_t corners = 0;
+    for (int32_t i = scene->slotEnds[slot]; i < scene->slotEnds[slot + 1]; ++i)
+        corners += usedCorners(scene->mesh->faces[scene->slotFaces[i]]);
+    return corners;
+}
+
+// Entries of the hash table for so many corners: a power of two, at most half of it filled.
+static int64_t tableEntries(int64_t corners)
+{
+    int64_t entries = 16;
+    while (entries < 2 * corners)
+        entries *= 2;
+    return entries;
+}
+
+// A mesh without vertices or faces gets room for one all the same: nothing is no refusal.
+static void* takeRoom(int64_t count, size_t elementSize)
+{
+    return allocatePages(blockSize(count > 0 ? count : 1, elementSize));
+}
+
+int openLuxScene(LuxScene* scene, const Mesh* mesh, const std::string& baseName)
+{
+    *scene = {};
+    scene->mesh = mesh;
+    scene->baseName = baseName;
+    scene->materials = mesh->materialCount > 0 ? mesh->materialCount : 1;
+    scene->slotFaces = static_cast<int32_t*>(takeRoom(mesh->faceCount, sizeof(int32_t)));
+    scene->newIndex = static_cast<int32_t*>(takeRoom(mesh->vertexCount, sizeof(int32_t)));
+    if (!scene->slotFaces || !scene->newIndex)
+        return 0;
+    sortFaces(scene);
+    int64_t mostCorners = 0;
+    for (int32_t m = 0; m < scene->materials; ++m)
+    {
+        int64_t corners = countSlotCorners(scene, m);
+        mostCorners = corners > mostCorners ? corners : mostCorners;
+    }
+    if (mostCorners > INT32_MAX)
+        return 0; // more vertices than a scene's indices can name
+    scene->vertices = static_cast<LuxVertex*>(takeRoom(mostCorners, sizeof(LuxVertex)));
+    if (mesh->uvCount > 0)
+        scene->others = static_cast<int32_t*>(takeRoom(tableEntries(mostCorners), sizeof(int32_t)));
+    return scene->vertices && (scene->others || mesh->uvCount <= 0);
+}
+
+void closeLuxScene(LuxScene* scene)
+{
+    releasePages(scene->slotFaces);
+    releasePages(scene->newIndex);
+    releasePages(scene->vertices);
+    releasePages(scene->others);
+    scene->slotFaces = scene->newIndex = scene->others = nullptr;
+    scene->vertices = nullptr;
+}
+
+static LuxVertex cornerOf(const Mesh* mesh, int32_t f, size_t k)
+{
+    LuxVertex corner = { mesh->faces[f][k], 0, 0 };
+    if (mesh->uvCount > 0)
+    {
+        const Uv& uv = mesh->uvs[mesh->faceUvs[f][k]];
+        corner.u = uv.u;
+        corner.v = uv.v;
+    }
+    return corner;
+}
+
+// Equal numbers, or the same bits when they are none.
+static int sameUv(const LuxVertex& a, const LuxVertex& b)
+{
+    return (a.u == b.u && a.v == b.v) || (memcmp(&a.u, &b.u, sizeof a.u) == 0 && memcmp(&a.v, &b.v, sizeof a.v) == 0);
+}
+
+// Of equal value for equal corners: -0 counts as 0.
+static uint64_t hashOf(const LuxVertex& corner)
+{
+    float pair[2] = { corner.u + 0.0f, corner.v + 0.0f };
+    uint64_t bits;
+    memcpy(&bits, pair, sizeof bits);
+    bits = (bits ^ corner.vertex * 0x9E3779B97F4A7C15ull) * 0xD6E8FEB86659FD93ull;
+    bits ^= bits >> 32;
+    return bits * 0xD6E8FEB86659FD93ull >> 20;
+}
+
+// What a slot's faces have come to so far.
+struct SlotShape
+{
+    int32_t vertexCount; // in scene->vertices
+    int64_t tableMask;
+    int32_t triangles;
+};
+
+static void numberVertices(LuxScene* scene, int32_t slot, SlotShape* shape)
+{
+    const Mesh* mesh = scene->mesh;
+    for (int32_t i = scene->slotEnds[slot]; i < scene->slotEnds[slot + 1]; ++i)
+    {
+        int32_t f = scene->slotFaces[i];
+        int corners = usedCorners(mesh->faces[f]);
+        shape->triangles += corners > 2 ? corners - 2 : 0;
+        for (size_t k = 0; k < static_cast<size_t>(corners); ++k)
+        {
+            int32_t* index = &scene->newIndex[mesh->faces[f][k]];
+            if (*index < 0)
+            {
+                *index = shape->vertexCount;
+                scene->vertices[shape->vertexCount++] = cornerOf(mesh, f, k);
+            }
+        }
+    }
+}
+
+static int32_t indexOfCorner(LuxScene* scene, const LuxVertex& corner, SlotShape* shape)
+{
+    int32_t first = scene->newIndex[corner.vertex];
+    if (!scene->others || sameUv(scene->vertices[first], corner))
+        return first;
+    int64_t place = static_cast<int64_t>(hashOf(corner)) & shape->tableMask;
+    for (; scene->others[place] != 0; place = (place + 1) & shape->tableMask)
+    {
+        int32_t other = scene->others[place] - 1;
+        if (scene->vertices[other].vertex == corner.vertex && sameUv(scene->vertices[other], corner))
+            return other;
+    }
+    scene->vertices[shape->vertexCount] = corner;
+    scene->others[place] = ++shape->vertexCount;
+    return shape->vertexCount - 1;
+}
+
+static void writeTriangle(TextWriter* writer, int32_t a, int32_t b, int32_t c)
+{
+    char* out = formatInt(textRoom(writer), a);
+    *out++ = ' ';
+    out = formatInt(out, b);
+    *out++ = ' ';
+    textWritten(writer, endLine(formatInt(out, c)));
+}
+
+// A quad (a, b, c, d) is (a, b, c) and (c, d, a). Vertices of lines count, but make no triangle.
+static void writeTriangles(TextWriter* writer, LuxScene* scene, int32_t slot, SlotShape* shape)
+{
+    for (int32_t i = scene->slotEnds[slot]; i < scene->slotEnds[slot + 1]; ++i)
+    {
+        int32_t f = scene->slotFaces[i], index[4];
+        int corners = usedCorners(scene->mesh->faces[f]);
+        for (size_t k = 0; k < static_cast<size_t>(corners); ++k)
+            index[k] = indexOfCorner(scene, cornerOf(scene->mesh, f, k), shape);
+        if (corners > 2)
+            writeTriangle(writer, index[0], index[1], index[2]);
+        if (corners > 3)
+            writeTriangle(writer, index[2], index[3], index[0]);
+    }
+}
+
+static void writeTriple(TextWriter* writer, const float* v)
+{
+    char* out = formatPlain(textRoom(writer), v[0]);
+    *out++ = ' ';
+    out = formatPlain(out, -v[2]);
+    *out++ = ' ';
+    textWritten(writer, endLine(formatPlain(out, v[1])));
+}
+
+static void writeVertices(TextWriter* writer, const LuxScene* scene, const SlotShape* shape)
+{
+    const Mesh* mesh = scene->mesh;
+    writeLine(writer, "\t] \"point P\" [");
+    for (int32_t i = 0; i < shape->vertexCount; ++i)
+        writeTriple(writer, mesh->vertices[scene->vertices[i].vertex].position);
+    writeLine(writer, "\t] \"normal N\" [");
+    for (int32_t i = 0; i < shape->vertexCount; ++i)
+        writeTriple(writer, mesh->vertices[scene->vertices[i].vertex].normal);
+    if (mesh->uvCount > 0)
+    {
+        writeLine(writer, "\t] \"float uv\" [");
+        for (int32_t i = 0; i < shape->vertexCount; ++i)
+        {
+            char* out = formatPlain(textRoom(writer), scene->vertices[i].u);
+            *out++ = ' ';
+            textWritten(writer, endLine(formatPlain(out, scene->vertices[i].v)));
+        }
+    }
+    writeLine(writer, "\t]");
+}
+
+// The vertices met go back to unmet, and the part of the table that was in use is emptied.
+static void forgetSlot(LuxScene* scene, const SlotShape* shape)
+{
+    for (int32_t i = 0; i < shape->vertexCount; ++i)
+        scene->newIndex[scene->vertices[i].vertex] = -1;
+    if (scene->others)
+        memset(scene->others, 0, static_cast<size_t>(shape->tableMask + 1) * sizeof(int32_t));
+}
+
+static void writeShape(TextWriter* writer, LuxScene* scene, int32_t slot)
+{
+    SlotShape shape = { 0, tableEntries(countSlotCorners(scene, slot)) - 1, 0 };
+    numberVertices(scene, slot, &shape);
+    if (shape.triangles > 0)
+    {
+        writeLine(writer, "\tNamedMaterial \"%s\"", scene->mesh->materialNames[slot]);
+        writeLine(writer, "\tShape \"trianglemesh\" \"integer indices\" [");
+        writeTriangles(writer, scene, slot, &shape);
+        writeVertices(writer, scene, &shape);
+    }
+    forgetSlot(scene, &shape);
+}
+
+void writeLuxGeometry(TextWriter* writer, LuxScene* scene)
+{
+    for (int32_t i = 0; i < scene->mesh->vertexCount; ++i)
+        scene->newIndex[i] = -1;
+    writeLine(writer, "AttributeBegin # %s", scene->baseName.c_str());
+    writeLine(writer, "\tTransform [1.0 0.0 0.0 0.0  0.0 1.0 0.0 0.0  0.0 0.0 1.0 0.0  0.0 0.0 0.0 1.0]");
+    for (int32_t m = 0; m < scene->materials; ++m)
+        writeShape(writer, scene, m);
+    writeLine(writer, "AttributeEnd");
+}

@@ -1,0 +1,36 @@
+// export/lux_parts.h - the texts of a LuxRender scene, one function for each file
+#pragma once
+#include "export/text_writer.h"
+#include "model/mesh.h"
+
+#include <string>
+
+// A vertex as it is written: a mesh vertex with one of its texture coordinates.
+struct LuxVertex
+{
+    uint32_t vertex;
+    float u, v;
+};
+
+struct LuxScene
+{
+    const Mesh* mesh;
+    std::string baseName;
+    int32_t materials; // slots written, at least 1
+
+    // Work memory of the geometry
+    int32_t slotEnds[slotCount + 1]; // faces of slot m: slotFaces[slotEnds[m]] up to slotEnds[m + 1]
+    int32_t* slotFaces;              // faces by material slot, in record order
+    int32_t* newIndex;               // of a mesh vertex among the slot's vertices, -1: not met
+    LuxVertex* vertices;             // of the slot: those met, by order of first use, then the ones made for other uvs
+    int32_t* others;                 // hash table of the latter: index + 1, 0: free; null without texture coordinates
+};
+
+// Sorts the faces and takes the work memory. Returns 1, or 0 when memory was refused; closeLuxScene in either case.
+int openLuxScene(LuxScene* scene, const Mesh* mesh, const std::string& baseName);
+void closeLuxScene(LuxScene* scene);
+
+void writeLuxGeometry(TextWriter* writer, LuxScene* scene);
+void writeLuxMaterials(TextWriter* writer, LuxScene* scene);
+void writeLuxView(TextWriter* writer, LuxScene* scene);
+void writeLuxTextures(TextWriter* writer, LuxScene* scene);

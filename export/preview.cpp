@@ -1,0 +1,241 @@
+// export/preview.cpp - reducing a frame, packing it as a QuickDraw picture, wrapping that in a resource fork
+//
+// All numbers in the file are big-endian.
+#include "export/preview.h"
+
+#include <stddef.h>
+
+static void put16(std::string* bytes, uint32_t value)
+{
+    *bytes += static_cast<char>(value >> 8 & 0xFF);
+    *bytes += static_cast<char>(value & 0xFF);
+}
+
+static void put32(std::string* bytes, uint32_t value)
+{
+    put16(bytes, value >> 16);
+    put16(bytes, value & 0xFFFF);
+}
+
+// Reduction: every source pixel goes to its nearest cell, with a weight that falls off with the distance along each
+// axis. The cells past the last row and column are gathered and forgotten.
+constexpr int32_t cellsPerSide = previewSide + 1;
+
+struct PreviewCells
+{
+    float sums[cellsPerSide][cellsPerSide][3];
+    float weights[cellsPerSide][cellsPerSide];
+};
+
+// The nearest cell of a source row or column and its weight there.
+struct CellWeight
+{
+    int32_t cell;
+    float weight;
+};
+
+static CellWeight cellOf(int32_t index, float scale)
+{
+    float place = static_cast<float>(index) * scale;
+    int32_t cell = static_cast<int32_t>(place + 0.5f);
+    float distance = static_cast<float>(cell) - place;
+    return { cell, 1.0f - (distance < 0 ? -distance : distance) };
+}
+
+static void gatherRow(PreviewCells* cells, const PreviewSource* source, int32_t y, float scale)
+{
+    int32_t side = source->height;
+    int32_t firstColumn = (source->width - side) / 2;
+    const uint8_t* row = source->bits + static_cast<ptrdiff_t>(y) * source->strideBytes;
+    CellWeight down = cellOf(y, scale);
+    for (int32_t x = 0; x < side; ++x)
+    {
+        int32_t column = firstColumn + x;
+        if (column < 0 || column >= source->width)
+            continue;
+        CellWeight across = cellOf(x, scale);
+        float weight = across.weight * down.weight;
+        float* sums = cells->sums[down.cell][across.cell];
+        for (int32_t c = 0; c < 3; ++c)
+            sums[c] += weight * static_cast<float>(row[column * 3 + c]);
+        cells->weights[down.cell][across.cell] += weight;
+    }
+}
+
+static uint8_t toByte(float value)
+{
+    return value < 255.0f ? static_cast<uint8_t>(value) : uint8_t{ 255 };
+}
+
+void reduceToPreview(const PreviewSource* source, uint8_t* pixels)
+{
+    PreviewCells cells = {};
+    float scale = static_cast<float>(previewSide) / static_cast<float>(source->height > 0 ? source->height : 1);
+    for (int32_t y = 0; y < source->height; ++y)
+        gatherRow(&cells, source, y, scale);
+    for (int32_t y = 0; y < previewSide; ++y)
+    {
+        for (int32_t x = 0; x < previewSide; ++x, pixels += 4)
+        {
+            float weight = cells.weights[y][x];
+            float factor = weight == 0 ? 1.0f : 1.0f / weight;
+            const float* sums = cells.sums[y][x];
+            pixels[2] = toByte(factor * sums[0]);
+            pixels[1] = toByte(factor * sums[1]);
+            pixels[0] = pixels[1]; // the third channel is not used
+            pixels[3] = 0;
+        }
+    }
+}
+
+// Equal bytes from here on, at most 128.
+static int32_t runLength(const uint8_t* bytes, int32_t count)
+{
+    int32_t length = 1;
+    while (length < count && length < 128 && bytes[length] == bytes[0])
+        ++length;
+    return length;
+}
+
+// PackBits: a run of 3 or more equal bytes as 1 - n and the byte; others in groups of at most 128 after n - 1.
+static void packBits(std::string* packed, const uint8_t* bytes, int32_t count)
+{
+    constexpr int32_t shortestRun = 3, longestGroup = 128;
+    int32_t at = 0;
+    while (at < count)
+    {
+        int32_t run = runLength(bytes + at, count - at);
+        if (run >= shortestRun)
+        {
+            *packed += static_cast<char>(1 - run);
+            *packed += static_cast<char>(bytes[at]);
+            at += run;
+            continue;
+        }
+        int32_t end = at;
+        while (end < count && end - at < longestGroup && runLength(bytes + end, count - end) < shortestRun)
+            ++end;
+        *packed += static_cast<char>(end - at - 1);
+        packed->append(reinterpret_cast<const char*>(bytes + at), static_cast<size_t>(end - at));
+        at = end;
+    }
+}
+
+static void putRectangle(std::string* picture)
+{
+    put16(picture, 0);
+    put16(picture, 0);
+    put16(picture, previewSide);
+    put16(picture, previewSide);
+}
+
+static void putPictureHeader(std::string* picture)
+{
+    put16(picture, 0); // size, when it is known
+    putRectangle(picture);
+    put16(picture, 0x0011); // version
+    put16(picture, 0x02FF);
+    put16(picture, 0x0C00); // header
+    put32(picture, 0xFFFFFFFF);
+    for (int32_t word : { 0, 0, 0, 0, previewSide, 0, previewSide, 0 })
+        put16(picture, static_cast<uint32_t>(word));
+    put32(picture, 0);
+    put16(picture, 0x0001); // clip region
+    put16(picture, 10);
+    putRectangle(picture);
+}
+
+static void putPixelMap(std::string* picture)
+{
+    put16(picture, 0x009A); // direct bits
+    put32(picture, 0x000000FF);
+    put16(picture, previewSide * 4 | 0x8000); // row bytes
+    putRectangle(picture);
+    put16(picture, 0);                         // version
+    put16(picture, 4);                         // packed by component
+    put32(picture, 0);                         // size
+    for (uint32_t word : { 72u, 0u, 72u, 0u }) // resolution, 16.16
+        put16(picture, word);
+    put16(picture, 16); // pixels are direct
+    put16(picture, 32); // bits
+    put16(picture, 3);  // components
+    put16(picture, 8);  // bits of one
+    for (int i = 0; i < 3; ++i)
+        put32(picture, 0); // plane bytes, colour table, reserved
+    putRectangle(picture); // source
+    putRectangle(picture); // destination
+    put16(picture, 0);     // copy
+}
+
+// The planes of a row one after the other, after their packed length: 16 bits, as a row is longer than 250 bytes.
+static void putRow(std::string* picture, const uint8_t* pixels)
+{
+    static_assert(3 * previewSide > 250);
+    std::string packed;
+    for (int32_t plane = 0; plane < 3; ++plane)
+    {
+        uint8_t bytes[previewSide];
+        for (int32_t x = 0; x < previewSide; ++x)
+            bytes[x] = pixels[x * 4 + plane];
+        packBits(&packed, bytes, previewSide);
+    }
+    put16(picture, static_cast<uint32_t>(packed.size()));
+    *picture += packed;
+}
+
+std::string encodePicture(const uint8_t* pixels)
+{
+    std::string picture;
+    putPictureHeader(&picture);
+    putPixelMap(&picture);
+    for (int32_t y = 0; y < previewSide; ++y)
+        putRow(&picture, pixels + y * previewSide * 4);
+    if (picture.size() % 2 != 0)
+        picture += '\0';
+    put16(&picture, 0x00FF); // end of picture
+    // At most 91 rows of 2 + 3 x 92 bytes: the size fits its 16 bits.
+    picture[0] = static_cast<char>(picture.size() >> 8 & 0xFF);
+    picture[1] = static_cast<char>(picture.size() & 0xFF);
+    return picture;
+}
+
+static void putForkHeader(std::string* file, uint32_t pictureBytes)
+{
+    put32(file, 256);                // where the data is
+    put32(file, 260 + pictureBytes); // where the map is
+    put32(file, pictureBytes + 4);   // bytes of data
+    put32(file, 58);                 // bytes of the map
+}
+
+static void putResourceMap(std::string* file, uint32_t pictureBytes)
+{
+    putForkHeader(file, pictureBytes);
+    put32(file, 0);  // next map
+    put32(file, 0);  // file reference, attributes
+    put16(file, 28); // type list
+    put16(file, 50); // name list
+    put16(file, 0);  // types - 1
+    *file += "PICT";
+    put16(file, 0);   // resources of the type - 1
+    put16(file, 10);  // reference list
+    put16(file, 128); // resource id
+    put16(file, 0);   // name
+    put32(file, 0);   // attributes, data
+    put32(file, 0);   // handle
+    *file += '\7';
+    *file += "previeu"; // the name it has always had
+}
+
+std::string previewFile(const PreviewSource* source)
+{
+    uint8_t pixels[previewSide * previewSide * 4];
+    reduceToPreview(source, pixels);
+    std::string picture = encodePicture(pixels), file;
+    uint32_t pictureBytes = static_cast<uint32_t>(picture.size());
+    putForkHeader(&file, pictureBytes);
+    file.append(240, '\0');
+    put32(&file, pictureBytes);
+    file += picture;
+    putResourceMap(&file, pictureBytes);
+    return file;
+}

@@ -1,0 +1,59 @@
+// export/text_writer.h - text through one block into a file
+//
+// Every writer fills a block of its own and hands it to the file when it is full, so that a number costs its digits and
+// nothing else. A write that fails is remembered: nothing more is written, and finishText tells.
+#pragma once
+#include "export/number_format.h"
+
+#include <stddef.h>
+#include <stdio.h>
+
+constexpr size_t textBlockBytes = 64 * 1024;
+constexpr size_t textLineRoom = 512; // the most that one textRoom may ask for
+
+struct TextWriter
+{
+    FILE* file; // the caller's, open for binary writing
+    int failed;
+    size_t usedBytes;
+    char block[textBlockBytes + numberSlack];
+};
+
+void startText(TextWriter* writer, FILE* file);
+
+// Hands what is left to the file, which stays open. Returns 1 when everything was written, else 0.
+int finishText(TextWriter* writer);
+
+void flushText(TextWriter* writer);
+
+// Where the next bytes go: room for textLineRoom bytes, and numberSlack more to spoil. textWritten takes the end of
+// what was put there.
+inline char* textRoom(TextWriter* writer)
+{
+    if (writer->usedBytes + textLineRoom > textBlockBytes)
+        flushText(writer);
+    return writer->block + writer->usedBytes;
+}
+
+inline void textWritten(TextWriter* writer, const char* end)
+{
+    writer->usedBytes = static_cast<size_t>(end - writer->block);
+}
+
+inline char* endLine(char* out)
+{
+    out[0] = '\r';
+    out[1] = '\n';
+    return out + 2;
+}
+
+// Any bytes, however many.
+void writeBytes(TextWriter* writer, const void* bytes, size_t count);
+
+// A line, its end added. In the format "%s" is a string, "%d" an int, "%f" a float, "%%" a percent sign.
+#if defined(__GNUC__)
+__attribute__((format(printf, 2, 3)))
+#endif
+void writeLine(TextWriter* writer, const char* format, ...);
+
+void writeBlankLine(TextWriter* writer);
