@@ -1,0 +1,11 @@
+// shell/commands.h - what the menu and the main window do
+#pragma once
+
+// Runs the menu command with this identifier. 1, or 0 when there is none such.
+int runCommand(int id);
+
+// The main window was minimised, or took another size.
+void mainWindowSized(bool minimised);
+
+// The main window became active or inactive.
+void mainWindowActivated(bool active);

@@ -1,0 +1,216 @@
+// shell/display.cpp - the trackball and the zoom
+#include "shell/display.h"
+
+#include "model/settings.h"
+#include "render/frame.h"
+#include "render/view.h"
+#include "shell/scene.h"
+
+#include <math.h>
+#include <algorithm>
+
+constexpr int32_t smallestSide = 10;
+constexpr float leastTurn = 0.0001f; // sine of an angle that counts as no movement
+constexpr float leastSpin = 0.017f;  // radians a step: a slower flick stops on release
+
+struct TrackballDrag
+{
+    bool dragging;
+    float reference[3]; // trails the pointer
+    float current[3];
+    Matrix savedRotation; // the view when the drag began
+};
+
+struct ZoomDrag
+{
+    bool zooming;
+    float anchor; // pointer row x zoom
+};
+
+static TrackballDrag trackball;
+static ZoomDrag zoomState;
+static bool rightDrag;
+
+void displayCreated()
+{
+    displayState.fullRedraw = 1;
+}
+
+static bool bufferServes()
+{
+    return frameBuffer.pitch >= displayState.displayWidth + displayMargin &&
+           frameBuffer.rows >= displayState.displayHeight + displayMargin;
+}
+
+// A display that has outgrown the frame buffer gets a larger one. Returns 0, with the old buffer, when there is no
+// memory.
+static int fitFrameBuffer()
+{
+    if (!frameBuffer.cells || bufferServes())
+        return 1;
+    FrameBuffer larger = {};
+    if (!createFrameBuffer(&larger))
+        return 0;
+    destroyFrameBuffer(&frameBuffer);
+    frameBuffer = larger;
+    return 1;
+}
+
+void displayResized(int32_t width, int32_t height)
+{
+    int32_t oldWidth = displayState.displayWidth, oldHeight = displayState.displayHeight;
+    displayState.displayWidth = std::max(width, smallestSide);
+    displayState.displayHeight = std::max(height, smallestSide);
+    if (!fitFrameBuffer())
+    {
+        displayState.displayWidth = oldWidth;
+        displayState.displayHeight = oldHeight;
+    }
+    displayState.fullRedraw = 1;
+    displayState.redrawPending = 1;
+}
+
+void displayPainted()
+{
+    displayState.fullRedraw = 1;
+    if (displayState.appRunning)
+        PresentRect(&frameBuffer, 0, 0, displayState.displayWidth - 1, displayState.displayHeight - 1, 0);
+}
+
+void displayMouseMoved(bool leftHeld, bool rightHeld, int32_t x, int32_t y)
+{
+    if (leftHeld)
+        rotateDrag(dragMove, x, y);
+    else if (rightHeld)
+    {
+        rightDrag = true;
+        zoomDrag(dragMove, y);
+    }
+}
+
+void displayLeftButton(DragCode code, int32_t x, int32_t y)
+{
+    rotateDrag(code, x, y);
+}
+
+void displayRightButton(DragCode code, int32_t y)
+{
+    if (code == dragDown)
+    {
+        displayState.continuousRedraw = 0;
+        zoomDrag(dragDown, y);
+    }
+    else if (code == dragUp)
+    {
+        zoomDrag(dragDown, y); // the release re-anchors the zoom, on purpose
+        displayState.redrawPending = 1;
+    }
+}
+
+void endDrags()
+{
+    trackball.dragging = false;
+    zoomState.zooming = false;
+}
+
+bool lastDragWasRight()
+{
+    return rightDrag;
+}
+
+void zoomDrag(DragCode code, int32_t y)
+{
+    if (code == dragDown)
+    {
+        zoomState.zooming = true;
+        zoomState.anchor = static_cast<float>(y) * renderSettings.zoom;
+    }
+    else if (code == dragMove && zoomState.zooming)
+    {
+        if (y > 0)
+            renderSettings.zoom = std::max(zoomState.anchor / static_cast<float>(y), 1.0f);
+        displayState.redrawPending = 1;
+    }
+}
+
+// The point of a ball behind the display that lies under the pointer; eye space, unit length.
+static void trackballPoint(int32_t x, int32_t y, float* point)
+{
+    float halfWidth = static_cast<float>(displayState.displayWidth) * 0.5f;
+    float halfHeight = static_cast<float>(displayState.displayHeight) * 0.5f;
+    float r = displayState.displayWidth >= displayState.displayHeight ? halfWidth : halfHeight;
+    float r2 = r * r;
+    if (r2 == 0)
+        r2 = 0.001f;
+    point[0] = static_cast<float>(x) - halfWidth;
+    point[1] = halfHeight - static_cast<float>(y);
+    point[2] = r * r2 / (point[0] * point[0] + r2 + point[1] * point[1]);
+    normalise(point);
+}
+
+static void moveReference()
+{
+    for (int i = 0; i < 3; ++i)
+        trackball.reference[i] = (trackball.reference[i] + trackball.current[i]) * 0.5f;
+}
+
+// The turn from the reference to the current point: the rotation about current x reference. Returns its angle in
+// radians, 0 with the identity for no movement.
+static float turnBetween(Matrix* rotation)
+{
+    float axis[3];
+    crossProduct(trackball.current, trackball.reference, axis);
+    float length = normalise(axis);
+    if (!(length >= leastTurn))
+    {
+        *rotation = identityMatrix;
+        return 0;
+    }
+    float angle = asinf(std::min(length, 1.0f));
+    if (dotProduct(trackball.current, trackball.reference) < 0)
+        angle = 3.141592f - angle;
+    rotationAboutAxis(rotation, angle, axis);
+    return angle;
+}
+
+static void beginTurn(int32_t x, int32_t y)
+{
+    trackball.dragging = true;
+    trackballPoint(x, y, trackball.reference);
+    trackballPoint(x, y, trackball.current);
+    trackball.savedRotation = viewState.rotation;
+    displayState.continuousRedraw = 0;
+}
+
+static void turn(int32_t x, int32_t y)
+{
+    moveReference();
+    trackballPoint(x, y, trackball.current);
+    turnBetween(&viewState.rotation);
+    multiplyMatrices(&viewState.rotation, &viewState.rotation, &trackball.savedRotation);
+    displayState.redrawPending = 1;
+}
+
+// The dragging flag stays on: a later release applies one more step.
+static void endTurn(int32_t x, int32_t y)
+{
+    moveReference();
+    normalise(trackball.reference);
+    trackballPoint(x, y, trackball.current);
+    float angle = turnBetween(&viewState.step);
+    multiplyMatrices(&viewState.rotation, &viewState.step, &viewState.rotation);
+    displayState.continuousRedraw = angle > leastSpin;
+    displayState.redrawPending = 1;
+}
+
+void rotateDrag(DragCode code, int32_t x, int32_t y)
+{
+    if (code == dragDown)
+        beginTurn(x, y);
+    else if (!trackball.dragging)
+        return;
+    else if (code == dragMove)
+        turn(x, y);
+    else
+        endTurn(x, y);
+}

@@ -1,0 +1,215 @@
+// shell/panel.cpp - one row for each control of the tool panel
+#include "shell/panel.h"
+
+#include "export/lux.h"
+#include "image/textures.h"
+#include "model/settings.h"
+#include "platform/boxes.h"
+#include "platform/controls.h"
+#include "render/materials.h"
+#include "resources/ids.h"
+#include "shell/scene.h"
+#include "tools/duplicates.h"
+#include "tools/filter.h"
+#include "tools/orientation.h"
+#include "tools/polygons.h"
+#include "tools/split.h"
+#include "tools/weld.h"
+
+#include <stdio.h>
+
+static int filterOn;        // "By Group" is ticked
+static int filterSelection; // the last list index chosen while it was
+
+static void setFlag(uint32_t flag, bool on)
+{
+    renderSettings.renderFlags = on ? renderSettings.renderFlags | flag : renderSettings.renderFlags & ~flag;
+}
+
+void fillFilterList(const Mesh* mesh)
+{
+    if (!mesh)
+        return;
+    clearFilterList();
+    for (int32_t i = 0; i < filterEntryCount(mesh); ++i)
+        addFilterEntry(filterEntryName(mesh, i));
+    selectFilterEntry(0);
+    filterSelection = 0;
+    filterOn = 0;
+    checkPanelBox(ID_BY_GROUP, 0);
+}
+
+static void setPanelCount(int id, int32_t count)
+{
+    char text[16];
+    snprintf(text, sizeof text, "%d", count);
+    setPanelText(id, text);
+}
+
+void updateStatistics()
+{
+    const Mesh* mesh = currentMesh();
+    if (!mesh)
+        return;
+    setPanelCount(ID_VERT_COUNT, mesh->vertexCount);
+    setPanelCount(ID_FACE_COUNT, mesh->liveFaceCount);
+    setPanelCount(ID_UV_COUNT, mesh->uvCount);
+    setPanelCount(ID_LINE_COUNT, mesh->lineCount);
+    setPanelCount(ID_GROUP_COUNT, mesh->groupCount);
+    setPanelCount(ID_MATERIAL_COUNT, mesh->materialCount);
+}
+
+void initPanel()
+{
+    uint32_t flags = renderSettings.renderFlags;
+    checkPanelBox(ID_WIREFRAME, (flags & renderWireframe) != 0);
+    checkPanelBox(ID_BACKCULLED, (flags & renderBackCulled) != 0);
+    checkPanelBox(ID_TEXTURED, (flags & renderTextured) != 0);
+    checkPanelBox(ID_VERTEX_COLOUR, (flags & renderVertexColour) != 0);
+    checkPanelBox(ID_SHADOWS, flags >> 7 != 0); // counts the surface switches, too, on purpose
+    fillFilterList(currentMesh());
+    updateStatistics();
+}
+
+static void filterBy(int index)
+{
+    if (Mesh* mesh = currentMesh())
+    {
+        applyFilter(mesh, index);
+        fitModelList(&modelList);
+    }
+    askForRedraw();
+}
+
+static void selectFilter(int)
+{
+    if (filterOn)
+    {
+        filterSelection = selectedFilterEntry();
+        filterBy(filterSelection);
+    }
+    else
+        selectFilterEntry(0);
+    focusMainWindow();
+}
+
+static void switchFilter(int)
+{
+    filterOn = panelBoxChecked(ID_BY_GROUP);
+    int index = filterOn ? filterSelection : 0;
+    selectFilterEntry(index);
+    filterBy(index);
+}
+
+// The check boxes that stand for one bit each.
+static void switchFlag(int id)
+{
+    static const struct
+    {
+        int id;
+        uint32_t flag;
+    } flags[] = {
+        { ID_WIREFRAME, renderWireframe },        { ID_BACKCULLED, renderBackCulled },
+        { ID_TEXTURED, renderTextured },          { ID_SHADOWS, renderShadows },
+        { ID_VERTEX_COLOUR, renderVertexColour }, { ID_ROUGH, renderRough },
+        { ID_METALLIC, renderMetallic },          { ID_MOON, renderMoon },
+    };
+    for (const auto& row : flags)
+    {
+        if (row.id == id)
+            setFlag(row.flag, panelBoxChecked(id) != 0);
+    }
+    askForRedraw();
+}
+
+static void switchTextured(int id)
+{
+    if (panelBoxChecked(id))
+    {
+        setFlag(renderWireframe, false);
+        checkPanelBox(ID_WIREFRAME, 0);
+    }
+    switchFlag(id);
+}
+
+static void switchMetallic(int id)
+{
+    bool on = panelBoxChecked(id) != 0;
+    renderSettings.currentTexture = on ? &ReflectionImage : &TextureSlots[renderSettings.textureIndex];
+    ApplyPreset(on ? presetWhite : renderSettings.materialPreset, presetBrick);
+    switchFlag(id);
+}
+
+// The mesh tools; what each leaves to be shown again.
+static void runTool(int id)
+{
+    Mesh* mesh = currentMesh();
+    if (!mesh)
+        return;
+    switch (id)
+    {
+    case ID_INVERT: invertMesh(mesh); break;
+    case ID_FIX_NORMALS: fixNormals(mesh); break;
+    case ID_WELD:
+        weldVertices(mesh);
+        fitModelList(&modelList);
+        break;
+    case ID_DUP_FACES: removeDuplicateFaces(mesh); break;
+    case ID_TRI: makeTriangles(mesh); break;
+    case ID_QUAD: makeQuads(mesh); break;
+    case ID_SPLIT:
+        splitMesh(mesh);
+        fillFilterList(mesh);
+        break;
+    }
+    if (id != ID_INVERT && id != ID_FIX_NORMALS)
+        updateStatistics();
+    askForRedraw();
+}
+
+static void exportLux(int)
+{
+    const Mesh* mesh = currentMesh();
+    if (!mesh || !exportLuxRender(mesh, currentFileName))
+        messageBox("Failed to export", "LuxRender Export", iconNone);
+    askForRedraw();
+}
+
+static void focusPanel(int)
+{
+    focusToolPanel();
+}
+
+struct PanelCommand
+{
+    int id;
+    void (*run)(int id);
+};
+
+constexpr int idEnter = 1; // the default button, which only takes the focus
+
+static const PanelCommand panelCommands[] = {
+    { idEnter, focusPanel },       { ID_FILTER_LIST, selectFilter },
+    { ID_BY_GROUP, switchFilter }, { ID_WIREFRAME, switchFlag },
+    { ID_BACKCULLED, switchFlag }, { ID_TEXTURED, switchTextured },
+    { ID_SHADOWS, switchFlag },    { ID_VERTEX_COLOUR, switchFlag },
+    { ID_ROUGH, switchFlag },      { ID_METALLIC, switchMetallic },
+    { ID_MOON, switchFlag },       { ID_INVERT, runTool },
+    { ID_WELD, runTool },          { ID_FIX_NORMALS, runTool },
+    { ID_DUP_FACES, runTool },     { ID_TRI, runTool },
+    { ID_QUAD, runTool },          { ID_SPLIT, runTool },
+    { ID_LUX_EXPORT, exportLux },
+};
+
+int runPanelCommand(int id)
+{
+    for (const PanelCommand& command : panelCommands)
+    {
+        if (command.id == id)
+        {
+            command.run(id);
+            return 1;
+        }
+    }
+    return 0;
+}

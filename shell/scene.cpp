@@ -1,0 +1,125 @@
+// shell/scene.cpp - start-up, the current model, the end
+#include "shell/scene.h"
+
+#include "image/textures.h"
+#include "import/dispatch.h"
+#include "model/builtin.h"
+#include "model/settings.h"
+#include "platform/boxes.h"
+#include "platform/controls.h"
+#include "render/materials.h"
+#include "render/view.h"
+#include "resources/ids.h"
+#include "shell/panel.h"
+
+#include <stdio.h>
+#include <string.h>
+
+ModelList modelList;
+FrameBuffer frameBuffer;
+
+Mesh* currentMesh()
+{
+    return modelList.count > 0 ? modelList.meshes[0] : nullptr;
+}
+
+void askForRedraw()
+{
+    displayState.fullRedraw = 1;
+    displayState.redrawPending = 1;
+}
+
+static void nameModel(const char* name)
+{
+    snprintf(currentFileName, sizeof currentFileName, "%s", name);
+}
+
+void showFileTitle()
+{
+    char title[fileNameRoom + 64];
+    snprintf(title, sizeof title, "%s: %s", programName, currentFileName);
+    setWindowTitle(title);
+}
+
+void showSavedTitle()
+{
+    char title[fileNameRoom + 64];
+    snprintf(title, sizeof title, "%s: File %s saved", programName, currentFileName);
+    setWindowTitle(title);
+}
+
+void showLoadedMesh(Mesh* mesh, const char* shortName)
+{
+    installMesh(&modelList, mesh);
+    nameModel(shortName);
+    fillFilterList(mesh);
+    updateStatistics();
+    resetViewRotations();
+    showFileTitle();
+}
+
+static void startSwitches()
+{
+    renderSettings = startSettings;
+    checkMenuItem(ID_BACKGROUND_GREY1, 1);
+    checkMenuItem(ID_KEYFRAMES_3DS, 1);
+    checkMenuItem(ID_EXACT_WELD, 1);
+}
+
+// The command line's model, or null when it cannot be read; the reader has said why.
+static Mesh* readNamedModel(const char* fileName)
+{
+    Mesh* mesh = createMesh("object");
+    char shortName[shortNameRoom];
+    if (!mesh || !readModelFile(mesh, fileName, shortName, 1))
+    {
+        freeMesh(mesh);
+        return nullptr;
+    }
+    nameModel(shortName);
+    return mesh;
+}
+
+static Mesh* makeBuiltInModel(int* hasMaterials)
+{
+    nameModel("teapot");
+    Mesh* mesh = createMesh("teapot");
+    if (mesh && !loadBuiltInModel(mesh, hasMaterials))
+    {
+        messageBox("Internal Object error", "Error", iconNone);
+        freeMesh(mesh);
+        return nullptr;
+    }
+    return mesh;
+}
+
+int buildScene(const char* fileName)
+{
+    startSwitches();
+    loadBuiltInTextures();
+    checkMenuItem(ID_TEXTURE_WOOD, 1);
+    int hasMaterials = 1;
+    Mesh* mesh = readNamedModel(fileName);
+    if (!mesh)
+        mesh = makeBuiltInModel(&hasMaterials);
+    if (!mesh)
+        return 0;
+    renderSettings.materialPreset = hasMaterials ? presetProp : presetBrass;
+    ApplyPreset(renderSettings.materialPreset, renderSettings.backPreset);
+    checkMenuItem(ID_PRESET_BRASS + renderSettings.materialPreset, 1);
+    resetViewRotations();
+    installMesh(&modelList, mesh);
+    SetLight(0, 1);
+    checkMenuItem(ID_LIGHT_1, 1);
+    return 1;
+}
+
+void releaseModels()
+{
+    clearModelList(&modelList);
+}
+
+void releasePictures()
+{
+    freeTextures();
+}

@@ -1,0 +1,28 @@
+// shell/win32/display_window.cpp - the display window's messages
+#include "shell/win32/windows.h"
+
+#include "model/settings.h"
+#include "shell/display.h"
+
+#include <windowsx.h>
+
+LRESULT CALLBACK displayProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    int x = GET_X_LPARAM(lParam), y = GET_Y_LPARAM(lParam); // signed: a drag may leave the window
+    switch (message)
+    {
+    case WM_CREATE: displayCreated(); break;
+    case WM_SIZE: displayResized(LOWORD(lParam), HIWORD(lParam)); break;
+    case WM_ERASEBKGND:
+        if (displayState.appRunning)
+            return 1; // the picture covers it all; a white flash would show between erasing and painting
+        break;
+    case WM_PAINT: displayPainted(); break;
+    case WM_MOUSEMOVE: displayMouseMoved((wParam & MK_LBUTTON) != 0, (wParam & MK_RBUTTON) != 0, x, y); break;
+    case WM_LBUTTONDOWN: displayLeftButton(dragDown, x, y); break;
+    case WM_LBUTTONUP: displayLeftButton(dragUp, x, y); break;
+    case WM_RBUTTONDOWN: displayRightButton(dragDown, y); break;
+    case WM_RBUTTONUP: displayRightButton(dragUp, y); break;
+    }
+    return DefWindowProcW(window, message, wParam, lParam);
+}

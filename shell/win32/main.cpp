@@ -1,0 +1,22 @@
+// shell/win32/main.cpp - the entry point of the desktop program
+#include "platform/win32/names.h"
+#include "shell/win32/windows.h"
+
+// What follows the program's own name on the command line.
+static const wchar_t* argumentsOf(const wchar_t* line)
+{
+    bool quoted = false;
+    for (; *line && (quoted || (*line != L' ' && *line != L'\t')); ++line)
+        quoted ^= *line == L'"';
+    while (*line == L' ' || *line == L'\t')
+        ++line;
+    return line;
+}
+
+// The command line is taken from the system in wide characters: the one given here knows the machine's code page only.
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, char*, int showState)
+{
+    if (previous)
+        return 0;
+    return runDesktop(instance, utf8FromWide(argumentsOf(GetCommandLineW())).c_str(), showState);
+}

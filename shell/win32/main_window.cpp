@@ -1,0 +1,26 @@
+// shell/win32/main_window.cpp - the main window's messages
+#include "shell/win32/windows.h"
+
+#include "shell/commands.h"
+
+LRESULT CALLBACK mainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message)
+    {
+    case WM_DESTROY: PostQuitMessage(0); break;
+    case WM_SIZE: mainWindowSized(wParam == SIZE_MINIMIZED); return 0;
+    case WM_ACTIVATE: mainWindowActivated(LOWORD(wParam) != WA_INACTIVE); return 0;
+    case WM_SYSCOMMAND:
+        if ((wParam & 0xFFF0) == SC_CLOSE)
+        {
+            DestroyWindow(window);
+            return 0;
+        }
+        break;
+    case WM_COMMAND:
+        if (runCommand(LOWORD(wParam)))
+            return 0;
+        break;
+    }
+    return DefWindowProcW(window, message, wParam, lParam);
+}

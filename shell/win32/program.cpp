@@ -1,0 +1,184 @@
+// shell/win32/program.cpp - one instance, three windows, one message loop
+#include "platform/boxes.h"
+#include "platform/processor.h"
+#include "platform/win32/handles.h"
+#include "model/settings.h"
+#include "render/frame.h"
+#include "shell/command_line.h"
+#include "shell/loop.h"
+#include "shell/panel.h"
+#include "shell/placement.h"
+#include "shell/scene.h"
+#include "shell/win32/windows.h"
+
+#include <commctrl.h>
+
+constexpr wchar_t mainClass[] = L"Kestrelbox"; // also the default title
+constexpr wchar_t displayClass[] = L"display";
+constexpr DWORD mainStyle = WS_CLIPCHILDREN | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MINIMIZEBOX;
+constexpr COLORREF panelGrey = 0xC0C0C0;
+constexpr int extraWindowBytes = 4;
+
+static char commandLineFile[1024];
+
+// A second start brings the first instance forward.
+static bool raiseRunningInstance()
+{
+    HWND running = FindWindowW(mainClass, nullptr);
+    if (!running)
+        return false;
+    if (IsIconic(running))
+        ShowWindow(running, SW_RESTORE);
+    SetForegroundWindow(running);
+    return true;
+}
+
+static ATOM registerClass(const wchar_t* name, WNDPROC procedure, const wchar_t* menu)
+{
+    WNDCLASSEXW windowClass = {};
+    windowClass.cbSize = sizeof windowClass;
+    windowClass.style = CS_HREDRAW | CS_VREDRAW;
+    windowClass.lpfnWndProc = procedure;
+    windowClass.cbWndExtra = extraWindowBytes;
+    windowClass.hInstance = programInstance;
+    windowClass.hIcon = LoadIconW(programInstance, L"appIcon");
+    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1);
+    windowClass.lpszMenuName = menu;
+    windowClass.lpszClassName = name;
+    return RegisterClassExW(&windowClass);
+}
+
+static void moveWindow(HWND window, const WindowRect& place)
+{
+    MoveWindow(window, place.x, place.y, place.width, place.height, TRUE);
+}
+
+static bool createMainWindow()
+{
+    if (!registerClass(mainClass, mainWindowProc, L"AppMenu"))
+        return false;
+    WindowRect first = firstMainWindow(displayState.displayWidth, displayState.displayHeight);
+    mainWindow = CreateWindowExW(0, mainClass, mainClass, mainStyle, CW_USEDEFAULT, CW_USEDEFAULT, first.width,
+                                 first.height, nullptr, nullptr, programInstance, nullptr);
+    return mainWindow != nullptr;
+}
+
+static void placeWindows()
+{
+    RECT desktop, panel, client;
+    GetWindowRect(GetDesktopWindow(), &desktop);
+    GetWindowRect(toolPanel, &panel);
+    GetClientRect(mainWindow, &client);
+    int32_t panelWidth = panel.right - panel.left;
+    moveWindow(mainWindow,
+               placeMainWindow(displayState.displayWidth, displayState.displayHeight, panelWidth, client.right,
+                               client.bottom, desktop.right - desktop.left, desktop.bottom - desktop.top));
+    moveWindow(toolPanel, placeToolPanel(displayState.displayWidth, displayState.displayHeight, panelWidth));
+}
+
+static bool createDisplay(int showState)
+{
+    if (!registerClass(displayClass, displayProc, nullptr))
+        return false;
+    int32_t width = displayState.displayWidth, height = displayState.displayHeight;
+    displayWindow = CreateWindowExW(WS_EX_TOPMOST, displayClass, L"hola", WS_CHILD | WS_BORDER, CW_USEDEFAULT,
+                                    CW_USEDEFAULT, width, height, mainWindow, nullptr, programInstance, nullptr);
+    displayState.displayWidth = width; // the buffer is made for the whole size, before the border has been taken off
+    displayState.displayHeight = height;
+    if (!createFrameBuffer(&frameBuffer))
+    {
+        messageBox("Failed to create 3D context.", "", iconNone);
+        return false;
+    }
+    moveWindow(displayWindow, placeDisplay(width, height));
+    ShowWindow(displayWindow, showState);
+    UpdateWindow(displayWindow);
+    return true;
+}
+
+static void dispatch(MSG* message)
+{
+    TranslateMessage(message);
+    DispatchMessageW(message);
+}
+
+// While frames are drawn; the panel gets its keyboard handling only from the blocking loop.
+static WaitingMessage takeWaitingMessage()
+{
+    MSG message;
+    if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+        return messageNone;
+    if (message.message == WM_QUIT)
+        return messageQuit;
+    dispatch(&message);
+    return messageDispatched;
+}
+
+static void runMessages()
+{
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0) > 0)
+    {
+        if (!IsDialogMessageW(toolPanel, &message))
+            dispatch(&message);
+        if (!drawWhilePending(takeWaitingMessage))
+            break;
+    }
+}
+
+static void shutDown()
+{
+    displayState.appRunning = 0;
+    destroyFrameBuffer(&frameBuffer);
+    DestroyWindow(toolPanel);
+    releaseModels();
+    DeleteObject(aboutBitmap);
+    DeleteObject(panelBrush);
+    releasePictures();
+}
+
+static bool processorServes()
+{
+    constexpr uint32_t needed = processorMmx | processorSse;
+    uint32_t features = CpuFeatures();
+    if ((features & needed) != needed)
+    {
+        messageBox("This program requires CPU with MMX/SSE technology", "Error", iconNone);
+        return false;
+    }
+    displayState.useSse2 = (features & processorSse2) != 0;
+    return true;
+}
+
+int runDesktop(HINSTANCE instance, const char* commandLine, int showState)
+{
+    if (raiseRunningInstance())
+        return 0;
+    takeFileName(commandLine, commandLineFile, sizeof commandLineFile);
+    programInstance = instance;
+    if (!processorServes())
+        return 0;
+    InitCommonControls();
+    aboutBitmap = LoadBitmapW(instance, L"about");
+    panelBrush = CreateSolidBrush(panelGrey);
+    if (!createMainWindow())
+        return 0;
+    if (!buildScene(commandLineFile))
+        return 1;
+    toolPanel = CreateDialogParamW(instance, L"ToolBarDialog", mainWindow, toolPanelProc, 0);
+    placeWindows();
+    ShowWindow(mainWindow, showState);
+    UpdateWindow(mainWindow);
+    ShowWindow(toolPanel, SW_SHOWDEFAULT);
+    UpdateWindow(toolPanel);
+    if (!createDisplay(showState))
+        return 0;
+    fillFilterList(currentMesh());
+    updateStatistics();
+    SetFocus(displayWindow);
+    displayState.appRunning = 1;
+    runMessages();
+    shutDown();
+    return 1;
+}
