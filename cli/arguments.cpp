@@ -1,0 +1,328 @@
+// cli/arguments.cpp - every command and option of kbx, once
+#include "cli/arguments.h"
+#include "cli/usage.h"
+
+#include <CLI/CLI.hpp>
+#include <math.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <algorithm>
+#include <iostream>
+#include <map>
+
+static const std::map<std::string, Tool> toolNames = {
+    { "fix-normals", Tool::fixNormals },
+    { "dup-faces", Tool::dupFaces },
+    { "weld", Tool::weld },
+    { "weld-near", Tool::weldNear },
+    { "tri", Tool::tri },
+    { "quad", Tool::quad },
+    { "split", Tool::split },
+    { "invert", Tool::invert },
+};
+
+static const char* const presetNames[] = { "brass", "wood",  "pewter",  "silver", "gold",         "green",
+                                           "chalk", "brick", "crystal", "white",  "prop material" };
+static const char* const backgroundNames[] = { "grey1", "grey2", "black" };
+
+constexpr int32_t smallestSide = 10; // what the display window is never below
+constexpr int32_t largestSide = 16384;
+
+static const char* const textureNames[] = { "wood", "metal", "pattern" };
+
+constexpr char footer[] = "Exit status:\n"
+                          "  0 done; 1 a file could not be read or written; 2 wrong usage\n"
+                          "\n"
+                          "Examples:\n"
+                          "  kbx info *.3ds\n"
+                          "  kbx convert --tool weld --tool fix-normals scan.ply scan.obj\n"
+                          "  kbx render chair.obj --rotate 20,30,0 --shadows -o chair.bmp\n"
+                          "  kbx render --preset gold -o teapot.bmp";
+
+static std::vector<std::string> splitAtCommas(const std::string& text)
+{
+    std::vector<std::string> parts(1);
+    for (char c : text)
+    {
+        if (c == ',')
+            parts.emplace_back();
+        else
+            parts.back() += c;
+    }
+    return parts;
+}
+
+static bool parseNumber(const std::string& text, float* value)
+{
+    char* end = nullptr;
+    *value = strtof(text.c_str(), &end);
+    return !text.empty() && *end == 0 && isfinite(*value);
+}
+
+template <size_t N>
+static bool parseNumbers(const std::string& text, std::array<float, N>* values)
+{
+    std::vector<std::string> parts = splitAtCommas(text);
+    if (parts.size() != N)
+        return false;
+    for (size_t i = 0; i < N; ++i)
+    {
+        if (!parseNumber(parts[i], &(*values)[i]))
+            return false;
+    }
+    return true;
+}
+
+static bool parseSize(const std::string& text, ViewArguments* view)
+{
+    int width = 0, height = 0, used = 0;
+    if (text.size() > 20 || sscanf(text.c_str(), "%9dx%9d%n", &width, &height, &used) != 2 ||
+        static_cast<size_t>(used) != text.size())
+        return false;
+    if (std::min(width, height) < smallestSide || std::max(width, height) > largestSide)
+        return false;
+    view->width = width;
+    view->height = height;
+    return true;
+}
+
+static bool parseLights(const std::string& text, uint32_t* mask)
+{
+    *mask = 0;
+    if (text == "none")
+        return true;
+    for (const std::string& part : splitAtCommas(text))
+    {
+        if (part.size() != 1 || part[0] < '1' || part[0] > '3')
+            return false;
+        *mask |= 1u << (part[0] - '1');
+    }
+    return true;
+}
+
+// A name of a list in any letter case, '-' for a blank, or its index.
+template <size_t N>
+static bool parseChoice(const std::string& text, const char* const (&names)[N], int32_t* index)
+{
+    std::string wanted = CLI::detail::to_lower(text);
+    std::replace(wanted.begin(), wanted.end(), '-', ' ');
+    for (size_t i = 0; i < N; ++i)
+    {
+        if (wanted == names[i] || text == std::to_string(i))
+        {
+            *index = static_cast<int32_t>(i);
+            return true;
+        }
+    }
+    return false;
+}
+
+// An option whose text one of the parsers above understands, or the usage line says what was expected.
+template <typename Parse>
+static void addParsed(CLI::App* command, const std::string& name, const char* typeName, const char* help, Parse parse)
+{
+    command
+        ->add_option_function<std::string>(
+            name,
+            [name, typeName, parse](const std::string& text)
+            {
+                if (!parse(text))
+                    throw CLI::ValidationError(name, "expected " + std::string(typeName) + ", not " + text);
+            },
+            help)
+        ->option_text(typeName);
+}
+
+// A switch that is on unless it is given.
+static void addOffSwitch(CLI::App* command, const char* name, bool* value, const char* help)
+{
+    command->add_flag_callback(
+        name, [value] { *value = false; }, help);
+}
+
+static void addLoadOptions(CLI::App* command, LoadArguments* load, bool withFilter)
+{
+    addOffSwitch(command, "--no-keyframes", &load->keyframes, "3DS: leave the objects where their vertices stand");
+    command
+        ->add_option_function<std::vector<std::string>>(
+            "--tool",
+            [load](const std::vector<std::string>& names)
+            {
+                for (const std::string& name : names)
+                {
+                    auto found = toolNames.find(name);
+                    if (found == toolNames.end())
+                        throw CLI::ValidationError("--tool", "expected fix-normals, dup-faces, weld, weld-near, tri, "
+                                                             "quad, split or invert, not " +
+                                                                 name);
+                    load->tools.push_back(found->second);
+                }
+            },
+            "fix-normals, dup-faces, weld, weld-near, tri, quad, split or invert; may be repeated, applied in order")
+        ->option_text("TOOL")
+        ->allow_extra_args(false);
+    if (withFilter)
+        command->add_option("--filter", load->filter, "show only this entry of the group and material list")
+            ->option_text("N")
+            ->check(CLI::NonNegativeNumber);
+}
+
+static void addViewOptions(CLI::App* command, ViewArguments* view)
+{
+    addParsed(command, "--preset", "NAME|0..10", "front material: brass, wood, ... white, prop-material",
+              [view](const std::string& text)
+              {
+                  int32_t index;
+                  bool ok = parseChoice(text, presetNames, &index);
+                  if (ok)
+                      view->preset = index;
+                  return ok;
+              });
+    command->add_option("--texture", view->texture, "wood, metal, pattern, or a JPEG file")
+        ->option_text("NAME|FILE.jpg");
+    addParsed(command, "--lights", "1,2,3|none", "the lights that are on",
+              [view](const std::string& text) { return parseLights(text, &view->lightMask); });
+    command->add_flag("--shadows", view->shadows, "shadows of light 1");
+    addOffSwitch(command, "--no-vertex-color", &view->vertexColour, "leave the vertices' own colours out");
+    addOffSwitch(command, "--no-backcull", &view->backCulled, "draw faces turned away, too");
+    command->add_flag("--wireframe", view->wireframe, "outlines instead of surfaces");
+    command->add_flag("--rough", view->rough, "grainy surface");
+    command->add_flag("--metallic", view->metallic, "reflections of a studio");
+    command->add_flag("--moon", view->moon, "lunar shading");
+    addParsed(command, "--background", "grey1|grey2|black", "what lies behind the model",
+              [view](const std::string& text) { return parseChoice(text, backgroundNames, &view->background); });
+    addParsed(command, "--rotate", "X,Y,Z", "degrees about the screen's axes, X first",
+              [view](const std::string& text) { return parseNumbers(text, &view->rotateDegrees); });
+    addParsed(command, "--view", "M00,...,M22", "the rotation itself, row by row",
+              [view](const std::string& text)
+              {
+                  std::array<float, 9> rows;
+                  bool ok = parseNumbers(text, &rows);
+                  if (ok)
+                      view->view = rows;
+                  return ok;
+              });
+    addParsed(command, "--zoom", "Z>=1", "magnification",
+              [view](const std::string& text) { return parseNumber(text, &view->zoom) && view->zoom >= 1; });
+    addParsed(command, "--size", "WxH, each 10..16384", "pixels, 620x520 unless given",
+              [view](const std::string& text) { return parseSize(text, view); });
+    command->add_option("--frames", view->frames, "draw N frames, turning one degree before each but the first")
+        ->option_text("N")
+        ->check(CLI::Range(1, 1000000));
+}
+
+static CLI::App* addCommand(CLI::App* app, Arguments* arguments, Command command, const char* name, const char* help)
+{
+    CLI::App* added = app->add_subcommand(name, help)->group("Commands");
+    added->set_help_flag("-h,--help", "this help");
+    added->final_callback([=] { arguments->command = command; });
+    return added;
+}
+
+static CLI::Option* addInput(CLI::App* command, Arguments* arguments, const char* name, const char* help)
+{
+    return command
+        ->add_option_function<std::string>(
+            name, [=](const std::string& path) { arguments->inputs.push_back(path); }, help)
+        ->option_text(" ");
+}
+
+std::vector<std::string> valuesOf(const std::string& option)
+{
+    std::vector<std::string> values;
+    if (option == "tool")
+    {
+        for (const auto& [name, tool] : toolNames)
+            values.push_back(name);
+    }
+    else if (option == "preset")
+        values.assign(std::begin(presetNames), std::end(presetNames));
+    else if (option == "background")
+        values.assign(std::begin(backgroundNames), std::end(backgroundNames));
+    else if (option == "texture")
+        values.assign(std::begin(textureNames), std::end(textureNames));
+    else if (option == "lights")
+        values = { "none", "1", "2", "3", "1,2", "1,3", "2,3", "1,2,3" };
+    for (std::string& value : values)
+        std::replace(value.begin(), value.end(), ' ', '-');
+    return values;
+}
+
+void describeUsage(CLI::App* app, Arguments* arguments)
+{
+    app->name("kbx");
+    app->description("kbx - inspect, repair, convert and render 3D polygon models");
+    app->set_help_flag("-h,--help", "this help; kbx COMMAND --help shows the options of a command");
+    app->get_formatter()->label("SUBCOMMAND", "COMMAND");
+    app->allow_windows_style_options(false); // "/models/a.obj" is a file on every system
+    app->require_subcommand(1);
+    app->set_version_flag("--version", "kbx " KBX_VERSION " (" KBX_BUILD ")", "version and build");
+
+    CLI::App* info = addCommand(app, arguments, Command::info, "info", "counts, bounds, groups, materials, textures");
+    info->add_flag("--json", arguments->json, "as JSON: an object, or an array of them for several files");
+    addLoadOptions(info, &arguments->load, true);
+    info->add_option("FILE", arguments->inputs, "models to read")->option_text(" ")->required();
+
+    CLI::App* dump = addCommand(app, arguments, Command::dump, "dump", "the whole mesh as text");
+    addLoadOptions(dump, &arguments->load, true);
+    dump->add_flag("--normals", arguments->normals, "with vertex normals and face planes");
+    addInput(dump, arguments, "FILE", "model to read")->required();
+
+    CLI::App* convert = addCommand(app, arguments, Command::convert, "convert", "read a model, repair it, write it");
+    addLoadOptions(convert, &arguments->load, true);
+    addInput(convert, arguments, "IN", "model to read")->required();
+    convert->add_option("OUT", arguments->output, "file to write: .obj, .pp2, .rkf or .lxs")
+        ->option_text(" ")
+        ->required();
+
+    CLI::App* render = addCommand(app, arguments, Command::render, "render", "draw a model into a bitmap");
+    addLoadOptions(render, &arguments->load, true);
+    addViewOptions(render, &arguments->view);
+    addInput(render, arguments, "IN", "model to read; the built-in one when there is none");
+    render->add_option("-o,--output", arguments->output, "bitmap to write")->option_text("OUT.bmp")->required();
+
+    CLI::App* decode = addCommand(app, arguments, Command::decode, "decode", "decode a JPEG file into a bitmap");
+    addInput(decode, arguments, "IN", "JPEG file to read")->required();
+    decode->add_option("OUT", arguments->output, "bitmap to write")->option_text(" ")->required();
+
+    app->footer(footer); // after the commands, which would inherit it
+}
+
+// Nothing is left to run.
+static Arguments answered(int exitStatus)
+{
+    Arguments arguments;
+    arguments.exitStatus = exitStatus;
+    return arguments;
+}
+
+Arguments parseArguments(const std::vector<std::string>& words)
+{
+    CLI::App app;
+    Arguments arguments;
+    describeUsage(&app, &arguments);
+    try
+    {
+        app.parse(std::vector<std::string>(words.rbegin(), words.rend())); // it takes them from the back
+    }
+    catch (const CLI::CallForHelp&)
+    {
+        const CLI::App* asked = app.get_subcommands().empty() ? &app : app.get_subcommands().front();
+        std::cout << asked->help(asked == &app ? "" : "kbx");
+        return answered(std::cout.flush() ? 0 : 1);
+    }
+    catch (const CLI::CallForVersion& version)
+    {
+        std::cout << version.what() << '\n';
+        return answered(std::cout.flush() ? 0 : 1);
+    }
+    catch (const CLI::ParseError& error)
+    {
+        std::string text = app.get_subcommands().empty() ? "expected info, dump, convert, render or decode"
+                                                         : std::string(error.what());
+        std::cerr << "kbx: " << text << " (kbx --help shows the usage)\n";
+        return answered(2);
+    }
+    return arguments;
+}

@@ -1,0 +1,89 @@
+// cli/convert.cpp - a model into another format, chosen by the extension of the name to write
+#include "cli/commands.h"
+#include "cli/draw.h"
+#include "cli/load.h"
+#include "export/lux.h"
+#include "export/obj.h"
+#include "export/output_file.h"
+#include "export/prop.h"
+#include "import/dispatch.h"
+#include "import/rkf.h"
+#include "shell/scene.h"
+
+#include <stdio.h>
+#include <string.h>
+
+static int writeObj(Mesh* mesh, const std::string& path)
+{
+    int ok = writeObjFiles(mesh, path.c_str(), fileNameOf(path.c_str()));
+    freeMesh(mesh);
+    return ok;
+}
+
+// The preview beside the prop is the picture that the window would show.
+static int writeProp(Mesh* mesh, const std::string& path)
+{
+    ViewArguments view;
+    int ok = drawModel(mesh, false, view);
+    if (ok)
+    {
+        PreviewSource preview = { frameBuffer.picture.bits, view.width, view.height, frameBuffer.pitch * 3 };
+        ok = writePropFiles(mesh, path.c_str(), &preview);
+    }
+    releaseDrawing();
+    return ok;
+}
+
+static int writeRkf(Mesh* mesh, const std::string& path)
+{
+    int ok = mesh->lineCount == 0;
+    OutputFile output = {};
+    if (!ok)
+        fprintf(stderr, "kbx: %s cannot be written: the format carries no lines\n", path.c_str());
+    ok = ok && openOutput(&output, path.c_str()) && commitOutput(&output, WriteRkf(mesh, output.file, 0));
+    freeMesh(mesh);
+    return ok;
+}
+
+static int writeLux(Mesh* mesh, const std::string& path)
+{
+    int ok = writeLuxFiles(mesh, path.c_str());
+    freeMesh(mesh);
+    return ok;
+}
+
+struct Writer
+{
+    const char* extension;
+    int (*write)(Mesh* mesh, const std::string& path); // takes the mesh over
+};
+
+static const Writer writers[] = {
+    { ".obj", writeObj }, { ".pp2", writeProp }, { ".rkf", writeRkf }, { ".lxs", writeLux }
+};
+
+static const Writer* writerFor(const std::string& path)
+{
+    std::string extension = path.size() > 4 ? path.substr(path.size() - 4) : "";
+    for (char& c : extension)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    for (const Writer& writer : writers)
+    {
+        if (extension == writer.extension)
+            return &writer;
+    }
+    return nullptr;
+}
+
+int runConvert(const Arguments& arguments)
+{
+    const Writer* writer = writerFor(arguments.output);
+    if (!writer)
+    {
+        fprintf(stderr, "kbx: OUT: expected a name ending in .obj, .pp2, .rkf or .lxs, not %s\n",
+                arguments.output.c_str());
+        return 2;
+    }
+    Mesh* mesh = loadModel(arguments.inputs[0], arguments.load);
+    return mesh && writer->write(mesh, arguments.output) ? 0 : 1;
+}

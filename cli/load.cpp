@@ -1,0 +1,109 @@
+// cli/load.cpp - reading, repairing and filtering, with what goes wrong said on standard error
+#include "cli/load.h"
+
+#include "import/dispatch.h"
+#include "import/rkf.h"
+#include "model/builtin.h"
+#include "model/settings.h"
+#include "platform/terminal/terminal.h"
+#include "tools/duplicates.h"
+#include "tools/filter.h"
+#include "tools/orientation.h"
+#include "tools/polygons.h"
+#include "tools/split.h"
+#include "tools/weld.h"
+
+#include <stdio.h>
+#include <string.h>
+
+static bool isRkf(const std::string& path)
+{
+    char extension[5] = {};
+    if (path.size() < 5)
+        return false;
+    for (size_t i = 0; i < 4; ++i)
+    {
+        char c = path[path.size() - 4 + i];
+        extension[i] = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return strcmp(extension, ".rkf") == 0;
+}
+
+static int readModel(Mesh* mesh, const std::string& path)
+{
+    if (isRkf(path))
+        return loadRkfPath(mesh, path.c_str());
+    char shortName[shortNameRoom];
+    return readModelFile(mesh, path.c_str(), shortName, 1);
+}
+
+static int runTool(Mesh* mesh, Tool tool)
+{
+    switch (tool)
+    {
+    case Tool::fixNormals: return fixNormals(mesh);
+    case Tool::dupFaces: return removeDuplicateFaces(mesh);
+    case Tool::weld:
+    case Tool::weldNear: renderSettings.exactWeld = tool == Tool::weld; return weldVertices(mesh);
+    case Tool::tri: return makeTriangles(mesh);
+    case Tool::quad: return makeQuads(mesh);
+    case Tool::split: return splitMesh(mesh);
+    case Tool::invert: invertMesh(mesh); return 1;
+    }
+    return 0;
+}
+
+// A tool that did nothing is no failure; one that showed a box is.
+static int runTools(Mesh* mesh, const std::vector<Tool>& tools)
+{
+    for (Tool tool : tools)
+    {
+        int boxesBefore = terminalBoxCount();
+        runTool(mesh, tool);
+        if (terminalBoxCount() != boxesBefore)
+            return 0;
+    }
+    return 1;
+}
+
+// Tools, then the filter. Frees the mesh and returns null when a tool failed.
+static Mesh* repair(Mesh* mesh, const LoadArguments& load)
+{
+    if (!runTools(mesh, load.tools))
+    {
+        freeMesh(mesh);
+        return nullptr;
+    }
+    if (load.filter)
+        applyFilter(mesh, *load.filter);
+    return mesh;
+}
+
+Mesh* loadModel(const std::string& path, const LoadArguments& load)
+{
+    renderSettings.keyframes3ds = load.keyframes;
+    int boxesBefore = terminalBoxCount();
+    Mesh* mesh = createMesh("prop");
+    if (!mesh)
+        return nullptr;
+    if (!readModel(mesh, path))
+    {
+        if (terminalBoxCount() == boxesBefore) // some readers fail without a word
+            fprintf(stderr, "kbx: cannot read %s\n", path.c_str());
+        freeMesh(mesh);
+        return nullptr;
+    }
+    return repair(mesh, load);
+}
+
+Mesh* loadTeapot(const LoadArguments& load)
+{
+    int hasMaterials = 0;
+    Mesh* mesh = createMesh("teapot");
+    if (!mesh || !loadBuiltInModel(mesh, &hasMaterials))
+    {
+        freeMesh(mesh);
+        return nullptr;
+    }
+    return repair(mesh, load);
+}

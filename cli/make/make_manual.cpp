@@ -1,0 +1,340 @@
+// cli/make/make_manual.cpp - writes the manual page and the shell completions of kbx from its own usage
+//
+//   make_manual FOLDER
+//
+// kbx.1 is the page; kbx.bash, _kbx (zsh) and kbx.fish complete commands, options and the words that an option takes.
+#include "cli/usage.h"
+
+#include <stdio.h>
+#include <fstream>
+#include <string>
+#include <vector>
+
+using Options = std::vector<const CLI::Option*>;
+using Commands = std::vector<const CLI::App*>;
+
+static Options optionsOf(const CLI::App* app)
+{
+    return app->get_options([](const CLI::Option* option) { return option->nonpositional(); });
+}
+
+static Options positionalsOf(const CLI::App* app)
+{
+    return app->get_options([](const CLI::Option* option) { return option->get_positional(); });
+}
+
+static Commands commandsOf(const CLI::App& app)
+{
+    return app.get_subcommands([](const CLI::App*) { return true; });
+}
+
+static bool takesValue(const CLI::Option* option)
+{
+    return option->get_items_expected_max() > 0;
+}
+
+// "-o", "--output"
+static std::vector<std::string> spellings(const CLI::Option* option)
+{
+    std::vector<std::string> names;
+    for (const std::string& name : option->get_snames())
+        names.push_back("-" + name);
+    for (const std::string& name : option->get_lnames())
+        names.push_back("--" + name);
+    return names;
+}
+
+static std::vector<std::string> valuesOf(const CLI::Option* option)
+{
+    return option->get_lnames().empty() ? std::vector<std::string>() : valuesOf(option->get_lnames()[0]);
+}
+
+static std::string joined(const std::vector<std::string>& words, const char* between)
+{
+    std::string text;
+    for (const std::string& word : words)
+        text += (text.empty() ? "" : between) + word;
+    return text;
+}
+
+// Each of the characters with the text before it.
+static std::string escaped(const std::string& text, const char* characters, const std::string& before)
+{
+    std::string result;
+    for (char c : text)
+    {
+        if (std::string(characters).find(c) != std::string::npos)
+            result += before;
+        result += c;
+    }
+    return result;
+}
+
+// In single quotes for a shell.
+static std::string shellQuoted(const std::string& text)
+{
+    std::string result = "'";
+    for (char c : text)
+        result += c == '\'' ? "'\\''" : std::string(1, c);
+    return result + "'";
+}
+
+// ---- the manual page ----
+
+static std::string roff(const std::string& text)
+{
+    std::string result;
+    for (char c : text)
+    {
+        if (c == '\\')
+            result += "\\e";
+        else if (c == '-')
+            result += "\\-";
+        else if (c == '\'')
+            result += "\\(aq";
+        else
+            result += c;
+    }
+    return result.rfind('.', 0) == 0 ? "\\&" + result : result;
+}
+
+static void printManualOptions(std::ostream* out, const CLI::App* app)
+{
+    for (const CLI::Option* option : positionalsOf(app))
+        *out << ".TP\n.I " << roff(option->get_name(true)) << "\n" << roff(option->get_description()) << "\n";
+    for (const CLI::Option* option : optionsOf(app))
+    {
+        *out << ".TP\n.B " << roff(joined(spellings(option), ", "));
+        if (takesValue(option))
+            *out << " \\fI" << roff(option->get_option_text()) << "\\fR";
+        *out << "\n" << roff(option->get_description()) << "\n";
+    }
+}
+
+static void printSynopsis(std::ostream* out, const CLI::App* command)
+{
+    *out << ".B kbx " << command->get_name() << "\n[\\fIOPTION\\fR]...";
+    for (const CLI::Option* option : positionalsOf(command))
+    {
+        std::string name = roff(option->get_name(true)) + (option->get_items_expected_max() > 1 ? "..." : "");
+        *out << (option->get_required() ? " \\fI" + name + "\\fR" : " [\\fI" + name + "\\fR]");
+    }
+    for (const CLI::Option* option : optionsOf(command))
+    {
+        if (option->get_required())
+            *out << " \\fB" << roff(spellings(option)[0]) << "\\fR \\fI" << roff(option->get_option_text()) << "\\fR";
+    }
+    *out << "\n.br\n";
+}
+
+static std::string capitals(std::string text)
+{
+    for (char& c : text)
+        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    return text;
+}
+
+// The footer's headings become sections; its indented lines stand as they are.
+static void printFooter(std::ostream* out, const std::string& footer)
+{
+    size_t start = 0;
+    while (start < footer.size())
+    {
+        size_t end = std::min(footer.find('\n', start), footer.size());
+        std::string line = footer.substr(start, end - start);
+        start = end + 1;
+        if (line.empty())
+            continue;
+        if (line[0] != ' ')
+            *out << ".SH " << capitals(line.substr(0, line.size() - 1)) << "\n";
+        else
+            *out << roff(line.substr(2)) << "\n.br\n";
+    }
+}
+
+static void printManual(std::ostream* out, const CLI::App& app)
+{
+    *out << ".TH KBX 1 \"\" \"kbx " KBX_VERSION "\" \"Kestrelbox\"\n"
+         << ".SH NAME\n"
+         << escaped(app.get_description(), "-", "\\") << "\n.SH SYNOPSIS\n";
+    for (const CLI::App* command : commandsOf(app))
+        printSynopsis(out, command);
+    *out << ".B kbx\n\\-\\-help | \\-\\-version\n"
+         << ".SH DESCRIPTION\n"
+            "A model is read by the extension of its name: .obj (with its .mtl), .3ds, .dxf, .ply, .off, .pp2, "
+            ".hr2, .cr2 or .rkf. Message boxes and notices of the system are lines on standard error; a progress "
+            "bar is shown there when it is a terminal. A file is only put in place when all of it is written.\n"
+         << ".SH COMMANDS\n";
+    for (const CLI::App* command : commandsOf(app))
+    {
+        *out << ".SS kbx " << command->get_name() << "\n" << roff(command->get_description()) << "\n";
+        printManualOptions(out, command);
+    }
+    *out << ".SH OPTIONS\n";
+    printManualOptions(out, &app);
+    printFooter(out, app.get_footer());
+}
+
+// ---- completions ----
+
+static std::vector<std::string> allSpellings(const CLI::App* app)
+{
+    std::vector<std::string> words;
+    for (const CLI::Option* option : optionsOf(app))
+    {
+        for (const std::string& name : spellings(option))
+            words.push_back(name);
+    }
+    return words;
+}
+
+static std::vector<std::string> namesOf(const Commands& commands)
+{
+    std::vector<std::string> names;
+    for (const CLI::App* command : commands)
+        names.push_back(command->get_name());
+    return names;
+}
+
+// The options of all commands, those of one name once.
+static Options distinctOptions(const CLI::App& app)
+{
+    Options distinct;
+    std::string seen = "|";
+    for (const CLI::App* command : commandsOf(app))
+    {
+        for (const CLI::Option* option : optionsOf(command))
+        {
+            std::string name = "|" + option->get_name() + "|";
+            if (seen.find(name) != std::string::npos)
+                continue;
+            seen += name.substr(1);
+            distinct.push_back(option);
+        }
+    }
+    return distinct;
+}
+
+// Where nothing is offered the shell completes file names.
+static void printBash(std::ostream* out, const CLI::App& app)
+{
+    Commands commands = commandsOf(app);
+    *out << "# bash completion of kbx\n"
+            "_kbx()\n{\n"
+            "    local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]} command=${COMP_WORDS[1]}\n"
+            "    [ \"$COMP_CWORD\" -gt 1 ] || command=\n"
+            "    case $previous in\n";
+    for (const CLI::Option* option : distinctOptions(app))
+    {
+        if (!valuesOf(option).empty())
+            *out << "    " << joined(spellings(option), " | ") << ") COMPREPLY=($(compgen -W "
+                 << shellQuoted(joined(valuesOf(option), " ")) << " -- \"$word\")); return ;;\n";
+    }
+    *out << "    esac\n    case $command,$word in\n";
+    for (const CLI::App* command : commands)
+        *out << "    " << command->get_name() << ",-*) COMPREPLY=($(compgen -W "
+             << shellQuoted(joined(allSpellings(command), " ")) << " -- \"$word\")) ;;\n";
+    *out << "    ,*) COMPREPLY=($(compgen -W "
+         << shellQuoted(joined(namesOf(commands), " ") + " " + joined(allSpellings(&app), " "))
+         << " -- \"$word\")) ;;\n"
+            "    esac\n}\n"
+            "complete -o bashdefault -o default -F _kbx kbx\n";
+}
+
+static std::string zshArgument(const CLI::Option* option, const std::string& name)
+{
+    std::string text = "*" + name + "[" + escaped(option->get_description(), "[]:\\", "\\") + "]";
+    if (takesValue(option))
+    {
+        std::vector<std::string> values = valuesOf(option);
+        text += ":" + escaped(option->get_option_text(), ":\\", "\\") + ":";
+        text +=
+            values.empty() || !option->get_lnames()[0].compare("texture") ? "_files" : "(" + joined(values, " ") + ")";
+    }
+    return shellQuoted(text);
+}
+
+static void printZsh(std::ostream* out, const CLI::App& app)
+{
+    *out << "#compdef kbx\n"
+            "_kbx()\n{\n"
+            "    if (( CURRENT == 2 )); then\n"
+            "        local -a commands=(\n";
+    for (const CLI::App* command : commandsOf(app))
+        *out << "            "
+             << shellQuoted(command->get_name() + ":" + escaped(command->get_description(), ":", "\\")) << "\n";
+    *out << "        )\n"
+            "        _describe command commands\n"
+            "        return\n"
+            "    fi\n"
+            "    local command=$words[2]\n"
+            "    shift words\n"
+            "    (( CURRENT-- ))\n"
+            "    case $command in\n";
+    for (const CLI::App* command : commandsOf(app))
+    {
+        *out << "    " << command->get_name() << ")\n        _arguments";
+        for (const CLI::Option* option : optionsOf(command))
+        {
+            for (const std::string& name : spellings(option))
+                *out << " \\\n            " << zshArgument(option, name);
+        }
+        *out << " \\\n            '*:file:_files' ;;\n";
+    }
+    *out << "    esac\n}\n_kbx \"$@\"\n";
+}
+
+static void printFish(std::ostream* out, const CLI::App& app)
+{
+    *out << "# fish completion of kbx\n";
+    for (const CLI::App* command : commandsOf(app))
+        *out << "complete -c kbx -f -n __fish_use_subcommand -a " << command->get_name() << " -d "
+             << shellQuoted(command->get_description()) << "\n";
+    for (const CLI::App* command : commandsOf(app))
+    {
+        for (const CLI::Option* option : optionsOf(command))
+        {
+            *out << "complete -c kbx -n '__fish_seen_subcommand_from " << command->get_name() << "'";
+            for (const std::string& name : option->get_snames())
+                *out << " -s " << name;
+            for (const std::string& name : option->get_lnames())
+                *out << " -l " << name;
+            if (takesValue(option))
+                *out << " -r";
+            if (!valuesOf(option).empty())
+                *out << " -a " << shellQuoted(joined(valuesOf(option), " "));
+            *out << " -d " << shellQuoted(option->get_description()) << "\n";
+        }
+    }
+}
+
+int main(int argc, char** argv)
+{
+    struct Form
+    {
+        const char* file;
+        void (*print)(std::ostream* out, const CLI::App& app);
+    };
+    static const Form forms[] = {
+        { "kbx.1", printManual }, { "kbx.bash", printBash }, { "_kbx", printZsh }, { "kbx.fish", printFish }
+    };
+    if (argc != 2)
+    {
+        fputs("usage: make_manual FOLDER\n", stderr);
+        return 2;
+    }
+    CLI::App app;
+    Arguments arguments;
+    describeUsage(&app, &arguments);
+    for (const Form& form : forms)
+    {
+        std::ofstream out(std::string(argv[1]) + "/" + form.file, std::ios::binary);
+        form.print(&out, app);
+        if (!out.flush())
+        {
+            fprintf(stderr, "make_manual: %s/%s cannot be written\n", argv[1], form.file);
+            return 1;
+        }
+    }
+    return 0;
+}

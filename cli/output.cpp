@@ -1,0 +1,74 @@
+// cli/output.cpp - text in blocks to standard output
+#include "cli/output.h"
+
+#include <stdio.h>
+#include <string.h>
+#include <charconv>
+
+constexpr size_t blockBytes = size_t{ 1 } << 16;
+
+void flushOutput(Output* out)
+{
+    if (fwrite(out->pending.data(), 1, out->pending.size(), stdout) != out->pending.size())
+        out->failed = true;
+    out->pending.clear();
+}
+
+void put(Output* out, const char* text)
+{
+    out->pending += text;
+}
+
+void putInteger(Output* out, int64_t value)
+{
+    char digits[24];
+    out->pending.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
+void putHex(Output* out, uint32_t value)
+{
+    for (int shift = 28; shift >= 0; shift -= 4)
+        out->pending += "0123456789abcdef"[(value >> shift) & 15];
+}
+
+void putFloat(Output* out, float value)
+{
+    uint32_t bits;
+    memcpy(&bits, &value, sizeof bits);
+    putHex(out, bits);
+}
+
+void putName(Output* out, const char* name)
+{
+    out->pending += '"';
+    for (; *name; ++name)
+    {
+        auto byte = static_cast<unsigned char>(*name);
+        if (byte >= 32 && byte <= 126 && byte != '"' && byte != '\\')
+        {
+            out->pending += *name;
+            continue;
+        }
+        out->pending += "\\x";
+        out->pending += "0123456789abcdef"[byte >> 4];
+        out->pending += "0123456789abcdef"[byte & 15];
+    }
+    out->pending += '"';
+}
+
+void endLine(Output* out)
+{
+    out->pending += '\n';
+    if (out->pending.size() >= blockBytes)
+        flushOutput(out);
+}
+
+int finishOutput(Output* out)
+{
+    flushOutput(out);
+    if (fflush(stdout) != 0)
+        out->failed = true;
+    if (out->failed)
+        fputs("kbx: standard output could not be written\n", stderr);
+    return !out->failed;
+}

@@ -1,0 +1,26 @@
+# cmake --install puts the program, its manual page, completions, desktop entry, icon and documents where a Linux system
+# looks for them; cpack makes a Debian package of the same.
+include(GNUInstallDirs)
+install(TARGETS kbx)
+install(FILES ${PROJECT_BINARY_DIR}/share/kbx.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES ${PROJECT_BINARY_DIR}/share/kbx.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME kbx)
+install(FILES ${PROJECT_BINARY_DIR}/share/_kbx DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+install(FILES ${PROJECT_BINARY_DIR}/share/kbx.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+install(FILES resources/linux/kestrelbox.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+install(FILES resources/linux/kestrelbox.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
+install(FILES resources/kestrelbox.png DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/256x256/apps)
+install(FILES README.md CHANGELOG.md docs/formats.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME kestrelbox)
+set(CPACK_PACKAGE_CONTACT "The Kestrelbox developers <kestrelbox@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "inspect, repair, convert and render 3D polygon models")
+set(CPACK_PACKAGE_DESCRIPTION
+    "kbx reads OBJ, 3DS, DXF, PLY, OFF, Poser and RKF models, repairs them, writes OBJ, Poser, RKF and LuxRender files, and draws them with a renderer of its own.")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+include(CPack)
