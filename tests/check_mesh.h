@@ -1,0 +1,70 @@
+// tests/check_mesh.h - what every mesh promises to everybody, after every load and every tool
+#pragma once
+#include "model/mesh.h"
+
+#include <string>
+
+// Slot 0 serves without being counted, and a 3DS file's last slot may hold more than its count, which stays at 511,
+// tells.
+inline uint32_t usableSlots(int32_t count)
+{
+    if (count == slotCount - 1)
+        return slotCount;
+    return count > 0 ? static_cast<uint32_t>(count) : 1;
+}
+
+// The first promise that the mesh breaks, in words; empty when it keeps them all.
+inline std::string brokenPromise(const Mesh* mesh)
+{
+    auto at = [](const char* what, int64_t index) { return std::string(what) + " " + std::to_string(index); };
+
+    if (mesh->vertexCount < 0 || mesh->vertexCount > mesh->vertexCapacity)
+        return at("vertexCount", mesh->vertexCount);
+    if (mesh->uvCount < 0 || mesh->uvCount > mesh->uvCapacity)
+        return at("uvCount", mesh->uvCount);
+    if (mesh->faceCount < 0 || mesh->faceCount > mesh->faceCapacity)
+        return at("faceCount", mesh->faceCount);
+    if (mesh->materialCount < 0 || mesh->materialCount > slotCount)
+        return at("materialCount", mesh->materialCount);
+    if (mesh->groupCount < 0 || mesh->groupCount > slotCount)
+        return at("groupCount", mesh->groupCount);
+    if (mesh->liveFaceCount < 0 || mesh->liveFaceCount > mesh->faceCount)
+        return at("liveFaceCount", mesh->liveFaceCount);
+
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    {
+        uint32_t attributes = mesh->faceAttributes[f];
+        if (attributes & faceDeleted)
+            continue;
+        if (faceMaterial(attributes) >= usableSlots(mesh->materialCount))
+            return at("material of face", f);
+        if (faceGroup(attributes) >= usableSlots(mesh->groupCount))
+            return at("group of face", f);
+        for (size_t k = 0; k < 4; ++k)
+        {
+            uint32_t corner = mesh->faces[f][k], uv = mesh->faceUvs[f][k];
+            bool absent = corner == noCorner && (k == 3 || (k == 2 && mesh->faces[f][3] == noCorner));
+            if (!absent && corner >= static_cast<uint32_t>(mesh->vertexCount))
+                return at("corner of face", f);
+            if (uv != 0 && uv >= static_cast<uint32_t>(mesh->uvCount))
+                return at("texture index of face", f);
+        }
+    }
+    for (int32_t v = 0; v < mesh->vertexCount; ++v)
+    {
+        for (float coordinate : mesh->vertices[v].position)
+        {
+            if (!(coordinate > -1e18f && coordinate < 1e18f)) // squares of lengths are numbers still
+                return at("position of vertex", v);
+        }
+    }
+    for (const auto* names : { &mesh->groupNames, &mesh->materialNames, &mesh->textureNames, &mesh->opacityNames })
+    {
+        for (const auto& name : *names)
+        {
+            if (name[nameRoom - 1] != 0)
+                return std::string("a name without an end");
+        }
+    }
+    return "";
+}

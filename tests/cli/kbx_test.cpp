@@ -1,0 +1,453 @@
+// The built program as a user meets it: what it prints, what it writes, how it ends.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace fs = std::filesystem;
+
+struct Result
+{
+    int status;
+    std::string out, err;
+};
+
+class Kbx : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
+        folder = fs::temp_directory_path() / (std::string("kbx-test-") + std::to_string(getpid()) + info->name());
+        fs::create_directories(folder);
+    }
+    void TearDown() override
+    {
+        fs::remove_all(folder);
+    }
+
+    static std::string textOf(const fs::path& path)
+    {
+        std::ostringstream text;
+        text << std::ifstream(path, std::ios::binary).rdbuf();
+        return text.str();
+    }
+
+    // Runs kbx in the test's own folder.
+    Result run(const std::string& arguments, const std::string& prefix = "")
+    {
+        std::string command = "cd '" + folder.string() + "' && " + prefix + " '" TEST_PROGRAMS "/kbx' " + arguments;
+        if (command.find(" >") == std::string::npos)
+            command += " >'" + (folder / ".out").string() + "'";
+        command += " 2>'" + (folder / ".err").string() + "' </dev/null";
+        int status = system(command.c_str());
+        return { WIFEXITED(status) ? WEXITSTATUS(status) : -1, textOf(folder / ".out"), textOf(folder / ".err") };
+    }
+
+    void write(const std::string& name, const std::string& text)
+    {
+        std::ofstream(folder / name, std::ios::binary) << text;
+    }
+
+    fs::path folder;
+};
+
+constexpr char squareObj[] = "mtllib square.mtl\nv 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nvt 0 0\nvt 1 0\nvt 1 1\nvt 0 1\n"
+                             "g the \"square\"\nusemtl red\nf 1/1 2/2 3/3 4/4\n";
+
+TEST_F(Kbx, HelpAndVersionGoToStandardOutput)
+{
+    for (const char* arguments :
+         { "--help", "--version", "info --help", "dump --help", "convert --help", "render --help", "decode --help" })
+    {
+        Result result = run(arguments);
+        EXPECT_EQ(result.status, 0) << arguments;
+        EXPECT_NE(result.out, "") << arguments;
+        EXPECT_EQ(result.err, "") << arguments;
+    }
+    EXPECT_EQ(run("--version").out.rfind("kbx ", 0), 0u);
+}
+
+TEST_F(Kbx, WrongUsageExitsWithTwoAndSaysWhatWasExpected)
+{
+    write("a.obj", squareObj);
+    for (const char* arguments : { "",
+                                   "fly",
+                                   "info",
+                                   "dump",
+                                   "dump a.obj b.obj",
+                                   "render",
+                                   "render a.obj",
+                                   "convert a.obj",
+                                   "decode a.jpg",
+                                   "dump --tool sand a.obj",
+                                   "dump --filter -1 a.obj",
+                                   "dump --filter x a.obj",
+                                   "render --preset 11 -o x.bmp a.obj",
+                                   "render --preset mud -o x.bmp a.obj",
+                                   "render --lights 4 -o x.bmp a.obj",
+                                   "render --lights '' -o x.bmp a.obj",
+                                   "render --background red -o x.bmp a.obj",
+                                   "render --rotate 1,2 -o x.bmp a.obj",
+                                   "render --rotate 1,2,x -o x.bmp a.obj",
+                                   "render --view 1,0,0,0,1,0,0,0 -o x.bmp a.obj",
+                                   "render --zoom 0.5 -o x.bmp a.obj",
+                                   "render --zoom nan -o x.bmp a.obj",
+                                   "render --size 620 -o x.bmp a.obj",
+                                   "render --size 9x9 -o x.bmp a.obj",
+                                   "render --size 99999x100 -o x.bmp a.obj",
+                                   "render --frames 0 -o x.bmp a.obj",
+                                   "convert a.obj out.stl",
+                                   "convert a.obj obj",
+                                   "info --colour a.obj" })
+    {
+        Result result = run(arguments);
+        EXPECT_EQ(result.status, 2) << arguments;
+        EXPECT_EQ(result.out, "") << arguments;
+        EXPECT_EQ(result.err.rfind("kbx: ", 0), 0u) << arguments << "\n" << result.err;
+        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << arguments;
+    }
+}
+
+TEST_F(Kbx, WrongUsageNamesCommandsAndRanges)
+{
+    for (const char* arguments : { "", "fly", "--fly", "a.obj" })
+        EXPECT_EQ(run(arguments).err,
+                  "kbx: expected info, dump, convert, render or decode (kbx --help shows the usage)\n");
+    EXPECT_EQ(run("dump").err, "kbx: FILE is required (kbx --help shows the usage)\n");
+    EXPECT_EQ(run("render --size 9x9 -o x.bmp").err,
+              "kbx: --size: expected WxH, each 10..16384, not 9x9 (kbx --help shows the usage)\n");
+}
+
+TEST_F(Kbx, DumpPrintsTheWholeMesh)
+{
+    write("square.obj", squareObj);
+    write("square.mtl", "newmtl red\nKd 1 0 0\nNs 7\nd 0.25\nmap_Kd brick\\wall.jpg\n");
+    Result result = run("dump square.obj");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out,
+              "mesh \"prop\"\n"
+              "counts 4 4 0 1 1 1 1\n"
+              "bounds 00000000 00000000 00000000 3f800000 3f800000 00000000 3f000000 3f000000 00000000 3f3504f3\n"
+              "vertex 00000000 00000000 00000000 ffffffff\n"
+              "vertex 3f800000 00000000 00000000 ffffffff\n"
+              "vertex 3f800000 3f800000 00000000 ffffffff\n"
+              "vertex 00000000 3f800000 00000000 ffffffff\n"
+              "uv 00000000 00000000\n"
+              "uv 3f800000 00000000\n"
+              "uv 3f800000 3f800000\n"
+              "uv 00000000 3f800000\n"
+              "face 0 1 2 3 0 1 2 3 00000000\n"
+              "group \"the \\x22square\\x22\"\n"
+              "material \"red\" \"brick\\x5cwall.jpg\" \"\" 00000000 00000000 00000000 3f800000 00000000 "
+              "00000000 3f000000 3f000000 3f000000 00000000 00000000 00000000 3f800000 3f800000 3f800000 1 7 "
+              "00000000 00000000 00000000 00000000 00000000 3f400000 00000000\n");
+}
+
+TEST_F(Kbx, DumpWithNormalsAddsNormalsAndPlanes)
+{
+    write("a.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
+    std::string out = run("dump --normals a.obj").out;
+    EXPECT_NE(out.find("\nnormal 00000000 00000000 3f"), std::string::npos) << out;
+    EXPECT_NE(out.find("\nplane 00000000 00000000 3f"), std::string::npos) << out;
+    EXPECT_NE(out.find("face 0 1 2 -1 0 0 0 0 00000000\n"), std::string::npos) << out;
+    EXPECT_LT(out.find("\nnormal"), out.find("\nuv"));
+}
+
+TEST_F(Kbx, ToolsRunInTheOrderGiven)
+{
+    write("a.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nf 1 2 3 4\n");
+    Result result = run("dump --tool tri --tool quad a.obj");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "notice: Mesh converted to triangles\nnotice: Mesh converted to quads\n");
+    EXPECT_NE(result.out.find("counts 4 1 0 1 2 0 0"), std::string::npos) << result.out;
+    result = run("dump --tool quad --tool tri a.obj");
+    EXPECT_EQ(result.err, "notice:         Nothing to do\nnotice: Mesh converted to triangles\n");
+    EXPECT_NE(result.out.find("counts 4 1 0 2 2 0 0"), std::string::npos) << result.out;
+}
+
+TEST_F(Kbx, WeldNearMergesWhatExactWeldKeeps)
+{
+    write("a.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nv 0.000001 0 0\nf 1 2 3\nf 4 3 2\n");
+    EXPECT_EQ(run("dump --tool weld a.obj").err, "notice:   No duplicated vertices\n");
+    EXPECT_EQ(run("dump --tool weld-near a.obj").err, "notice: Removed 1 vertices\n");
+}
+
+TEST_F(Kbx, ToolWithoutResultIsNoFailure)
+{
+    write("a.obj", "v 0 0 0\nv 0 0 0\nv 0 0 0\nf 1 2 3\n");
+    Result result = run("dump --tool weld a.obj");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+}
+
+TEST_F(Kbx, FilterHidesTheOtherFaces)
+{
+    write("a.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nv 9 9 9\ng a\nf 1 2 3\ng b\nf 2 3 4\n");
+    std::string out = run("dump --filter 1 a.obj").out;
+    EXPECT_NE(out.find("face 0 1 2 -1 0 0 0 0 00000000\nface 1 2 3 -1 0 0 0 0 08000200\n"), std::string::npos) << out;
+    EXPECT_NE(out.find("bounds 00000000 00000000 00000000 3f800000 3f800000 00000000"), std::string::npos) << out;
+}
+
+TEST_F(Kbx, FailedLoadPrintsTheBoxAndNothingElse)
+{
+    write("empty.obj", "");
+    write("noise.obj", std::string("\x01\x02\0\xff", 4));
+    fs::create_directory(folder / "folder.obj");
+    for (const char* name : { "missing.obj", "empty.obj", "noise.obj", "folder.obj" })
+    {
+        for (const char* command : { "dump ", "info ", "info --json ", "render -o x.bmp ", "convert out.obj " })
+        {
+            std::string arguments = std::string(command) + name;
+            if (std::string(command) == "convert out.obj ")
+                arguments = std::string("convert ") + name + " out.obj";
+            Result result = run(arguments);
+            EXPECT_EQ(result.status, 1) << arguments;
+            EXPECT_EQ(result.out, "") << arguments;
+            EXPECT_EQ(result.err, std::string("message: Error: failed to open [") + name + "]\n") << arguments;
+        }
+    }
+    EXPECT_FALSE(fs::exists(folder / "x.bmp"));
+    EXPECT_FALSE(fs::exists(folder / "out.obj"));
+}
+
+TEST_F(Kbx, UnknownExtensionIsNamed)
+{
+    write("a.stl", "solid");
+    Result result = run("info a.stl");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "message: Not supported file format [a.stl]\n");
+}
+
+TEST_F(Kbx, SilentReaderStillGetsALine)
+{
+    Result result = run("info missing.ply");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "kbx: cannot read missing.ply\n");
+}
+
+TEST_F(Kbx, InfoOfSeveralFilesReadsWhatItCan)
+{
+    write("a.obj", squareObj);
+    Result result = run("info a.obj missing.obj a.obj");
+    EXPECT_EQ(result.status, 1);
+    size_t first = result.out.find("a.obj\n");
+    ASSERT_NE(first, std::string::npos);
+    EXPECT_NE(result.out.find("a.obj\n", first + 1), std::string::npos);
+}
+
+TEST_F(Kbx, InfoTellsWhatIsWrongWithTheMesh)
+{
+    write("a.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nv 1 1 0\nv 1 0 0\nf 1 2 3\nf 2 1 4\nf 1 2 5\n");
+    Result result = run("info a.obj");
+    EXPECT_NE(result.out.find("\n  open edges                         6"
+                              "\n  non-manifold edges                 1"
+                              "\n  degenerate faces                   1"
+                              "\n  duplicate vertices                 1\n"),
+              std::string::npos)
+        << result.out;
+    result = run("info --json a.obj");
+    for (const char* line :
+         { "\"openEdges\": 6", "\"nonManifoldEdges\": 1", "\"degenerateFaces\": 1", "\"duplicateVertices\": 1" })
+        EXPECT_NE(result.out.find(line), std::string::npos) << line << result.out;
+}
+
+TEST_F(Kbx, InfoSaysWhichTexturesAreMissing)
+{
+    write("square.obj", squareObj);
+    write("square.mtl", "newmtl red\nmap_Kd here.jpg\nmap_d gone.jpg\n");
+    write("here.jpg", "any bytes");
+    Result result = run("info square.obj");
+    EXPECT_NE(result.out.find("    \"red\" 1 faces  texture \"here.jpg\" (found)  opacity \"gone.jpg\" (missing)\n"),
+              std::string::npos)
+        << result.out;
+}
+
+TEST_F(Kbx, InfoAsJsonHoldsTheCounts)
+{
+    write("a.obj", squareObj);
+    Result result = run("info --json a.obj");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_NE(result.out.find("\"vertices\": 4"), std::string::npos) << result.out;
+    EXPECT_NE(result.out.find("\"quads\": 1"), std::string::npos);
+    EXPECT_EQ(result.out[0], '{');
+    EXPECT_EQ(run("info --json a.obj a.obj").out[0], '[');
+}
+
+TEST_F(Kbx, RenderWritesTheWholeBitmap)
+{
+    Result result = run("render -o teapot.bmp");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(fs::file_size(folder / "teapot.bmp"), 967254u);
+    std::string bitmap = textOf(folder / "teapot.bmp");
+    EXPECT_EQ(bitmap.substr(0, 2), "BM");
+    EXPECT_EQ(bitmap.substr(54, 3), "\x50\x50\x50");
+    EXPECT_NE(bitmap.find_first_not_of('\x50', 54), std::string::npos);
+    EXPECT_EQ(run("render --size 101x77 --background black -o small.bmp").status, 0);
+    EXPECT_EQ(fs::file_size(folder / "small.bmp"), 54u + 304u * 77u);
+}
+
+TEST_F(Kbx, RenderIsRepeatable)
+{
+    run("render --rotate 30,-40,10 --shadows --rough -o a.bmp");
+    run("render --rotate 30,-40,10 --shadows --rough -o b.bmp");
+    EXPECT_EQ(textOf(folder / "a.bmp"), textOf(folder / "b.bmp"));
+}
+
+TEST_F(Kbx, ViewAndRotateAgree)
+{
+    run("render --rotate 0,0,90 -o a.bmp");
+    run("render --view 0,-1,0,1,0,0,0,0,1 -o b.bmp");
+    std::string a = textOf(folder / "a.bmp"), b = textOf(folder / "b.bmp");
+    ASSERT_EQ(a.size(), b.size());
+    size_t different = 0;
+    for (size_t i = 0; i < a.size(); ++i)
+        different += a[i] != b[i];
+    EXPECT_LT(different, a.size() / 20);
+}
+
+TEST_F(Kbx, FramesTurnTheModelAndReportTheirSpeed)
+{
+    Result result = run("render --frames 31 -o turned.bmp");
+    EXPECT_EQ(result.status, 0);
+    int frames = 0;
+    double ms = -1, speed = -1;
+    ASSERT_EQ(sscanf(result.err.c_str(), "frames %d ms-per-frame %lf kpol-per-s %lf\n", &frames, &ms, &speed), 3)
+        << result.err;
+    EXPECT_EQ(frames, 31);
+    EXPECT_GT(ms, 0);
+    EXPECT_GT(speed, 0);
+    run("render -o still.bmp");
+    EXPECT_NE(textOf(folder / "turned.bmp"), textOf(folder / "still.bmp"));
+}
+
+TEST_F(Kbx, TextureFileThatIsNonePictureFails)
+{
+    write("bad.jpg", "no picture");
+    Result result = run("render --texture bad.jpg -o x.bmp");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "message: Error reading Jpeg file [error]\n");
+    EXPECT_FALSE(fs::exists(folder / "x.bmp"));
+}
+
+TEST_F(Kbx, ConvertWritesEachFormatWithItsCompanions)
+{
+    write("square.obj", squareObj);
+    write("square.mtl", "newmtl red\nKd 1 0 0\n");
+    const std::pair<const char*, std::vector<const char*>> formats[] = {
+        { "o.obj", { "o.obj", "o.mtl" } },
+        { "p.pp2", { "p.pp2", "p.rsr" } },
+        { "r.rkf", { "r.rkf" } },
+        { "l.lxs", { "l.lxs", "l.lxo", "l.lxm", "l_textures.txt" } },
+    };
+    for (const auto& [name, files] : formats)
+    {
+        Result result = run(std::string("convert square.obj ") + name);
+        EXPECT_EQ(result.status, 0) << name << result.err;
+        for (const char* file : files)
+            EXPECT_TRUE(fs::exists(folder / file)) << file;
+    }
+    EXPECT_EQ(run("dump o.obj").out, run("dump square.obj").out);
+    EXPECT_EQ(run("info r.rkf").status, 0);
+    EXPECT_EQ(run("info p.pp2").status, 0);
+}
+
+TEST_F(Kbx, ModelsWithLinesAreNotWrittenAsRkf)
+{
+    write("a.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\nl 1 2\n");
+    Result result = run("convert a.obj a.rkf");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "kbx: a.rkf cannot be written: the format carries no lines\n");
+    EXPECT_FALSE(fs::exists(folder / "a.rkf"));
+}
+
+TEST_F(Kbx, FullDiskIsNeverReportedAsWritten)
+{
+    write("a.obj", squareObj);
+    EXPECT_EQ(run("dump a.obj >/dev/full").status, 1);
+    EXPECT_EQ(run("info a.obj >/dev/full").status, 1);
+    write("x.bmp", "earlier");
+    Result result = run("render -o x.bmp", "ulimit -f 100; trap '' XFSZ;");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.err, "");
+    EXPECT_EQ(textOf(folder / "x.bmp"), "earlier");
+}
+
+TEST_F(Kbx, OutputThatNobodyReadsIsNotReportedAsWritten)
+{
+    std::string many;
+    for (int i = 0; i < 20000; ++i)
+        many += "v 0 0 0\n";
+    write("a.obj", many + "f 1 2 3\n");
+    int status = system(("cd '" + folder.string() +
+                         "'; (trap '' PIPE; '" TEST_PROGRAMS "/kbx' dump a.obj 2>.err; echo $? >status) | true")
+                            .c_str());
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(textOf(folder / "status"), "1\n");
+    EXPECT_EQ(textOf(folder / ".err"), "kbx: standard output could not be written\n");
+}
+
+TEST_F(Kbx, NamesWithBlanksAndOtherLettersAreReadAndWritten)
+{
+    fs::create_directory(folder / "m\xC3\xB6"
+                                  "d el");
+    write("m\xC3\xB6"
+          "d el/\xC3\xA9 a.obj",
+          squareObj);
+    Result result = run("convert 'm\xC3\xB6"
+                        "d el/\xC3\xA9 a.obj' 'm\xC3\xB6"
+                        "d el/\xC3\xB8 1.2.obj'");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    std::string text = textOf(folder / "m\xC3\xB6"
+                                       "d el/\xC3\xB8 1.2.obj");
+    EXPECT_NE(text.find("mtllib \xC3\xB8 1.2.mtl\r\n"), std::string::npos);
+    EXPECT_TRUE(fs::exists(folder / "m\xC3\xB6"
+                                    "d el/\xC3\xB8 1.2.mtl"));
+}
+
+TEST_F(Kbx, AModelMayBeWrittenOverItself)
+{
+    write("a.obj", squareObj);
+    std::string before = run("dump a.obj").out;
+    EXPECT_EQ(run("convert a.obj a.obj").status, 0);
+    EXPECT_EQ(run("dump a.obj").out, before);
+}
+
+TEST_F(Kbx, UnwritableFolderFails)
+{
+    write("a.obj", squareObj);
+    for (const char* arguments : { "render -o no/x.bmp", "convert a.obj no/x.obj", "convert a.obj no/x.pp2",
+                                   "convert a.obj no/x.rkf", "convert a.obj no/x.lxs" })
+    {
+        Result result = run(arguments);
+        EXPECT_EQ(result.status, 1) << arguments;
+        EXPECT_NE(result.err, "") << arguments;
+    }
+}
+
+TEST_F(Kbx, EveryRealObjIsDescribedAndDrawn)
+{
+    const char* models = getenv("KESTRELBOX_MODELS");
+    if (!models)
+        GTEST_SKIP() << "KESTRELBOX_MODELS is not set: no real files to read";
+    int drawn = 0;
+    for (const auto& entry : fs::recursive_directory_iterator(fs::path(models) / "obj"))
+    {
+        if (entry.path().extension() != ".obj")
+            continue;
+        std::string name = "'" + entry.path().string() + "'";
+        Result info = run("info --json " + name);
+        EXPECT_TRUE(info.status == 0 || info.err == "message: Error: failed to open [" + entry.path().string() + "]\n")
+            << name << info.err;
+        Result render = run("render -o x.bmp " + name);
+        EXPECT_EQ(render.status, info.status) << name;
+        drawn += render.status == 0;
+    }
+    EXPECT_GT(drawn, 20);
+}

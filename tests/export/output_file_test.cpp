@@ -1,0 +1,177 @@
+// tests/export/output_file_test.cpp - whole or not at all
+#include "export/output_file.h"
+#include "tests/export/build.h"
+
+#ifndef _WIN32
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+using OutputFileTest = ExportTest;
+
+TEST_F(OutputFileTest, TakesThePlaceOfAnEarlierFileWhenCommitted)
+{
+    std::string path = folder + "a.bmp";
+    putFile(path, "earlier");
+    OutputFile output;
+    ASSERT_EQ(openOutput(&output, path.c_str()), 1);
+    fputs("new", output.file);
+    EXPECT_EQ(contents(path), "earlier");
+    EXPECT_EQ(commitOutput(&output, 1), 1);
+    EXPECT_EQ(contents(path), "new");
+    EXPECT_EQ(filesInFolder(), Names{ "a.bmp" });
+    EXPECT_EQ(recorded.boxes, Boxes{});
+}
+
+TEST_F(OutputFileTest, AFailedWriteLeavesTheEarlierFileAndSaysSo)
+{
+    std::string path = folder + "a.bmp";
+    putFile(path, "earlier");
+    OutputFile output;
+    ASSERT_EQ(openOutput(&output, path.c_str()), 1);
+    fputs("half", output.file);
+    EXPECT_EQ(commitOutput(&output, 0), 0);
+    EXPECT_EQ(contents(path), "earlier");
+    EXPECT_EQ(filesInFolder(), Names{ "a.bmp" });
+    EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot write", iconStop } }));
+}
+
+TEST_F(OutputFileTest, AMissingFolderCannotBeCreatedIn)
+{
+    std::string path = folder + "missing/a.bmp";
+    OutputFile output;
+    EXPECT_EQ(openOutput(&output, path.c_str()), 0);
+    EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
+    abandonOutputs(&output, 1);
+    EXPECT_EQ(filesInFolder(), Names{});
+}
+
+TEST_F(OutputFileTest, AnEmptyNameCannotBeCreated)
+{
+    OutputFile output;
+    EXPECT_EQ(openOutput(&output, ""), 0);
+    EXPECT_EQ(recorded.boxes, (Boxes{ { "", "Error cannot create", iconStop } }));
+}
+
+TEST_F(OutputFileTest, AFolderInTheTargetsPlaceStays)
+{
+    std::string path = folder + "a.bmp";
+    std::filesystem::create_directory(path);
+    putFile(path + "/inside", "x");
+    OutputFile output;
+    ASSERT_EQ(openOutput(&output, path.c_str()), 1);
+    EXPECT_EQ(commitOutput(&output, 1), 0);
+    EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot write", iconStop } }));
+    EXPECT_EQ(contents(path + "/inside"), "x");
+    EXPECT_EQ(filesInFolder(), Names{ "a.bmp" });
+}
+
+#ifndef _WIN32
+TEST_F(OutputFileTest, ALinkIsFollowedAndStays)
+{
+    std::string path = folder + "real.bmp", link = folder + "link.bmp";
+    putFile(path, "earlier");
+    ASSERT_EQ(symlink("real.bmp", link.c_str()), 0);
+    OutputFile output;
+    ASSERT_EQ(openOutput(&output, link.c_str()), 1);
+    fputs("new", output.file);
+    EXPECT_EQ(commitOutput(&output, 1), 1);
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_EQ(contents(path), "new");
+    EXPECT_EQ(filesInFolder(), (Names{ "link.bmp", "real.bmp" }));
+}
+
+TEST_F(OutputFileTest, ALinkToNoFileMakesThatFile)
+{
+    std::filesystem::create_directory(folder + "inside");
+    std::string link = folder + "link.bmp";
+    ASSERT_EQ(symlink("inside/second.bmp", link.c_str()), 0);
+    ASSERT_EQ(symlink("real.bmp", (folder + "inside/second.bmp").c_str()), 0);
+    OutputFile output;
+    ASSERT_EQ(openOutput(&output, link.c_str()), 1);
+    fputs("new", output.file);
+    EXPECT_EQ(commitOutput(&output, 1), 1);
+    EXPECT_EQ(contents(folder + "inside/real.bmp"), "new");
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder + "inside/second.bmp"));
+}
+
+TEST_F(OutputFileTest, ALinkToItselfGivesWay)
+{
+    std::string link = folder + "link.bmp";
+    ASSERT_EQ(symlink("link.bmp", link.c_str()), 0);
+    OutputFile output;
+    ASSERT_EQ(openOutput(&output, link.c_str()), 1);
+    EXPECT_EQ(commitOutput(&output, 1), 1);
+    EXPECT_TRUE(std::filesystem::is_regular_file(link));
+    EXPECT_EQ(filesInFolder(), Names{ "link.bmp" });
+}
+
+TEST_F(OutputFileTest, APipeGetsTheBytesAndIsNotReplaced)
+{
+    std::string path = folder + "pipe";
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    int reader = open(path.c_str(), O_RDONLY | O_NONBLOCK);
+    OutputFile output;
+    ASSERT_EQ(openOutput(&output, path.c_str()), 1);
+    fputs("new", output.file);
+    EXPECT_EQ(commitOutput(&output, 1), 1);
+    char bytes[8] = {};
+    EXPECT_EQ(read(reader, bytes, sizeof bytes), 3);
+    close(reader);
+    EXPECT_STREQ(bytes, "new");
+    EXPECT_TRUE(std::filesystem::is_fifo(path));
+    EXPECT_EQ(filesInFolder(), Names{ "pipe" });
+}
+
+TEST_F(OutputFileTest, PermissionsOfAReplacedFileStay)
+{
+    std::string path = folder + "a.bmp";
+    putFile(path, "earlier");
+    chmod(path.c_str(), 0640);
+    OutputFile output;
+    ASSERT_EQ(openOutput(&output, path.c_str()), 1);
+    EXPECT_EQ(commitOutput(&output, 1), 1);
+    struct stat facts;
+    ASSERT_EQ(stat(path.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 07777, 0640u);
+}
+
+TEST_F(OutputFileTest, AFileThatMayNotBeWrittenIsNotReplaced)
+{
+    std::string path = folder + "a.bmp";
+    putFile(path, "earlier");
+    chmod(path.c_str(), 0400);
+    if (access(path.c_str(), W_OK) == 0)
+        GTEST_SKIP() << "this user may write every file";
+    OutputFile output;
+    EXPECT_EQ(openOutput(&output, path.c_str()), 0);
+    EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
+    EXPECT_EQ(contents(path), "earlier");
+    EXPECT_EQ(filesInFolder(), Names{ "a.bmp" });
+}
+#endif
+
+TEST_F(OutputFileTest, SomebodysPartFileIsLeftAlone)
+{
+    std::string path = folder + "a.obj";
+    putFile(path + ".part", "theirs");
+    OutputFile output;
+    ASSERT_EQ(openOutput(&output, path.c_str()), 1);
+    EXPECT_EQ(commitOutput(&output, 1), 1);
+    EXPECT_EQ(contents(path + ".part"), "theirs");
+    EXPECT_EQ(contents(path), "");
+    EXPECT_EQ(filesInFolder(), (Names{ "a.obj", "a.obj.part" }));
+}
+
+TEST_F(OutputFileTest, AbandoningRemovesWhatIsNotInPlace)
+{
+    OutputFile outputs[3] = {};
+    ASSERT_EQ(openOutput(&outputs[0], (folder + "a").c_str()), 1);
+    ASSERT_EQ(openOutput(&outputs[1], (folder + "b").c_str()), 1);
+    ASSERT_EQ(closeOutput(&outputs[1], 1), 1);
+    EXPECT_EQ(filesInFolder().size(), 2u);
+    abandonOutputs(outputs, 3);
+    EXPECT_EQ(filesInFolder(), Names{});
+}

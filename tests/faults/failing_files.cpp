@@ -1,0 +1,120 @@
+// tests/faults/failing_files.cpp - platform/files.h with failing reads and writes
+//
+// A file is the system's own behind a stream of ours: its size is the real one, so that a reader finds out only when it
+// gets there, as on a disk with a bad sector or a share that goes away.
+#include "tests/faults/failing_files.h"
+
+#include "platform/files.h"
+
+#include <errno.h>
+#include <string.h>
+#include <filesystem>
+
+FileFaults fileFaults;
+
+static int fail()
+{
+    ++fileFaults.failures;
+    errno = EIO;
+    return -1;
+}
+
+static ssize_t readSome(void* cookie, char* bytes, size_t size)
+{
+    FILE* file = static_cast<FILE*>(cookie);
+    if (fileFaults.readableBytes >= 0)
+    {
+        int64_t left = fileFaults.readableBytes - ftello(file);
+        if (left <= 0 && size > 0)
+            return fail();
+        size = static_cast<size_t>(left) < size ? static_cast<size_t>(left) : size;
+    }
+    return static_cast<ssize_t>(fread(bytes, 1, size, file));
+}
+
+static ssize_t writeSome(void* cookie, const char* bytes, size_t size)
+{
+    FILE* file = static_cast<FILE*>(cookie);
+    if (fileFaults.writableBytes >= 0)
+    {
+        if (fileFaults.writableBytes < static_cast<int64_t>(size))
+        {
+            fileFaults.writableBytes = 0;
+            fail();
+            return 0; // how such a stream tells of an error
+        }
+        fileFaults.writableBytes -= static_cast<int64_t>(size);
+    }
+    return static_cast<ssize_t>(fwrite(bytes, 1, size, file));
+}
+
+static int seek(void* cookie, off64_t* position, int whence)
+{
+    FILE* file = static_cast<FILE*>(cookie);
+    if (fseeko(file, *position, whence) != 0)
+        return -1;
+    *position = ftello(file);
+    return 0;
+}
+
+static int closeFile(void* cookie)
+{
+    return fclose(static_cast<FILE*>(cookie));
+}
+
+FILE* openFile(const char* path, const char* mode)
+{
+    if (fileFaults.openAllowed == 0)
+    {
+        fail();
+        return nullptr;
+    }
+    if (fileFaults.openAllowed > 0)
+        --fileFaults.openAllowed;
+    std::error_code unknown;
+    FILE* file = std::filesystem::is_directory(path, unknown) ? nullptr : fopen(path, mode);
+    if (!file)
+        return nullptr;
+    return fopencookie(file, mode, { readSome, writeSome, seek, closeFile });
+}
+
+int64_t measureFile(FILE* file)
+{
+    if (fseeko(file, 0, SEEK_END) != 0)
+        return -1;
+    int64_t size = ftello(file);
+    return fseeko(file, 0, SEEK_SET) == 0 ? size : -1;
+}
+
+int64_t filePosition(FILE* file)
+{
+    return ftello(file);
+}
+
+int seekFile(FILE* file, int64_t position)
+{
+    return fseeko(file, position, SEEK_SET) == 0;
+}
+
+int findNameIgnoringCase(const char*, const char*, char*, size_t)
+{
+    return 0; // the tests name their files as they are
+}
+
+FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
+{
+    if (*path == 0 || strlen(path) >= roomBytes)
+        return targetRefused;
+    memcpy(actual, path, strlen(path) + 1);
+    return targetReplaceable; // the tests have neither links nor devices
+}
+
+int renameFile(const char* from, const char* to)
+{
+    return rename(from, to) == 0;
+}
+
+int removeFile(const char* path)
+{
+    return remove(path) == 0;
+}

@@ -1,0 +1,13 @@
+// tests/faults/failing_files.h - files as the posix ones, but that fail after a number of bytes
+#pragma once
+#include <stdint.h>
+
+struct FileFaults
+{
+    int64_t readableBytes = -1; // of each file opened for reading; an error comes after them. -1: all
+    int64_t writableBytes = -1; // of all files opened for writing together. -1: all
+    int openAllowed = -1;       // files that open from now on. -1: all
+    int failures = 0;           // reads, writes and openings that have failed
+};
+
+extern FileFaults fileFaults;

@@ -1,0 +1,29 @@
+// tests/image/decoding.h - decoding in one line, and another decoder's opinion
+#pragma once
+#include "jpeg_builder.h"
+
+#include <optional>
+
+struct Decoded
+{
+    int width = 0, height = 0;
+    std::vector<uint32_t> pixels; // top row first
+    uint32_t at(int x, int y) const
+    {
+        return pixels[static_cast<size_t>(y * width + x)];
+    }
+    bool operator==(const Decoded&) const = default;
+};
+
+// From a block of exactly the file's size. Nothing when it is refused; the image must then be cleared.
+std::optional<Decoded> decode(const Bytes& file);
+std::optional<Decoded> decodePlain(const Bytes& file);
+bool refused(const Bytes& file);
+
+Bytes readFile(const std::string& path);
+void writeFile(const std::string& path, const Bytes& bytes);
+std::string temporary(const std::string& name);
+
+bool haveProgram(const std::string& name);
+// What djpeg makes of a file; nothing when it gives no picture.
+std::optional<Decoded> decodeByDjpeg(const Bytes& file, const std::string& options = "");

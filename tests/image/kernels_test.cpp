@@ -1,0 +1,119 @@
+// tests/image/kernels_test.cpp - the fast kernels equal the plain ones, bit for bit
+#include "image/kernels.h"
+#include "platform/processor.h"
+
+#include <gtest/gtest.h>
+#include <string.h>
+
+#include <random>
+
+class JpegKernelsTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (fast.idct == plain.idct)
+            GTEST_SKIP() << "this processor has the plain kernels only";
+    }
+    JpegKernels plain = chooseKernels(1), fast = chooseKernels(0);
+    std::mt19937 random{ 5 };
+};
+
+TEST_F(JpegKernelsTest, InverseDct)
+{
+    for (int round = 0; round < 60000; ++round)
+    {
+        int16_t block[64] = {};
+        QuantTable quant = {};
+        int kind = round % 6;
+        for (int i = 0; i < 64; ++i)
+        {
+            int range = kind == 0 ? 65536 : kind == 5 ? 3 : 64;
+            bool set = random() % (kind < 2 ? 1 : kind == 4 ? 40 : 6) == 0;
+            block[i] =
+                static_cast<int16_t>(set ? static_cast<int>(random() % static_cast<unsigned>(range)) - range / 2 : 0);
+            quant.entries[i] = static_cast<int32_t>(kind == 1 || kind == 4 ? random() % 65536 : 1 + random() % 255);
+            quant.low[i] = static_cast<int16_t>(quant.entries[i]);
+            quant.beyond16 |= i < 8 && quant.entries[i] > 32767;
+        }
+        if (kind == 4)
+            block[random() % 8] = static_cast<int16_t>(random());
+        uint8_t a[8 * 11], b[8 * 11];
+        memset(a, 0xAA, sizeof a);
+        memset(b, 0xAA, sizeof b);
+        plain.idct(block, quant, a, 11);
+        fast.idct(block, quant, b, 11);
+        ASSERT_EQ(memcmp(a, b, sizeof a), 0) << round;
+        for (int i = 1; i < 64; ++i)
+            block[i] = 0;
+        plain.idct(block, quant, a, 11);
+        inverseDctFlat(block[0], quant, b, 11);
+        ASSERT_EQ(memcmp(a, b, sizeof a), 0) << "flat " << round;
+    }
+}
+
+TEST_F(JpegKernelsTest, TriangleFilters)
+{
+    for (int n = 3; n < 70; ++n)
+        for (int round = 0; round < 20; ++round)
+        {
+            uint8_t in[256], other[256], near[256], a[256], b[256];
+            int16_t sums[128];
+            for (int i = 0; i < 256; ++i)
+            {
+                in[i] = other[i] = static_cast<uint8_t>(round % 3 ? random() : random() % 2 * 255);
+                near[i] = static_cast<uint8_t>(random());
+            }
+            plain.triangle(a, in + rowLead, n);
+            fast.triangle(b, other + rowLead, n);
+            ASSERT_EQ(memcmp(a, b, static_cast<size_t>(2 * n)), 0) << n;
+            ASSERT_EQ(memcmp(in, other, sizeof in), 0) << n;
+            plain.triangle2(a, in + rowLead, near + rowLead, sums, n);
+            fast.triangle2(b, in + rowLead, near + rowLead, sums, n);
+            ASSERT_EQ(memcmp(a, b, static_cast<size_t>(2 * n)), 0) << n;
+        }
+}
+
+TEST_F(JpegKernelsTest, EveryChromaPair)
+{
+    uint8_t y[256], cb[256], cr[256];
+    uint32_t a[256], b[256];
+    for (int luma = 0; luma < 256; luma += 15)
+        for (int i = 0; i < 256; ++i)
+        {
+            for (int j = 0; j < 256; ++j)
+            {
+                y[j] = static_cast<uint8_t>(luma);
+                cb[j] = static_cast<uint8_t>(i);
+                cr[j] = static_cast<uint8_t>(j);
+            }
+            plain.ycc(a, y, cb, cr, 256);
+            fast.ycc(b, y, cb, cr, 256);
+            ASSERT_EQ(memcmp(a, b, sizeof a), 0) << luma << " " << i;
+#ifdef JPEG_SSE2
+            if (processorFeatures() & processorSse2)
+                convertYccSse2(b, y, cb, cr, 256);
+            ASSERT_EQ(memcmp(a, b, sizeof a), 0) << luma << " " << i;
+#endif
+        }
+}
+
+TEST_F(JpegKernelsTest, ColourTails)
+{
+    uint8_t rows[3][64 + rowSlack];
+    for (auto& row : rows)
+        for (uint8_t& sample : row)
+            sample = static_cast<uint8_t>(random());
+    for (int n = 0; n < 64; ++n)
+    {
+        uint32_t a[80], b[80];
+        memset(a, 0xAA, sizeof a);
+        memset(b, 0xAA, sizeof b); // a store past the count shows below
+        plain.ycc(a, rows[0], rows[1], rows[2], n);
+        fast.ycc(b, rows[0], rows[1], rows[2], n);
+        ASSERT_EQ(memcmp(a, b, sizeof a), 0) << n;
+        plain.grey(a, rows[0], n);
+        fast.grey(b, rows[0], n);
+        ASSERT_EQ(memcmp(a, b, sizeof a), 0) << n;
+    }
+}

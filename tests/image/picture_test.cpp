@@ -1,0 +1,547 @@
+// tests/image/picture_test.cpp - what the pictures are: order of rows, blocks, filters, colours, restarts, early ends
+#include "decoding.h"
+
+#include "image/jpeg.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <algorithm>
+#include <random>
+
+static int clamp(int x, int low, int high)
+{
+    return std::clamp(x, low, high);
+}
+
+// The sample of a block of nothing but its first coefficient.
+static int flatSample(int d, int q)
+{
+    return clamp((4 * d * q + 16) >> 5, -128, 127) + 128;
+}
+
+// A plan whose component c has first coefficients values[c] in turn, one for each block coded.
+static JpegPlan flatPlan(const std::vector<PlanComponent>& components, const std::vector<std::vector<int>>& values)
+{
+    JpegPlan plan;
+    plan.components = components;
+    plan.block = [values](int component, int index, int* zigzag)
+    {
+        const std::vector<int>& of = values[static_cast<size_t>(component)];
+        zigzag[0] = of[static_cast<size_t>(index) % of.size()];
+    };
+    return plan;
+}
+
+static uint32_t word(int red, int green, int blue)
+{
+    return static_cast<uint32_t>(clamp(red, 0, 255) << 16 | clamp(green, 0, 255) << 8 | clamp(blue, 0, 255));
+}
+
+static uint32_t yccWord(int y, int cb, int cr)
+{
+    cb -= 128;
+    cr -= 128;
+    return word(y + ((91881 * cr + 32768) >> 16), y + ((-22554 * cb + 32768 - 46802 * cr) >> 16),
+                y + ((116130 * cb + 32768) >> 16));
+}
+
+TEST(JpegPicture, LastRowOfTheBlockIsTheTop)
+{
+    JpegPlan plan = flatPlan(sampled(2, 2), { { 40, 40, -30, -30 }, { 0 }, { 0 } });
+    plan.width = 10;
+    plan.height = 12;
+    Bytes file = buildJpeg(plan);
+    Image image;
+    ASSERT_EQ(decodeJpegMemory(file.data(), file.size(), &image), 1);
+    ASSERT_EQ(image.width, 10);
+    ASSERT_EQ(image.height, 12);
+    for (int y = 0; y < 12; ++y)
+        for (int x = 0; x < 10; ++x)
+            ASSERT_EQ(image.pixels[(11 - y) * 10 + x], 0x10101u * static_cast<uint32_t>(y < 8 ? 168 : 98)) << x << y;
+    free(image.pixels);
+}
+
+TEST(JpegPicture, FlatBlocks)
+{
+    for (int q : { 1, 2, 8, 31, 255 })
+        for (int d : { 0, 1, -1, 2, 3, 5, -7, 11, 31, -32, 33, 100, -101, 127, -128, 500, -1023 })
+        {
+            if (4 * d * q > 32767 || 4 * d * q < -32768)
+                continue;
+            JpegPlan plan = flatPlan({ { 1, 1, 1 } }, { { d } });
+            plan.width = plan.height = 8;
+            plan.quant = q;
+            auto decoded = decode(buildJpeg(plan));
+            ASSERT_TRUE(decoded.has_value());
+            for (uint32_t pixel : decoded->pixels)
+                ASSERT_EQ(pixel, 0x10101u * static_cast<uint32_t>(flatSample(d, q))) << d << " x " << q;
+        }
+}
+
+TEST(JpegPicture, FlatBlocksBeyondSixteenBitsSaturate)
+{
+    for (int sign : { 1, -1 })
+    {
+        JpegPlan plan = flatPlan({ { 1, 1, 1 } }, { { sign * 1000 } });
+        plan.wideQuant = true;
+        plan.quant = 40000;
+        auto decoded = decode(buildJpeg(plan));
+        ASSERT_TRUE(decoded.has_value());
+        EXPECT_EQ(decoded->at(0, 0), sign > 0 ? 0xFFFFFFu : 0u);
+    }
+}
+
+// One row of four blocks of luma at 128 and two of chroma a and b, h x v sampling.
+static Decoded chromaStep(int h, int v, int width, int height)
+{
+    JpegPlan plan = flatPlan(sampled(h, v), { { 0 }, { 20, -20, 8, -12 }, { 0 } });
+    plan.width = width;
+    plan.height = height;
+    auto decoded = decode(buildJpeg(plan));
+    EXPECT_TRUE(decoded.has_value());
+    return decoded.value_or(Decoded{});
+}
+
+static const int stepSamples[4] = { 148, 108, 136, 116 }; // of the chroma blocks above
+
+TEST(JpegPicture, HalfWidthIsFilteredByTheTriangle)
+{
+    Decoded picture = chromaStep(2, 1, 32, 8);
+    auto in = [](int i) { return stepSamples[clamp(i, 0, 15) / 8]; };
+    for (int x = 0; x < 32; ++x)
+    {
+        int i = x / 2;
+        int cb = x % 2 == 0 ? (3 * in(i) + in(i - 1) + 1) >> 2 : (3 * in(i) + in(i + 1) + 2) >> 2;
+        EXPECT_EQ(picture.at(x, 3), yccWord(128, cb, 128)) << x;
+    }
+}
+
+TEST(JpegPicture, QuarterAreaIsFilteredBothWays)
+{
+    Decoded picture = chromaStep(2, 2, 32, 27); // the last real chroma row is 13
+    auto in = [](int x, int y) { return stepSamples[clamp(y, 0, 13) / 8 * 2 + clamp(x, 0, 15) / 8]; };
+    for (int y = 0; y < 27; ++y)
+        for (int x = 0; x < 32; ++x)
+        {
+            auto sum = [&](int i) { return 3 * in(i, y / 2) + in(i, y / 2 + (y % 2 == 0 ? -1 : 1)); };
+            int i = x / 2;
+            int cb = x % 2 == 0 ? (3 * sum(i) + sum(i - 1) + 8) >> 4 : (3 * sum(i) + sum(i + 1) + 7) >> 4;
+            ASSERT_EQ(picture.at(x, y), yccWord(128, cb, 128)) << x << ", " << y;
+        }
+}
+
+// The file's first coefficients give no steps within a block, so the narrow pictures hold a slope of one block.
+static Decoded narrow(int h, int v, int width)
+{
+    JpegPlan plan;
+    plan.components = sampled(h, v);
+    plan.width = width;
+    plan.height = 8;
+    plan.block = [](int component, int, int* zigzag) { zigzag[1] = component == 1 ? 30 : 0; };
+    auto decoded = decode(buildJpeg(plan));
+    EXPECT_TRUE(decoded.has_value());
+    return decoded.value_or(Decoded{});
+}
+
+TEST(JpegPicture, ComponentsLessThanThreeSamplesWideAreDoubled)
+{
+    for (int v : { 1, 2 })
+    {
+        Decoded four = narrow(2, v, 4);
+        EXPECT_EQ(four.at(0, 0), four.at(1, 0));
+        EXPECT_EQ(four.at(2, 0), four.at(3, 0));
+        EXPECT_NE(four.at(1, 0), four.at(2, 0));
+        Decoded five = narrow(2, v, 5);
+        EXPECT_NE(five.at(2, 0), five.at(3, 0));
+    }
+}
+
+TEST(JpegPicture, OtherWholeRatiosAreReplicated)
+{
+    struct
+    {
+        int h, v;
+    } ratios[] = { { 3, 1 }, { 1, 2 }, { 4, 1 }, { 1, 3 }, { 4, 2 }, { 1, 4 }, { 3, 2 } };
+    for (auto [h, v] : ratios)
+    {
+        Decoded picture = chromaStep(h, v, 16 * h, 8 * v);
+        for (int y = 0; y < picture.height; ++y)
+            for (int x = 0; x < picture.width; ++x)
+                ASSERT_EQ(picture.at(x, y), yccWord(128, stepSamples[x / h / 8], 128)) << h << v << x;
+    }
+    Decoded tall = chromaStep(1, 2, 8, 32);
+    for (int y = 0; y < 32; ++y)
+        EXPECT_EQ(tall.at(0, y), yccWord(128, stepSamples[y / 16], 128)) << y;
+}
+
+TEST(JpegPicture, MixedFactorsUseTheirOwnMethods)
+{
+    // Luma is replicated down, Cb filtered across, Cr direct.
+    JpegPlan plan;
+    plan.width = 37;
+    plan.height = 21;
+    plan.components = { { 1, 2, 1 }, { 2, 1, 2 }, { 3, 2, 2 } };
+    auto decoded = decode(buildJpeg(plan));
+    ASSERT_TRUE(decoded.has_value());
+    EXPECT_TRUE(decoded == decodePlain(buildJpeg(plan)));
+    for (int y = 0; y + 1 < 21; y += 2)
+        for (int x = 0; x < 37; ++x)
+            ASSERT_LT(decoded->at(x, y), 0x1000000u);
+}
+
+TEST(JpegPicture, ColourSpaces)
+{
+    auto colourOf = [](const std::vector<PlanComponent>& components, const Bytes& application)
+    {
+        JpegPlan plan = flatPlan(components, { { 30 }, { -40 }, { 50 }, { 20 } }); // samples 158 88 178 148
+        plan.application = application;
+        auto decoded = decode(buildJpeg(plan));
+        return decoded ? decoded->at(5, 5) : 0xDEADu;
+    };
+    std::vector<PlanComponent> numbered = { { 1, 1, 1 }, { 2, 1, 1 }, { 3, 1, 1 } };
+    std::vector<PlanComponent> lettered = { { 'R', 1, 1 }, { 'G', 1, 1 }, { 'B', 1, 1 } };
+    std::vector<PlanComponent> others = { { 7, 1, 1 }, { 8, 1, 1 }, { 9, 1, 1 } };
+    std::vector<PlanComponent> four = { { 1, 1, 1 }, { 2, 1, 1 }, { 3, 1, 1 }, { 4, 1, 1 } };
+    uint32_t ycc = yccWord(158, 88, 178), rgb = word(158, 88, 178);
+    Bytes jfif = jfifSegment(0, 1, 1), both = jfif;
+    for (uint8_t byte : adobeSegment(0))
+        both.push_back(byte);
+    EXPECT_EQ(colourOf({ { 1, 1, 1 } }, {}), word(158, 158, 158));
+    EXPECT_EQ(colourOf(numbered, {}), ycc);
+    EXPECT_EQ(colourOf(lettered, {}), rgb);
+    EXPECT_EQ(colourOf(others, {}), ycc);
+    EXPECT_EQ(colourOf(lettered, jfif), ycc);
+    EXPECT_EQ(colourOf(numbered, both), ycc);
+    EXPECT_EQ(colourOf(numbered, adobeSegment(0)), rgb);
+    EXPECT_EQ(colourOf(lettered, adobeSegment(1)), ycc);
+    EXPECT_EQ(colourOf(numbered, adobeSegment(2)), ycc);
+    uint32_t cmyk = word(255 - (158 + 148), 255 - (88 + 148), 255 - (178 + 148));
+    EXPECT_EQ(colourOf(four, {}), cmyk);
+    EXPECT_EQ(colourOf(four, jfif), cmyk);
+    EXPECT_EQ(colourOf(four, adobeSegment(0)), cmyk);
+    EXPECT_EQ(colourOf(four, adobeSegment(2)), yccWord(158 + 148, 88, 178));
+}
+
+TEST(JpegPicture, ApplicationSegmentsTooShortAreIgnored)
+{
+    Bytes shortAdobe = segmentOf(0xEE, { 'A', 'd', 'o', 'b', 'e', 0, 100, 0, 0, 0, 0 }); // no transform byte
+    Bytes shortJfif = segmentOf(0xE0, { 'J', 'F', 'I', 'F', 0, 1, 1, 2, 0, 9, 0, 9, 0 });
+    for (const Bytes& application : { shortAdobe, shortJfif, segmentOf(0xE0, {}), Bytes{ 0xFF, 0xEE, 0, 0 } })
+    {
+        JpegPlan plan = flatPlan({ { 'R', 1, 1 }, { 'G', 1, 1 }, { 'B', 1, 1 } }, { { 30 }, { -40 }, { 50 } });
+        plan.application = application;
+        auto decoded = decode(buildJpeg(plan));
+        ASSERT_TRUE(decoded.has_value());
+        EXPECT_EQ(decoded->at(0, 0), word(158, 88, 178));
+        EXPECT_EQ(jpegOutput.xDensity, 1);
+    }
+}
+
+TEST(JpegPicture, MarkersBetweenSegments)
+{
+    JpegPlan plan;
+    plan.components = sampled(2, 2);
+    auto good = decode(buildJpeg(plan));
+    ASSERT_TRUE(good.has_value());
+    for (const Bytes& between :
+         { Bytes{ 0xFF, 0xFF, 0xFF, 0xFF }, Bytes{ 0xFF, 0 }, Bytes{ 1, 2, 3, 0xFF, 0xFF, 0, 7 }, Bytes{ 0xFF, 0xD3 },
+           Bytes{ 0xFF, 0x01 }, segmentOf(0xFE, { 0xFF, 0xD9 }), segmentOf(0xDC, { 0, 0 }), segmentOf(0xCC, { 1 }),
+           segmentOf(0xEF, {}), segmentOf(0xE5, Bytes(9000, 0xFF)) })
+    {
+        plan.application = between;
+        EXPECT_TRUE(decode(buildJpeg(plan)) == good);
+    }
+}
+
+TEST(JpegPicture, FileAndMemoryGiveTheSame)
+{
+    JpegPlan plan;
+    plan.width = 500;
+    plan.height = 300;
+    plan.components = sampled(2, 2);
+    for (int interval : { 0, 7 })
+    {
+        plan.restartInterval = interval;
+        Bytes bytes = buildJpeg(plan);
+        ASSERT_GT(bytes.size(), 3 * fileBufferBytes);
+        std::string path = temporary("file.jpg");
+        for (size_t size : { bytes.size(), bytes.size() / 2, size_t{ 2 * fileBufferBytes }, size_t{ 300 } })
+        {
+            writeFile(path, Bytes(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(size)));
+            FILE* file = fopen(path.c_str(), "rb");
+            Image image;
+            int ok = decodeJpegFile(file, &image);
+            fclose(file);
+            auto memory = decode(Bytes(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(size)));
+            ASSERT_EQ(ok != 0, memory.has_value()) << size;
+            for (int y = 0; ok && y < image.height; ++y)
+                for (int x = 0; x < image.width; ++x)
+                    ASSERT_EQ(image.pixels[(image.height - 1 - y) * image.width + x], memory->at(x, y));
+            free(image.pixels);
+        }
+        remove(path.c_str());
+    }
+}
+
+// ---- early ends and corrupt data ----
+
+TEST(JpegPicture, DataThatEndsAtAMarkerLeavesTheRestGrey)
+{
+    JpegPlan plan = flatPlan({ { 1, 1, 1 } }, { { 40, 41, 42, 43, 44, 45, 46, 47 } });
+    plan.width = 64;
+    plan.height = 16;
+    JpegParts parts = planJpeg(plan);
+    auto whole = decode(joinParts(parts));
+    ASSERT_TRUE(whole.has_value());
+    for (size_t size = 0; size < parts.entropy.size(); ++size)
+    {
+        JpegParts cut = parts;
+        cut.entropy.resize(size);
+        auto decoded = decode(joinParts(cut));
+        ASSERT_TRUE(decoded.has_value()) << size;
+        int good = 0;
+        while (good < 16 && decoded->at(good % 8 * 8, good / 8 * 8) == whole->at(good % 8 * 8, good / 8 * 8))
+            ++good;
+        EXPECT_GE(good * 6, static_cast<int>(size)) << size; // no block takes more than 10 bits
+        for (int b = good + 2; b < 16; ++b)                  // the one that misses bits takes zeros for them
+            EXPECT_EQ(decoded->at(b % 8 * 8, b / 8 * 8), 0x808080u) << size << " block " << b;
+    }
+}
+
+TEST(JpegPicture, CodesThatDoNotExistAreSymbolZero)
+{
+    JpegPlan plan = flatPlan({ { 1, 1, 1 } }, { { 0 } });
+    JpegParts parts = planJpeg(plan);
+    parts.entropy = Bytes(40, 0xFF);
+    for (size_t i = 1; i < 40; i += 2)
+        parts.entropy[i] = 0; // 160 ones: 17 for each symbol, two symbols a block
+    auto decoded = decode(joinParts(parts));
+    ASSERT_TRUE(decoded.has_value());
+    for (uint32_t pixel : decoded->pixels)
+        ASSERT_EQ(pixel, 0x808080u);
+    EXPECT_TRUE(decodePlain(joinParts(parts)) == decoded);
+}
+
+static std::vector<Bytes> samplesOfAllKinds()
+{
+    std::vector<Bytes> files;
+    for (int kind = 0; kind < 8; ++kind)
+    {
+        JpegPlan plan;
+        plan.width = 13 + kind * 5;
+        plan.height = 30 - kind;
+        plan.seed = static_cast<unsigned>(kind);
+        plan.restartInterval = kind % 3;
+        plan.wideQuant = kind % 4 == 3;
+        plan.components = kind == 0   ? std::vector<PlanComponent>{ { 1, 1, 1 } }
+                          : kind == 7 ? std::vector<PlanComponent>{ { 1, 2, 2 }, { 2, 1, 1 }, { 3, 1, 1 }, { 4, 2, 2 } }
+                                      : sampled(1 + kind % 2, 1 + kind / 2 % 2);
+        if (kind >= 6)
+            plan.application = adobeSegment(2);
+        files.push_back(buildJpeg(plan));
+    }
+    return files;
+}
+
+TEST(JpegPicture, EveryTruncationIsSafeAndTheReadersAgree)
+{
+    int decodedCount = 0;
+    for (const Bytes& file : samplesOfAllKinds())
+        for (size_t size = 0; size < file.size(); ++size)
+        {
+            Bytes cut(file.begin(), file.begin() + static_cast<ptrdiff_t>(size));
+            auto plain = decodePlain(cut);
+            ASSERT_TRUE(decode(cut) == plain) << size;
+            decodedCount += plain.has_value();
+            cut.push_back(0xFF);
+            cut.push_back(0xD9);
+            plain = decodePlain(cut);
+            ASSERT_TRUE(decode(cut) == plain) << size << " with an end";
+        }
+    EXPECT_GT(decodedCount, 0); // what was read ahead may be all that is wanted
+}
+
+TEST(JpegPicture, CorruptFilesAreSafeAndTheReadersAgree)
+{
+    const char* wanted = getenv("KESTRELBOX_CORRUPTIONS"); // for long runs by hand
+    int count = wanted ? atoi(wanted) : 3000;
+    std::vector<Bytes> files = samplesOfAllKinds();
+    std::mt19937 random(7);
+    int decodedCount = 0;
+    for (int i = 0; i < count; ++i)
+    {
+        Bytes file = files[static_cast<size_t>(i) % files.size()];
+        for (unsigned long changes = 1 + random() % (i % 2 ? 1 : 8); changes > 0; --changes)
+        {
+            size_t from = random() % 3 == 0 ? 0 : file.size() / 2; // headers and data alike
+            size_t at = from + random() % (file.size() - from);
+            file[at] = static_cast<uint8_t>(random() % 4 == 0 ? 0xFF : random());
+        }
+        auto plain = decodePlain(file);
+        decodedCount += plain.has_value();
+        ASSERT_TRUE(decode(file) == plain) << i;
+    }
+    EXPECT_GT(decodedCount, count / 4);
+}
+
+// ---- restarts ----
+
+struct Restarts
+{
+    JpegParts parts;
+    std::vector<Bytes> runs; // the data of each MCU, without markers
+};
+
+static int restartValue(int mcu)
+{
+    return mcu % 3 == 0 ? 0 : 20 + mcu; // the most frequent difference is none, and its code is all zeros
+}
+
+// 24 MCUs of one flat block, a restart before each but the first.
+static Restarts makeRestarts()
+{
+    JpegPlan plan;
+    plan.width = 8 * 24;
+    plan.height = 8;
+    plan.components = { { 1, 1, 1 } };
+    plan.restartInterval = 1;
+    plan.block = [](int, int index, int* zigzag) { zigzag[0] = restartValue(index); };
+    Restarts restarts = { planJpeg(plan), { {} } };
+    const Bytes& entropy = restarts.parts.entropy;
+    for (size_t i = 0; i < entropy.size(); ++i)
+    {
+        if (entropy[i] == 0xFF && entropy[i + 1] != 0)
+        {
+            restarts.runs.push_back({});
+            ++i;
+        }
+        else
+        {
+            restarts.runs.back().push_back(entropy[i]);
+        }
+    }
+    return restarts;
+}
+
+// The samples of the MCUs when the scan is made of runs and markers in this order: -1 nothing, else FF and the code.
+static std::vector<int> decodeRuns(const Restarts& restarts, const std::vector<std::pair<int, int>>& codeAndRun)
+{
+    JpegParts parts = restarts.parts;
+    parts.entropy.clear();
+    for (auto [code, run] : codeAndRun)
+    {
+        if (code >= 0)
+        {
+            parts.entropy.push_back(0xFF);
+            parts.entropy.push_back(static_cast<uint8_t>(code));
+        }
+        if (run >= 0)
+            for (uint8_t byte : restarts.runs[static_cast<size_t>(run)])
+                parts.entropy.push_back(byte);
+    }
+    auto decoded = decode(joinParts(parts));
+    EXPECT_TRUE(decoded == decodePlain(joinParts(parts)));
+    std::vector<int> samples;
+    for (int mcu = 0; decoded && mcu < 24; ++mcu)
+        samples.push_back(static_cast<int>(decoded->at(mcu * 8, 0) & 0xFF));
+    return samples;
+}
+
+static std::vector<std::pair<int, int>> allRuns()
+{
+    std::vector<std::pair<int, int>> order;
+    for (int run = 0; run < 24; ++run)
+        order.push_back({ run == 0 ? -1 : 0xD0 + (run - 1) % 8, run });
+    return order;
+}
+
+static std::vector<int> expectedSamples(int greyFrom = 0, int greyTo = 0)
+{
+    std::vector<int> samples;
+    for (int mcu = 0; mcu < 24; ++mcu)
+        samples.push_back(mcu >= greyFrom && mcu < greyTo ? 128 : flatSample(restartValue(mcu), 8));
+    return samples;
+}
+
+TEST(JpegRestarts, InOrderResetThePredictions)
+{
+    Restarts restarts = makeRestarts();
+    ASSERT_EQ(restarts.runs.size(), 24u);
+    EXPECT_EQ(decodeRuns(restarts, allRuns()), expectedSamples());
+}
+
+TEST(JpegRestarts, LostRunsAreGrey)
+{
+    Restarts restarts = makeRestarts();
+    for (int lost : { 1, 2 }) // the marker found is one or two ahead
+    {
+        auto order = allRuns();
+        order.erase(order.begin() + 10, order.begin() + 10 + lost);
+        EXPECT_EQ(decodeRuns(restarts, order), expectedSamples(10, 10 + lost)) << lost;
+    }
+}
+
+TEST(JpegRestarts, RepeatedRunsArePassedOver)
+{
+    Restarts restarts = makeRestarts();
+    for (int back : { 1, 2 })
+    {
+        auto order = allRuns();
+        order.insert(order.begin() + 10, order[static_cast<size_t>(10 - back)]);
+        EXPECT_EQ(decodeRuns(restarts, order), expectedSamples()) << back;
+    }
+}
+
+TEST(JpegRestarts, MarkersFarOffAreTakenForTheDueOne)
+{
+    Restarts restarts = makeRestarts();
+    for (int off : { 3, 4, 5 })
+    {
+        auto order = allRuns();
+        order[10].first = 0xD0 + (order[10].first - 0xD0 + off) % 8;
+        EXPECT_EQ(decodeRuns(restarts, order), expectedSamples()) << off;
+    }
+}
+
+TEST(JpegRestarts, LowCodesAndGarbageAreSearchedThrough)
+{
+    Restarts restarts = makeRestarts();
+    for (int code : { 0x01, 0x02, 0xBF })
+    {
+        auto order = allRuns();
+        order.insert(order.begin() + 10, { code, 3 });
+        EXPECT_EQ(decodeRuns(restarts, order), expectedSamples()) << code;
+    }
+    auto order = allRuns();
+    order.insert(order.begin() + 10, { -1, 5 }); // more data than the MCU needs
+    EXPECT_EQ(decodeRuns(restarts, order), expectedSamples());
+}
+
+TEST(JpegRestarts, OtherMarkersEndTheData)
+{
+    Restarts restarts = makeRestarts();
+    for (int code : { 0xD9, 0xC0, 0xDA, 0xFE })
+    {
+        auto order = allRuns();
+        order[10].first = code;
+        EXPECT_EQ(decodeRuns(restarts, order), expectedSamples(10, 24)) << code;
+    }
+}
+
+TEST(JpegRestarts, SourceThatEndsBeforeAMarkerIsAnEarlyEnd)
+{
+    // The reader takes 4 bytes for an MCU of one; with them there the search for the marker meets the end.
+    Restarts restarts = makeRestarts();
+    JpegParts parts = restarts.parts;
+    parts.entropy = restarts.runs[0];
+    parts.entropy.resize(4, 0x11);
+    parts.end = {};
+    auto decoded = decode(joinParts(parts));
+    ASSERT_TRUE(decoded.has_value());
+    EXPECT_TRUE(decodePlain(joinParts(parts)) == decoded);
+    for (int x = 8; x < 8 * 24; ++x)
+        ASSERT_EQ(decoded->at(x, 0), 0x808080u);
+    parts.entropy.resize(3);
+    EXPECT_TRUE(refused(joinParts(parts)));
+}

@@ -1,0 +1,258 @@
+// tests/recording/recording.cpp - the recording implementation of the seam
+#include "tests/recording/recording.h"
+
+#include "platform/clock.h"
+#include "platform/controls.h"
+#include "platform/dialogs.h"
+#include "platform/pages.h"
+#include "platform/picture.h"
+
+#include <stdlib.h>
+#include <string.h>
+
+Recording recorded;
+
+static std::map<void*, size_t> blocks;
+
+void resetRecording()
+{
+    int liveBlocks = recorded.liveBlocks;
+    size_t liveBytes = recorded.liveBytes;
+    int livePictures = recorded.livePictures;
+    recorded = Recording{};
+    recorded.liveBlocks = liveBlocks;
+    recorded.liveBytes = recorded.peakBytes = liveBytes;
+    recorded.livePictures = livePictures;
+}
+
+void messageBox(const char* text, const char* caption, BoxIcon icon)
+{
+    recorded.boxes.push_back({ text, caption ? caption : "(default)", icon });
+}
+
+void showNotice(const char* text)
+{
+    recorded.notices.emplace_back(text);
+}
+
+void showProgress(const char* caption)
+{
+    recorded.progress.push_back({ caption, {}, false });
+}
+
+void setProgress(float fraction)
+{
+    if (recorded.progress.empty() || recorded.progress.back().closed)
+        abort(); // nobody moves a bar that is not there
+    recorded.progress.back().fractions.push_back(fraction);
+}
+
+void closeProgress()
+{
+    if (recorded.progress.empty() || recorded.progress.back().closed)
+        abort();
+    recorded.progress.back().closed = true;
+}
+
+void beep()
+{
+    ++recorded.beeps;
+}
+
+static std::string orNone(const char* text)
+{
+    return text ? text : "(none)";
+}
+
+// The 16-bit characters of UTF-8 before a byte: one for each sequence, two for one of four bytes.
+static size_t charactersIn(const std::string& text)
+{
+    size_t count = 0;
+    for (char c : text)
+    {
+        auto byte = static_cast<unsigned char>(c);
+        count += (byte & 0xC0) != 0x80;
+        count += byte >= 0xF0;
+    }
+    return count;
+}
+
+static std::string cutToCharacters(std::string text, size_t characters)
+{
+    while (charactersIn(text) > characters)
+        text.pop_back();
+    return text;
+}
+
+static int answerDialog(FileDialog* dialog, bool save)
+{
+    recorded.dialogs.push_back({ save, orNone(dialog->filterText), orNone(dialog->filterPattern), orNone(dialog->title),
+                                 orNone(dialog->defaultExtension), dialog->path, dialog->flags, dialog->pathRoom,
+                                 dialog->fileTitle ? dialog->fileTitleRoom : 0 });
+    if (recorded.dialogAnswers.empty())
+        return 0;
+    std::string answer = recorded.dialogAnswers.front();
+    recorded.dialogAnswers.pop_front();
+    if (answer.empty() || charactersIn(answer) >= dialog->pathRoom)
+        return 0;
+    memcpy(dialog->path, answer.c_str(), answer.size() + 1);
+    if (dialog->fileTitle && dialog->fileTitleRoom > 0)
+    {
+        std::string title = cutToCharacters(answer.substr(answer.find_last_of("/\\:") + 1), dialog->fileTitleRoom - 1);
+        memcpy(dialog->fileTitle, title.c_str(), title.size() + 1);
+    }
+    return 1;
+}
+
+int chooseFileToOpen(FileDialog* dialog)
+{
+    return answerDialog(dialog, false);
+}
+
+int chooseFileToSave(FileDialog* dialog)
+{
+    return answerDialog(dialog, true);
+}
+
+void checkMenuItem(int id, int on)
+{
+    recorded.menuChecks[id] = on != 0;
+}
+
+void enableMenuItem(int id, int on)
+{
+    recorded.menuEnabled[id] = on != 0;
+}
+
+void renameMenuItem(int id, const char* text)
+{
+    recorded.menuTexts[id] = text;
+}
+
+void checkPanelBox(int id, int on)
+{
+    recorded.panelChecks[id] = on != 0;
+}
+
+int panelBoxChecked(int id)
+{
+    return recorded.panelChecks[id];
+}
+
+void setPanelText(int id, const char* text)
+{
+    recorded.panelTexts[id] = text;
+}
+
+void clearFilterList()
+{
+    recorded.filterEntries.clear();
+    recorded.filterSelection = -1;
+}
+
+void addFilterEntry(const char* text)
+{
+    recorded.filterEntries.emplace_back(text);
+}
+
+void selectFilterEntry(int index)
+{
+    recorded.filterSelection = index;
+}
+
+int selectedFilterEntry()
+{
+    return recorded.filterSelection;
+}
+
+void setWindowTitle(const char* text)
+{
+    recorded.titles.emplace_back(text);
+}
+
+void focusMainWindow()
+{
+    recorded.focus.emplace_back("main");
+}
+
+void focusToolPanel()
+{
+    recorded.focus.emplace_back("panel");
+}
+
+void runAboutBox()
+{
+    ++recorded.aboutRuns;
+}
+
+void destroyMainWindow()
+{
+    recorded.mainWindowDestroyed = true;
+}
+
+int makePicture(Picture* picture, int32_t widthPixels, int32_t rows)
+{
+    *picture = {};
+    if (recorded.refusePictures || widthPixels <= 0 || rows <= 0)
+        return 0;
+    picture->bits = static_cast<uint8_t*>(calloc(static_cast<size_t>(rows), static_cast<size_t>(widthPixels) * 3));
+    if (!picture->bits)
+        return 0;
+    picture->widthPixels = widthPixels;
+    picture->rows = rows;
+    ++recorded.livePictures;
+    return 1;
+}
+
+void presentPicture(const Picture*, int32_t x, int32_t y, int32_t width, int32_t height)
+{
+    recorded.presented.push_back({ x, y, width, height });
+}
+
+void destroyPicture(Picture* picture)
+{
+    if (picture->bits)
+        --recorded.livePictures;
+    free(picture->bits);
+    *picture = {};
+}
+
+uint32_t tickCount()
+{
+    return recorded.tick;
+}
+
+// Whole pages as far as the caller can tell by the address; the bytes past the size belong to nobody, as the sanitizer
+// then notices.
+void* allocatePages(size_t sizeBytes)
+{
+    ++recorded.allocations;
+    if (recorded.refuseFrom && recorded.allocations >= recorded.refuseFrom)
+        return nullptr;
+    if (recorded.refuseOnly && recorded.allocations == recorded.refuseOnly)
+        return nullptr;
+    constexpr size_t mostBytes = size_t{ 1 } << 40;
+    void* block = nullptr;
+    if (sizeBytes == 0 || sizeBytes > mostBytes || posix_memalign(&block, 4096, sizeBytes) != 0)
+        return nullptr;
+    memset(block, 0, sizeBytes);
+    blocks[block] = sizeBytes;
+    ++recorded.liveBlocks;
+    recorded.liveBytes += sizeBytes;
+    if (recorded.liveBytes > recorded.peakBytes)
+        recorded.peakBytes = recorded.liveBytes;
+    return block;
+}
+
+void releasePages(void* block)
+{
+    if (!block)
+        return;
+    auto found = blocks.find(block);
+    if (found == blocks.end())
+        abort(); // released twice, or never handed out
+    recorded.liveBytes -= found->second;
+    --recorded.liveBlocks;
+    blocks.erase(found);
+    free(block);
+}

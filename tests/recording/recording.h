@@ -1,0 +1,81 @@
+// tests/recording/recording.h - a platform that scripts the user's answers and writes down what the system does
+#pragma once
+#include "platform/boxes.h"
+
+#include <stdint.h>
+#include <deque>
+#include <map>
+#include <string>
+#include <vector>
+
+struct RecordedBox
+{
+    std::string text;
+    std::string caption; // "(default)" for the system's own
+    BoxIcon icon;
+    bool operator==(const RecordedBox&) const = default;
+};
+
+struct RecordedProgress
+{
+    std::string caption;
+    std::vector<float> fractions;
+    bool closed;
+};
+
+struct RecordedDialog
+{
+    bool save;
+    std::string filterText, filterPattern, title, defaultExtension, proposed; // "(none)" for null
+    uint32_t flags;
+    size_t pathRoom, fileTitleRoom;
+};
+
+struct RecordedRect
+{
+    int32_t x, y, width, height;
+    bool operator==(const RecordedRect&) const = default;
+};
+
+struct Recording
+{
+    // boxes
+    std::vector<RecordedBox> boxes;
+    std::vector<std::string> notices;
+    std::vector<RecordedProgress> progress;
+    int beeps = 0;
+
+    // dialogs: an empty answer, or none left, is Cancel; the file title is what follows the last separator
+    std::deque<std::string> dialogAnswers;
+    std::vector<RecordedDialog> dialogs;
+
+    // controls
+    std::map<int, bool> menuChecks, menuEnabled, panelChecks;
+    std::map<int, std::string> menuTexts, panelTexts;
+    std::vector<std::string> filterEntries;
+    int filterSelection = -1;
+    std::vector<std::string> titles;
+    std::vector<std::string> focus; // "main", "panel", "display" in the order given
+    int aboutRuns = 0;
+    bool mainWindowDestroyed = false;
+
+    // picture
+    int livePictures = 0;
+    bool refusePictures = false;
+    std::vector<RecordedRect> presented;
+
+    // clock and processor
+    uint32_t tick = 0;
+
+    // pages; a block's bytes are watched by the address sanitizer
+    int liveBlocks = 0;
+    int allocations = 0;
+    size_t liveBytes = 0, peakBytes = 0;
+    int refuseFrom = 0; // the n-th allocation from the last reset and all after it are refused; 0: none
+    int refuseOnly = 0; // the n-th alone is refused; 0: none
+};
+
+extern Recording recorded;
+
+// All of it as at the program's start, but for the blocks that still live.
+void resetRecording();

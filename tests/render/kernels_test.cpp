@@ -1,0 +1,263 @@
+// tests/render/kernels_test.cpp - fast versions against the plain ones, bit for bit
+#include "render/kernels.h"
+
+#include "model/settings.h"
+#include "platform/processor.h"
+#include "render/edges.h"
+#include "render/project.h"
+#include "render/shadows.h"
+#include "tests/render/scenes.h"
+
+#include <gtest/gtest.h>
+
+#include <string.h>
+#include <algorithm>
+#include <random>
+#include <vector>
+
+constexpr const char* noAvx2 = "this processor has no AVX2";
+
+static TriangleCorner randomCorner(std::mt19937& random, int32_t width, int32_t height)
+{
+    auto below = [&](int32_t limit) { return static_cast<int32_t>(random() % static_cast<uint32_t>(limit)); };
+    std::uniform_real_distribution<float> periods(-3, 3);
+    TriangleCorner c = { below(width), below(height), 1 + below(16383), static_cast<uint32_t>(random()), 0, 0 };
+    c.row = periods(random);
+    c.column = periods(random);
+    return c;
+}
+
+TEST(Kernels, Avx2FillersEqualThePlainOnes)
+{
+    if (!processorHasAvx2())
+        GTEST_SKIP() << noAvx2;
+    std::mt19937 random(17);
+    std::vector<uint32_t> pixels(37 * 23);
+    for (uint32_t& pixel : pixels)
+        pixel = static_cast<uint32_t>(random());
+    Image image = { pixels.data(), 37, 23 };
+    const TriangleFiller plainFillers[3] = { fillOpaque, fillTransparent, fillTextured };
+    const TriangleFiller fastFillers[3] = { fillOpaqueAvx2, fillTransparentAvx2, fillTexturedAvx2 };
+    for (int i = 0; i < 6000; ++i)
+    {
+        int32_t side = i % 4 == 0 ? 150 : i % 4 == 1 ? 5 : 24;
+        std::vector<uint32_t> plain(static_cast<size_t>(side) * static_cast<size_t>(side));
+        for (uint32_t& cell : plain)
+            cell = static_cast<uint32_t>(random()) & 0x3FFFFFFF;
+        std::vector<uint32_t> fast = plain;
+        FillState one = {};
+        one.pitch = side;
+        one.texture = &image;
+        one.transparency = static_cast<uint32_t>(random()) & 0xFFFFFF;
+        one.noiseCounter = static_cast<uint32_t>(random());
+        for (int k = 0; k < 4; ++k)
+            one.noiseAmplitude[k] = (k == 1 ? 1024 : k == 3 ? 0 : 2048) + (i & 8 ? 4096 : 0);
+        FillState two = one;
+        one.cells = plain.data();
+        two.cells = fast.data();
+        TriangleCorner corners[3];
+        for (TriangleCorner& c : corners)
+            c = randomCorner(random, side, side);
+        SpanState state;
+        if (!setUpTriangle(&state, corners, laneCount))
+            continue;
+        plainFillers[i % 3](&one, &state);
+        fastFillers[i % 3](&two, &state);
+        ASSERT_EQ(plain, fast) << i;
+        ASSERT_EQ(one.noiseCounter, two.noiseCounter) << i;
+    }
+}
+
+TEST(Kernels, Avx2ExpansionEqualsPlainForEveryCountAndStaysInside)
+{
+    if (!processorHasAvx2())
+        GTEST_SKIP() << noAvx2;
+    std::mt19937 random(18);
+    for (int32_t count = 0; count < 200; count += 4)
+    {
+        std::vector<uint32_t> cells(static_cast<size_t>(count) + 1);
+        for (uint32_t& cell : cells)
+            cell = static_cast<uint32_t>(random());
+        std::vector<uint8_t> plain(static_cast<size_t>(count) * 3 + 64, 0xAA), fast = plain;
+        expandCells(plain.data() + 1, cells.data() + 1, count);
+        expandCellsAvx2(fast.data() + 1, cells.data() + 1, count);
+        ASSERT_EQ(plain, fast) << count;
+    }
+}
+
+TEST(Kernels, TheSwitchForcesThePlainOnes)
+{
+    resetRenderer();
+    EXPECT_EQ(rasterKernels().setUp, setUpTriangle);
+    EXPECT_EQ(rasterKernels().opaque, fillOpaque);
+    EXPECT_EQ(cellExpander(), expandCells);
+    displayState.useSse2 = 1;
+    EXPECT_EQ(rasterKernels().setUp, setUpTriangleSse2);
+    EXPECT_EQ(rasterKernels().opaque, processorHasAvx2() ? fillOpaqueAvx2 : fillOpaque);
+}
+
+TEST(Kernels, Avx2ShadowSpansEqualPlainForEveryTail)
+{
+    if (!processorHasAvx2())
+        GTEST_SKIP() << noAvx2;
+    std::mt19937 random(19);
+    for (int i = 0; i < 20000; ++i)
+    {
+        int32_t count = static_cast<int32_t>(random() % 70), spare = static_cast<int32_t>(random() % 20);
+        std::vector<uint16_t> plain(static_cast<size_t>(count + spare));
+        for (uint16_t& entry : plain)
+            entry = static_cast<uint16_t>(random() % 16385);
+        std::vector<uint16_t> fast = plain;
+        int32_t depth = static_cast<int32_t>(random() % (1u << 30)), highest = static_cast<int32_t>(random() % 16385);
+        int32_t step = static_cast<int32_t>(random() % (1u << (i % 30))) * (i & 1 ? 1 : -1);
+        if (count > 0)
+            step /= count;
+        fillShadowSpan(plain.data(), count, depth, step, highest);
+        fillShadowSpanAvx2(fast.data(), count, count + spare, depth, step, highest);
+        ASSERT_EQ(plain, fast) << i;
+    }
+}
+
+TEST(Kernels, NoTriangleThatIsPassedOverWouldDrawAPixel)
+{
+    int passedOver = 0;
+    for (uint32_t code = 0; code < 1u << 18; ++code)
+    {
+        TriangleCorner corners[3];
+        for (uint32_t k = 0; k < 3; ++k)
+            corners[k] = { static_cast<int32_t>(code >> (6 * k) & 7),
+                           static_cast<int32_t>(code >> (6 * k + 3) & 7),
+                           9,
+                           0x808080,
+                           0,
+                           0 };
+        uint32_t cells[8 * 8] = {};
+        FillState fill = {};
+        fill.cells = cells;
+        fill.pitch = 8;
+        SpanState state;
+        bool drawn = false;
+        if (setUpTriangle(&state, corners, plainLanes))
+        {
+            fillOpaque(&fill, &state);
+            drawn = std::any_of(cells, cells + 64, [](uint32_t cell) { return cell != 0; });
+        }
+        if (!mayCoverPixels(corners))
+        {
+            ++passedOver;
+            ASSERT_FALSE(drawn) << code;
+        }
+    }
+    EXPECT_GT(passedOver, 10000);
+}
+
+using Projection = void (*)(Mesh* mesh, const FrameTransforms* transforms, int32_t width, int32_t height);
+using LightProjection = void (*)(Mesh* mesh, const FrameTransforms* transforms);
+
+static void compareProjections(Projection project, LightProjection toLight)
+{
+    resetRenderer();
+    std::mt19937 random(23);
+    std::uniform_real_distribution<float> coordinate(-2, 2);
+    const float hard[] = { NAN, INFINITY, -INFINITY, 3e38f, -1e20f, 0.0f, -0.0f, 1.0f, -1.0f, 1e-40f };
+    Mesh* mesh = emptyMesh();
+    for (int i = 0; i < 20000; ++i)
+        addVertex(mesh, coordinate(random), coordinate(random), coordinate(random));
+    for (float x : hard)
+        for (float y : hard)
+            for (float z : hard)
+                addVertex(mesh, x, y, z);
+    size_t count = static_cast<size_t>(mesh->vertexCount);
+    for (float radius : { 2.0f, 1e-3f, 1e30f })
+    {
+        FrameTransforms transforms;
+        const float centre[3] = { 0.1f, -0.2f, 0.3f };
+        rotationAboutScreenAxes(&viewState.rotation, radius, 2 * radius, 30);
+        setUpCamera(&transforms, centre, radius, 620, 520);
+        for (bool light : { false, true })
+        {
+            for (size_t i = 0; i < count; ++i)
+                mesh->projected[i] = { 1, static_cast<uint32_t>(i) * 0x9E3779B9u, 3, 4 };
+            std::vector<ProjectedVertex> start(mesh->projected, mesh->projected + count);
+            light ? projectToLight(mesh, &transforms) : projectVertices(mesh, &transforms, 620, 520);
+            std::vector<ProjectedVertex> plain(mesh->projected, mesh->projected + count);
+            std::vector<int32_t> rect(mesh->screenRect, mesh->screenRect + 4);
+            std::copy(start.begin(), start.end(), mesh->projected);
+            std::fill_n(mesh->screenRect, 4, -1);
+            light ? toLight(mesh, &transforms) : project(mesh, &transforms, 620, 520);
+            ASSERT_EQ(memcmp(plain.data(), mesh->projected, count * sizeof(ProjectedVertex)), 0) << radius << light;
+            EXPECT_TRUE(light || std::equal(rect.begin(), rect.end(), mesh->screenRect));
+        }
+    }
+    freeMesh(mesh);
+}
+
+TEST(Kernels, Sse2ProjectionsEqualThePlainOnes)
+{
+    compareProjections(projectVerticesSse2, projectToLightSse2);
+}
+
+TEST(Kernels, Avx2ProjectionsEqualThePlainOnes)
+{
+    if (!processorHasAvx2())
+        GTEST_SKIP() << noAvx2;
+    compareProjections(projectVerticesAvx2, projectToLightAvx2);
+}
+
+TEST(Kernels, Avx2ProjectionEqualsPlainForEveryTail)
+{
+    if (!processorHasAvx2())
+        GTEST_SKIP() << noAvx2;
+    resetRenderer();
+    FrameTransforms transforms;
+    const float centre[3] = {};
+    setUpCamera(&transforms, centre, 1, 300, 200);
+    for (int32_t count = 0; count < 20; ++count)
+    {
+        Mesh* mesh = emptyMesh();
+        growVertices(mesh, count);
+        for (int32_t i = 0; i < count; ++i)
+            addVertex(mesh, 0.04f * static_cast<float>(i) - 0.3f, 0.02f * static_cast<float>(i % 7), 0);
+        std::vector<ProjectedVertex> plain(static_cast<size_t>(count));
+        projectVertices(mesh, &transforms, 300, 200);
+        std::copy_n(mesh->projected, count, plain.begin());
+        std::vector<int32_t> rect(mesh->screenRect, mesh->screenRect + 4);
+        std::fill_n(mesh->projected, count, ProjectedVertex{});
+        projectVerticesAvx2(mesh, &transforms, 300, 200);
+        EXPECT_TRUE(std::equal(rect.begin(), rect.end(), mesh->screenRect)) << count;
+        for (int32_t i = 0; i < count; ++i)
+        {
+            EXPECT_EQ(mesh->projected[i].xy, plain[static_cast<size_t>(i)].xy) << count;
+            EXPECT_EQ(mesh->projected[i].flags, plain[static_cast<size_t>(i)].flags) << count;
+        }
+        freeMesh(mesh);
+    }
+}
+
+TEST(Kernels, Avx2ClassificationEqualsPlainForEveryTailAndHardNormals)
+{
+    if (!processorHasAvx2())
+        GTEST_SKIP() << noAvx2;
+    std::mt19937 random(29);
+    std::uniform_real_distribution<float> coordinate(-1, 1);
+    const float hard[] = { NAN, INFINITY, -INFINITY, 0.0f, -0.0f, 3e38f, 1e-40f, -1e-40f };
+    const FaceDirections directions = { { -0.6f, 0.6f, 0.5f }, { 0.1f, -0.2f, 0.9f } };
+    for (int32_t count = 0; count < 60; ++count)
+    {
+        std::vector<Plane> planes(static_cast<size_t>(count));
+        for (Plane& plane : planes)
+            for (float& n : plane.normal)
+                n = random() % 8 == 0 ? hard[random() % 8] : coordinate(random);
+        std::vector<uint32_t> plain(static_cast<size_t>(count));
+        for (uint32_t& attributes : plain)
+            attributes = static_cast<uint32_t>(random());
+        std::vector<uint32_t> fast = plain;
+        Mesh mesh = {};
+        mesh.facePlanes = planes.data();
+        mesh.faceAttributes = plain.data();
+        classifyFaceRange(&mesh, &directions, 0, count);
+        mesh.faceAttributes = fast.data();
+        classifyFaceRangeAvx2(&mesh, &directions, 0, count);
+        ASSERT_EQ(plain, fast) << count;
+    }
+}

@@ -1,0 +1,42 @@
+// tests/render/scenes.h - procedural meshes and a display for the renderer's tests
+#pragma once
+#include "model/mesh.h"
+#include "render/frame.h"
+
+#include <stdint.h>
+#include <vector>
+
+// Settings, view, lights, statistics and the recording as at the program's start, with the preset White.
+void resetRenderer();
+
+// A display of that size with its frame buffer, and the list that it shows. Frees everything at its end.
+struct Display
+{
+    FrameBuffer target;
+    ModelList list;
+
+    Display(int32_t width, int32_t height);
+    ~Display();
+    Display(const Display&) = delete;
+    Display& operator=(const Display&) = delete;
+
+    void draw();
+    void drawWhole(); // with fullRedraw
+    uint32_t cell(int32_t x, int32_t y) const;
+    std::vector<uint32_t> cells() const; // of the visible part
+};
+
+// Meshes with normals, bounds and live counts; the caller owns them until they are installed.
+Mesh* emptyMesh();
+uint32_t addVertex(Mesh* mesh, float x, float y, float z);
+void addFace(Mesh* mesh, uint32_t a, uint32_t b, uint32_t c, uint32_t d = noCorner, uint32_t attributes = 0);
+void finishMesh(Mesh* mesh);
+
+// 2 x rings x segments triangles less those at the poles, around the y axis, with texture coordinates.
+Mesh* makeSphere(int32_t rings, int32_t segments);
+Mesh* makeTorus(int32_t rings, int32_t segments, float tubeRadius);
+Mesh* makeCube();                                         // quads
+Mesh* makeTriangles(const std::vector<float>& positions); // nine floats for each
+
+// A big upright ring before a small sphere, so that there is something to throw a shadow on.
+Mesh* makeStillLife();

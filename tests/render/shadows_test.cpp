@@ -1,0 +1,301 @@
+// tests/render/shadows_test.cpp
+#include "render/shadows.h"
+
+#include "model/matrix.h"
+#include "model/settings.h"
+#include "render/materials.h"
+#include "render/project.h"
+#include "tests/recording/recording.h"
+#include "tests/render/scenes.h"
+
+#include <gtest/gtest.h>
+
+#include <stdio.h>
+#include <algorithm>
+#include <random>
+#include <string>
+#include <unistd.h>
+
+static FrameTransforms markShadows(Display* display)
+{
+    Mesh* mesh = display->list.meshes[0];
+    FrameTransforms transforms;
+    setUpCamera(&transforms, display->list.centre, display->list.radius, 620, 520);
+    ClearShadowMap(display->target.shadowMap, display->target.shadowSize);
+    ProjectToLight(mesh, &transforms);
+    classifyFaces(mesh, &transforms);
+    RenderShadowMap(&display->target, mesh);
+    MarkShadowedVertices(&display->target, mesh, &transforms);
+    return transforms;
+}
+
+static int markedCount(const Mesh* mesh)
+{
+    int marked = 0;
+    for (int32_t i = 0; i < mesh->vertexCount; ++i)
+        marked += mesh->projected[i].flags & vertexShadowed ? 1 : 0;
+    return marked;
+}
+
+TEST(Shadows, ASingleFaceNeverShadowsItsOwnVertices)
+{
+    resetRenderer();
+    std::mt19937 random(11);
+    std::uniform_real_distribution<float> coordinate(-1, 1);
+    int drawn = 0;
+    for (int i = 0; i < 400; ++i)
+    {
+        Display display(32, 32);
+        std::vector<float> positions(9);
+        for (float& p : positions)
+            p = coordinate(random) * (i % 4 == 0 ? 0.01f : 1.0f);
+        positions[0] += 1; // a corner elsewhere, so that the small ones stay small
+        installMesh(&display.list, makeTriangles(positions));
+        markShadows(&display);
+        const Mesh* mesh = display.list.meshes[0];
+        EXPECT_EQ(markedCount(mesh), 0) << i;
+        drawn += mesh->faceAttributes[0] & faceLit ? 1 : 0;
+    }
+    EXPECT_GT(drawn, 150);
+}
+
+TEST(Shadows, OwnEntriesHoldNoMoreThanTheVertexDepth)
+{
+    resetRenderer();
+    std::mt19937 random(12);
+    std::uniform_real_distribution<float> coordinate(-1, 1);
+    for (int i = 0; i < 400; ++i)
+    {
+        Display display(32, 32);
+        std::vector<float> positions(9);
+        for (float& p : positions)
+            p = coordinate(random);
+        installMesh(&display.list, makeTriangles(positions));
+        markShadows(&display);
+        const Mesh* mesh = display.list.meshes[0];
+        for (int32_t v = 0; v < 3; ++v)
+        {
+            int32_t x = projectedX(mesh->projected[v]), y = projectedY(mesh->projected[v]);
+            if (x >= shadowMapSide || y >= shadowMapSide)
+                continue;
+            uint32_t entry = display.target.shadowMap[y * shadowMapSide + x];
+            EXPECT_LE(entry, mesh->projected[v].flags & vertexDepthMask) << i;
+        }
+    }
+}
+
+TEST(Shadows, ASphereNeverShadowsItsLitSide)
+{
+    resetRenderer();
+    for (int32_t rings : { 8, 16, 32, 64, 128, 256, 724 })
+    {
+        Display display(32, 32);
+        installMesh(&display.list, makeSphere(rings, rings * 2));
+        Mesh* mesh = display.list.meshes[0];
+        for (int turn = 0; turn < (rings < 256 ? 4 : 1); ++turn)
+        {
+            float angle = static_cast<float>(turn);
+            rotationAboutScreenAxes(&viewState.rotation, angle * 17, angle * 33, angle * 5);
+            FrameTransforms transforms = markShadows(&display);
+            int litMarked = 0, darkMarked = 0;
+            for (int32_t i = 0; i < mesh->vertexCount; ++i)
+            {
+                float normal[3];
+                transformDirection(normal, &transforms.normal, mesh->vertices[i].normal);
+                float toward = dotProduct(normal, lights[0].direction);
+                bool marked = mesh->projected[i].flags & vertexShadowed;
+                litMarked += marked && toward > 0.02f;
+                darkMarked += marked && toward < -0.3f;
+            }
+            EXPECT_EQ(litMarked, 0) << rings << " rings, turn " << turn;
+            EXPECT_GT(darkMarked, mesh->vertexCount / 5) << rings;
+        }
+    }
+}
+
+TEST(Shadows, ItsOwnEntryAloneShadowsAVertex)
+{
+    resetRenderer();
+    Display display(32, 32);
+    installMesh(&display.list, makeTriangles({ 0, 0, 0, 1, 1, 0, 0, 1, -1 })); // square to the light
+    FrameTransforms transforms = markShadows(&display);
+    Mesh* mesh = display.list.meshes[0];
+    float light[3] = { -1, 1, 1 };
+    normalise(light);
+    for (int32_t i = 0; i < 3; ++i)
+    {
+        std::copy_n(light, 3, mesh->vertices[i].normal);
+        const ProjectedVertex& vertex = mesh->projected[i];
+        uint32_t depth = vertex.flags & vertexDepthMask;
+        uint16_t* entry = display.target.shadowMap + projectedY(vertex) * shadowMapSide + projectedX(vertex);
+        for (int step : { -1, 0, 1, 2, 100 })
+        {
+            ClearShadowMap(display.target.shadowMap, display.target.shadowSize);
+            *entry = static_cast<uint16_t>(static_cast<int>(depth) + step);
+            MarkShadowedVertices(&display.target, mesh, &transforms);
+            EXPECT_EQ((vertex.flags & vertexShadowed) != 0, step > 0) << step;
+            EXPECT_EQ(markedCount(mesh), step > 0 ? 1 : 0);
+        }
+    }
+}
+
+TEST(Shadows, TheAllowanceIsTheRiseOfTheVertexsOwnSurface)
+{
+    resetRenderer();
+    Display display(32, 32);
+    installMesh(&display.list, makeTriangles({ 0, 0, 0, 1, 1, 0, 0, 1, -1 }));
+    FrameTransforms transforms = markShadows(&display);
+    Mesh* mesh = display.list.meshes[0];
+    const ProjectedVertex& vertex = mesh->projected[0];
+    int depth = static_cast<int>(vertex.flags & vertexDepthMask);
+    uint16_t* entry = display.target.shadowMap + projectedY(vertex) * shadowMapSide + projectedX(vertex);
+    const struct
+    {
+        float normal[3];
+        int allowance; // 32 depths x the slope
+    } cases[] = {
+        { { 0, 0.70710678f, 0.70710678f }, 22 }, // a slope of 0.707
+        { { 0, 0, 1 }, 45 },                     // of 1.414
+        { { 0.70710678f, 0.70710678f, 0 }, 0 },  // edge-on
+        { { 0, 0, -1 }, 0 },                     // turned away
+        { { 0, 0, 0 }, 0 },                      // none
+    };
+    for (const auto& c : cases)
+    {
+        std::copy_n(c.normal, 3, mesh->vertices[0].normal);
+        for (int excess : { 1, 22, 23, 45, 46 })
+        {
+            *entry = static_cast<uint16_t>(depth + excess);
+            MarkShadowedVertices(&display.target, mesh, &transforms);
+            EXPECT_EQ((vertex.flags & vertexShadowed) != 0, excess > c.allowance) << c.allowance << ", " << excess;
+        }
+    }
+}
+
+// A square plate between the light and the middle of a larger one.
+static Mesh* makePlates()
+{
+    Mesh* mesh = emptyMesh();
+    const float light[3] = { -1, 1, 1 };
+    for (float size : { 2.0f, 0.8f })
+    {
+        float along = size < 1 ? 0.5f : 0;
+        uint32_t c[4];
+        const float right[3] = { 1, 1, 0 }, up[3] = { -0.5f, 0.5f, -1 };
+        for (int k = 0; k < 4; ++k)
+        {
+            float s = (k == 1 || k == 2 ? 0.5f : -0.5f) * size, t = (k >= 2 ? 0.5f : -0.5f) * size;
+            c[k] = addVertex(mesh, light[0] * along + right[0] * s + up[0] * t,
+                             light[1] * along + right[1] * s + up[1] * t, light[2] * along + right[2] * s + up[2] * t);
+        }
+        addFace(mesh, c[0], c[1], c[2], c[3]);
+    }
+    addVertex(mesh, 0, 0, 0); // in the middle of the large plate
+    finishMesh(mesh);
+    return mesh;
+}
+
+TEST(Shadows, WhatIsNearerToTheLightHidesWhatLiesBehind)
+{
+    resetRenderer();
+    Display display(64, 64);
+    installMesh(&display.list, makePlates());
+    Mesh* mesh = display.list.meshes[0];
+    markShadows(&display);
+    ASSERT_TRUE(mesh->faceAttributes[1] & faceLit);
+    EXPECT_EQ(markedCount(mesh), 1);
+    EXPECT_TRUE(mesh->projected[8].flags & vertexShadowed);
+    mesh->faceAttributes[1] |= faceHidden;
+    markShadows(&display);
+    EXPECT_EQ(markedCount(mesh), 0);
+}
+
+TEST(Shadows, MarksSurviveTheFrameAndDarkenOnlyWhileShadowsAreOn)
+{
+    resetRenderer();
+    Display display(64, 64);
+    installMesh(&display.list, makePlates());
+    Mesh* mesh = display.list.meshes[0];
+    addFace(mesh, 8, 1, 2); // shows the middle vertex
+    ApplyPreset(6, 6);      // Chalk: no highlight
+    finishMesh(mesh);
+    display.target.shadowMap[5] = 1234;
+    display.drawWhole();
+    EXPECT_EQ(display.target.shadowMap[5], 1234) << "neither cleared nor drawn while shadows are off";
+    EXPECT_EQ(markedCount(mesh), 0);
+    renderSettings.renderFlags |= renderShadows;
+    display.drawWhole();
+    EXPECT_EQ(display.target.shadowMap[5], 0);
+    EXPECT_TRUE(mesh->projected[8].flags & vertexShadowed);
+    uint32_t shadowed = mesh->projected[8].colour;
+    renderSettings.renderFlags &= ~renderShadows;
+    display.drawWhole();
+    EXPECT_TRUE(mesh->projected[8].flags & vertexShadowed) << "marks stay as they were";
+    EXPECT_GT(mesh->projected[8].colour & 0xFF, shadowed & 0xFF);
+}
+
+TEST(Shadows, VerticesOffTheMapNeitherGetNorCastAShadow)
+{
+    resetRenderer();
+    Display display(64, 64);
+    Mesh* mesh = makePlates();
+    uint32_t far = addVertex(mesh, 500, 300, 200), farther = addVertex(mesh, -1e30f, 1e30f, 1e30f);
+    addFace(mesh, 0, far, farther);
+    addFace(mesh, far, farther, 1, 2, faceHidden);
+    installMesh(&display.list, mesh);
+    std::copy_n(&mesh->boundsMin[0], 3, display.list.boundsMin);
+    display.list.centre[0] = display.list.centre[1] = display.list.centre[2] = 0;
+    display.list.radius = 1.5f;
+    markShadows(&display);
+    EXPECT_FALSE(mesh->projected[far].flags & vertexShadowed);
+    EXPECT_FALSE(mesh->projected[farther].flags & vertexShadowed);
+    EXPECT_TRUE(mesh->projected[8].flags & vertexShadowed);
+}
+
+TEST(Shadows, AMapBorderPositionIsWithinBounds)
+{
+    resetRenderer();
+    Display display(64, 64);
+    // the corners of the box touch columns and rows 0 and 1024 as the view turns
+    installMesh(&display.list, makeCube());
+    for (int turn = 0; turn < 360; turn += 3)
+    {
+        rotationAboutScreenAxes(&viewState.rotation, static_cast<float>(turn), static_cast<float>(turn * 2), 45);
+        markShadows(&display);
+    }
+    // and a plate larger than the map
+    display.list.radius = 0.2f;
+    markShadows(&display);
+    EXPECT_EQ(markedCount(display.list.meshes[0]), 0);
+}
+
+TEST(Shadows, TheMapIsDumpedOnce)
+{
+    resetRenderer();
+    Display display(64, 64);
+    installMesh(&display.list, makeCube());
+    markShadows(&display);
+    display.target.shadowMap[1023 * 1024 + 2] = 0xFFFF;
+    display.target.shadowMap[1023 * 1024 + 3] = 0x0140;
+    char folder[] = "shadow-XXXXXX";
+    ASSERT_TRUE(mkdtemp(folder));
+    ASSERT_EQ(chdir(folder), 0);
+    int first = DumpShadowMap(&display.target);
+    FILE* file = fopen("shadow.bmp", "rb");
+    ASSERT_TRUE(file);
+    std::string bytes(size_t{ 1024 } * 3072 + 100, '\0');
+    bytes.resize(fread(bytes.data(), 1, bytes.size(), file));
+    fclose(file);
+    EXPECT_EQ(remove("shadow.bmp"), 0);
+    int second = DumpShadowMap(&display.target);
+    EXPECT_EQ(fopen("shadow.bmp", "rb"), nullptr);
+    ASSERT_EQ(chdir(".."), 0);
+    EXPECT_EQ(rmdir(folder), 0);
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(second, 0);
+    ASSERT_EQ(bytes.size(), size_t{ 1024 } * 3072 + 54);
+    EXPECT_EQ(bytes.substr(0, 2), "BM");
+    EXPECT_EQ(bytes.substr(2, 4), std::string("\x36\x00\x30\x00", 4));
+    EXPECT_EQ(bytes.substr(14, 8), std::string("\x28\0\0\0\0\4\0\0", 8));
+    EXPECT_EQ(bytes.substr(54 + 6, 6), "\xFF\xFF\xFF\x05\x05\x05") << "the last map row comes first";
+}

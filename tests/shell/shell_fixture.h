@@ -1,0 +1,84 @@
+// tests/shell/shell_fixture.h - the program as it stands after start-up, over the recording platform
+#pragma once
+#include "image/textures.h"
+#include "model/memory.h"
+#include "model/settings.h"
+#include "render/frame.h"
+#include "render/view.h"
+#include "resources/ids.h"
+#include "shell/commands.h"
+#include "shell/panel.h"
+#include "shell/scene.h"
+#include "tests/recording/recording.h"
+
+#include <gtest/gtest.h>
+#include <stdio.h>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+class ShellTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        memoryTable = {};
+        resetRecording();
+        displayState = startDisplay;
+        ASSERT_TRUE(buildScene(""));
+        initPanel();
+        ASSERT_TRUE(createFrameBuffer(&frameBuffer));
+        displayState.appRunning = 1;
+        folder = std::filesystem::temp_directory_path() /
+                 ("kestrelbox-shell-" + std::to_string(testing::UnitTest::GetInstance()->random_seed()) + "-" +
+                  testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::filesystem::create_directories(folder);
+        forget();
+    }
+
+    void TearDown() override
+    {
+        displayState.appRunning = 0;
+        destroyFrameBuffer(&frameBuffer);
+        releaseModels();
+        releasePictures();
+        EXPECT_EQ(recorded.liveBlocks, 0);
+        EXPECT_EQ(recorded.livePictures, 0);
+        std::filesystem::remove_all(folder);
+    }
+
+    // Lets the test see only what comes from now on; marks and texts of the controls stay.
+    void forget()
+    {
+        recorded.boxes.clear();
+        recorded.notices.clear();
+        recorded.titles.clear();
+        recorded.dialogs.clear();
+        recorded.presented.clear();
+        recorded.focus.clear();
+        displayState.fullRedraw = displayState.redrawPending = 0;
+    }
+
+    bool redrawAsked() const
+    {
+        return displayState.fullRedraw && displayState.redrawPending;
+    }
+
+    std::string writeFile(const std::string& name, const std::string& text)
+    {
+        std::string path = (folder / name).string();
+        std::ofstream(path, std::ios::binary) << text;
+        return path;
+    }
+
+    void click(int id, bool on)
+    {
+        recorded.panelChecks[id] = on;
+        EXPECT_TRUE(runPanelCommand(id));
+    }
+
+    std::filesystem::path folder;
+};
+
+inline constexpr char triangleObj[] = "v 0 0 0\nv 1 0 0\nv 0 1 0\ng one\nf 1 2 3\n";
+inline constexpr char lineObj[] = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\nl 1 2\n";

@@ -1,0 +1,142 @@
+#include "tools/statistics.h"
+
+#include "tests/tools/random.h"
+
+#include <map>
+#include <set>
+
+using StatisticsTest = ToolTest;
+
+static const std::vector<Point> cubePoints = { { 0, 0, 0 }, { 1, 0, 0 }, { 1, 1, 0 }, { 0, 1, 0 },
+                                               { 0, 0, 1 }, { 1, 0, 1 }, { 1, 1, 1 }, { 0, 1, 1 } };
+static const std::vector<Corners> cubeFaces = { { 0, 3, 2, 1 }, { 4, 5, 6, 7 }, { 0, 1, 5, 4 },
+                                                { 1, 2, 6, 5 }, { 2, 3, 7, 6 }, { 3, 0, 4, 7 } };
+
+static MeshStatistics statisticsOf(const Mesh* mesh)
+{
+    MeshStatistics statistics;
+    EXPECT_EQ(gatherStatistics(mesh, &statistics), 1);
+    return statistics;
+}
+
+TEST_F(StatisticsTest, AClosedSurfaceHasNothingToMend)
+{
+    MeshPointer mesh = buildMesh(cubePoints, cubeFaces);
+    MeshStatistics statistics = statisticsOf(mesh.get());
+    EXPECT_EQ(statistics.openEdges, 0);
+    EXPECT_EQ(statistics.nonManifoldEdges, 0);
+    EXPECT_EQ(statistics.degenerateFaces, 0);
+    EXPECT_EQ(statistics.duplicateVertices, 0);
+}
+
+TEST_F(StatisticsTest, AMissingFaceLeavesItsEdgesOpen)
+{
+    MeshPointer mesh = buildMesh(cubePoints, cubeFaces);
+    mesh->faceAttributes[1] = faceDeleted;
+    EXPECT_EQ(statisticsOf(mesh.get()).openEdges, 4);
+    mesh->faceAttributes[1] = faceHidden;
+    EXPECT_EQ(statisticsOf(mesh.get()).openEdges, 0);
+}
+
+TEST_F(StatisticsTest, AThirdFaceMakesAnEdgeNonManifoldWhateverItsDirection)
+{
+    MeshPointer mesh = buildMesh(cubePoints, { { 0, 1, 2, none }, { 0, 1, 3, none }, { 1, 0, 4, none } });
+    MeshStatistics statistics = statisticsOf(mesh.get());
+    EXPECT_EQ(statistics.nonManifoldEdges, 1);
+    EXPECT_EQ(statistics.openEdges, 6);
+}
+
+TEST_F(StatisticsTest, AFaceWithARepeatedCornerIsDegenerateAndHasNoEdges)
+{
+    MeshPointer mesh =
+        buildMesh(cubePoints, { { 0, 1, 2, none }, { 0, 2, 1, none }, { 1, 2, 1, none }, { 0, 1, 2, 0 } });
+    MeshStatistics statistics = statisticsOf(mesh.get());
+    EXPECT_EQ(statistics.degenerateFaces, 2);
+    EXPECT_EQ(statistics.openEdges, 0);
+    EXPECT_EQ(statistics.nonManifoldEdges, 0);
+}
+
+TEST_F(StatisticsTest, AFaceWithoutAreaIsDegenerateAndHasEdges)
+{
+    MeshPointer mesh = buildMesh({ { 0, 0, 0 }, { 1, 0, 0 }, { 2, 0, 0 } }, { { 0, 1, 2, none } });
+    MeshStatistics statistics = statisticsOf(mesh.get());
+    EXPECT_EQ(statistics.degenerateFaces, 1);
+    EXPECT_EQ(statistics.openEdges, 3);
+}
+
+TEST_F(StatisticsTest, EveryVertexAtAnEarlierPositionIsADuplicate)
+{
+    MeshPointer mesh = buildMesh({ { 0, 1, 2 }, { -0.0f, 1, 2 }, { 0, 1, 2 }, { 0, 1, 3 } }, {});
+    EXPECT_EQ(statisticsOf(mesh.get()).duplicateVertices, 2);
+}
+
+TEST_F(StatisticsTest, LinesAndFacesOfNoVertexTakeNoPart)
+{
+    MeshPointer mesh = buildMesh(cubePoints, { { 0, 1, none, none }, { 0, 1, 99, none }, { 0, 1, 2, none } });
+    mesh->faceAttributes[0] = faceLine;
+    mesh->facePlanes[1].normal[0] = 1;
+    MeshStatistics statistics = statisticsOf(mesh.get());
+    EXPECT_EQ(statistics.degenerateFaces, 0);
+    EXPECT_EQ(statistics.openEdges, 3);
+}
+
+TEST_F(StatisticsTest, AnEmptyMeshHasNone)
+{
+    MeshPointer mesh = buildMesh({}, {});
+    MeshStatistics statistics = statisticsOf(mesh.get());
+    EXPECT_EQ(statistics.openEdges + statistics.nonManifoldEdges, 0);
+    EXPECT_EQ(statistics.degenerateFaces + statistics.duplicateVertices, 0);
+}
+
+TEST_F(StatisticsTest, EveryRefusedBlockIsReported)
+{
+    MeshPointer mesh = buildMesh(cubePoints, cubeFaces);
+    int blocks = recorded.liveBlocks;
+    for (int refused = 1; refused <= 4; ++refused)
+    {
+        resetRecording();
+        recorded.liveBlocks = blocks;
+        recorded.refuseOnly = refused;
+        MeshStatistics statistics;
+        EXPECT_EQ(gatherStatistics(mesh.get(), &statistics), 0) << refused;
+        EXPECT_EQ(recorded.boxes, (Boxes{ outOfMemoryBox })) << refused;
+    }
+}
+
+// The same counts from a map of all edges and a set of all positions.
+TEST_F(StatisticsTest, CountsEqualThoseOfAMapOnRandomMeshes)
+{
+    for (unsigned seed = 0; seed < 300; ++seed)
+    {
+        MeshPointer mesh = randomMesh(seed);
+        std::map<std::pair<uint32_t, uint32_t>, int> edges;
+        for (int32_t f = 0; f < mesh->faceCount; ++f)
+        {
+            const Corners& corners = mesh->faces[f];
+            std::set<uint32_t> different(corners.begin(), corners.end());
+            different.erase(none);
+            size_t count = corners[3] == none ? 3 : 4;
+            if (mesh->faceAttributes[f] & (faceDeleted | faceLine) || different.size() != count)
+                continue;
+            for (size_t k = 0; k < count; ++k)
+                ++edges[std::minmax({ corners[k], corners[(k + 1) % count] })];
+        }
+        int64_t open = 0, many = 0;
+        for (const auto& [edge, uses] : edges)
+        {
+            open += uses == 1;
+            many += uses > 2;
+        }
+        std::set<std::array<float, 3>> positions;
+        for (int32_t i = 0; i < mesh->vertexCount; ++i)
+        {
+            const float* p = mesh->vertices[i].position;
+            positions.insert({ p[0], p[1], p[2] });
+        }
+        MeshStatistics statistics = statisticsOf(mesh.get());
+        ASSERT_EQ(statistics.openEdges, open) << "seed " << seed;
+        ASSERT_EQ(statistics.nonManifoldEdges, many) << "seed " << seed;
+        ASSERT_EQ(statistics.duplicateVertices, mesh->vertexCount - static_cast<int32_t>(positions.size()))
+            << "seed " << seed;
+    }
+}

@@ -1,0 +1,374 @@
+#include "tools/weld.h"
+
+#include "model/settings.h"
+#include "tests/tools/random.h"
+
+#include <math.h>
+#include <algorithm>
+#include <numeric>
+
+class WeldTest : public ToolTest
+{
+protected:
+    void SetUp() override
+    {
+        ToolTest::SetUp();
+        renderSettings = startSettings;
+    }
+    void TearDown() override
+    {
+        renderSettings = startSettings;
+        ToolTest::TearDown();
+    }
+};
+
+// Two triangles side by side that share two positions but no vertex.
+static const std::vector<Point> apart = {
+    { 0, 0, 0 }, { 1, 0, 0 }, { 0, 1, 0 }, { 1, 0, 0 }, { 1, 1, 0 }, { 0, 1, 0 }
+};
+static const std::vector<Corners> pair = { { 0, 1, 2, none }, { 3, 4, 5, none } };
+
+TEST_F(WeldTest, EqualPositionsBecomeTheFirstVertex)
+{
+    MeshPointer mesh = buildMesh(apart, pair);
+    for (uint32_t i = 0; i < 6; ++i)
+        mesh->vertices[i].colour = i;
+    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(mesh->vertexCount, 4);
+    EXPECT_EQ(mesh->faces[0], (Corners{ 0, 1, 2, none }));
+    EXPECT_EQ(mesh->faces[1], (Corners{ 1, 3, 2, none }));
+    EXPECT_EQ(mesh->faceUvs[1], (Corners{ 10, 11, 12, 0 })); // texture indices stay
+    EXPECT_EQ(mesh->vertices[3].colour, 4u);
+    EXPECT_EQ(mesh->vertices[3].position[1], 1);
+    EXPECT_GT(mesh->vertices[3].normal[2], 0.9f);
+    EXPECT_EQ(recorded.notices, (Texts{ "Removed 2 vertices" }));
+    EXPECT_TRUE(recorded.boxes.empty());
+}
+
+TEST_F(WeldTest, NearPositionsMergeOnlyWithExactWeldOff)
+{
+    std::vector<Point> points = apart;
+    points[3].x = 1.000001f;
+    points[5] = { 0.000001f, 1, 0 };
+    MeshPointer mesh = buildMesh(points, pair);
+    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(mesh->vertexCount, 6);
+    EXPECT_EQ(recorded.notices, (Texts{ "  No duplicated vertices" }));
+}
+
+TEST_F(WeldTest, NearPositionsMergeIntoTheFirst)
+{
+    renderSettings.exactWeld = 0;
+    std::vector<Point> points = apart;
+    points[0] = { 0.000001f, 0, 0 };
+    points[3] = { 0, 0, 0 };
+    MeshPointer mesh = buildMesh(points, pair);
+    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(mesh->faces[1], (Corners{ 0, 3, 2, none }));
+    EXPECT_EQ(mesh->vertices[0].position[0], 0.000001f);
+    EXPECT_EQ(recorded.notices, (Texts{ "Removed 2 vertices" }));
+}
+
+TEST_F(WeldTest, ToleranceIsMeasuredOnEveryAxis)
+{
+    renderSettings.exactWeld = 0;
+    for (int axis = 0; axis < 3; ++axis)
+    {
+        for (float off : { 0.000009f, -0.000009f, 0.000011f, -0.000011f })
+        {
+            Point moved = { 0, 0, 0 };
+            (axis == 0 ? moved.x : axis == 1 ? moved.y : moved.z) = off;
+            MeshPointer mesh =
+                buildMesh({ { 0, 0, 0 }, { 500, 0, 0 }, { 0, 1, 0 }, moved, { 500, 0, 0 }, { 0, 1, 0 } }, pair);
+            ASSERT_EQ(weldVertices(mesh.get()), 1);
+            EXPECT_EQ(mesh->vertexCount, fabsf(off) < 0.00001f ? 3 : 4) << axis << ' ' << off;
+        }
+    }
+}
+
+// |x - y + z| runs from 0 to 5 in five steps of 1; two near vertices on either side of a step's end stay apart.
+TEST_F(WeldTest, NearPositionsInDifferentStepsStayApart)
+{
+    renderSettings.exactWeld = 0;
+    std::vector<Point> points = { { 0, 0, 0 },         { 5, 0, 0 },         { 0, 3, 0 },
+                                  { 0.999999f, 0, 0 }, { 1.000001f, 0, 0 }, { 1.000002f, 0, 0 } };
+    MeshPointer mesh = buildMesh(points, pair);
+    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(mesh->vertexCount, 5);
+    EXPECT_EQ(mesh->faces[1], (Corners{ 3, 4, 4, none }));
+}
+
+TEST_F(WeldTest, NegativeZeroEqualsZero)
+{
+    std::vector<Point> points = apart;
+    points[3].z = -0.0f;
+    points[5] = { -0.0f, 1, -0.0f };
+    MeshPointer mesh = buildMesh(points, pair);
+    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(mesh->vertexCount, 4);
+}
+
+TEST_F(WeldTest, VerticesThatNoFaceUsesAreRemovedAndCounted)
+{
+    MeshPointer mesh =
+        buildMesh({ { 9, 9, 1 }, { 0, 0, 0 }, { 1, 0, 0 }, { 0, 1, 0 }, { 7, 7, 7 } }, { { 1, 2, 3, none } });
+    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(mesh->vertexCount, 3);
+    EXPECT_EQ(mesh->faces[0], (Corners{ 0, 1, 2, none }));
+    EXPECT_EQ(mesh->boundsMax[0], 1); // bounds follow
+    EXPECT_EQ(recorded.notices, (Texts{ "Removed 2 vertices" }));
+}
+
+TEST_F(WeldTest, AnUnusedVertexIsNoTarget)
+{
+    std::vector<Point> points = apart;
+    points.insert(points.begin(), Point{ 1, 0, 0 });
+    MeshPointer mesh = buildMesh(points, { { 1, 2, 3, none }, { 4, 5, 6, none } });
+    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(mesh->vertexCount, 4);
+    EXPECT_EQ(mesh->faces[0], (Corners{ 0, 1, 2, none }));
+    EXPECT_EQ(mesh->faces[1], (Corners{ 1, 3, 2, none }));
+}
+
+TEST_F(WeldTest, DeletedSlotsAreRenumberedOrEmptied)
+{
+    std::vector<Point> points = apart;
+    points.push_back({ 8, 8, 8 });
+    MeshPointer mesh = buildMesh(
+        points, { { 0, 1, 2, none }, { 3, 4, 5, none }, { 5, 4, 3, none }, { 0, 6, 1, 2 }, { 0, 900, 1, none } });
+    for (uint32_t f = 2; f < 5; ++f)
+        mesh->faceAttributes[f] = faceDeleted;
+    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(mesh->faces[2], (Corners{ 2, 3, 1, none }));
+    EXPECT_EQ(mesh->faces[3], (Corners{ 0, 0, 0, none })); // used a vertex that is no more
+    EXPECT_EQ(mesh->faces[4], (Corners{ 0, 0, 0, none })); // used one that never was
+    EXPECT_EQ(recorded.notices, (Texts{ "Removed 3 vertices" }));
+}
+
+TEST_F(WeldTest, LinesKeepTheirVertices)
+{
+    MeshPointer mesh = buildMesh({ { 0, 0, 0 }, { 1, 0, 0 }, { 1, 0, 0 }, { 5, 5, 5 } },
+                                 { { 0, 1, none, none }, { 2, 3, none, none } });
+    mesh->faceAttributes[0] = mesh->faceAttributes[1] = faceLine;
+    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(mesh->faces[1], (Corners{ 1, 2, none, none }));
+    EXPECT_EQ(recorded.notices, (Texts{ "Removed 1 vertices" }));
+}
+
+TEST_F(WeldTest, VerticesOfOneKeyAreLeftWithoutAWord)
+{
+    MeshPointer one = buildMesh({ { 1, 2, 3 } }, {});
+    MeshPointer plane =
+        buildMesh({ { 0, 0, 0 }, { 1, 1, 0 }, { 0, 1, 1 }, { 0, 0, 0 } }, { { 0, 1, 2, none }, { 3, 1, 2, none } });
+    MeshPointer empty = buildMesh({}, {});
+    int blocks = recorded.liveBlocks;
+    for (Mesh* mesh : { one.get(), plane.get(), empty.get() })
+    {
+        MeshState before = stateOf(mesh);
+        EXPECT_EQ(weldVertices(mesh), 0);
+        expectEqualStates(stateOf(mesh), before, 0);
+    }
+    EXPECT_TRUE(recorded.notices.empty());
+    EXPECT_TRUE(recorded.boxes.empty());
+    EXPECT_EQ(recorded.liveBlocks, blocks);
+}
+
+TEST_F(WeldTest, AMeshOfUnusedVerticesComesOutEmpty)
+{
+    MeshPointer mesh = buildMesh({ { 0, 0, 0 }, { 1, 0, 0 } }, { { 0, 1, 1, none } });
+    mesh->faceAttributes[0] = faceDeleted;
+    float before = mesh->boundsMax[0];
+    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(mesh->vertexCount, 0);
+    EXPECT_EQ(mesh->faces[0], (Corners{ 0, 0, 0, none }));
+    EXPECT_EQ(mesh->boundsMax[0], before); // bounds of nothing stay
+}
+
+TEST_F(WeldTest, EveryRefusedAllocationLeavesTheMeshAsItWas)
+{
+    for (int exact = 0; exact < 2; ++exact)
+    {
+        resetRecording();
+        renderSettings.exactWeld = exact;
+        MeshPointer mesh = buildMesh(apart, pair);
+        MeshState before = stateOf(mesh.get());
+        int blocks = recorded.liveBlocks;
+        for (int n = 1; n <= 2; ++n)
+        {
+            resetRecording();
+            recorded.refuseOnly = n;
+            EXPECT_EQ(weldVertices(mesh.get()), 0);
+            EXPECT_EQ(recorded.boxes, (Boxes{ outOfMemoryBox }));
+            EXPECT_EQ(recorded.liveBlocks, blocks);
+            expectEqualStates(stateOf(mesh.get()), before, static_cast<unsigned>(n));
+        }
+        resetRecording();
+        recorded.refuseOnly = 3; // there is no third
+        EXPECT_EQ(weldVertices(mesh.get()), 1);
+    }
+}
+
+// As it is described: chains by steps of the key, an overflow area of vertexCount entries. Vertices that no face uses
+// take no part, deleted slots are renumbered. Returns the number removed, -1 when all keys are equal.
+static int plainWeld(Mesh* mesh)
+{
+    struct Entry
+    {
+        int64_t vertex = -1, next = -1;
+    };
+    size_t count = static_cast<size_t>(mesh->vertexCount);
+    std::vector<float> key(count);
+    std::vector<uint32_t> target(count), renumbered(count);
+    std::vector<bool> used(count), dropped(count);
+    for (size_t i = 0; i < count; ++i)
+    {
+        const float* p = mesh->vertices[i].position;
+        key[i] = fabsf(p[0] - p[1] + p[2]);
+        target[i] = static_cast<uint32_t>(i);
+    }
+    float smallest = *std::min_element(key.begin(), key.end()), largest = *std::max_element(key.begin(), key.end());
+    if (smallest == largest)
+        return -1;
+    float scale = static_cast<float>(count - 1) / (largest - smallest), eps = renderSettings.exactWeld ? 0 : 0.00001f;
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    {
+        for (size_t k = 0; k < 4 && mesh->faces[f][k] != none && !(mesh->faceAttributes[f] & faceDeleted); ++k)
+            used[mesh->faces[f][k]] = true;
+    }
+    std::vector<Entry> table(2 * count);
+    size_t overflow = 0;
+    for (size_t i = 0; i < count; ++i)
+    {
+        dropped[i] = !used[i];
+        if (!used[i])
+            continue;
+        size_t index = std::min(static_cast<size_t>((key[i] - smallest) * scale), count - 1);
+        const float* p = mesh->vertices[i].position;
+        for (;;)
+        {
+            if (table[index].vertex == -1)
+            {
+                table[index].vertex = static_cast<int64_t>(i);
+                break;
+            }
+            const float* q = mesh->vertices[table[index].vertex].position;
+            if (fabsf(p[0] - q[0]) <= eps && fabsf(p[1] - q[1]) <= eps && fabsf(p[2] - q[2]) <= eps)
+            {
+                target[i] = static_cast<uint32_t>(table[index].vertex);
+                dropped[i] = true;
+                break;
+            }
+            if (table[index].next == -1)
+            {
+                EXPECT_LT(overflow, count); // never runs out
+                table[index].next = static_cast<int64_t>(count + overflow++);
+            }
+            index = static_cast<size_t>(table[index].next);
+        }
+    }
+    int removed = static_cast<int>(std::count(dropped.begin(), dropped.end(), true));
+    if (removed == 0)
+        return 0;
+    uint32_t kept = 0;
+    for (size_t i = 0; i < count; ++i)
+    {
+        if (dropped[i])
+            continue;
+        memcpy(mesh->vertices[kept].position, mesh->vertices[i].position, sizeof mesh->vertices[i].position);
+        mesh->vertices[kept].colour = mesh->vertices[i].colour;
+        renumbered[i] = kept++;
+    }
+    mesh->vertexCount = static_cast<int32_t>(kept);
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    {
+        Corners& corners = mesh->faces[f];
+        for (size_t k = 0; k < 4 && corners[k] != none; ++k)
+        {
+            if (corners[k] >= count || !used[corners[k]])
+            {
+                corners = { 0, 0, 0, none };
+                break;
+            }
+            corners[k] = renumbered[target[corners[k]]];
+        }
+    }
+    return removed;
+}
+
+static void expectDescribedWeld(unsigned seed, const RandomShape& shape, int* changed)
+{
+    MeshPointer want = randomMesh(seed, shape), have = randomMesh(seed, shape);
+    spoilDeletedSlots(want.get(), seed);
+    spoilDeletedSlots(have.get(), seed);
+    int removed = plainWeld(want.get());
+    resetRecording();
+    ASSERT_EQ(weldVertices(have.get()), removed >= 0) << "seed " << seed;
+    Texts notices;
+    if (removed >= 0)
+        notices.push_back(removed ? "Removed " + std::to_string(removed) + " vertices" : "  No duplicated vertices");
+    ASSERT_EQ(recorded.notices, notices) << "seed " << seed;
+    expectEqualStates(stateOf(have.get()), stateOf(want.get()), seed);
+    *changed += removed > 0;
+}
+
+TEST_F(WeldTest, RandomMeshesAreWeldedAsDescribed)
+{
+    int changed = 0;
+    for (unsigned seed = 0; seed < 4000 && !HasFatalFailure(); ++seed)
+        expectDescribedWeld(
+            seed, { .mostVertices = 5 + static_cast<int>(seed % 80), .spread = 1.0f + static_cast<float>(seed % 4) },
+            &changed);
+    EXPECT_GT(changed, 3000);
+}
+
+// Steps between coordinates below, about and above the tolerance: chains of neighbours that are near to some only, on
+// both sides of cells and of steps of the key.
+TEST_F(WeldTest, RandomMeshesAreWeldedAsDescribedWithinTheTolerance)
+{
+    renderSettings.exactWeld = 0;
+    int changed = 0;
+    for (float step :
+         { 0.000001f, 0.000003f, 0.000005f, 0.0000099f, 0.00001f, 0.000011f, 0.00003f, 1.0f, 127.99998f, 3e6f })
+    {
+        for (unsigned seed = 0; seed < 800 && !HasFatalFailure(); ++seed)
+            expectDescribedWeld(seed,
+                                { .mostVertices = 5 + static_cast<int>(seed % 80),
+                                  .spread = 2.0f + static_cast<float>(seed % 12),
+                                  .step = step },
+                                &changed);
+    }
+    EXPECT_GT(changed, 4000);
+}
+
+TEST_F(WeldTest, NoPositionMovesByMoreThanTheToleranceAndWeldingAgainChangesNothing)
+{
+    for (int exact = 0; exact < 2; ++exact)
+    {
+        renderSettings.exactWeld = exact;
+        for (unsigned seed = 0; seed < 1500; ++seed)
+        {
+            MeshPointer mesh = randomMesh(seed, { .mostVertices = 60, .spread = 3, .step = exact ? 1.0f : 0.000007f });
+            MeshState before = stateOf(mesh.get());
+            weldVertices(mesh.get());
+            for (int32_t f = 0; f < mesh->faceCount; ++f)
+            {
+                for (size_t k = 0; k < 4 && mesh->faces[f][k] != none && !(mesh->faceAttributes[f] & faceDeleted); ++k)
+                {
+                    const Point& was = before.points[before.faces[static_cast<size_t>(f)][k]];
+                    const float* is = mesh->vertices[mesh->faces[f][k]].position;
+                    float most = exact ? 0 : 0.00001f;
+                    ASSERT_LE(fabsf(was.x - is[0]), most) << "seed " << seed;
+                    ASSERT_LE(fabsf(was.y - is[1]), most) << "seed " << seed;
+                    ASSERT_LE(fabsf(was.z - is[2]), most) << "seed " << seed;
+                }
+            }
+            if (!exact)
+                continue; // the steps of the key change with the number of vertices, so that near ones may meet later
+            MeshState welded = stateOf(mesh.get());
+            weldVertices(mesh.get());
+            expectEqualStates(stateOf(mesh.get()), welded, seed);
+            if (HasFatalFailure())
+                return;
+        }
+    }
+}

@@ -1,0 +1,428 @@
+// What can be seen of the desktop program only from inside: its menu, its bar, its keyboard focus, what it holds.
+#include "tests/windows/inside.h"
+
+#include "model/settings.h"
+#include "platform/boxes.h"
+#include "platform/resources.h"
+#include "platform/win32/handles.h"
+#include "resources/ids.h"
+#include "shell/scene.h"
+
+#include <gtest/gtest.h>
+#include <psapi.h>
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <set>
+
+namespace fs = std::filesystem;
+
+class ProgramInside : public testing::Environment
+{
+    void SetUp() override
+    {
+        ASSERT_TRUE(startInside());
+    }
+    void TearDown() override
+    {
+        EXPECT_EQ(endInside(), 1u);
+    }
+};
+
+static const auto* const environment = testing::AddGlobalTestEnvironment(new ProgramInside);
+
+class InsideTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        folder = fs::temp_directory_path() / (L"kestrelbox-inside-" + std::to_wstring(GetCurrentProcessId()));
+        fs::create_directories(folder);
+        before = fs::current_path();
+        fs::current_path(folder);
+    }
+
+    void TearDown() override
+    {
+        answerDialogs({});
+        fs::current_path(before);
+        std::error_code ignored;
+        fs::remove_all(folder, ignored);
+    }
+
+    static void write(const fs::path& name, const std::string& text)
+    {
+        std::ofstream(name, std::ios::binary) << text;
+    }
+
+    static void open(const char* name)
+    {
+        answerDialogs({ name });
+        command(ID_OPEN_MESH);
+    }
+
+    static bool titleNames(const std::wstring& name)
+    {
+        return textOf(mainWindow).rfind(L"Kestrelbox: " + name, 0) == 0;
+    }
+
+    static std::wstring panelText(int id)
+    {
+        return textOf(GetDlgItem(toolPanel, id));
+    }
+
+    static std::set<int> checkedItems()
+    {
+        std::set<int> checked;
+        for (int id = 100; id <= 340; ++id)
+        {
+            UINT state = GetMenuState(GetMenu(mainWindow), static_cast<UINT>(id), MF_BYCOMMAND);
+            if (state != UINT_MAX && (state & MF_CHECKED))
+                checked.insert(id);
+        }
+        return checked;
+    }
+
+    static std::wstring menuText(int id)
+    {
+        wchar_t text[128] = L"";
+        GetMenuStringW(GetMenu(mainWindow), static_cast<UINT>(id), text, 128, MF_BYCOMMAND);
+        return text;
+    }
+
+    fs::path folder, before;
+};
+
+constexpr char square[] = "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\ng one\nf 1 2 3 4\n";
+
+TEST_F(InsideTest, MenuHoldsItsEntriesInTheirOrder)
+{
+    static const struct
+    {
+        const wchar_t* title;
+        std::vector<std::pair<int, const wchar_t*>> entries; // 0: a separator
+    } menus[] = {
+        { L"&File",
+          { { 104, L"Open mesh File" },
+            { 0, L"" },
+            { 108, L"Export as obj" },
+            { 109, L"Export as pp2" },
+            { 0, L"" },
+            { 111, L"Save Image" },
+            { 110, L"Load texture" },
+            { 0, L"" },
+            { 112, L"Read RKF" },
+            { 113, L"Save RKF" },
+            { 0, L"" },
+            { 101, L"E&xit" } } },
+        { L"&Texture", { { 160, L"Wood" }, { 161, L"Metal" }, { 162, L"Pattern" }, { 163, L"User" } } },
+        { L"&Lights", { { 200, L"&Light 1" }, { 201, L"&Light 2" }, { 202, L"&Light 3" } } },
+        { L"Material",
+          { { 300, L"Brass" },
+            { 301, L"Wood" },
+            { 302, L"Pewter" },
+            { 303, L"Silver" },
+            { 304, L"Gold" },
+            { 305, L"Green" },
+            { 306, L"Chalk" },
+            { 307, L"Brick" },
+            { 308, L"Crystal" },
+            { 309, L"White" },
+            { 310, L"Prop Material" } } },
+        { L"Options",
+          { { 336, L"Background grey1" },
+            { 337, L"Background grey2" },
+            { 338, L"Background black" },
+            { 0, L"" },
+            { 339, L"3ds keyframes" },
+            { 340, L"Exact Weld" },
+            { 0, L"" },
+            { 140, L"Reset View" } } },
+        { L"Help", { { 102, L"About Application" } } },
+    };
+    HMENU bar = GetMenu(mainWindow);
+    ASSERT_EQ(GetMenuItemCount(bar), 6);
+    for (int i = 0; i < 6; ++i)
+    {
+        wchar_t title[64] = L"";
+        GetMenuStringW(bar, static_cast<UINT>(i), title, 64, MF_BYPOSITION);
+        EXPECT_STREQ(title, menus[i].title);
+        HMENU menu = GetSubMenu(bar, i);
+        ASSERT_EQ(GetMenuItemCount(menu), static_cast<int>(menus[i].entries.size())) << i;
+        for (int j = 0; j < GetMenuItemCount(menu); ++j)
+        {
+            auto [id, text] = menus[i].entries[static_cast<size_t>(j)];
+            EXPECT_EQ(GetMenuItemID(menu, j), static_cast<UINT>(id));
+            EXPECT_TRUE(id == 0 || menuText(id) == text) << id;
+        }
+    }
+}
+
+TEST_F(InsideTest, MarksFollowTheChoices)
+{
+    EXPECT_EQ(checkedItems(), (std::set<int>{ 160, 200, 300, 336, 339, 340 }));
+    EXPECT_NE(GetMenuState(GetMenu(mainWindow), 163, MF_BYCOMMAND) & MF_GRAYED, 0u);
+    command(ID_TEXTURE_METAL);
+    EXPECT_EQ(checkedItems(), (std::set<int>{ 161, 200, 309, 336, 339, 340 }));
+    command(ID_LIGHT_3);
+    command(ID_LIGHT_1);
+    command(ID_PRESET_CHALK);
+    command(ID_BACKGROUND_BLACK);
+    command(ID_KEYFRAMES_3DS);
+    command(ID_EXACT_WELD);
+    EXPECT_EQ(checkedItems(), (std::set<int>{ 161, 202, 306, 338 }));
+    for (int id : { ID_LIGHT_1, ID_LIGHT_3, ID_BACKGROUND_GREY1, ID_KEYFRAMES_3DS, ID_EXACT_WELD, ID_TEXTURE_WOOD })
+        command(id);
+    write("a.obj", square);
+    open("a.obj");
+    EXPECT_EQ(checkedItems(), (std::set<int>{ 160, 200, 310, 336, 339, 340 }));
+}
+
+TEST_F(InsideTest, EveryToolReportsInABoxWideEnough)
+{
+    write("a.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nv 0 0 0\nv 5 0 0\nv 6 0 0\nv 6 1 0\n"
+                   "f 1 2 3 4\nf 4 3 2 1\nf 6 7 8\n");
+    open("a.obj");
+    const struct
+    {
+        int button;
+        const wchar_t* notice;
+        const wchar_t *vertices, *faces, *groups;
+    } rows[] = {
+        { ID_DUP_FACES, L"Removed  1 dupfaces", L"8", L"2", L"0" },
+        { ID_WELD, L"Removed 1 vertices", L"7", L"2", L"0" },
+        { ID_TRI, L"Mesh converted to triangles", L"7", L"3", L"0" },
+        { ID_QUAD, L"Mesh converted to quads", L"7", L"2", L"0" },
+        { ID_FIX_NORMALS, L"Normals ok, nothing to do", L"7", L"2", L"0" },
+        { ID_SPLIT, L"    Mesh spitted", L"7", L"2", L"2" },
+    };
+    for (const auto& row : rows)
+    {
+        bool fits = false;
+        EXPECT_EQ(noticeAfter(row.button, &fits), row.notice);
+        EXPECT_TRUE(fits) << row.button;
+        EXPECT_EQ(panelText(ID_VERT_COUNT), row.vertices) << row.button;
+        EXPECT_EQ(panelText(ID_FACE_COUNT), row.faces) << row.button;
+        EXPECT_EQ(panelText(ID_GROUP_COUNT), row.groups) << row.button;
+    }
+    Corners first = currentMesh()->faces[0];
+    SendDlgItemMessageW(toolPanel, ID_INVERT, BM_CLICK, 0, 0);
+    EXPECT_NE(currentMesh()->faces[0], first);
+    EXPECT_EQ(SendDlgItemMessageW(toolPanel, ID_FILTER_LIST, CB_GETCOUNT, 0, 0), 4);
+}
+
+static DWORD WINAPI showNoticeOfProgram(void* text)
+{
+    onProgramThread([=] { showNotice(static_cast<const char*>(text)); });
+    return 0;
+}
+
+TEST_F(InsideTest, NoticeOfTheLargestCountIsReadable)
+{
+    RECT narrow = {}, wide = {};
+    auto widthOf = [](const char* text, RECT* box)
+    {
+        HWND notice = nullptr;
+        HANDLE waiting = CreateThread(nullptr, 0, showNoticeOfProgram, const_cast<char*>(text), 0, nullptr);
+        soon(
+            [&] {
+                return (notice = FindWindowExW(nullptr, nullptr, L"#32770", L"")) != nullptr && IsWindowVisible(notice);
+            });
+        GetWindowRect(notice, box);
+        PostMessageW(notice, WM_TIMER, 1, 0);
+        WaitForSingleObject(waiting, 10000);
+        CloseHandle(waiting);
+    };
+    widthOf("short", &narrow);
+    widthOf("Removed 2147483647 vertices", &wide);
+    EXPECT_GT(narrow.right, narrow.left);
+    EXPECT_GT(wide.right - wide.left, narrow.right - narrow.left);
+}
+
+TEST_F(InsideTest, LuxExportWritesItsFilesOrSaysThatItFailed)
+{
+    write("a.obj", square);
+    open("a.obj");
+    EXPECT_EQ(boxAfter(toolPanel, ID_LUX_EXPORT), L"a.lxo, .lxm and .lxs files exported [LuxRender Export]");
+    for (const char* name : { "a.lxs", "a.lxo", "a.lxm" })
+        EXPECT_TRUE(fs::exists(name)) << name;
+    fs::create_directory("b.lxs");
+    write("b.obj", square);
+    open("b.obj");
+    EXPECT_EQ(boxAfter(toolPanel, ID_LUX_EXPORT), L"Failed to export [LuxRender Export]");
+}
+
+TEST_F(InsideTest, LoadedTextureNamesAndEnablesItsMenuEntry)
+{
+    ResourceBytes wood;
+    ASSERT_TRUE(findResource("wood", &wood));
+    write(L"HOLZ \u03a9.JPG", std::string(reinterpret_cast<const char*>(wood.bytes), wood.size));
+    write("bad.jpg", "no picture");
+    command(ID_PRESET_BRASS);
+    std::set<int> marks = checkedItems();
+    CheckDlgButton(toolPanel, ID_TEXTURED, BST_UNCHECKED);
+    answerDialogs({ "bad.jpg" });
+    EXPECT_EQ(boxAfter(mainWindow, ID_LOAD_TEXTURE), L"Error reading Jpeg file [error]");
+    EXPECT_EQ(menuText(163), L"User");
+    EXPECT_EQ(checkedItems(), marks);
+    EXPECT_FALSE(IsDlgButtonChecked(toolPanel, ID_TEXTURED));
+
+    answerDialogs({ "HOLZ \u03a9.JPG" });
+    command(ID_LOAD_TEXTURE);
+    EXPECT_EQ(menuText(163), L"holz \u03a9.jpg");
+    EXPECT_EQ(GetMenuState(GetMenu(mainWindow), 163, MF_BYCOMMAND) & MF_GRAYED, 0u);
+    EXPECT_TRUE(checkedItems().count(163));
+    EXPECT_FALSE(checkedItems().count(160));
+    EXPECT_TRUE(IsDlgButtonChecked(toolPanel, ID_TEXTURED));
+    command(ID_TEXTURE_WOOD);
+    SendDlgItemMessageW(toolPanel, ID_TEXTURED, BM_CLICK, 0, 0);
+}
+
+TEST_F(InsideTest, NamesOfAnyScriptOpenAndSave)
+{
+    fs::path greek = folder / L"\u03c6\u03ac\u03ba\u03b5\u03bb\u03bf\u03c2";
+    fs::create_directory(greek);
+    write(greek / L"\u6a21\u578b.obj", std::string("usemtl red\n") + square);
+    std::string prefix = "\u03c6\u03ac\u03ba\u03b5\u03bb\u03bf\u03c2\\";
+    open((prefix + "\u6a21\u578b.obj").c_str());
+    EXPECT_TRUE(titleNames(L"\u6a21\u578b.obj"));
+    EXPECT_EQ(panelText(ID_VERT_COUNT), L"4");
+
+    answerDialogs({ prefix + "\u6728.obj", prefix + "\u6728.rkf", prefix + "\u6728.pp2", prefix + "\u6728.bmp" });
+    for (int id : { ID_EXPORT_OBJ, ID_SAVE_RKF, ID_EXPORT_PP2, ID_SAVE_IMAGE })
+        command(id);
+    for (const wchar_t* name :
+         { L"\u6728.obj", L"\u6728.mtl", L"\u6728.rkf", L"\u6728.pp2", L"\u6728.rsr", L"\u6728.bmp" })
+        EXPECT_TRUE(fs::exists(greek / name)) << fs::path(name);
+    answerDialogs({ prefix + "\u6728.rkf" });
+    command(ID_READ_RKF);
+    EXPECT_TRUE(titleNames(L"\u6728.rkf"));
+}
+
+TEST_F(InsideTest, LongestPathOfAnyScriptOpens)
+{
+    std::wstring name(100, L'\u6728'); // 300 bytes, and well within 127 characters
+    write(folder / (name + L".obj"), square);
+    std::string path;
+    for (int i = 0; i < 100; ++i)
+        path += "\u6728";
+    open((path + ".obj").c_str());
+    EXPECT_EQ(panelText(ID_VERT_COUNT), L"4");
+}
+
+TEST_F(InsideTest, ProgressBarMovesDuringALoad)
+{
+    std::string text;
+    for (int i = 0; i < 40000; ++i)
+        text += "v " + std::to_string(i % 200) + " " + std::to_string(i / 200) + " 0\n";
+    for (int i = 0; i + 201 < 40000; ++i)
+        text += "f " + std::to_string(i + 1) + " " + std::to_string(i + 2) + " " + std::to_string(i + 202) + "\n";
+    write("big.obj", text);
+    takeBarLengths();
+    open("big.obj");
+    std::vector<int> lengths = takeBarLengths();
+    EXPECT_TRUE(std::is_sorted(lengths.begin(), lengths.end()));
+    EXPECT_GE((std::set<int>(lengths.begin(), lengths.end()).size()), 5u);
+    EXPECT_EQ(panelText(ID_VERT_COUNT), L"40000");
+}
+
+TEST_F(InsideTest, KeysWalkAndPressInThePanel)
+{
+    auto press = [](WPARAM key)
+    {
+        HWND focus = focusOfProgram();
+        PostMessageW(focus, WM_KEYDOWN, key, 1);
+        PostMessageW(focus, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
+    };
+    onProgramThread([] { SetFocus(GetDlgItem(toolPanel, ID_WIREFRAME)); });
+    press(VK_TAB);
+    EXPECT_TRUE(soon([] { return focusOfProgram() == GetDlgItem(toolPanel, ID_BACKCULLED); }));
+    press(VK_SPACE);
+    EXPECT_TRUE(soon([] { return (renderSettings.renderFlags & renderBackCulled) == 0; }));
+    press(VK_SPACE);
+    EXPECT_TRUE(soon([] { return (renderSettings.renderFlags & renderBackCulled) != 0; }));
+    uint32_t flags = renderSettings.renderFlags;
+    press(VK_RETURN);
+    SendMessageW(mainWindow, WM_NULL, 0, 0);
+    EXPECT_TRUE(soon([] { return focusOfProgram() == toolPanel || IsChild(toolPanel, focusOfProgram()); }));
+    EXPECT_EQ(renderSettings.renderFlags, flags);
+    onProgramThread([] { SetFocus(displayWindow); });
+}
+
+TEST_F(InsideTest, MessagesAreTakenWhileTheModelSpins)
+{
+    PostMessageW(displayWindow, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(300, 260));
+    PostMessageW(displayWindow, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(340, 260));
+    PostMessageW(displayWindow, WM_LBUTTONUP, 0, MAKELPARAM(420, 260));
+    ASSERT_TRUE(soon([] { return displayState.continuousRedraw; }));
+    for (int i = 0; i < 50; ++i)
+        PostMessageW(mainWindow, WM_COMMAND, ID_KEYFRAMES_3DS, 0);
+    PostMessageW(mainWindow, WM_COMMAND, ID_LIGHT_2, 0);
+    EXPECT_TRUE(soon([] { return renderSettings.lightMask == 3; }));
+    EXPECT_EQ(renderSettings.keyframes3ds, 1);
+    EXPECT_TRUE(displayState.continuousRedraw);
+    command(ID_LIGHT_2);
+    command(ID_RESET_VIEW);
+    EXPECT_FALSE(displayState.continuousRedraw);
+}
+
+struct Holdings
+{
+    DWORD gdi, user, handles;
+    SIZE_T bytes;
+};
+
+static Holdings measure()
+{
+    Holdings held = {};
+    PROCESS_MEMORY_COUNTERS memory = {};
+    held.gdi = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    held.user = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+    GetProcessHandleCount(GetCurrentProcess(), &held.handles);
+    K32GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+    held.bytes = memory.WorkingSetSize;
+    return held;
+}
+
+TEST_F(InsideTest, ThousandCommandsLeaveNoObjectsBehind)
+{
+    for (int id = ID_PRESET_BRASS; id <= ID_PRESET_PROP; ++id)
+        command(id);
+    Holdings first = measure();
+    for (int i = 0; i < 1000; ++i)
+        SendMessageW(mainWindow, WM_COMMAND, static_cast<WPARAM>(ID_PRESET_BRASS + i % 11), 0);
+    command(ID_PRESET_PROP);
+    Holdings last = measure();
+    EXPECT_LE(last.gdi, first.gdi + 2);
+    EXPECT_LE(last.user, first.user + 2);
+    EXPECT_LE(last.handles, first.handles + 2);
+}
+
+TEST_F(InsideTest, SixtyLoadsLeaveNothingBehind)
+{
+    write("a.obj", std::string("mtllib a.mtl\nusemtl red\n") + square);
+    write("a.mtl", "newmtl red\nKd 1 0 0\n");
+    open("a.obj");
+    answerDialogs({ "a.rkf" });
+    command(ID_SAVE_RKF);
+    constexpr size_t objEvery = 10; // an OBJ file shows a progress box, which takes its time
+    auto loadTimes = [](size_t count)
+    {
+        std::vector<std::string> paths(count, "a.rkf");
+        for (size_t i = 0; i < count; i += objEvery)
+            paths[i] = "a.obj";
+        answerDialogs(paths);
+        for (size_t i = 0; i < count; ++i)
+            SendMessageW(mainWindow, WM_COMMAND, i % objEvery == 0 ? ID_OPEN_MESH : ID_READ_RKF, 0);
+        EXPECT_EQ(dialogsUnanswered(), 0u);
+    };
+    loadTimes(10);
+    Holdings first = measure();
+    loadTimes(60);
+    Holdings last = measure();
+    EXPECT_EQ(panelText(ID_VERT_COUNT), L"4");
+    EXPECT_LE(last.gdi, first.gdi + 2);
+    EXPECT_LE(last.user, first.user + 2);
+    EXPECT_LE(last.handles, first.handles + 2);
+    EXPECT_LE(last.bytes, first.bytes + (1 << 20)); // one mesh is 350 KB: 60 of them would be 20 MB
+}

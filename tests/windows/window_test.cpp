@@ -1,0 +1,329 @@
+// The desktop program as it is used: started, clicked, dragged, answered, closed.
+#include "tests/windows/program.h"
+
+#include "resources/ids.h"
+
+#include <gtest/gtest.h>
+#include <stdio.h>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace fs = std::filesystem;
+
+class WindowTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        folder = fs::temp_directory_path() / ("kestrelbox-window-" + std::to_string(GetCurrentProcessId()));
+        fs::create_directories(folder);
+        write("square.obj", "mtllib square.mtl\nv 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\ng one\nusemtl red\nf 1 2 3 4\n");
+        write("square.mtl", "newmtl red\nKd 1 0 0\n");
+        write("two parts.obj",
+              "v 0 0 0\nv 1 0 0\nv 0 1 0\nv 3 0 0\nv 4 0 0\nv 3 1 0\ng left\nf 1 2 3\ng right\nf 4 5 6\n");
+    }
+
+    void TearDown() override
+    {
+        if (program.process && !sharing)
+            program.close();
+        std::error_code ignored;
+        fs::remove_all(folder, ignored);
+    }
+
+    void write(const char* name, const std::string& text)
+    {
+        std::ofstream(folder / name, std::ios::binary) << text;
+    }
+
+    static void TearDownTestSuite()
+    {
+        if (shared.process)
+            shared.close();
+    }
+
+    // The program with the built-in model, for tests that leave it as they found it; it is started once.
+    void share()
+    {
+        ASSERT_TRUE(shared.process || shared.start(fs::temp_directory_path().wstring(), L""));
+        program = shared;
+        sharing = true;
+    }
+
+    void start(const std::wstring& arguments = L"")
+    {
+        if (shared.process)
+            shared.close();
+        ASSERT_TRUE(program.start(folder.wstring(), arguments));
+    }
+
+    std::wstring path(const wchar_t* name) const
+    {
+        return (folder / name).wstring();
+    }
+
+    // What kbx renders with these options, as far as the display's client area shows it.
+    Shot rendered(const std::wstring& options, int width, int height)
+    {
+        std::wstring bitmap = path(L"expected.bmp");
+        EXPECT_EQ(runProgram(L"\"" + programFolder() + L"\\kbx.exe\" render " + options + L" -o expected.bmp",
+                             folder.wstring()),
+                  0u);
+        std::ostringstream text;
+        text << std::ifstream(fs::path(bitmap), std::ios::binary).rdbuf();
+        std::string bytes = text.str();
+        Shot shot{ width, height, {} };
+        constexpr size_t rowBytes = 620 * 3, headerBytes = 54;
+        EXPECT_EQ(bytes.size(), rowBytes * 520 + headerBytes);
+        for (int y = 0; y < height; ++y)
+        {
+            const char* row = bytes.data() + headerBytes + (519 - static_cast<size_t>(y)) * rowBytes;
+            shot.bytes.insert(shot.bytes.end(), row, row + width * 3);
+        }
+        return shot;
+    }
+
+    void expectPicture(const std::wstring& options)
+    {
+        Shot shown = program.shot();
+        Shot expected = rendered(options, shown.width, shown.height);
+        ASSERT_EQ(shown.bytes.size(), expected.bytes.size());
+        size_t different = 0;
+        for (size_t i = 0; i < shown.bytes.size(); ++i)
+            different += shown.bytes[i] != expected.bytes[i];
+        EXPECT_EQ(different, 0u) << "of " << shown.bytes.size() << " bytes";
+    }
+
+    // The file shown or saved, until the next frame's statistics take its place with the current name.
+    bool titleNames(const std::wstring& name) const
+    {
+        std::wstring start = L"Kestrelbox: ";
+        std::wstring title = program.title();
+        return title.rfind(start + name, 0) == 0 || title.rfind(start + L"File " + name + L" saved", 0) == 0;
+    }
+
+    fs::path folder;
+    Program program;
+    bool sharing = false;
+    static Program shared;
+};
+
+Program WindowTest::shared;
+
+TEST_F(WindowTest, StartsWithTheTeapot)
+{
+    start();
+    EXPECT_EQ(program.title(), L"Kestrelbox");
+    EXPECT_EQ(program.panelText(ID_VERT_COUNT), L"2828");
+    EXPECT_EQ(program.panelText(ID_FACE_COUNT), L"4096");
+    EXPECT_EQ(program.panelText(ID_GROUP_COUNT), L"1");
+    EXPECT_TRUE(program.checked(ID_BACKCULLED));
+    EXPECT_TRUE(program.checked(ID_VERTEX_COLOUR));
+    EXPECT_FALSE(program.checked(ID_WIREFRAME));
+
+    RECT client, panel, display;
+    GetClientRect(program.main, &client);
+    GetWindowRect(program.panel, &panel);
+    GetWindowRect(program.display, &display);
+    EXPECT_EQ(display.right - display.left, 620);
+    EXPECT_EQ(display.bottom - display.top, 520);
+    EXPECT_EQ(client.right, panel.right - panel.left + 624);
+    EXPECT_EQ(client.bottom, 522);
+    expectPicture(L"");
+    EXPECT_EQ(program.close(), 1u);
+}
+
+TEST_F(WindowTest, SecondStartLeavesAndTheFirstStays)
+{
+    share();
+    EXPECT_EQ(runProgram(L"\"" + programFolder() + L"\\kestrelbox.exe\"", folder.wstring()), 0u);
+    EXPECT_TRUE(IsWindow(program.main));
+}
+
+TEST_F(WindowTest, FailedLoadKeepsTheModel)
+{
+    write("bad.obj", "nothing\n");
+    share();
+    program.postCommand(ID_OPEN_MESH);
+    ASSERT_TRUE(program.answerFileDialog(path(L"bad.obj")));
+    EXPECT_EQ(program.answerMessageBox(), L"Error: failed to open [" + path(L"bad.obj") + L"]");
+    EXPECT_EQ(program.panelText(ID_VERT_COUNT), L"2828");
+    EXPECT_TRUE(program.title() == L"Kestrelbox" || titleNames(L"teapot"));
+}
+
+TEST_F(WindowTest, NoticeClosesByItself)
+{
+    share();
+    program.postClick(ID_TRI);
+    HWND notice = program.waitForDialog(L"");
+    ASSERT_NE(notice, nullptr);
+    ULONGLONG seen = GetTickCount64();
+    EXPECT_EQ(windowText(GetDlgItem(notice, ID_NOTICE_TEXT)), L"Mesh has no quads");
+    EXPECT_TRUE(within10Seconds([&] { return !IsWindow(notice); }));
+    EXPECT_GE(GetTickCount64() - seen, 900u);
+}
+
+TEST_F(WindowTest, DragTurnsFlickSpinsPressStopsResetRestores)
+{
+    share();
+    Shot before = program.shot();
+    program.mouse(WM_LBUTTONDOWN, MK_LBUTTON, 300, 260);
+    program.mouse(WM_MOUSEMOVE, MK_LBUTTON, 330, 260);
+    program.mouse(WM_MOUSEMOVE, MK_LBUTTON, 360, 260);
+    Shot turned = program.shot();
+    EXPECT_NE(turned, before);
+    program.mouse(WM_LBUTTONUP, 0, 420, 260);
+    Shot spinning = program.shot();
+    Sleep(200);
+    EXPECT_NE(program.shot(), spinning);
+    EXPECT_EQ(SendMessageTimeoutW(program.main, WM_NULL, 0, 0, SMTO_BLOCK, 2000, nullptr) != 0, true);
+    program.mouse(WM_LBUTTONDOWN, MK_LBUTTON, 300, 260);
+    Shot stopped = program.shot();
+    Sleep(200);
+    EXPECT_EQ(program.shot(), stopped);
+    program.command(ID_RESET_VIEW);
+    EXPECT_EQ(program.shot(), before);
+}
+
+TEST_F(WindowTest, MinimiseAndRestore)
+{
+    share();
+    Shot before = program.shot();
+    ShowWindow(program.main, SW_MINIMIZE);
+    EXPECT_EQ(program.title(), L"Kestrelbox");
+    ShowWindow(program.main, SW_RESTORE);
+    PostMessageW(program.main, WM_NULL, 0, 0);
+    EXPECT_TRUE(within10Seconds([&] { return program.shot() == before; }));
+}
+
+TEST_F(WindowTest, AboutOpensAndCloses)
+{
+    share();
+    program.postCommand(ID_ABOUT);
+    HWND about = program.waitForDialog(L"About Kestrelbox");
+    ASSERT_NE(about, nullptr);
+    PostMessageW(about, WM_COMMAND, ID_ABOUT_OK, 0);
+    EXPECT_TRUE(within10Seconds([&] { return !IsWindow(about); }));
+    program.postCommand(ID_ABOUT);
+    about = program.waitForDialog(L"About Kestrelbox");
+    PostMessageW(about, WM_CLOSE, 0, 0);
+    EXPECT_TRUE(within10Seconds([&] { return !IsWindow(about); }));
+}
+
+TEST_F(WindowTest, QuotedCommandLineOpensTheFile)
+{
+    start(L"\"" + path(L"two parts.obj") + L"\" more");
+    EXPECT_EQ(program.panelText(ID_VERT_COUNT), L"6");
+    EXPECT_EQ(program.panelText(ID_GROUP_COUNT), L"2");
+    expectPicture(L"\"two parts.obj\"");
+}
+
+TEST_F(WindowTest, MenuChoicesShowWhatTheCommandLineRenders)
+{
+    start();
+    program.command(ID_PRESET_GOLD);
+    expectPicture(L"--preset gold");
+    program.command(ID_LIGHT_2);
+    expectPicture(L"--preset gold --lights 1,2");
+    program.command(ID_LIGHT_2);
+    program.command(ID_BACKGROUND_GREY2);
+    expectPicture(L"--preset gold --background grey2");
+    program.command(ID_BACKGROUND_GREY1);
+    program.command(ID_TEXTURE_PATTERN);
+    EXPECT_TRUE(program.checked(ID_TEXTURED));
+    expectPicture(L"--texture pattern");
+}
+
+TEST_F(WindowTest, PanelBoxesShowWhatTheCommandLineRenders)
+{
+    start();
+    program.click(ID_SHADOWS);
+    EXPECT_TRUE(program.checked(ID_SHADOWS));
+    expectPicture(L"--shadows");
+    program.click(ID_SHADOWS);
+    program.click(ID_ROUGH);
+    expectPicture(L"--rough");
+    program.click(ID_ROUGH);
+    program.click(ID_WIREFRAME);
+    expectPicture(L"--wireframe");
+    program.click(ID_TEXTURED);
+    EXPECT_FALSE(program.checked(ID_WIREFRAME));
+    program.click(ID_TEXTURED);
+    program.click(ID_METALLIC);
+    expectPicture(L"--metallic");
+}
+
+TEST_F(WindowTest, OpenSaveAndReadThroughTheDialogs)
+{
+    start();
+    program.postCommand(ID_OPEN_MESH);
+    ASSERT_TRUE(program.answerFileDialog(path(L"square.obj")));
+    ASSERT_TRUE(within10Seconds([&] { return program.panelText(ID_VERT_COUNT) == L"4"; }));
+    EXPECT_EQ(program.title().substr(0, 22), L"Kestrelbox: square.obj");
+    EXPECT_EQ(program.panelText(ID_MATERIAL_COUNT), L"1");
+    program.settle();
+    expectPicture(L"square.obj");
+
+    program.postCommand(ID_SAVE_IMAGE);
+    ASSERT_TRUE(program.answerFileDialog(path(L"saved.bmp")));
+    EXPECT_TRUE(within10Seconds([&] { return fs::exists(folder / "saved.bmp"); }));
+
+    const std::pair<int, const wchar_t*> exports[] = { { ID_EXPORT_OBJ, L"out.obj" },
+                                                       { ID_EXPORT_PP2, L"out.pp2" },
+                                                       { ID_SAVE_RKF, L"out.rkf" } };
+    for (auto [id, name] : exports)
+    {
+        program.postCommand(id);
+        ASSERT_TRUE(program.answerFileDialog(path(name))) << id;
+        EXPECT_TRUE(within10Seconds([&] { return fs::exists(folder / name); })) << id;
+        program.settle();
+        EXPECT_TRUE(titleNames(id == ID_EXPORT_PP2 ? L"out.obj" : name)) << id; // a prop leaves the model its name
+    }
+    EXPECT_TRUE(fs::exists(folder / "out.mtl"));
+    EXPECT_TRUE(fs::exists(folder / "out.rsr"));
+
+    program.postCommand(ID_READ_RKF);
+    ASSERT_TRUE(program.answerFileDialog(path(L"out.rkf")));
+    EXPECT_TRUE(within10Seconds([&] { return program.title().substr(0, 19) == L"Kestrelbox: out.rkf"; }));
+    EXPECT_EQ(program.panelText(ID_VERT_COUNT), L"4");
+}
+
+TEST_F(WindowTest, FilterShowsOneGroup)
+{
+    start(L"\"two parts.obj\"");
+    program.selectFilter(1);
+    EXPECT_EQ(SendDlgItemMessageW(program.panel, ID_FILTER_LIST, CB_GETCURSEL, 0, 0), 0);
+    program.click(ID_BY_GROUP);
+    program.selectFilter(2);
+    expectPicture(L"--filter 2 \"two parts.obj\"");
+    program.click(ID_BY_GROUP);
+    expectPicture(L"\"two parts.obj\"");
+}
+
+TEST_F(WindowTest, RightDragZooms)
+{
+    start();
+    program.mouse(WM_RBUTTONDOWN, MK_RBUTTON, 300, 400);
+    program.mouse(WM_MOUSEMOVE, MK_RBUTTON, 300, 200);
+    expectPicture(L"--zoom 2");
+}
+
+TEST_F(WindowTest, EndsCleanlyDuringASpinADragAndADialog)
+{
+    start();
+    program.mouse(WM_LBUTTONDOWN, MK_LBUTTON, 300, 260);
+    program.mouse(WM_MOUSEMOVE, MK_LBUTTON, 340, 260);
+    EXPECT_EQ(program.close(), 1u);
+
+    start();
+    program.mouse(WM_LBUTTONDOWN, MK_LBUTTON, 300, 260);
+    program.mouse(WM_MOUSEMOVE, MK_LBUTTON, 340, 260);
+    program.mouse(WM_LBUTTONUP, 0, 420, 260);
+    EXPECT_EQ(program.close(), 1u);
+
+    start();
+    program.postCommand(ID_ABOUT);
+    ASSERT_NE(program.waitForDialog(L"About Kestrelbox"), nullptr);
+    EXPECT_EQ(program.close(), 1u);
+}
