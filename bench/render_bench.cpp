@@ -1,0 +1,268 @@
+// bench/render_bench.cpp - whole frames and their steps: a sphere of 4,096 triangles, one of 1,048,576, and triangles
+// that fill the display, plain, textured and with shadows
+#include "model/normals.h"
+#include "model/settings.h"
+#include "render/kernels.h"
+#include "render/faces.h"
+#include "render/frame.h"
+#include "render/materials.h"
+#include "render/project.h"
+#include "render/raster.h"
+#include "render/shadows.h"
+#include "render/view.h"
+
+#include <benchmark/benchmark.h>
+
+#include <math.h>
+#include <vector>
+
+constexpr float pi = 3.14159265f;
+
+struct Scene
+{
+    FrameBuffer target = {};
+    ModelList list = {};
+    std::vector<uint32_t> pixels;
+    Image image = {};
+    FrameTransforms transforms = {};
+};
+
+// rings x segments quads cut in two, without those at the poles that have no area.
+static Mesh* makeSphere(int32_t rings, int32_t segments)
+{
+    Mesh* mesh = createMesh("sphere");
+    int32_t count = (rings + 1) * (segments + 1);
+    growVertices(mesh, count);
+    growUvs(mesh, count);
+    growFaces(mesh, 2 * rings * segments);
+    for (int32_t i = 0; i < count; ++i)
+    {
+        float s = static_cast<float>(i / (segments + 1)) / static_cast<float>(rings);
+        float t = static_cast<float>(i % (segments + 1)) / static_cast<float>(segments);
+        float radius = sinf(s * pi);
+        mesh->vertices[i] = { { radius * sinf(t * 2 * pi), -cosf(s * pi), radius * cosf(t * 2 * pi) }, ~0u, {}, 0 };
+        mesh->uvs[i] = { t, s };
+    }
+    mesh->vertexCount = mesh->uvCount = count;
+    auto addFace = [&](uint32_t a, uint32_t b, uint32_t c)
+    {
+        mesh->faces[mesh->faceCount] = { a, b, c, noCorner };
+        mesh->faceUvs[mesh->faceCount++] = { a, b, c, 0 };
+    };
+    for (int32_t i = 0; i < rings; ++i)
+        for (int32_t j = 0; j < segments; ++j)
+        {
+            uint32_t a = static_cast<uint32_t>(i * (segments + 1) + j), c = a + static_cast<uint32_t>(segments) + 1;
+            if (i > 0)
+                addFace(a, a + 1, c + 1);
+            if (i < rings - 1)
+                addFace(a, c + 1, c);
+        }
+    mesh->liveFaceCount = mesh->faceCount;
+    computeNormals(mesh);
+    computeBounds(mesh);
+    return mesh;
+}
+
+// The sphere fills the display's height: its radius is that of its box by default, half the diagonal.
+static void openScene(Scene* scene, int32_t rings, uint32_t extraFlags)
+{
+    renderSettings = startSettings;
+    displayState = startDisplay;
+    displayState.useSse2 = CpuFeatures() >> 26 & 1;
+    renderSettings.renderFlags |= extraFlags;
+    ApplyPreset(presetProp, 0);
+    SetLight(0, 1);
+    resetView();
+    rotationAboutScreenAxes(&viewState.rotation, 25, 20, 0);
+    createFrameBuffer(&scene->target);
+    scene->pixels.assign(512 * 512, 0);
+    for (size_t i = 0; i < scene->pixels.size(); ++i)
+        scene->pixels[i] = static_cast<uint32_t>(i * 2654435761u >> 8);
+    scene->image = { scene->pixels.data(), 512, 512 };
+    renderSettings.currentTexture = &scene->image;
+    installMesh(&scene->list, makeSphere(rings, rings * 2));
+    scene->list.radius = 1;
+    setUpCamera(&scene->transforms, scene->list.centre, scene->list.radius, 620, 520);
+}
+
+static void closeScene(Scene* scene)
+{
+    clearModelList(&scene->list);
+    destroyFrameBuffer(&scene->target);
+}
+
+static void drawFrames(benchmark::State& state, uint32_t extraFlags)
+{
+    Scene scene;
+    openScene(&scene, static_cast<int32_t>(state.range(0)), extraFlags);
+    double triangles = scene.list.meshes[0]->faceCount;
+    for (auto _ : state)
+    {
+        displayState.fullRedraw = 1;
+        RenderFrame(&scene.target, &scene.list);
+    }
+    state.counters["Mtri/s"] = benchmark::Counter(triangles * 1e-6, benchmark::Counter::kIsIterationInvariantRate);
+    closeScene(&scene);
+}
+
+static void FrameLit(benchmark::State& state)
+{
+    drawFrames(state, 0);
+}
+
+static void FrameTextured(benchmark::State& state)
+{
+    drawFrames(state, renderTextured);
+}
+
+static void FrameShadowed(benchmark::State& state)
+{
+    drawFrames(state, renderShadows);
+}
+
+// One step of a frame after the others have been done once.
+template <class Step>
+static void timeStep(benchmark::State& state, uint32_t extraFlags, Step step)
+{
+    Scene scene;
+    openScene(&scene, static_cast<int32_t>(state.range(0)), extraFlags);
+    RenderFrame(&scene.target, &scene.list);
+    for (auto _ : state)
+    {
+        step(&scene, scene.list.meshes[0]);
+        benchmark::ClobberMemory();
+    }
+    closeScene(&scene);
+}
+
+static void StepProject(benchmark::State& state)
+{
+    timeStep(state, 0, [](Scene* scene, Mesh* mesh) { vertexKernels().project(mesh, &scene->transforms, 620, 520); });
+}
+
+static void StepClassify(benchmark::State& state)
+{
+    timeStep(state, 0, [](Scene* scene, Mesh* mesh) { classifyFaces(mesh, &scene->transforms); });
+}
+
+// Shading alone and filling alone: the keys go or stay.
+static void StepShade(benchmark::State& state)
+{
+    timeStep(state, 0,
+             [](Scene* scene, Mesh* mesh)
+             {
+                 for (int32_t i = 0; i < mesh->vertexCount; ++i)
+                 {
+                     float normal[3];
+                     transformDirection(normal, &scene->transforms.normal, mesh->vertices[i].normal);
+                     mesh->projected[i].colour =
+                         shadeVertex(&mesh->materials[0], normal, 0, renderSettings.renderFlags, ~0u);
+                 }
+             });
+}
+
+static void StepFill(benchmark::State& state)
+{
+    timeStep(state, 0,
+             [](Scene* scene, Mesh* mesh)
+             {
+                 ClearRect(scene->target.cells, 0, 0, 619, 519, scene->target.pitch * 4, 0x528A);
+                 drawMesh(&scene->target, mesh, &scene->transforms);
+             });
+}
+
+static void StepShadowMap(benchmark::State& state)
+{
+    timeStep(state, renderShadows,
+             [](Scene* scene, Mesh* mesh)
+             {
+                 ClearShadowMap(scene->target.shadowMap, scene->target.shadowSize);
+                 ProjectToLight(mesh, &scene->transforms);
+                 RenderShadowMap(&scene->target, mesh);
+             });
+}
+
+static void StepMarkShadows(benchmark::State& state)
+{
+    timeStep(state, renderShadows,
+             [](Scene* scene, Mesh* mesh) { MarkShadowedVertices(&scene->target, mesh, &scene->transforms); });
+}
+
+static void StepClear(benchmark::State& state)
+{
+    timeStep(state, 0,
+             [](Scene* scene, Mesh*)
+             { ClearRect(scene->target.cells, 0, 0, 619, 519, scene->target.pitch * 4, 0x528A); });
+}
+
+static void StepConvert(benchmark::State& state)
+{
+    timeStep(
+        state, 0,
+        [](Scene* scene, Mesh*)
+        { cellExpander()(scene->target.picture.bits, scene->target.cells, scene->target.pitch * scene->target.rows); });
+}
+
+// 32 layers of two triangles over the whole display, each nearer than the last.
+static void fillLayers(benchmark::State& state, TriangleFiller RasterKernels::*kind, int32_t lanes,
+                       uint32_t transparency)
+{
+    Scene scene;
+    openScene(&scene, 4, 0);
+    TriangleFiller filler = rasterKernels().*kind;
+    FillState fill = { scene.target.cells, scene.target.pitch, &scene.image, transparency, { 2048, 1024, 2048, 0 }, 0 };
+    constexpr int32_t layers = 32;
+    for (auto _ : state)
+    {
+        ClearRect(scene.target.cells, 0, 0, 619, 519, scene.target.pitch * 4, 0x528A);
+        for (int32_t layer = 0; layer < layers; ++layer)
+        {
+            int32_t near = 100 + layer * 200, far = near + 90;
+            const TriangleCorner corners[4] = { { 0, 0, near, 0xFF302010, 0, 0 },
+                                                { 620, 0, far, 0xFFC0E0F0, 0, 1 },
+                                                { 620, 520, near, 0xFFFF8040, 1, 1 },
+                                                { 0, 520, far, 0xFF10FF80, 1, 0 } };
+            const TriangleCorner second[3] = { corners[0], corners[2], corners[3] };
+            SpanState span;
+            rasterKernels().setUp(&span, corners, lanes);
+            filler(&fill, &span);
+            rasterKernels().setUp(&span, second, lanes);
+            filler(&fill, &span);
+        }
+    }
+    state.counters["Mpixel/s"] =
+        benchmark::Counter(620.0 * 520 * layers * 1e-6, benchmark::Counter::kIsIterationInvariantRate);
+    closeScene(&scene);
+}
+
+static void LayersOpaque(benchmark::State& state)
+{
+    fillLayers(state, &RasterKernels::opaque, plainLanes, 0);
+}
+
+static void LayersTransparent(benchmark::State& state)
+{
+    fillLayers(state, &RasterKernels::transparent, laneCount, 0x999999);
+}
+
+static void LayersTextured(benchmark::State& state)
+{
+    fillLayers(state, &RasterKernels::textured, laneCount, 0);
+}
+
+// Rings: 2 x rings x 2 x rings triangles, nearly.
+BENCHMARK(FrameLit)->Arg(32)->Arg(512)->Unit(benchmark::kMillisecond);
+BENCHMARK(FrameTextured)->Arg(32)->Arg(512)->Unit(benchmark::kMillisecond);
+BENCHMARK(FrameShadowed)->Arg(32)->Arg(512)->Unit(benchmark::kMillisecond);
+BENCHMARK(StepClear)->Arg(32)->Unit(benchmark::kMicrosecond);
+BENCHMARK(StepConvert)->Arg(32)->Unit(benchmark::kMicrosecond);
+BENCHMARK(StepProject)->Arg(32)->Arg(512)->Unit(benchmark::kMicrosecond);
+BENCHMARK(StepClassify)->Arg(32)->Arg(512)->Unit(benchmark::kMicrosecond);
+BENCHMARK(StepShade)->Arg(32)->Arg(512)->Unit(benchmark::kMicrosecond);
+BENCHMARK(StepFill)->Arg(32)->Arg(512)->Unit(benchmark::kMicrosecond);
+BENCHMARK(StepShadowMap)->Arg(32)->Arg(512)->Unit(benchmark::kMicrosecond);
+BENCHMARK(StepMarkShadows)->Arg(32)->Arg(512)->Unit(benchmark::kMicrosecond);
+BENCHMARK(LayersOpaque)->Unit(benchmark::kMillisecond);
+BENCHMARK(LayersTransparent)->Unit(benchmark::kMillisecond);
+BENCHMARK(LayersTextured)->Unit(benchmark::kMillisecond);

@@ -1,0 +1,221 @@
+// bench/tools_bench.cpp - the mesh tools on meshes of ten thousand to a million faces, and on meshes made to be hard
+#include "model/memory.h"
+#include "model/normals.h"
+#include "model/settings.h"
+#include "tools/duplicates.h"
+#include "tools/edges.h"
+#include "tools/orientation.h"
+#include "tools/polygons.h"
+#include "tools/split.h"
+#include "tools/weld.h"
+
+#include <benchmark/benchmark.h>
+#include <math.h>
+#include <string.h>
+#include <unistd.h>
+#include <algorithm>
+#include <random>
+
+static Mesh* emptyMesh(int64_t vertexCount, int64_t faceCount)
+{
+    memoryTable = {}; // the table is never emptied by itself, and a benchmark makes many meshes
+    Mesh* mesh = createMesh("bench");
+    growVertices(mesh, static_cast<int32_t>(vertexCount));
+    growFaces(mesh, static_cast<int32_t>(faceCount));
+    mesh->groupCount = mesh->materialCount = 1;
+    return mesh;
+}
+
+static void addVertex(Mesh* mesh, float x, float y, float z)
+{
+    mesh->vertices[mesh->vertexCount++] = { { x, y, z }, opaqueWhite, {}, 0 };
+}
+
+static void addFace(Mesh* mesh, const Corners& corners)
+{
+    mesh->faces[mesh->faceCount++] = corners;
+    mesh->liveFaceCount = mesh->faceCount;
+}
+
+// A closed torus of triangles, about as many as asked for; every turned-th face is turned over.
+static Mesh* torus(int64_t faceCount, uint32_t turned = 0)
+{
+    uint32_t side = static_cast<uint32_t>(sqrt(static_cast<double>(faceCount) / 2));
+    Mesh* mesh = emptyMesh(int64_t{ side } * side, int64_t{ side } * side * 2);
+    float step = 6.2831853f / static_cast<float>(side);
+    for (uint32_t i = 0; i < side; ++i)
+    {
+        for (uint32_t j = 0; j < side; ++j)
+        {
+            float a = step * static_cast<float>(i), b = step * static_cast<float>(j);
+            addVertex(mesh, (2 + cosf(b)) * cosf(a), sinf(b), (2 + cosf(b)) * sinf(a));
+            uint32_t i1 = (i + 1) % side, j1 = (j + 1) % side;
+            uint32_t p = i * side + j, q = i * side + j1, r = i1 * side + j1, s = i1 * side + j;
+            addFace(mesh, { p, q, r, noCorner });
+            addFace(mesh, { r, s, p, noCorner });
+        }
+    }
+    Corners uvs = {};
+    for (uint32_t f = turned; turned != 0 && f < static_cast<uint32_t>(mesh->faceCount); f += turned)
+        flipFace(mesh->faces[f], uvs);
+    computeNormals(mesh);
+    return mesh;
+}
+
+// The same with three vertices to each face of its own, so that there is something to weld.
+static Mesh* soup(int64_t vertexCount)
+{
+    Mesh* welded = torus(vertexCount / 3);
+    MemoryTable table = memoryTable;
+    Mesh* mesh = emptyMesh(int64_t{ welded->faceCount } * 3, welded->faceCount);
+    for (int32_t f = 0; f < welded->faceCount; ++f)
+    {
+        for (size_t k = 0; k < 3; ++k)
+            mesh->vertices[mesh->vertexCount++] = welded->vertices[welded->faces[f][k]];
+        uint32_t first = static_cast<uint32_t>(f) * 3;
+        addFace(mesh, { first, first + 1, first + 2, noCorner });
+    }
+    std::swap(table, memoryTable);
+    freeMesh(welded);
+    std::swap(table, memoryTable);
+    return mesh;
+}
+
+enum Crafted
+{
+    flatPlane,    // few keys |x - y + z|, and all vertices different
+    pointLine,    // all on a line
+    almostOneSpot // all equal but one
+};
+
+static Mesh* crafted(Crafted shape, int64_t vertexCount)
+{
+    Mesh* mesh = emptyMesh(vertexCount, vertexCount);
+    uint32_t side = static_cast<uint32_t>(sqrt(static_cast<double>(vertexCount)));
+    for (uint32_t i = 0; i < static_cast<uint32_t>(vertexCount); ++i)
+    {
+        if (shape == flatPlane)
+            addVertex(mesh, static_cast<float>(i % side), static_cast<float>(i / side), 0);
+        else if (shape == pointLine)
+            addVertex(mesh, static_cast<float>(i), static_cast<float>(i), i == 7 ? 1.0f : 0);
+        else
+            addVertex(mesh, 1, 1, i == 7 ? 1.0f : 0);
+        uint32_t n = static_cast<uint32_t>(vertexCount);
+        addFace(mesh, { i, (i + 1) % n, (i + 2) % n, noCorner });
+    }
+    return mesh;
+}
+
+// Faces whose edges, but for a few, and whose corners have one sum.
+static Mesh* oneSum(int64_t faceCount)
+{
+    uint32_t n = static_cast<uint32_t>(faceCount);
+    Mesh* mesh = emptyMesh(3 * faceCount, faceCount);
+    for (uint32_t i = 0; i < 3 * n; ++i)
+        addVertex(mesh, static_cast<float>(i % 1000), static_cast<float>(i / 1000), 0);
+    for (uint32_t i = 0; i < n; ++i)
+        addFace(mesh, { i, 2 * n - 1 - i, 2 * n, noCorner });
+    return mesh;
+}
+
+// Runs a tool on a fresh copy each time; only the tool is timed. The notices go to standard error, which 2>/dev/null
+// quiets.
+template <typename Make, typename Tool>
+static void timeTool(benchmark::State& state, Make make, Tool tool, bool perVertex)
+{
+    int64_t items = 0;
+    for (auto _ : state)
+    {
+        state.PauseTiming();
+        Mesh* mesh = make(state.range(0));
+        int64_t count = perVertex ? mesh->vertexCount : mesh->faceCount;
+        state.ResumeTiming();
+        tool(mesh);
+        state.PauseTiming();
+        items += count;
+        freeMesh(mesh);
+        state.ResumeTiming();
+    }
+    state.counters["ns"] = benchmark::Counter(static_cast<double>(items) * 1e-9,
+                                              benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+static void edgeTableOnly(Mesh* mesh)
+{
+    EdgeTable edges;
+    if (buildEdgeTable(mesh, &edges))
+        freeEdgeTable(&edges);
+}
+
+static Mesh* plainTorus(int64_t n)
+{
+    return torus(n);
+}
+static Mesh* turnedTorus(int64_t n)
+{
+    return torus(n, 3);
+}
+static Mesh* quadTorus(int64_t n)
+{
+    Mesh* mesh = torus(2 * n);
+    makeQuads(mesh);
+    return mesh;
+}
+static Mesh* twoTori(int64_t n) // one mesh of two pieces: faces along one cut are deleted
+{
+    Mesh* mesh = torus(n);
+    uint32_t side = static_cast<uint32_t>(sqrt(static_cast<double>(mesh->vertexCount)) + 0.5);
+    for (uint32_t cut : { 0u, side / 2 })
+    {
+        for (uint32_t f = cut * side * 2; f < (cut + 1) * side * 2; ++f)
+            mesh->faceAttributes[f] |= faceDeleted;
+    }
+    return mesh;
+}
+
+#define TOOL_BENCH(name, make, tool, perVertex)                                                                        \
+    static void name(benchmark::State& state)                                                                          \
+    {                                                                                                                  \
+        timeTool(state, make, tool, perVertex);                                                                        \
+    }                                                                                                                  \
+    BENCHMARK(name)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond)
+
+static void weldNear(Mesh* mesh)
+{
+    renderSettings.exactWeld = 0;
+    weldVertices(mesh);
+    renderSettings.exactWeld = 1;
+}
+
+static Mesh* flatMesh(int64_t n)
+{
+    return crafted(flatPlane, n);
+}
+static Mesh* lineMesh(int64_t n)
+{
+    return crafted(pointLine, n);
+}
+static Mesh* spotMesh(int64_t n)
+{
+    return crafted(almostOneSpot, n);
+}
+
+TOOL_BENCH(Normals, plainTorus, computeNormals, false);
+TOOL_BENCH(Edges, plainTorus, edgeTableOnly, false);
+TOOL_BENCH(FixNormals, turnedTorus, fixNormals, false);
+TOOL_BENCH(Invert, plainTorus, invertMesh, false);
+TOOL_BENCH(Quad, plainTorus, makeQuads, false);
+TOOL_BENCH(Tri, quadTorus, makeTriangles, false);
+TOOL_BENCH(DupFaces, plainTorus, removeDuplicateFaces, false);
+TOOL_BENCH(Split, twoTori, splitMesh, false);
+TOOL_BENCH(Weld, soup, weldVertices, true);
+TOOL_BENCH(WeldUnique, plainTorus, weldVertices, true);
+TOOL_BENCH(WeldNear, soup, weldNear, true);
+TOOL_BENCH(WeldFlatPlane, flatMesh, weldVertices, true);
+TOOL_BENCH(WeldPointLine, lineMesh, weldVertices, true);
+TOOL_BENCH(WeldOneSpot, spotMesh, weldVertices, true);
+TOOL_BENCH(WeldNearFlatPlane, flatMesh, weldNear, true);
+TOOL_BENCH(WeldNearPointLine, lineMesh, weldNear, true);
+TOOL_BENCH(WeldNearOneSpot, spotMesh, weldNear, true);
+TOOL_BENCH(EdgesOneSum, oneSum, edgeTableOnly, false);
+TOOL_BENCH(DupFacesOneSum, oneSum, removeDuplicateFaces, false);
