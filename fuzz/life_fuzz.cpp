@@ -1,0 +1,166 @@
+// fuzz/life_fuzz.cpp - a whole life of a model: read, repaired, filtered, drawn, written in every format, read again
+//
+// The first bytes choose: reader, number of tools, the tools, filter, render flags, preset, lights, view, size. The
+// rest is the file.
+#include "export/lux.h"
+#include "export/obj.h"
+#include "export/prop.h"
+#include "fuzz/memory_file.h"
+#include "import/dxf.h"
+#include "import/obj.h"
+#include "import/off.h"
+#include "import/ply.h"
+#include "import/poser.h"
+#include "import/rkf.h"
+#include "import/threeds.h"
+#include "model/memory.h"
+#include "model/settings.h"
+#include "render/frame.h"
+#include "render/materials.h"
+#include "render/view.h"
+#include "shell/scene.h"
+#include "tests/check_mesh.h"
+#include "tests/recording/recording.h"
+#include "tools/duplicates.h"
+#include "tools/filter.h"
+#include "tools/orientation.h"
+#include "tools/polygons.h"
+#include "tools/split.h"
+#include "tools/weld.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+#include <unistd.h>
+#include <filesystem>
+#include <string>
+
+struct Choices
+{
+    const uint8_t* bytes;
+    size_t size;
+};
+
+static uint32_t choose(Choices* choices, uint32_t count)
+{
+    if (choices->size == 0)
+        return 0;
+    --choices->size;
+    return *choices->bytes++ % count;
+}
+
+static void check(const Mesh* mesh, const char* where)
+{
+    std::string broken = brokenPromise(mesh);
+    if (broken.empty())
+        return;
+    fprintf(stderr, "%s: broken: %s\n", where, broken.c_str());
+    abort();
+}
+
+static void runTool(Mesh* mesh, uint32_t tool)
+{
+    switch (tool)
+    {
+    case 0: fixNormals(mesh); break;
+    case 1: removeDuplicateFaces(mesh); break;
+    case 2:
+    case 3:
+        renderSettings.exactWeld = tool == 2;
+        weldVertices(mesh);
+        break;
+    case 4: makeTriangles(mesh); break;
+    case 5: makeQuads(mesh); break;
+    case 6: splitMesh(mesh); break;
+    case 7: invertMesh(mesh); break;
+    }
+    check(mesh, "tool");
+}
+
+static void draw(Choices* choices)
+{
+    constexpr uint32_t flags[] = { 0x1, 0x10, 0x20, 0x80, 0x100, 0x400 };
+    renderSettings.renderFlags = 0;
+    uint32_t wanted = choose(choices, 64);
+    for (uint32_t i = 0; i < 6; ++i)
+        renderSettings.renderFlags |= wanted & (1u << i) ? flags[i] : 0;
+    ApplyPreset(static_cast<int32_t>(choose(choices, 11)), 0);
+    for (int32_t light = 0; light < lightCount; ++light)
+        SetLight(light, choose(choices, 2));
+    resetView();
+    rotationAboutScreenAxes(&viewState.rotation, static_cast<float>(choose(choices, 256)),
+                            static_cast<float>(choose(choices, 256)), 0);
+    constexpr float zooms[] = { 1, 1.5f, 10, 1e4f, 1e9f };
+    renderSettings.zoom = zooms[choose(choices, 5)];
+    displayState.displayWidth = 10 + static_cast<int32_t>(choose(choices, 90));
+    displayState.displayHeight = 10 + static_cast<int32_t>(choose(choices, 90));
+    displayState.useSse2 = static_cast<int32_t>(choose(choices, 2));
+    displayState.fullRedraw = 1;
+    if (createFrameBuffer(&frameBuffer))
+        RenderFrame(&frameBuffer, &modelList);
+}
+
+static const std::string& folder()
+{
+    static const std::string path = []
+    {
+        std::string name = "/dev/shm/kestrelbox-life-" + std::to_string(getpid());
+        std::filesystem::create_directories(name);
+        return name + "/";
+    }();
+    return path;
+}
+
+static void readBack(const char* name, int (*load)(Mesh*, const char*))
+{
+    Mesh* mesh = createMesh("prop");
+    if (load(mesh, (folder() + name).c_str()))
+        check(mesh, name);
+    freeMesh(mesh);
+}
+
+static void write(const Mesh* mesh)
+{
+    if (writeObjFiles(mesh, (folder() + "m.obj").c_str(), "m.obj"))
+        readBack("m.obj", LoadObjFile);
+    PreviewSource preview = { frameBuffer.picture.bits, displayState.displayWidth, displayState.displayHeight,
+                              frameBuffer.pitch * 3 };
+    if (frameBuffer.cells && writePropFiles(mesh, (folder() + "m.pp2").c_str(), &preview))
+        readBack("m.pp2", LoadPoserFile);
+    if (saveRkfPath(mesh, (folder() + "m.rkf").c_str(), 0))
+        readBack("m.rkf", loadRkfPath);
+    writeLuxFiles(mesh, (folder() + "m.lxs").c_str());
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
+{
+    static int (*const readers[])(Mesh*, const char*) = { LoadObjFile, LoadOffFile,   LoadPlyFile, Load3dsFile,
+                                                          LoadDxfFile, LoadPoserFile, loadRkfPath };
+    memoryTable = {};
+    resetRecording();
+    renderSettings = startSettings;
+    displayState = startDisplay;
+    Choices choices = { bytes, size };
+    auto reader = readers[choose(&choices, 7)];
+    uint8_t plan[24] = {};
+    for (uint8_t& step : plan)
+        step = static_cast<uint8_t>(choose(&choices, 256));
+    Mesh* mesh = createMesh("prop");
+    if (!reader(mesh, memoryFile(choices.bytes, choices.size)))
+    {
+        freeMesh(mesh);
+        return recorded.liveBlocks ? (abort(), 0) : 0;
+    }
+    check(mesh, "reader");
+    Choices steps = { plan, sizeof plan };
+    for (uint32_t tools = choose(&steps, 6); tools > 0; --tools)
+        runTool(mesh, choose(&steps, 8));
+    applyFilter(mesh, static_cast<int32_t>(choose(&steps, 8)));
+    installMesh(&modelList, mesh);
+    draw(&steps);
+    write(mesh);
+    destroyFrameBuffer(&frameBuffer);
+    releaseModels();
+    if (recorded.liveBlocks != 0)
+        abort();
+    return 0;
+}

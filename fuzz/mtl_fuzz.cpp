@@ -1,0 +1,23 @@
+// fuzz/mtl_fuzz.cpp - a material library of any bytes for a mesh with a few materials
+#include "fuzz/memory_file.h"
+#include "import/obj.h"
+#include "model/memory.h"
+#include "tests/check_mesh.h"
+#include "tests/recording/recording.h"
+
+#include <stdlib.h>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
+{
+    memoryTable = {};
+    resetRecording();
+    Mesh* mesh = createMesh("prop");
+    mesh->materialCount = bytes && size % 5 == 0 ? slotCount : 3; // once without room for a scratch slot
+    for (int32_t i = 0; i < mesh->materialCount; ++i)
+        copyName(mesh->materialNames[i], i == 0 ? "red" : i == 1 ? "a b" : "blue");
+    ReadMtlFile(mesh, memoryFile(bytes, size));
+    if (!brokenPromise(mesh).empty())
+        abort();
+    freeMesh(mesh);
+    return recorded.liveBlocks ? (abort(), 0) : 0;
+}
