@@ -7,8 +7,10 @@
 #include "platform/win32/names.h"
 #include "resources/ids.h"
 #include "shell/win32/windows.h"
+#include "tests/windows/dialogs.h"
 
 #include <string.h>
+#include <atomic>
 #include <deque>
 #include <mutex>
 
@@ -20,6 +22,9 @@ static std::function<void()> toRun;
 static std::mutex guard;
 static std::deque<std::string> answers;
 static std::vector<int> barLengths;
+static std::atomic<HWND> noticeBox; // the one open; null: none
+static Notice notice;               // the last one
+static ULONGLONG noticeShown;
 
 static int chooseAnswer(FileDialog* dialog)
 {
@@ -59,17 +64,6 @@ size_t dialogsUnanswered()
     return answers.size();
 }
 
-bool soon(const std::function<bool()>& condition)
-{
-    for (int i = 0; i < 2000; ++i)
-    {
-        if (condition())
-            return true;
-        Sleep(5);
-    }
-    return false;
-}
-
 static void measureBar(const DRAWITEMSTRUCT* item)
 {
     int length = 0;
@@ -80,98 +74,9 @@ static void measureBar(const DRAWITEMSTRUCT* item)
     barLengths.push_back(length);
 }
 
-static LRESULT CALLBACK watch(int code, WPARAM wParam, LPARAM lParam)
-{
-    const auto* done = reinterpret_cast<const CWPRETSTRUCT*>(lParam);
-    if (code == HC_ACTION && done->message == runMessage && toRun)
-        toRun();
-    if (code == HC_ACTION && done->message == WM_DRAWITEM && done->wParam == ID_PROGRESS_BAR)
-        measureBar(reinterpret_cast<const DRAWITEMSTRUCT*>(done->lParam));
-    return CallNextHookEx(hook, code, wParam, lParam);
-}
-
-static DWORD WINAPI runProgram(void*)
-{
-    return static_cast<DWORD>(runDesktop(GetModuleHandleW(nullptr), "", SW_SHOWNORMAL));
-}
-
-bool startInside()
-{
-    runMessage = RegisterWindowMessageW(L"Kestrelbox tests: run");
-    programThread = CreateThread(nullptr, 0, runProgram, nullptr, 0, &programThreadId);
-    HWND window = nullptr, display = nullptr;
-    bool there = soon(
-        [&]
-        {
-            window = FindWindowW(L"Kestrelbox", nullptr);
-            display = window ? FindWindowExW(window, nullptr, L"display", nullptr) : nullptr;
-            return display && GetWindowThreadProcessId(window, nullptr) == programThreadId && IsWindowVisible(display);
-        });
-    if (!there)
-        return false;
-    hook = SetWindowsHookExW(WH_CALLWNDPROCRET, watch, nullptr, programThreadId);
-    SendMessageW(window, WM_NULL, 0, 0); // answered by the message loop: the start is over
-    return hook != nullptr;
-}
-
-DWORD endInside()
-{
-    constexpr DWORD stays = 9999;
-    DWORD code = stays;
-    UnhookWindowsHookEx(hook);
-    PostMessageW(mainWindow, WM_SYSCOMMAND, SC_CLOSE, 0);
-    if (WaitForSingleObject(programThread, 10000) == WAIT_OBJECT_0)
-        GetExitCodeThread(programThread, &code);
-    CloseHandle(programThread);
-    return code;
-}
-
-void onProgramThread(const std::function<void()>& function)
-{
-    toRun = function;
-    SendMessageW(mainWindow, runMessage, 0, 0);
-    toRun = nullptr;
-}
-
-// A posted message is taken by the loop, which then draws; the loop is idle when it waits for the next one.
-static void settle()
-{
-    PostMessageW(mainWindow, WM_NULL, 0, 0);
-    soon([] { return !displayState.redrawPending; });
-    SendMessageW(mainWindow, WM_NULL, 0, 0);
-}
-
-void command(int id)
-{
-    SendMessageW(mainWindow, WM_COMMAND, static_cast<WPARAM>(id), 0);
-    settle();
-}
-
-static BOOL CALLBACK isOpenDialog(HWND window, LPARAM found)
-{
-    wchar_t name[16] = L"";
-    GetClassNameW(window, name, 16);
-    if (wcscmp(name, L"#32770") != 0 || !IsWindowVisible(window))
-        return TRUE;
-    *reinterpret_cast<HWND*>(found) = window;
-    return FALSE;
-}
-
-static HWND openDialog()
-{
-    HWND found = nullptr;
-    soon(
-        [&]
-        {
-            EnumThreadWindows(programThreadId, isOpenDialog, reinterpret_cast<LPARAM>(&found));
-            return found != nullptr;
-        });
-    return found;
-}
-
 static bool textFits(HWND control)
 {
-    std::wstring text = textOf(control);
+    std::wstring text = windowText(control);
     RECT place;
     SIZE needed = {};
     GetClientRect(control, &place);
@@ -186,32 +91,119 @@ static bool textFits(HWND control)
     return needed.cx <= place.right - place.left && place.right <= box.right;
 }
 
-std::wstring noticeAfter(int panelButton, bool* fits)
+static void noticeOpens(HWND box)
 {
-    PostMessageW(GetDlgItem(toolPanel, panelButton), BM_CLICK, 0, 0);
-    HWND notice = openDialog();
-    if (!notice)
-        return L"(no notice)";
-    HWND control = GetDlgItem(notice, ID_NOTICE_TEXT);
-    std::wstring text = textOf(control);
-    *fits = textFits(control);
-    PostMessageW(notice, WM_TIMER, 1, 0); // its own timer would take another second
-    bool gone = soon([&] { return !IsWindow(notice); });
-    settle();
-    return gone ? text : L"(the notice stays)";
+    HWND control = GetDlgItem(box, ID_NOTICE_TEXT);
+    if (!control)
+        return;
+    RECT place;
+    GetWindowRect(box, &place);
+    notice = { windowText(control), textFits(control), static_cast<int>(place.right - place.left), 0 };
+    noticeShown = GetTickCount64();
+    noticeBox = box;
+}
+
+static void noticeCloses(HWND box)
+{
+    if (box != noticeBox)
+        return;
+    notice.shownMs = static_cast<DWORD>(GetTickCount64() - noticeShown);
+    noticeBox = nullptr;
+}
+
+static LRESULT CALLBACK watch(int code, WPARAM wParam, LPARAM lParam)
+{
+    const auto* done = reinterpret_cast<const CWPRETSTRUCT*>(lParam);
+    if (code == HC_ACTION && done->message == runMessage && toRun)
+        toRun();
+    if (code == HC_ACTION && done->message == WM_DRAWITEM && done->wParam == ID_PROGRESS_BAR)
+        measureBar(reinterpret_cast<const DRAWITEMSTRUCT*>(done->lParam));
+    if (code == HC_ACTION && done->message == WM_INITDIALOG)
+        noticeOpens(done->hwnd);
+    if (code == HC_ACTION && done->message == WM_DESTROY)
+        noticeCloses(done->hwnd);
+    return CallNextHookEx(hook, code, wParam, lParam);
+}
+
+static DWORD WINAPI runProgram(void*)
+{
+    return static_cast<DWORD>(runDesktop(GetModuleHandleW(nullptr), "", SW_SHOWNORMAL));
+}
+
+bool startInside()
+{
+    runMessage = RegisterWindowMessageW(L"Kestrelbox tests: run");
+    programThread = CreateThread(nullptr, 0, runProgram, nullptr, 0, &programThreadId);
+    HWND window = nullptr, display = nullptr;
+    bool there = eventually(
+        [&]
+        {
+            window = FindWindowW(L"Kestrelbox", nullptr);
+            display = window ? FindWindowExW(window, nullptr, L"display", nullptr) : nullptr;
+            return display && GetWindowThreadProcessId(window, nullptr) == programThreadId && IsWindowVisible(display);
+        });
+    if (!there)
+        return false;
+    hook = SetWindowsHookExW(WH_CALLWNDPROCRET, watch, nullptr, programThreadId);
+    return hook && workOff(toolPanel); // posted messages are taken by the loop: the start is over
+}
+
+DWORD endInside()
+{
+    constexpr DWORD stays = 9999;
+    DWORD code = stays;
+    UnhookWindowsHookEx(hook);
+    PostMessageW(mainWindow, WM_SYSCOMMAND, SC_CLOSE, 0);
+    if (WaitForSingleObject(programThread, 30000) == WAIT_OBJECT_0)
+        GetExitCodeThread(programThread, &code);
+    CloseHandle(programThread);
+    return code;
+}
+
+void onProgramThread(const std::function<void()>& function)
+{
+    toRun = function;
+    SendMessageW(mainWindow, runMessage, 0, 0);
+    toRun = nullptr;
+}
+
+void command(int id)
+{
+    PostMessageW(mainWindow, WM_COMMAND, static_cast<WPARAM>(id), 0);
+    workOff(toolPanel);
+}
+
+Notice noticeAfter(const std::function<void()>& function, NoticeTime time)
+{
+    struct Work
+    {
+        const std::function<void()>& function;
+        static DWORD WINAPI run(void* work)
+        {
+            onProgramThread(static_cast<Work*>(work)->function); // returns when the notice has closed
+            return 0;
+        }
+    } work{ function };
+    notice = { L"(no notice)", false, 0, 0 };
+    HANDLE working = CreateThread(nullptr, 0, Work::run, &work, 0, nullptr);
+    eventually(
+        [&]
+        {
+            if (noticeBox && time == NoticeTime::hurried)
+                PostMessageW(noticeBox, WM_TIMER, 1, 0);
+            return WaitForSingleObject(working, 0) == WAIT_OBJECT_0;
+        });
+    CloseHandle(working);
+    workOff(toolPanel);
+    return notice;
 }
 
 std::wstring boxAfter(HWND window, int id)
 {
     PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(id), 0);
-    HWND box = openDialog();
-    if (!box)
-        return L"(no box)";
-    std::wstring text = textOf(GetDlgItem(box, 0xFFFF)) + L" [" + textOf(box) + L"]";
-    PostMessageW(box, WM_COMMAND, IDOK, 0);
-    bool gone = soon([&] { return !IsWindow(box); });
-    settle();
-    return gone ? text : L"(the box stays)";
+    std::wstring text = answerMessageBox(GetCurrentProcessId());
+    workOff(toolPanel);
+    return text;
 }
 
 std::vector<int> takeBarLengths()
@@ -228,11 +220,4 @@ HWND focusOfProgram()
     facts.cbSize = sizeof facts;
     GetGUIThreadInfo(programThreadId, &facts);
     return facts.hwndFocus;
-}
-
-std::wstring textOf(HWND window)
-{
-    wchar_t text[1024] = L"";
-    SendMessageW(window, WM_GETTEXT, 1024, reinterpret_cast<LPARAM>(text));
-    return text;
 }

@@ -25,9 +25,22 @@ void onProgramThread(const std::function<void()>& function);
 // Sends a menu command and waits until it has been carried out and the frame it asked for has been drawn.
 void command(int id);
 
-// Presses a button of the tool panel that ends with a notice: returns the notice's text, and in *fits whether the box
-// is wide enough for it. The notice is not waited for.
-std::wstring noticeAfter(int panelButton, bool* fits);
+// A notice as it stood on the screen.
+struct Notice
+{
+    std::wstring text;
+    bool fits;     // the box is wide enough for the text
+    int width;     // of the box, pixels
+    DWORD shownMs; // for so long
+};
+
+// Does something on the program's thread that ends with a notice. The notice is hurried unless it is left its time.
+enum class NoticeTime
+{
+    hurried,
+    itsOwn
+};
+Notice noticeAfter(const std::function<void()>& function, NoticeTime time = NoticeTime::hurried);
 
 // Posts something that ends with a message box: returns its text and caption, and presses OK.
 std::wstring boxAfter(HWND window, int id);
@@ -37,6 +50,3 @@ std::vector<int> takeBarLengths();
 
 // The control that has the keyboard.
 HWND focusOfProgram();
-
-std::wstring textOf(HWND window);
-bool soon(const std::function<bool()>& condition); // within 10 seconds

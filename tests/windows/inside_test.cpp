@@ -1,4 +1,5 @@
 // What can be seen of the desktop program only from inside: its menu, its bar, its keyboard focus, what it holds.
+#include "tests/windows/dialogs.h"
 #include "tests/windows/inside.h"
 
 #include "model/settings.h"
@@ -45,6 +46,7 @@ protected:
     void TearDown() override
     {
         answerDialogs({});
+        closeDialogs(GetCurrentProcessId());
         fs::current_path(before);
         std::error_code ignored;
         fs::remove_all(folder, ignored);
@@ -63,12 +65,12 @@ protected:
 
     static bool titleNames(const std::wstring& name)
     {
-        return textOf(mainWindow).rfind(L"Kestrelbox: " + name, 0) == 0;
+        return windowText(mainWindow).rfind(L"Kestrelbox: " + name, 0) == 0;
     }
 
     static std::wstring panelText(int id)
     {
-        return textOf(GetDlgItem(toolPanel, id));
+        return windowText(GetDlgItem(toolPanel, id));
     }
 
     static std::set<int> checkedItems()
@@ -198,9 +200,9 @@ TEST_F(InsideTest, EveryToolReportsInABoxWideEnough)
     };
     for (const auto& row : rows)
     {
-        bool fits = false;
-        EXPECT_EQ(noticeAfter(row.button, &fits), row.notice);
-        EXPECT_TRUE(fits) << row.button;
+        Notice notice = noticeAfter([&] { SendDlgItemMessageW(toolPanel, row.button, BM_CLICK, 0, 0); });
+        EXPECT_EQ(notice.text, row.notice);
+        EXPECT_TRUE(notice.fits) << row.button;
         EXPECT_EQ(panelText(ID_VERT_COUNT), row.vertices) << row.button;
         EXPECT_EQ(panelText(ID_FACE_COUNT), row.faces) << row.button;
         EXPECT_EQ(panelText(ID_GROUP_COUNT), row.groups) << row.button;
@@ -211,32 +213,45 @@ TEST_F(InsideTest, EveryToolReportsInABoxWideEnough)
     EXPECT_EQ(SendDlgItemMessageW(toolPanel, ID_FILTER_LIST, CB_GETCOUNT, 0, 0), 4);
 }
 
-static DWORD WINAPI showNoticeOfProgram(void* text)
-{
-    onProgramThread([=] { showNotice(static_cast<const char*>(text)); });
-    return 0;
-}
-
 TEST_F(InsideTest, NoticeOfTheLargestCountIsReadable)
 {
-    RECT narrow = {}, wide = {};
-    auto widthOf = [](const char* text, RECT* box)
+    Notice narrow = noticeAfter([] { showNotice("short"); });
+    Notice wide = noticeAfter([] { showNotice("Removed 2147483647 vertices"); });
+    EXPECT_TRUE(narrow.fits);
+    EXPECT_TRUE(wide.fits);
+    EXPECT_GT(wide.width, narrow.width);
+}
+
+TEST_F(InsideTest, NoticeClosesByItselfAndOnlyThenTheCallerGoesOn)
+{
+    DWORD waitedMs = 0;
+    auto show = [&]
     {
-        HWND notice = nullptr;
-        HANDLE waiting = CreateThread(nullptr, 0, showNoticeOfProgram, const_cast<char*>(text), 0, nullptr);
-        soon(
-            [&] {
-                return (notice = FindWindowExW(nullptr, nullptr, L"#32770", L"")) != nullptr && IsWindowVisible(notice);
-            });
-        GetWindowRect(notice, box);
-        PostMessageW(notice, WM_TIMER, 1, 0);
-        WaitForSingleObject(waiting, 10000);
-        CloseHandle(waiting);
+        ULONGLONG start = GetTickCount64();
+        showNotice("wait");
+        waitedMs = static_cast<DWORD>(GetTickCount64() - start);
     };
-    widthOf("short", &narrow);
-    widthOf("Removed 2147483647 vertices", &wide);
-    EXPECT_GT(narrow.right, narrow.left);
-    EXPECT_GT(wide.right - wide.left, narrow.right - narrow.left);
+    EXPECT_GE(noticeAfter(show, NoticeTime::itsOwn).shownMs, 1290u);
+    EXPECT_GE(waitedMs, 1290u);
+}
+
+TEST_F(InsideTest, MinimisingPutsTheTitleBackAndStopsTheSpin)
+{
+    write("a.obj", square);
+    open("a.obj");
+    std::wstring title;
+    onProgramThread(
+        [&]
+        {
+            displayState.continuousRedraw = 1;
+            ShowWindow(mainWindow, SW_MINIMIZE);
+            title = windowText(mainWindow);
+        });
+    EXPECT_EQ(title, L"Kestrelbox");
+    EXPECT_FALSE(displayState.continuousRedraw);
+    onProgramThread([] { ShowWindow(mainWindow, SW_RESTORE); });
+    workOff(toolPanel);
+    EXPECT_FALSE(IsIconic(mainWindow));
 }
 
 TEST_F(InsideTest, LuxExportWritesItsFilesOrSaysThatItFailed)
@@ -334,17 +349,24 @@ TEST_F(InsideTest, KeysWalkAndPressInThePanel)
         PostMessageW(focus, WM_KEYDOWN, key, 1);
         PostMessageW(focus, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
     };
-    onProgramThread([] { SetFocus(GetDlgItem(toolPanel, ID_WIREFRAME)); });
+    EXPECT_TRUE(eventually(
+        []
+        {
+            onProgramThread([] { SetFocus(GetDlgItem(toolPanel, ID_WIREFRAME)); });
+            workOff(toolPanel);
+            return focusOfProgram() == GetDlgItem(toolPanel, ID_WIREFRAME);
+        }));
     press(VK_TAB);
-    EXPECT_TRUE(soon([] { return focusOfProgram() == GetDlgItem(toolPanel, ID_BACKCULLED); }));
+    EXPECT_TRUE(eventually([] { return focusOfProgram() == GetDlgItem(toolPanel, ID_BACKCULLED); }));
     press(VK_SPACE);
-    EXPECT_TRUE(soon([] { return (renderSettings.renderFlags & renderBackCulled) == 0; }));
+    EXPECT_TRUE(eventually([] { return (renderSettings.renderFlags & renderBackCulled) == 0; }));
     press(VK_SPACE);
-    EXPECT_TRUE(soon([] { return (renderSettings.renderFlags & renderBackCulled) != 0; }));
+    EXPECT_TRUE(eventually([] { return (renderSettings.renderFlags & renderBackCulled) != 0; }));
     uint32_t flags = renderSettings.renderFlags;
     press(VK_RETURN);
-    SendMessageW(mainWindow, WM_NULL, 0, 0);
-    EXPECT_TRUE(soon([] { return focusOfProgram() == toolPanel || IsChild(toolPanel, focusOfProgram()); }));
+    workOff(toolPanel);
+    HWND focus = focusOfProgram();
+    EXPECT_TRUE(focus == toolPanel || IsChild(toolPanel, focus));
     EXPECT_EQ(renderSettings.renderFlags, flags);
     onProgramThread([] { SetFocus(displayWindow); });
 }
@@ -354,11 +376,11 @@ TEST_F(InsideTest, MessagesAreTakenWhileTheModelSpins)
     PostMessageW(displayWindow, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(300, 260));
     PostMessageW(displayWindow, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(340, 260));
     PostMessageW(displayWindow, WM_LBUTTONUP, 0, MAKELPARAM(420, 260));
-    ASSERT_TRUE(soon([] { return displayState.continuousRedraw; }));
+    ASSERT_TRUE(eventually([] { return displayState.continuousRedraw; }));
     for (int i = 0; i < 50; ++i)
         PostMessageW(mainWindow, WM_COMMAND, ID_KEYFRAMES_3DS, 0);
     PostMessageW(mainWindow, WM_COMMAND, ID_LIGHT_2, 0);
-    EXPECT_TRUE(soon([] { return renderSettings.lightMask == 3; }));
+    EXPECT_TRUE(eventually([] { return renderSettings.lightMask == 3; }));
     EXPECT_EQ(renderSettings.keyframes3ds, 1);
     EXPECT_TRUE(displayState.continuousRedraw);
     command(ID_LIGHT_2);

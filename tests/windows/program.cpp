@@ -2,10 +2,10 @@
 #include "tests/windows/program.h"
 
 #include "resources/ids.h"
+#include "tests/windows/dialogs.h"
 
 constexpr DWORD killed = 9999;
-constexpr int fileNameEdit = 0x480;  // edt1 of the common file dialogs
-constexpr int fileNameCombo = 0x47C; // cmb13, where the edit stands in newer ones
+constexpr DWORD endMs = 30000;
 
 std::wstring programFolder()
 {
@@ -13,24 +13,6 @@ std::wstring programFolder()
     GetModuleFileNameW(nullptr, path, MAX_PATH);
     std::wstring folder = path;
     return folder.substr(0, folder.find_last_of(L'\\'));
-}
-
-bool within10Seconds(const std::function<bool()>& condition)
-{
-    for (int i = 0; i < 1000; ++i)
-    {
-        if (condition())
-            return true;
-        Sleep(10);
-    }
-    return false;
-}
-
-std::wstring windowText(HWND window)
-{
-    wchar_t text[1024] = L"";
-    SendMessageW(window, WM_GETTEXT, 1024, reinterpret_cast<LPARAM>(text));
-    return text;
 }
 
 static HANDLE startProcess(std::wstring commandLine, const std::wstring& folder, DWORD* processId)
@@ -64,7 +46,15 @@ static DWORD endOf(HANDLE process, DWORD ms)
 DWORD runProgram(const std::wstring& commandLine, const std::wstring& folder)
 {
     HANDLE process = startProcess(commandLine, folder, nullptr);
-    return process ? endOf(process, 60000) : killed;
+    return process ? endOf(process, 2 * endMs) : killed;
+}
+
+// Another program's window of the same class, which a run before may have left for a moment, is not ours.
+static HWND mainWindowOf(DWORD processId)
+{
+    HWND window = FindWindowW(L"Kestrelbox", nullptr);
+    DWORD owner = 0;
+    return window && GetWindowThreadProcessId(window, &owner) && owner == processId ? window : nullptr;
 }
 
 bool Program::start(const std::wstring& folder, const std::wstring& arguments)
@@ -72,23 +62,21 @@ bool Program::start(const std::wstring& folder, const std::wstring& arguments)
     process = startProcess(L"\"" + programFolder() + L"\\kestrelbox.exe\" " + arguments, folder, &processId);
     if (!process)
         return false;
-    bool there = within10Seconds(
+    bool there = eventually(
         [&]
         {
-            main = FindWindowW(L"Kestrelbox", nullptr);
+            main = mainWindowOf(processId);
             display = main ? FindWindowExW(main, nullptr, L"display", L"hola") : nullptr;
             panel = main ? FindWindowExW(main, nullptr, L"#32770", nullptr) : nullptr;
             return display && panel && IsWindowVisible(display) && IsWindowVisible(panel);
         });
-    if (there)
-        settle();
-    return there;
+    return there && workOff(panel); // posted messages are taken by the loop: the start is over
 }
 
 DWORD Program::close()
 {
     PostMessageW(main, WM_SYSCOMMAND, SC_CLOSE, 0);
-    return waitForEnd(10000);
+    return waitForEnd(endMs);
 }
 
 DWORD Program::waitForEnd(DWORD ms)
@@ -100,16 +88,12 @@ DWORD Program::waitForEnd(DWORD ms)
 
 void Program::settle() const
 {
-    for (int i = 0; i < 3; ++i) // a frame is drawn between messages
-        SendMessageW(main, WM_NULL, 0, 0);
-    Sleep(30);
-    SendMessageW(main, WM_NULL, 0, 0);
+    workOff(panel);
 }
 
 void Program::command(int id)
 {
-    SendMessageW(main, WM_COMMAND, static_cast<WPARAM>(id), 0);
-    PostMessageW(main, WM_NULL, 0, 0); // the loop draws after a message that it takes itself
+    postCommand(id);
     settle();
 }
 
@@ -120,8 +104,7 @@ void Program::postCommand(int id)
 
 void Program::click(int panelControl)
 {
-    SendDlgItemMessageW(panel, panelControl, BM_CLICK, 0, 0);
-    PostMessageW(main, WM_NULL, 0, 0);
+    postClick(panelControl);
     settle();
 }
 
@@ -145,76 +128,12 @@ void Program::selectFilter(int index)
     HWND list = GetDlgItem(panel, ID_FILTER_LIST);
     SendMessageW(list, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
     SendMessageW(panel, WM_COMMAND, MAKEWPARAM(ID_FILTER_LIST, CBN_SELCHANGE), reinterpret_cast<LPARAM>(list));
-    PostMessageW(main, WM_NULL, 0, 0);
     settle();
 }
 
 std::wstring Program::title() const
 {
     return windowText(main);
-}
-
-struct DialogSearch
-{
-    const Program* program;
-    const wchar_t* title;
-    HWND found;
-};
-
-static BOOL CALLBACK isDialogOfProgram(HWND window, LPARAM parameter)
-{
-    auto* search = reinterpret_cast<DialogSearch*>(parameter);
-    DWORD owner = 0;
-    wchar_t name[64] = L"";
-    GetWindowThreadProcessId(window, &owner);
-    GetClassNameW(window, name, 64);
-    if (owner != search->program->processId || window == search->program->main || !IsWindowVisible(window) ||
-        wcscmp(name, L"#32770") != 0)
-        return TRUE;
-    if (search->title && windowText(window) != search->title)
-        return TRUE;
-    search->found = window;
-    return FALSE;
-}
-
-HWND Program::waitForDialog(const wchar_t* wantedTitle) const
-{
-    DialogSearch search = { this, wantedTitle, nullptr };
-    within10Seconds(
-        [&]
-        {
-            EnumWindows(isDialogOfProgram, reinterpret_cast<LPARAM>(&search));
-            return search.found != nullptr;
-        });
-    return search.found;
-}
-
-static bool waitUntilGone(HWND window)
-{
-    return within10Seconds([=] { return !IsWindow(window) || !IsWindowVisible(window); });
-}
-
-bool Program::answerFileDialog(const std::wstring& path) const
-{
-    HWND dialog = waitForDialog(nullptr);
-    if (!dialog)
-        return false;
-    HWND edit = GetDlgItem(dialog, fileNameEdit);
-    if (!edit)
-        edit = GetDlgItem(dialog, fileNameCombo);
-    SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
-    PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-    return waitUntilGone(dialog);
-}
-
-std::wstring Program::answerMessageBox() const
-{
-    HWND box = waitForDialog(nullptr);
-    if (!box)
-        return L"(no box)";
-    std::wstring text = windowText(GetDlgItem(box, 0xFFFF)) + L" [" + windowText(box) + L"]";
-    PostMessageW(box, WM_COMMAND, IDOK, 0);
-    return waitUntilGone(box) ? text : L"(the box stays)";
 }
 
 void Program::mouse(UINT message, WPARAM buttons, int x, int y) const

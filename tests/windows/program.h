@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <stdint.h>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -35,18 +34,8 @@ public:
     void selectFilter(int index);
     std::wstring title() const;
 
-    // Waits until the messages sent so far have been worked off and a frame asked for has been drawn.
+    // Waits until the messages posted so far have been worked off and a frame that they asked for has been drawn.
     void settle() const;
-
-    // A top-level window of the program but its main one, with this title (null: any), within some seconds; null if
-    // none.
-    HWND waitForDialog(const wchar_t* title) const;
-
-    // Types a path into the file dialog that is open and accepts it.
-    bool answerFileDialog(const std::wstring& path) const;
-
-    // The text of the message box that is open, which is then closed by OK.
-    std::wstring answerMessageBox() const;
 
     void mouse(UINT message, WPARAM buttons, int x, int y) const;
     Shot shot() const;
@@ -55,11 +44,6 @@ public:
     HANDLE process = nullptr;
     DWORD processId = 0;
 };
-
-// true as soon as the condition holds; false after 10 seconds without.
-bool within10Seconds(const std::function<bool()>& condition);
-
-std::wstring windowText(HWND window);
 
 // A program run to its end; its exit code, 9999 when it had to be killed.
 DWORD runProgram(const std::wstring& commandLine, const std::wstring& folder);
