@@ -4,7 +4,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
-// fopen for a UTF-8 path. Null when it does not open, and for a folder.
+// fopen for a UTF-8 path. Null when it does not open, for a folder, and for reading from a device, which may never end.
 FILE* openFile(const char* path, const char* mode);
 
 // The size of an open file in bytes and the position back at its start; -1 when it cannot be measured.
