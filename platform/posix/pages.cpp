@@ -24,20 +24,26 @@ static size_t pageSize()
     return size;
 }
 
+static size_t roundUp(size_t bytes, size_t powerOfTwo)
+{
+    return (bytes + powerOfTwo - 1) & ~(powerOfTwo - 1);
+}
+
 void* allocatePages(size_t sizeBytes)
 {
     size_t page = pageSize();
     if (sizeBytes == 0 || sizeBytes > SIZE_MAX / 2)
         return nullptr;
     size_t alignment = sizeBytes >= hugeFrom ? hugePage : page;
-    size_t mappedBytes = ((sizeBytes + page - 1) & ~(page - 1)) + alignment;
+    size_t blockBytes = roundUp(sizeBytes, alignment);
+    size_t mappedBytes = blockBytes + alignment;
     void* mapping = mmap(nullptr, mappedBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (mapping == MAP_FAILED)
         return nullptr;
-    uintptr_t block = (reinterpret_cast<uintptr_t>(mapping) + page + alignment - 1) & ~(alignment - 1);
+    uintptr_t block = roundUp(reinterpret_cast<uintptr_t>(mapping) + page, alignment);
     auto* header = reinterpret_cast<BlockHeader*>(block - page);
     if (alignment == hugePage)
-        madvise(reinterpret_cast<void*>(block), sizeBytes, MADV_HUGEPAGE);
+        madvise(reinterpret_cast<void*>(block), blockBytes, MADV_HUGEPAGE);
     header->mapping = mapping;
     header->mappedBytes = mappedBytes;
     return reinterpret_cast<void*>(block);
