@@ -1,10 +1,11 @@
 // model/normals.cpp - Newell's planes and the vertex normals they add up to
 //
-// The fast version takes four faces at a time, a coordinate of all four in one register, and adds their normals to the
-// vertices in the order of the plain one: every sum has the same terms in the same order, so all bits are the same.
+// The fast versions take four faces at a time, or eight, a coordinate of all in one register, and add their normals to
+// the vertices in the order of the plain one: every sum has the same terms in the same order, so all bits are the same.
 #include "model/normals.h"
 
 #include "model/settings.h"
+#include "platform/processor.h"
 
 #include <float.h>
 #include <xmmintrin.h>
@@ -85,13 +86,10 @@ static uint32_t clearNormals(Mesh* mesh)
     return spareBits;
 }
 
-void computeNormalsPlain(Mesh* mesh)
+void addFaceNormalsPlain(Mesh* mesh, int32_t from, int32_t to)
 {
-    clearNormals(mesh);
-    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    for (int32_t f = from; f < to; ++f)
         addFaceNormal(mesh, f);
-    for (int32_t i = 0; i < mesh->vertexCount; ++i)
-        normaliseEstimated(mesh->vertices[i].normal);
 }
 
 // A vector for each of four faces or vertices.
@@ -206,37 +204,73 @@ static inline void normaliseFour(MeshVertex* vertices)
         _mm_store_ps(vertices[i].normal, rows[i]);
 }
 
-WITH_ALIGNED_STACK void computeNormalsSse(Mesh* mesh)
+WITH_ALIGNED_STACK void addFaceNormalsSse(Mesh* mesh, int32_t from, int32_t to)
 {
     constexpr int32_t ahead = 32; // faces whose corners are asked for before they are needed
-    if (clearNormals(mesh) != 0)  // nobody uses the word, but a file may bring it; a sum would change some of its bits
-        return computeNormalsPlain(mesh);
     MeshVertex* vertices = mesh->vertices;
-    int32_t f = 0;
-    for (; f + 4 <= mesh->faceCount; f += 4)
+    int32_t f = from;
+    for (; f + 4 <= to; f += 4)
     {
         const Corners* faces = mesh->faces + f;
         switch (commonCorners(faces, static_cast<uint32_t>(mesh->vertexCount)))
         {
         case 3: addFourNormals<3>(vertices, faces, mesh->facePlanes + f); break;
         case 4: addFourNormals<4>(vertices, faces, mesh->facePlanes + f); break;
-        default:
-            for (int32_t k = 0; k < 4; ++k)
-                addFaceNormal(mesh, f + k);
+        default: addFaceNormalsPlain(mesh, f, f + 4);
         }
-        if (f + ahead + 4 <= mesh->faceCount)
+        if (f + ahead + 4 <= to)
         {
             for (size_t k = 0; k < 4; ++k)
                 __builtin_prefetch(vertices + faces[ahead + k][0], 1);
         }
     }
-    for (; f < mesh->faceCount; ++f)
-        addFaceNormal(mesh, f);
+    addFaceNormalsPlain(mesh, f, to);
+}
+
+static void normaliseVerticesPlain(Mesh* mesh)
+{
+    for (int32_t i = 0; i < mesh->vertexCount; ++i)
+        normaliseEstimated(mesh->vertices[i].normal);
+}
+
+WITH_ALIGNED_STACK static void normaliseVerticesSse(Mesh* mesh)
+{
     int32_t i = 0;
     for (; i + 4 <= mesh->vertexCount; i += 4)
-        normaliseFour(vertices + i);
+        normaliseFour(mesh->vertices + i);
     for (; i < mesh->vertexCount; ++i)
-        normaliseEstimated(vertices[i].normal);
+        normaliseEstimated(mesh->vertices[i].normal);
+}
+
+void computeNormalsPlain(Mesh* mesh)
+{
+    clearNormals(mesh);
+    addFaceNormalsPlain(mesh, 0, mesh->faceCount);
+    normaliseVerticesPlain(mesh);
+}
+
+static void computeNormalsFast(Mesh* mesh, FaceNormalAdder addFaces)
+{
+    if (clearNormals(mesh) != 0) // nobody uses the word, but a file may bring it; a sum would change some of its bits
+        return computeNormalsPlain(mesh);
+    addFaces(mesh, 0, mesh->faceCount);
+    normaliseVerticesSse(mesh);
+}
+
+void computeNormalsSse(Mesh* mesh)
+{
+    computeNormalsFast(mesh, addFaceNormalsSse);
+}
+
+void computeNormalsAvx2(Mesh* mesh)
+{
+    computeNormalsFast(mesh, addFaceNormalsAvx2);
+}
+
+static FaceNormalAdder fastestAdder()
+{
+    static const bool avx2 = processorHasAvx2() != 0;
+    return avx2 ? addFaceNormalsAvx2 : addFaceNormalsSse;
 }
 
 void computeNormals(Mesh* mesh)
@@ -244,5 +278,19 @@ void computeNormals(Mesh* mesh)
     if (usePlainKernels)
         computeNormalsPlain(mesh);
     else
-        computeNormalsSse(mesh);
+        computeNormalsFast(mesh, fastestAdder());
+}
+
+void addFaceNormals(Mesh* mesh, int32_t from, int32_t to)
+{
+    FaceNormalAdder add = usePlainKernels ? addFaceNormalsPlain : fastestAdder();
+    add(mesh, from, to);
+}
+
+void finishNormals(Mesh* mesh)
+{
+    if (usePlainKernels)
+        normaliseVerticesPlain(mesh);
+    else
+        normaliseVerticesSse(mesh);
 }

@@ -12,7 +12,18 @@
 // Lengths are 1 to about 12 bits: they come from the processor's reciprocal square root estimate.
 void computeNormals(Mesh* mesh);
 
-// Its two versions, which give the same bits for every mesh; computeNormals takes the fast one unless usePlainKernels
-// is set.
+// computeNormals in steps, for a reader that has all vertices before its faces: it adds the slots while they are in the
+// cache, each once and in order. Before the first step the normal and spare words of the vertices are 0, as in a fresh
+// mesh. The bits are those of computeNormals.
+void addFaceNormals(Mesh* mesh, int32_t from, int32_t to);
+void finishNormals(Mesh* mesh);
+
+// The versions, which give the same bits for every mesh; the fastest is taken unless usePlainKernels is set. The fast
+// ones of adding faces rely on spare words of 0. Avx2 is for processors that have it.
 void computeNormalsPlain(Mesh* mesh);
 void computeNormalsSse(Mesh* mesh);
+void computeNormalsAvx2(Mesh* mesh);
+using FaceNormalAdder = void (*)(Mesh* mesh, int32_t from, int32_t to);
+void addFaceNormalsPlain(Mesh* mesh, int32_t from, int32_t to);
+void addFaceNormalsSse(Mesh* mesh, int32_t from, int32_t to);
+void addFaceNormalsAvx2(Mesh* mesh, int32_t from, int32_t to);

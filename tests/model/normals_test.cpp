@@ -3,6 +3,7 @@
 
 #include "model/memory.h"
 #include "model/settings.h"
+#include "platform/processor.h"
 #include "tests/recording/recording.h"
 
 #include <gtest/gtest.h>
@@ -240,6 +241,14 @@ static Corners anyCorners(std::mt19937& random, uint32_t vertexCount, bool quads
     return corners;
 }
 
+static std::vector<void (*)(Mesh*)> fastVersions()
+{
+    std::vector<void (*)(Mesh*)> versions = { computeNormalsSse };
+    if (processorHasAvx2())
+        versions.push_back(computeNormalsAvx2);
+    return versions;
+}
+
 TEST(Normals, FastEqualsPlainForEveryTailAndHardValue)
 {
     std::mt19937 random(17);
@@ -259,8 +268,42 @@ TEST(Normals, FastEqualsPlainForEveryTailAndHardValue)
         computeNormalsPlain(mesh.get());
         std::vector<Plane> planes(mesh->facePlanes, mesh->facePlanes + faces.size());
         std::vector<MeshVertex> vertices(mesh->vertices, mesh->vertices + points.size());
+        for (auto* compute : fastVersions())
+        {
+            memset(mesh->facePlanes, 0xAA, faces.size() * sizeof(Plane));
+            compute(mesh.get());
+            ASSERT_EQ(memcmp(planes.data(), mesh->facePlanes, faces.size() * sizeof(Plane)), 0) << i;
+            ASSERT_EQ(memcmp(vertices.data(), mesh->vertices, points.size() * sizeof(MeshVertex)), 0) << i;
+        }
+    }
+}
+
+TEST(Normals, StepsGiveTheBitsOfTheWhole)
+{
+    std::mt19937 random(18);
+    for (int i = 0; i < 200; ++i)
+    {
+        std::vector<Point> points(1 + random() % 40);
+        for (Point& p : points)
+            p = { hardCoordinate(random), hardCoordinate(random), hardCoordinate(random) };
+        std::vector<Corners> faces(1 + random() % 90);
+        for (Corners& corners : faces)
+            corners = anyCorners(random, static_cast<uint32_t>(points.size()), i % 2 == 0);
+        auto mesh = meshOf(points, faces);
+        for (size_t v = 0; v < points.size(); ++v)
+            mesh->vertices[v].spare = 0;
+        computeNormals(mesh.get());
+        std::vector<Plane> planes(mesh->facePlanes, mesh->facePlanes + faces.size());
+        std::vector<MeshVertex> vertices(mesh->vertices, mesh->vertices + points.size());
         memset(mesh->facePlanes, 0xAA, faces.size() * sizeof(Plane));
-        computeNormalsSse(mesh.get());
+        for (size_t v = 0; v < points.size(); ++v)
+            memset(mesh->vertices[v].normal, 0, sizeof mesh->vertices[v].normal);
+        for (int32_t done = 0, next; done < mesh->faceCount; done = next)
+        {
+            next = done + 1 + static_cast<int32_t>(random() % static_cast<uint32_t>(mesh->faceCount - done));
+            addFaceNormals(mesh.get(), done, next);
+        }
+        finishNormals(mesh.get());
         ASSERT_EQ(memcmp(planes.data(), mesh->facePlanes, faces.size() * sizeof(Plane)), 0) << i;
         ASSERT_EQ(memcmp(vertices.data(), mesh->vertices, points.size() * sizeof(MeshVertex)), 0) << i;
     }
