@@ -122,13 +122,11 @@ static void decodePositions(MeshVertex* out, const uint8_t* at, int64_t count, c
     at += layout.places[0].offset;
     for (int64_t i = 0; i < count; ++i, at += layout.recordBytes)
     {
+        uint32_t words[4];
         for (size_t axis = 0; axis < 3; ++axis)
-        {
-            float value = plyLoadFloat(at + axis * sizeof value, swap);
-            SanitizeFloat(&value);
-            out[i].position[axis] = value;
-        }
-        out[i].colour = opaqueWhite;
+            words[axis] = sanitizedBits(plyLoad<uint32_t>(at + axis * sizeof(float), swap));
+        words[3] = opaqueWhite;
+        memcpy(&out[i], words, sizeof words); // position and colour
     }
 }
 
@@ -246,13 +244,20 @@ static int storeListFace(PlyReader* reader, Mesh* mesh)
     return 1;
 }
 
-// The face slots behind faceCount are zero, so a triangle needs its corners only.
+// The face slots behind faceCount are zero, so a face needs its corners only.
 static void storeTriangle(Mesh* mesh, uint32_t a, uint32_t b, uint32_t c)
 {
     auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
     if (a >= vertexCount || b >= vertexCount || c >= vertexCount)
         return;
     mesh->faces[mesh->faceCount++] = { a, b, c, noCorner };
+}
+
+// Brings the normals up to the faces that have been stored, as long as those are in the cache.
+static void catchUpNormals(PlyReader* reader, Mesh* mesh)
+{
+    addFaceNormals(mesh, reader->normalsDone, mesh->faceCount);
+    reader->normalsDone = mesh->faceCount;
 }
 
 // The usual binary face: one list of 32-bit indices with a count of one byte, and scalars that nobody wants.
@@ -277,23 +282,50 @@ static FaceLayout layOutFace(const PlyElement& element)
         else
             return {};
     }
-    layout.usual = lists == 1;
+    layout.usual = lists == 1 && !usePlainKernels;
     return layout;
 }
 
-// Takes triangles as long as they come and lie in the block whole. Returns how many; there is room for `most`.
-static int32_t takeTriangles(ByteSource* source, Mesh* mesh, const FaceLayout& layout, bool swap, int32_t most)
+// Takes faces of so many corners as long as they come and lie in the block whole. Returns how many; there is room for
+// `most`. The face slots behind faceCount are zero, so a face needs its corners only.
+template <size_t corners, bool swap>
+static int32_t takeRun(ByteSource* source, Mesh* mesh, const FaceLayout& layout, int32_t most)
 {
-    size_t bytes = layout.before + 1 + 3 * sizeof(uint32_t) + layout.after;
+    const size_t bytes = layout.before + 1 + corners * sizeof(uint32_t) + layout.after;
     holdBytes(source, bytes);
     const uint8_t* at = source->block + source->at + layout.before;
-    size_t held = (source->fill - source->at) / bytes;
+    const size_t held = (source->fill - source->at) / bytes;
     most = held < static_cast<size_t>(most) ? static_cast<int32_t>(held) : most;
+    const auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
+    Corners* out = mesh->faces + mesh->faceCount;
     int32_t taken = 0;
-    for (; taken < most && *at == 3; ++taken, at += bytes)
-        storeTriangle(mesh, plyLoad<uint32_t>(at + 1, swap), plyLoad<uint32_t>(at + 5, swap),
-                      plyLoad<uint32_t>(at + 9, swap));
+    for (; taken < most && *at == corners; ++taken, at += bytes)
+    {
+        Corners face = { noCorner, noCorner, noCorner, noCorner };
+        bool there = true;
+        for (size_t k = 0; k < corners; ++k)
+        {
+            face[k] = plyLoad<uint32_t>(at + 1 + k * sizeof(uint32_t), swap);
+            there &= face[k] < vertexCount;
+        }
+        if (there)
+            *out++ = face;
+    }
+    mesh->faceCount = static_cast<int32_t>(out - mesh->faces);
     source->at += static_cast<size_t>(taken) * bytes;
+    return taken;
+}
+
+// Takes triangles and quads as they come. Returns how many, at most as many as there is room for.
+template <bool swap>
+static int32_t takeUsualFaces(ByteSource* source, Mesh* mesh, const FaceLayout& layout, int32_t most)
+{
+    int32_t taken = 0;
+    for (int32_t run = -1; run != 0 && taken < most; taken += run)
+    {
+        run = takeRun<3, swap>(source, mesh, layout, most - taken);
+        run += takeRun<4, swap>(source, mesh, layout, most - taken - run);
+    }
     return taken;
 }
 
@@ -337,7 +369,9 @@ static int readFaces(PlyReader* reader, Mesh* mesh, const PlyElement& element)
             most = most < progressInterval ? most : progressInterval;
             if (!roomForFaces(mesh, most))
                 return 0;
-            taken = takeTriangles(&reader->source, mesh, layout, swap, most);
+            auto* take = swap ? takeUsualFaces<true> : takeUsualFaces<false>;
+            taken = take(&reader->source, mesh, layout, most);
+            catchUpNormals(reader, mesh);
         }
         else if (plain)
         {
@@ -418,9 +452,10 @@ static int readPly(PlyReader* reader, Mesh* mesh)
     {
         mesh->liveFaceCount = mesh->faceCount;
         mesh->lineCount = 0;
-        computeNormals(mesh);
+        catchUpNormals(reader, mesh);
+        finishNormals(mesh);
         computeBounds(mesh);
-        ok = resetUvs(mesh);
+        ok = addPlaceholderUv(mesh);
     }
     if (!ok)
         messageBox("error reading ply file", "error", iconNone);

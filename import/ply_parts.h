@@ -96,6 +96,7 @@ struct PlyReader
 
     int32_t progressCount; // vertices, faces and strip steps since the bar moved
     int verticesRead, facesRead;
+    int32_t normalsDone; // faces whose planes are known and whose vertices have their share
 };
 
 // One value, both ways. A float's whole number is truncated toward zero.

@@ -15,3 +15,10 @@ inline int SanitizeFloat(float* value)
     *value = 0;
     return exponent == 0;
 }
+
+// The bits that SanitizeFloat leaves, without a branch.
+inline uint32_t sanitizedBits(uint32_t bits)
+{
+    uint32_t exponent = (bits >> 23) & 0xFF;
+    return exponent - 1 < 146 ? bits : 0;
+}

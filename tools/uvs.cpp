@@ -5,16 +5,23 @@
 
 #include <math.h>
 
-int resetUvs(Mesh* mesh)
+int addPlaceholderUv(Mesh* mesh)
 {
     tableFree(mesh->uvs);
     mesh->uvs = nullptr;
     if (!growUvs(mesh, 4))
         return 0;
     mesh->uvs[0] = { 0, 0 };
+    mesh->uvCount = 1;
+    return 1;
+}
+
+int resetUvs(Mesh* mesh)
+{
+    if (!addPlaceholderUv(mesh))
+        return 0;
     for (int32_t f = 0; f < mesh->faceCount; ++f)
         mesh->faceUvs[f] = {};
-    mesh->uvCount = 1;
     return 1;
 }
 

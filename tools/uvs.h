@@ -6,6 +6,10 @@
 // Returns 1, or 0 after "Out of memory".
 int resetUvs(Mesh* mesh);
 
+// The same for a mesh whose face slots all have texture indices of 0, as they are in fresh arrays: these are not
+// touched.
+int addPlaceholderUv(Mesh* mesh);
+
 // One texture coordinate for each vertex, from its position and its normal; uvs[i] belongs to vertices[i].
 //
 // In:     positions, normals and bounds up to date; faceUvs hold the vertex indices of their faces

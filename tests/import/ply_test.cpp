@@ -855,6 +855,22 @@ TEST_F(PlyReaderTest, RealStripsPolygonsColoursAndBrokenFiles)
     EXPECT_EQ(recorded.boxes.size(), 1u);
 }
 
+// The bytes of a mesh's arrays; nothing when it was not read.
+static std::string arraysOf(const LoadedMesh& loaded)
+{
+    std::string bytes;
+    if (!loaded.result)
+        return bytes;
+    auto append = [&](const void* from, size_t size) { bytes.append(static_cast<const char*>(from), size); };
+    auto vertices = static_cast<size_t>(loaded.mesh->vertexCount), faces = static_cast<size_t>(loaded.mesh->faceCount);
+    append(loaded.mesh->vertices, vertices * sizeof(MeshVertex));
+    append(loaded.mesh->faces, faces * sizeof(Corners));
+    append(loaded.mesh->faceUvs, faces * sizeof(Corners));
+    append(loaded.mesh->faceAttributes, faces * sizeof(uint32_t));
+    append(loaded.mesh->facePlanes, faces * sizeof(Plane));
+    return bytes;
+}
+
 // Everything that reading a text leaves behind: the answer, boxes, progress and the mesh.
 static std::string traceOf(const std::string& bytes, bool plain)
 {
@@ -867,16 +883,7 @@ static std::string traceOf(const std::string& bytes, bool plain)
         trace += box.text;
     for (float fraction : recorded.progress[0].fractions)
         trace += " " + std::to_string(fraction);
-    if (!loaded.result)
-        return trace;
-    auto append = [&](const void* from, size_t size) { trace.append(static_cast<const char*>(from), size); };
-    auto vertices = static_cast<size_t>(loaded.mesh->vertexCount), faces = static_cast<size_t>(loaded.mesh->faceCount);
-    append(loaded.mesh->vertices, vertices * sizeof(MeshVertex));
-    append(loaded.mesh->faces, faces * sizeof(Corners));
-    append(loaded.mesh->faceUvs, faces * sizeof(Corners));
-    append(loaded.mesh->faceAttributes, faces * sizeof(uint32_t));
-    append(loaded.mesh->facePlanes, faces * sizeof(Plane));
-    return trace;
+    return trace + arraysOf(loaded);
 }
 
 static std::string anyOf(std::mt19937& random, const std::vector<std::string>& choices)
@@ -957,4 +964,42 @@ TEST_F(PlyReaderTest, PlainTextLinesAcrossBlocksAndProgressStepsReadAlike)
     for (int k = 0; k < 40000; ++k)
         bytes += k < 20000 ? "1.25 -" + std::to_string(k) + " 0.5\n" : "3 0 1 " + std::to_string(k - 20000) + "\n";
     EXPECT_TRUE(traceOf(bytes, true) == traceOf(bytes, false));
+}
+
+// Runs of triangles and quads with other polygons among them, some with corners that are no vertices.
+static std::string manyBinaryFaces(std::mt19937& random, bool bigEndian, int faceCount)
+{
+    constexpr int vertexCount = 50;
+    Packer packer{ bigEndian, "" };
+    for (int i = 0; i < 3 * vertexCount; ++i)
+        packer.put(std::normal_distribution<float>(0, 5)(random));
+    uint8_t corners = 3;
+    for (int i = 0; i < faceCount; ++i)
+    {
+        if (random() % 8 == 0)
+            corners = static_cast<uint8_t>(random() % 4 ? 3 + random() % 2 : random() % 8);
+        packer.put<uint8_t>(7).put(corners);
+        for (uint8_t k = 0; k < corners; ++k)
+            packer.put(static_cast<int32_t>(random() % 60 ? random() % vertexCount : random()));
+        packer.put<int16_t>(9);
+    }
+    return packer.file("element vertex " + std::to_string(vertexCount) + "\n" + xyz + "element face " +
+                       std::to_string(faceCount) + "\nproperty uchar before\n" + indices + "property short after\n");
+}
+
+TEST_F(PlyReaderTest, UsualBinaryFacesReadLikeThoseTakenApart)
+{
+    std::mt19937 random(23);
+    for (int i = 0; i < 60; ++i)
+    {
+        int faceCount = i % 15 == 0 ? 40000 : i; // across blocks of the file, and every short end
+        std::string bytes = manyBinaryFaces(random, i % 2 == 1, faceCount);
+        usePlainKernels = 1;
+        LoadedMesh apart(LoadPlyFile, bytes);
+        usePlainKernels = 0;
+        LoadedMesh fast(LoadPlyFile, bytes);
+        ASSERT_EQ(fast.result, 1) << i;
+        ASSERT_EQ(fast->faceCount, apart->faceCount) << i;
+        ASSERT_EQ(arraysOf(fast), arraysOf(apart)) << i;
+    }
 }
