@@ -7,6 +7,7 @@
 #include "model/settings.h"
 #include "platform/boxes.h"
 #include "platform/controls.h"
+#include "platform/processor.h"
 #include "render/materials.h"
 #include "render/view.h"
 #include "resources/ids.h"
@@ -56,6 +57,18 @@ void showLoadedMesh(Mesh* mesh, const char* shortName)
     updateStatistics();
     resetViewRotations();
     showFileTitle();
+}
+
+int acceptProcessor(uint32_t features)
+{
+    constexpr uint32_t needed = processorMmx | processorSse;
+    if ((features & needed) != needed)
+    {
+        messageBox("This program requires CPU with MMX/SSE technology", "Error", iconNone);
+        return 0;
+    }
+    displayState.useSse2 = (features & processorSse2) != 0;
+    return 1;
 }
 
 static void startSwitches()

@@ -9,6 +9,10 @@ extern FrameBuffer frameBuffer;
 // Entry 0 of the list; null when it is empty.
 Mesh* currentMesh();
 
+// Takes the processor's feature bits (platform/processor.h) and keeps what the renderer needs of them. Returns 0, after
+// a message, for a processor that lacks MMX or SSE.
+int acceptProcessor(uint32_t features);
+
 // Start-up: switches and menu marks, the four built-in pictures, the command line's file or the built-in model.
 // fileName "" shows the built-in one. Returns 1, or 0 when the program must end with exit status 1.
 int buildScene(const char* fileName);

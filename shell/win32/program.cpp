@@ -1,6 +1,5 @@
 // shell/win32/program.cpp - one instance, three windows, one message loop
 #include "platform/boxes.h"
-#include "platform/processor.h"
 #include "platform/win32/handles.h"
 #include "model/settings.h"
 #include "render/frame.h"
@@ -138,26 +137,13 @@ static void shutDown()
     releasePictures();
 }
 
-static bool processorServes()
-{
-    constexpr uint32_t needed = processorMmx | processorSse;
-    uint32_t features = CpuFeatures();
-    if ((features & needed) != needed)
-    {
-        messageBox("This program requires CPU with MMX/SSE technology", "Error", iconNone);
-        return false;
-    }
-    displayState.useSse2 = (features & processorSse2) != 0;
-    return true;
-}
-
 int runDesktop(HINSTANCE instance, const char* commandLine, int showState)
 {
     if (raiseRunningInstance())
         return 0;
     takeFileName(commandLine, commandLineFile, sizeof commandLineFile);
     programInstance = instance;
-    if (!processorServes())
+    if (!acceptProcessor(CpuFeatures()))
         return 0;
     InitCommonControls();
     aboutBitmap = LoadBitmapW(instance, L"about");

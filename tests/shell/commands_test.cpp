@@ -1,6 +1,7 @@
 #include "tests/shell/shell_fixture.h"
 
 #include "model/normals.h"
+#include "platform/processor.h"
 #include "platform/resources.h"
 
 #include <string.h>
@@ -21,6 +22,25 @@ TEST_F(CommandsTest, StartUpTicksTheStartingChoices)
     EXPECT_EQ(renderSettings.currentTexture, &TextureSlots[0]);
     EXPECT_EQ(modelList.count, 1);
     EXPECT_EQ(currentMesh()->vertexCount, 2828);
+}
+
+TEST_F(CommandsTest, ProcessorWithMmxButNoSseIsRefused)
+{
+    displayState.useSse2 = 0;
+    for (uint32_t features : { 0u, processorMmx, processorSse, processorMmx | processorSse2 })
+    {
+        recorded.boxes.clear();
+        EXPECT_FALSE(acceptProcessor(features));
+        EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{
+                                      { "This program requires CPU with MMX/SSE technology", "Error", iconNone } }));
+        EXPECT_EQ(displayState.useSse2, 0);
+    }
+    recorded.boxes.clear();
+    EXPECT_TRUE(acceptProcessor(processorMmx | processorSse));
+    EXPECT_EQ(displayState.useSse2, 0);
+    EXPECT_TRUE(acceptProcessor(processorMmx | processorSse | processorSse2));
+    EXPECT_EQ(displayState.useSse2, 1);
+    EXPECT_TRUE(recorded.boxes.empty());
 }
 
 TEST_F(CommandsTest, ExitDestroysTheMainWindow)

@@ -155,11 +155,14 @@ TEST_F(WindowTest, StartsWithTheTeapot)
     EXPECT_EQ(program.close(), 1u);
 }
 
-TEST_F(WindowTest, SecondStartLeavesAndTheFirstStays)
+TEST_F(WindowTest, SecondStartRestoresAndRaisesTheFirstAndLeaves)
 {
     share();
+    ShowWindow(program.main, SW_MINIMIZE);
+    EXPECT_TRUE(eventually([&] { return IsIconic(program.main) != 0; }));
     EXPECT_EQ(runProgram(L"\"" + programFolder() + L"\\kestrelbox.exe\"", folder.wstring()), 0u);
-    EXPECT_TRUE(IsWindow(program.main));
+    EXPECT_TRUE(eventually([&] { return IsWindow(program.main) && !IsIconic(program.main); }));
+    EXPECT_TRUE(eventually([&] { return GetForegroundWindow() == program.main; }));
 }
 
 TEST_F(WindowTest, FailedLoadKeepsTheModel)
