@@ -1,11 +1,8 @@
 // tests/export/build.h - small meshes, files in a folder of their own, and what the writers' tests share
 #pragma once
-#include "model/memory.h"
-#include "model/mesh.h"
 #include "model/normals.h"
-#include "tests/recording/recording.h"
-
-#include <gtest/gtest.h>
+#include "tests/clean_test.h"
+#include "tests/mesh_pointer.h"
 
 #include <stdlib.h>
 #include <string.h>
@@ -13,27 +10,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <memory>
 #include <string>
 #include <vector>
 
-struct Point
-{
-    float x, y, z;
-};
-
-struct MeshFreer
-{
-    void operator()(Mesh* mesh) const
-    {
-        freeMesh(mesh);
-    }
-};
-using MeshPointer = std::unique_ptr<Mesh, MeshFreer>;
 using Boxes = std::vector<RecordedBox>;
 using Fractions = std::vector<float>;
-
-constexpr uint32_t none = noCorner;
 
 struct FaceSpec
 {
@@ -89,22 +70,20 @@ inline std::string crlf(const std::vector<std::string>& lines)
     return text;
 }
 
-// A folder of its own for each test, an empty memory table, and nothing left behind in memory.
-class ExportTest : public testing::Test
+// A clean test with a folder of its own.
+class ExportTest : public CleanTest
 {
 protected:
     void SetUp() override
     {
-        memoryTable = {};
-        resetRecording();
-        blocksBefore = recorded.liveBlocks;
+        CleanTest::SetUp();
         std::string pattern = (std::filesystem::temp_directory_path() / "export_test_XXXXXX").string();
         ASSERT_NE(mkdtemp(pattern.data()), nullptr);
         folder = pattern + "/";
     }
     void TearDown() override
     {
-        EXPECT_EQ(recorded.liveBlocks, blocksBefore);
+        CleanTest::TearDown();
         std::filesystem::remove_all(folder);
     }
     std::vector<std::string> filesInFolder() const
@@ -116,7 +95,6 @@ protected:
         return names;
     }
     std::string folder;
-    int blocksBefore = 0;
 };
 
 using Names = std::vector<std::string>;

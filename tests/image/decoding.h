@@ -2,6 +2,7 @@
 #pragma once
 #include "jpeg_builder.h"
 
+#include <algorithm>
 #include <optional>
 
 struct Decoded
@@ -27,3 +28,9 @@ std::string temporary(const std::string& name);
 bool haveProgram(const std::string& name);
 // What djpeg makes of a file; nothing when it gives no picture.
 std::optional<Decoded> decodeByDjpeg(const Bytes& file, const std::string& options = "");
+
+// The sample of a block of nothing but its first coefficient d, with the entry q in its quantisation table.
+inline int flatSample(int d, int q)
+{
+    return std::clamp((4 * d * q + 16) >> 5, -128, 127) + 128;
+}

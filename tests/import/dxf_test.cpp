@@ -1,25 +1,13 @@
 // tests/import/dxf_test.cpp - the DXF reader
 #include "import/dxf.h"
 
-#include "import/dispatch.h"
 #include "platform/files.h"
 #include "tests/import/loading.h"
 
 #include <math.h>
 
-class DxfReader : public testing::Test
+class DxfReader : public CleanTest
 {
-protected:
-    void SetUp() override
-    {
-        resetRecording();
-        blocks = recorded.liveBlocks;
-    }
-    void TearDown() override
-    {
-        EXPECT_EQ(recorded.liveBlocks, blocks);
-    }
-    int blocks = 0;
 };
 
 using Point = std::array<const char*, 3>;
@@ -344,30 +332,12 @@ TEST_F(DxfReader, RefusedGrowthFailsWithoutLeaks)
 
 TEST_F(DxfReader, DialogAsksForDxfFiles)
 {
-    ScratchFile file(start + face(quad) + finish, "dxf");
-    recorded.dialogAnswers = { file.path };
-    Mesh* mesh = createMesh("prop");
-    EXPECT_EQ(openDxfFile(mesh), 1);
-    EXPECT_EQ(mesh->faceCount, 1);
-    EXPECT_EQ(openDxfFile(mesh), 0); // cancelled
-    ASSERT_EQ(recorded.dialogs.size(), 2u);
-    EXPECT_FALSE(recorded.dialogs[0].save);
-    EXPECT_EQ(recorded.dialogs[0].filterText, "dxf Files(*.dxf)");
-    EXPECT_EQ(recorded.dialogs[0].filterPattern, "*.dxf");
-    EXPECT_EQ(recorded.dialogs[0].pathRoom, 128u);
-    EXPECT_EQ(recorded.dialogs[0].fileTitleRoom, 32u);
-    EXPECT_TRUE(recorded.boxes.empty());
-    freeMesh(mesh);
+    expectOpenDialog(openDxfFile, start + face(quad) + finish, "dxf Files(*.dxf)", "*.dxf");
 }
 
 TEST_F(DxfReader, IsChosenByTheExtensionInAnyCase)
 {
-    ScratchFile file(start + face(quad) + finish, "DxF");
-    Mesh* mesh = createMesh("prop");
-    char shortName[shortNameRoom];
-    EXPECT_EQ(readModelFile(mesh, file.path.c_str(), shortName, 1), 1);
-    EXPECT_EQ(mesh->faceCount, 1);
-    freeMesh(mesh);
+    EXPECT_EQ(facesByExtension(start + face(quad) + finish, "DxF"), 1);
 }
 
 TEST_F(DxfReader, CutAnywhereIsReadOrRefused)

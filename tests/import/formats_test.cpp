@@ -181,19 +181,8 @@ static const Format poserFormat = { "Poser", LoadPoserFile, poserText };
 static const Format dxfFormat = { "DXF", LoadDxfFile, dxfText };
 static const Format threeDsFormat = { "3DS", Load3dsFile, threeDsBytes };
 
-class EveryFormat : public testing::Test
+class EveryFormat : public CleanTest
 {
-protected:
-    void SetUp() override
-    {
-        resetRecording();
-        blocks = recorded.liveBlocks;
-    }
-    void TearDown() override
-    {
-        EXPECT_EQ(recorded.liveBlocks, blocks);
-    }
-    int blocks = 0;
 };
 
 // A pyramid on a square, with a slanted top: four triangles, then, where asked for, the square.

@@ -1,9 +1,9 @@
 // tests/import/loading.h - what the tests of the readers share: files made from text, meshes read and checked
 #pragma once
+#include "import/dispatch.h"
 #include "model/mesh.h"
-#include "tests/recording/recording.h"
+#include "tests/clean_test.h"
 
-#include <gtest/gtest.h>
 #include <stdlib.h>
 #include <unistd.h>
 #include <fstream>
@@ -155,6 +155,72 @@ inline void expectSound(const Mesh* mesh)
     }
 }
 
+// The faces that a reader makes of the bytes, or "failed".
+inline std::string facesReadBy(Loader load, const std::string& bytes)
+{
+    LoadedMesh loaded(load, bytes);
+    if (!loaded.result)
+        return "failed";
+    expectSound(loaded.mesh);
+    return facesOf(loaded.mesh);
+}
+
+// Refused with this one box, under a progress bar of that caption, which is gone again.
+inline void expectRefusal(Loader load, const std::string& bytes, const RecordedBox& box, const char* caption)
+{
+    resetRecording();
+    LoadedMesh loaded(load, bytes);
+    EXPECT_EQ(loaded.result, 0) << bytes;
+    EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ box })) << bytes;
+    ASSERT_EQ(recorded.progress.size(), 1u);
+    EXPECT_EQ(recorded.progress[0].caption, caption);
+    EXPECT_TRUE(recorded.progress[0].closed);
+}
+
+// A file that is not there and one without a byte: refused without a word.
+inline void expectSilenceWithoutBytes(Loader load)
+{
+    Mesh* mesh = createMesh("prop");
+    EXPECT_EQ(load(mesh, "/nonexistent/model"), 0);
+    freeMesh(mesh);
+    LoadedMesh loaded(load, std::string());
+    EXPECT_EQ(loaded.result, 0);
+    EXPECT_TRUE(recorded.boxes.empty());
+    EXPECT_TRUE(recorded.progress.empty());
+}
+
+// How many faces a file of these bytes has when its reader is chosen by the extension; -1 when it is refused.
+inline int32_t facesByExtension(const std::string& bytes, const std::string& extension)
+{
+    ScratchFile file(bytes, extension);
+    Mesh* mesh = createMesh("prop");
+    char shortName[shortNameRoom];
+    int32_t faces = readModelFile(mesh, file.path.c_str(), shortName, 1) ? mesh->faceCount : -1;
+    freeMesh(mesh);
+    return faces;
+}
+
+// The command asks for files of this kind, reads the one chosen, which has one face, and gives up when none is.
+inline void expectOpenDialog(int (*open)(Mesh* mesh), const std::string& bytes, const std::string& filterText,
+                             const std::string& filterPattern)
+{
+    ScratchFile file(bytes);
+    recorded.dialogAnswers = { file.path };
+    Mesh* mesh = createMesh("prop");
+    EXPECT_EQ(open(mesh), 1);
+    EXPECT_EQ(mesh->faceCount, 1);
+    EXPECT_EQ(open(mesh), 0); // cancelled
+    freeMesh(mesh);
+    ASSERT_EQ(recorded.dialogs.size(), 2u);
+    const RecordedDialog& dialog = recorded.dialogs[0];
+    EXPECT_FALSE(dialog.save);
+    EXPECT_EQ(dialog.filterText, filterText);
+    EXPECT_EQ(dialog.filterPattern, filterPattern);
+    EXPECT_EQ(dialog.pathRoom, 128u);
+    EXPECT_EQ(dialog.fileTitleRoom, 32u);
+    EXPECT_TRUE(recorded.boxes.empty());
+}
+
 // The file cut at every length: each is read or refused, and nothing is left behind.
 inline void loadEveryCut(Loader load, const std::string& bytes)
 {
@@ -235,4 +301,35 @@ inline void loadWithRefusals(Loader load, const std::string& bytes)
         }
     }
     resetRecording();
+}
+
+// Every allocation of the load refused with all after it, from the first on. The reader's own, the first `silent` ones,
+// fail without a word; after them it says that memory is out, and then its own refusal.
+inline void loadWithEveryRefusal(Loader load, const std::string& bytes, int silent, const RecordedBox& refusal)
+{
+    ScratchFile file(bytes);
+    int blocks = recorded.liveBlocks;
+    bool finished = false;
+    for (int n = 1; !finished && n < 100; ++n)
+    {
+        memoryTable = {};
+        Mesh* mesh = createMesh("prop");
+        resetRecording();
+        recorded.refuseFrom = n;
+        int ok = load(mesh, file.path.c_str());
+        finished = ok && recorded.allocations < n;
+        if (!finished)
+        {
+            bool wordless = n <= silent;
+            EXPECT_EQ(ok, 0) << n;
+            EXPECT_EQ(recorded.boxes,
+                      wordless ? std::vector<RecordedBox>{} : (std::vector<RecordedBox>{ outOfMemoryBox, refusal }))
+                << n;
+            EXPECT_EQ(recorded.progress.empty(), wordless) << n;
+        }
+        recorded.refuseFrom = 0;
+        freeMesh(mesh);
+        EXPECT_EQ(recorded.liveBlocks, blocks) << n;
+    }
+    EXPECT_TRUE(finished);
 }

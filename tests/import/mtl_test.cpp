@@ -4,22 +4,9 @@
 
 #include <string.h>
 
-class Mtl : public testing::Test
+class Mtl : public ObjFolderTest
 {
 protected:
-    TestFolder folder;
-    LoadedObj* loaded = nullptr;
-
-    void SetUp() override
-    {
-        resetRecording();
-    }
-    void TearDown() override
-    {
-        delete loaded;
-        EXPECT_EQ(recorded.liveBlocks, 0);
-    }
-
     // The mesh of a triangle with the materials "a" and "b", its library holding the text.
     const Mesh* read(const std::string& library, const std::string& statements = "usemtl a\nusemtl b\n")
     {

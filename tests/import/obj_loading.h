@@ -2,9 +2,8 @@
 #pragma once
 #include "import/obj.h"
 #include "model/mesh.h"
-#include "tests/recording/recording.h"
+#include "tests/clean_test.h"
 
-#include <gtest/gtest.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <unistd.h>
@@ -65,6 +64,20 @@ struct LoadedObj
     }
     LoadedObj(const LoadedObj&) = delete;
     LoadedObj& operator=(const LoadedObj&) = delete;
+};
+
+// A clean test with a folder of its own and the mesh read last.
+class ObjFolderTest : public CleanTest
+{
+protected:
+    TestFolder folder;
+    LoadedObj* loaded = nullptr;
+
+    void TearDown() override
+    {
+        delete loaded;
+        CleanTest::TearDown();
+    }
 };
 
 inline std::string facesText(const Mesh* mesh)

@@ -7,22 +7,13 @@
 
 static const char ten[] = "v 0 0 0\nv 1 0 0\nv 2 0 0\nv 3 0 0\nv 4 0 0\nv 5 1 0\nv 6 0 1\nv 7 0 0\nv 8 0 0\nv 9 1 1\n";
 static const char face[] = "f 1 2 3\n";
-static const RecordedBox noMemory = { "Out of memory", "(default)", iconStop };
 
-class Obj : public testing::Test
+class Obj : public ObjFolderTest
 {
 protected:
-    TestFolder folder;
-    LoadedObj* loaded = nullptr;
-
-    void SetUp() override
-    {
-        resetRecording();
-    }
     void TearDown() override
     {
-        delete loaded;
-        EXPECT_EQ(recorded.liveBlocks, 0);
+        ObjFolderTest::TearDown();
         objBlockBytes = objLargestBlock;
     }
 
@@ -337,7 +328,7 @@ TEST_F(Obj, EveryRefusedAllocationFailsTheLoadWithoutALeak)
                 break;
             ++refused;
             ASSERT_EQ(recorded.boxes.size(), 2u) << n;
-            EXPECT_EQ(recorded.boxes[0], noMemory);
+            EXPECT_EQ(recorded.boxes[0], outOfMemoryBox);
             EXPECT_EQ(recorded.boxes[1], (RecordedBox{ "Error: failed to open", file, iconStop }));
             EXPECT_TRUE(recorded.progress[0].closed);
             if (file == path || n < 9) // the last is that of the placeholder texture coordinate

@@ -1,34 +1,17 @@
 // tests/import/off_test.cpp - the OFF reader
 #include "import/off.h"
 
-#include "import/dispatch.h"
 #include "tests/import/loading.h"
 
-class OffReader : public testing::Test
+class OffReader : public CleanTest
 {
-protected:
-    void SetUp() override
-    {
-        resetRecording();
-        blocks = recorded.liveBlocks;
-    }
-    void TearDown() override
-    {
-        EXPECT_EQ(recorded.liveBlocks, blocks);
-    }
-    int blocks = 0;
 };
 
 static const char square[] = "OFF\n4 1 0\n0 0 0\n1 0 0\n1 1 0\n0 1 0\n4 0 1 2 3\n";
 
 static std::string facesFrom(const std::string& counts, const std::string& faceLines)
 {
-    LoadedMesh loaded(LoadOffFile, "OFF\n" + counts + "\n0 0 0\n1 0 0\n1 1 0\n0 1 0\n.5 2 0\n" + faceLines);
-    EXPECT_EQ(loaded.result, 1);
-    if (!loaded.result)
-        return "failed";
-    expectSound(loaded.mesh);
-    return facesOf(loaded.mesh);
+    return facesReadBy(LoadOffFile, "OFF\n" + counts + "\n0 0 0\n1 0 0\n1 1 0\n0 1 0\n.5 2 0\n" + faceLines);
 }
 
 static void expectRefused(const std::string& bytes)
@@ -229,12 +212,7 @@ TEST_F(OffReader, MissingFileSaysSo)
 
 TEST_F(OffReader, IsChosenByTheExtensionInAnyCase)
 {
-    ScratchFile file(square, "oFf");
-    Mesh* mesh = createMesh("prop");
-    char shortName[shortNameRoom];
-    EXPECT_EQ(readModelFile(mesh, file.path.c_str(), shortName, 1), 1);
-    EXPECT_EQ(mesh->faceCount, 1);
-    freeMesh(mesh);
+    EXPECT_EQ(facesByExtension(square, "oFf"), 1);
 }
 
 TEST_F(OffReader, CutAnywhereIsReadOrRefused)

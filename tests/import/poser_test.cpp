@@ -1,197 +1,7 @@
-// tests/import/poser_test.cpp - the reader of Poser props, hair and figures
-#include "import/poser.h"
+// tests/import/poser_test.cpp - the reader of Poser props, hair and figures: geometry, blocks, limits, damage
+#include "tests/import/poser_building.h"
 
-#include "import/dispatch.h"
-#include "platform/files.h"
-#include "tests/import/loading.h"
-
-#include <string.h>
-#include <memory>
-
-class PoserFile : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        resetRecording();
-        blocks = recorded.liveBlocks;
-    }
-    void TearDown() override
-    {
-        EXPECT_EQ(recorded.liveBlocks, blocks);
-    }
-    int blocks = 0;
-};
-
-static const std::string squareVertices = "numbVerts 4\nnumbTVerts 4\nnumbElems 2\nv 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\n"
-                                          "vt 0 0\nvt 1 0\nvt 1 1\nvt 0 1\n";
-static const std::string squareFace = "f 1/1 2/2 3/3 4/4\n";
-
-static std::string geometry(const std::string& lines)
-{
-    return "geomCustom\n{\n" + lines + "}\n";
-}
-
-static std::string object(const std::string& head, const std::string& body)
-{
-    return head + "\n{\n" + body + "}\n";
-}
-
-static std::string file(const std::string& objects)
-{
-    return "{\nversion\n{\nnumber 4.01\n}\n" + objects + "}\n";
-}
-
-static std::string propOf(const std::string& lines)
-{
-    return file(object("prop box", geometry(lines)));
-}
-
-static void expectFailure(const std::string& bytes, const char* text)
-{
-    resetRecording();
-    LoadedMesh loaded(LoadPoserFile, bytes);
-    EXPECT_EQ(loaded.result, 0) << bytes;
-    ASSERT_EQ(recorded.boxes.size(), 1u) << bytes;
-    EXPECT_EQ(recorded.boxes[0], (RecordedBox{ text, "Error", iconNone })) << bytes;
-    EXPECT_TRUE(recorded.progress.empty());
-    EXPECT_LT(recorded.peakBytes, 2u << 20);
-}
-
-static void expectUnreadable(const std::string& bytes)
-{
-    expectFailure(bytes, "Unable to read file");
-}
-
-// The tokens of a text as "word[rest]" one after the other, with '!' where the reading fails before the end.
-static std::string tokensOf(const std::string& text)
-{
-    ScratchFile scratch(text);
-    FILE* stream = openFile(scratch.path.c_str(), "rb");
-    auto source = std::make_unique<PoserSource>();
-    startLines(&source->lines, stream);
-    std::string found;
-    while (NextPoserToken(source.get()))
-        found += std::string(source->word) + "[" + source->rest + "]";
-    fclose(stream);
-    return found;
-}
-
-static std::string nameOf(std::string text)
-{
-    size_t length = PoserName(text.data());
-    EXPECT_EQ(length, strlen(text.c_str()));
-    return text.c_str();
-}
-
-static std::string mapNameOf(std::string text)
-{
-    return PoserMapName(text.data());
-}
-
-TEST_F(PoserFile, TokensAreAWordAndTheRestOfItsLine)
-{
-    EXPECT_EQ(tokensOf("  prop \t a box \r\n\tv 1 2 3\nend\n"), "prop[a box ]v[1 2 3]end[]");
-    EXPECT_EQ(tokensOf("one \t \ntwo\r\n"), "one[]two[]");
-    EXPECT_EQ(tokensOf("x\ny z\n"), "x[]y[z]");
-}
-
-TEST_F(PoserFile, BracesAreTokensOnlyByThemselves)
-{
-    EXPECT_EQ(tokensOf("{ a b\n}}{c d{}\ne}\nf } g\n"), "{[]a[b]}[]}[]{[]c[d{}]e}[]f[} g]");
-    EXPECT_EQ(tokensOf("}"), "}[]"); // needs no line end
-}
-
-TEST_F(PoserFile, CommentsAreSkipped)
-{
-    EXPECT_EQ(tokensOf("// one two\na b // kept\n  //}\n//\n///\nc//d\n/ e\n"), "a[b // kept]c//d[]/[e]");
-    EXPECT_EQ(tokensOf("a b\n// not ended"), "a[b]");
-}
-
-TEST_F(PoserFile, AFinalLineWithoutALineEndIsLost)
-{
-    EXPECT_EQ(tokensOf("a b\nc d"), "a[b]");
-    EXPECT_EQ(tokensOf("a b\nc"), "a[b]");
-    EXPECT_EQ(tokensOf("a b\nc "), "a[b]");
-    EXPECT_EQ(tokensOf(""), "");
-    EXPECT_EQ(tokensOf("\n \t\r\n"), "");
-}
-
-TEST_F(PoserFile, OverLongWordsAndRestsEndTheReading)
-{
-    std::string longest(2047, 'w');
-    EXPECT_EQ(tokensOf(longest + " " + longest + "\nb c\n"), longest + "[" + longest + "]b[c]");
-    EXPECT_EQ(tokensOf(longest + "w c\nb c\n"), "");
-    EXPECT_EQ(tokensOf("a " + longest + "w\nb c\n"), "");
-    EXPECT_EQ(tokensOf("a" + std::string(100000, ' ') + longest + "\nb c\n"), "a[" + longest + "]b[c]");
-}
-
-TEST_F(PoserFile, TokensAcrossBlocksAreWhole)
-{
-    std::string text, expected;
-    for (int i = 0; i < 20000; ++i)
-    {
-        std::string number = std::to_string(i);
-        text += std::string(static_cast<size_t>(i % 4), ' ') + "word" + number + "  rest of " + number + "\r\n";
-        expected += "word" + number + "[rest of " + number + "]";
-    }
-    EXPECT_EQ(tokensOf(text), expected);
-}
-
-// The first word after the block that a text is inside of, or "open" when the block does not end.
-static std::string wordAfterBlock(const std::string& text)
-{
-    ScratchFile scratch(text);
-    FILE* stream = openFile(scratch.path.c_str(), "rb");
-    auto source = std::make_unique<PoserSource>();
-    startLines(&source->lines, stream);
-    std::string word = "open";
-    if (SkipPoserBlock(source.get()))
-        word = NextPoserToken(source.get()) ? source->word : "";
-    fclose(stream);
-    return word;
-}
-
-TEST_F(PoserFile, BlocksAreSkippedWithTheirNesting)
-{
-    EXPECT_EQ(wordAfterBlock("} after x\n"), "after");
-    EXPECT_EQ(wordAfterBlock("{ { } } { } } after x\n"), "after");
-    EXPECT_EQ(wordAfterBlock("a }\n{ b\n} c {\n} after x\n"), "after"); // "a" and "c" take the rest of their lines
-    EXPECT_EQ(wordAfterBlock("// }\n}\n"), "");
-    EXPECT_EQ(wordAfterBlock("{ } { }\n"), "open");
-    EXPECT_EQ(wordAfterBlock(""), "open");
-}
-
-TEST_F(PoserFile, NamesEndAtBlanksAndColons)
-{
-    EXPECT_EQ(nameOf("hip:1"), "hip");
-    EXPECT_EQ(nameOf("left hand"), "left");
-    EXPECT_EQ(nameOf("left\thand"), "left");
-    EXPECT_EQ(nameOf(":x"), "");
-    EXPECT_EQ(nameOf(""), "");
-    EXPECT_EQ(nameOf(std::string(63, 'n')), std::string(63, 'n'));
-    EXPECT_EQ(nameOf(std::string(64, 'n')), std::string(63, 'n')); // room for the terminator
-    EXPECT_EQ(nameOf(std::string(2000, 'n')), std::string(63, 'n'));
-}
-
-TEST_F(PoserFile, TextureReferencesBecomeFileNames)
-{
-    EXPECT_EQ(mapNameOf("\":Runtime:Textures:skin.jpg\""), "skin.jpg");
-    EXPECT_EQ(mapNameOf("\"C:\\pictures\\my skin.jpg\" \t"), "my skin.jpg");
-    EXPECT_EQ(mapNameOf("skin.jpg"), "skin.jpg");
-    EXPECT_EQ(mapNameOf("\"skin.jpg"), "skin.jpg");
-    EXPECT_EQ(mapNameOf("a/b/skin.jpg"), "a/b/skin.jpg"); // '/' separates nothing
-    EXPECT_EQ(mapNameOf("NO_MAP"), "");
-    EXPECT_EQ(mapNameOf("\"NO_MAP\" "), "");
-    EXPECT_EQ(mapNameOf(":x:NO_MAP"), "");
-    EXPECT_EQ(mapNameOf("NO_MAP2"), "NO_MAP2");
-    EXPECT_EQ(mapNameOf("no_map"), "no_map");
-    EXPECT_EQ(mapNameOf("x:"), "");
-    EXPECT_EQ(mapNameOf("\"\""), "");
-    EXPECT_EQ(mapNameOf("\""), "");
-    EXPECT_EQ(mapNameOf(""), "");
-    EXPECT_EQ(mapNameOf(" \t"), "");
-}
+using namespace poser;
 
 TEST_F(PoserFile, ReadsAPropWithItsMaterial)
 {
@@ -249,37 +59,6 @@ TEST_F(PoserFile, AllObjectsHoldGeometryAndOtherBlocksDoNot)
         expectFailure(file(object(kind, geometry(squareVertices + squareFace))), "No internal geometry");
     expectFailure(file(object("prop a", object("prop b", geometry(squareVertices)))),
                   "No internal geometry"); // too deep
-}
-
-TEST_F(PoserFile, FigureMaterialsColourTheActorsReadBefore)
-{
-    std::string material = object("material skin", "KdColor 0.5 0.25 1 1\n");
-    LoadedMesh loaded(
-        LoadPoserFile,
-        file(object("actor BODY:1", "") +
-             object("actor hip:1", geometry(squareVertices + "usemtl skin\n" + squareFace)) +
-             object("actor hand:1", geometry(squareVertices + "usemtl nails\n" + squareFace)) +
-             object("figure", "name Fred\nroot BODY:1\n" + material + object("material cloth", "KdColor 0 0 0 1\n") +
-                                  "weld hand:1\nhip:1\n")));
-    ASSERT_EQ(loaded.result, 1);
-    expectSound(loaded.mesh);
-    EXPECT_STREQ(loaded->name, "hand");  // the last one named
-    ASSERT_EQ(loaded->materialCount, 2); // cloth is used by no face
-    EXPECT_STREQ(loaded->materialNames[1], "nails");
-    EXPECT_EQ(loaded->materials[0].diffuse[1], 0.25f);
-    EXPECT_EQ(loaded->materials[1].diffuse[1], 1);
-    EXPECT_EQ(loaded->faceAttributes[0], 0u);
-    EXPECT_EQ(loaded->faceAttributes[1], 1u);
-}
-
-TEST_F(PoserFile, MaterialsBeforeTheGeometryAreNotKnownYet)
-{
-    LoadedMesh loaded(LoadPoserFile,
-                      file(object("hairProp locks", object("material hair", "KdColor 0 0 0 1\nunknown { x\n") +
-                                                        geometry(squareVertices + "usemtl hair\n" + squareFace))));
-    ASSERT_EQ(loaded.result, 1);
-    EXPECT_EQ(loaded->materials[0].diffuse[0], 1);
-    EXPECT_STREQ(loaded->name, "locks");
 }
 
 TEST_F(PoserFile, FacesReferToTheirOwnBlock)
@@ -399,90 +178,6 @@ TEST_F(PoserFile, NamesPast512AreIgnored)
     EXPECT_EQ(loaded->materialCount, 512);
     EXPECT_STREQ(loaded->materialNames[511], "m511");
     EXPECT_EQ(loaded->faceAttributes[519], 511u | 511u << faceGroupShift);
-}
-
-TEST_F(PoserFile, MaterialValues)
-{
-    LoadedMesh loaded(
-        LoadPoserFile,
-        file(object("prop box",
-                    geometry(squareVertices + "usemtl m\n" + squareFace) +
-                        object("material m:1", "NsExponent 30\nKdColor 1 0.5 0.25 0.5\nKaColor 0.5 nan 3e9 1\n"
-                                               "KsColor 0.25 0.5 1 2 9\nnested\n{\nKdColor 9 9 9 9\ntMax 1\n}\n"
-                                               "tMax 0.75\ntMin 0\ntextureMap \":Runtime:skin.jpg\"\n"
-                                               "transparencyMap NO_MAP\nbumpMap \"bump.jpg\"\n"))));
-    ASSERT_EQ(loaded.result, 1);
-    const Material& m = loaded->materials[0];
-    EXPECT_EQ(m.diffuse[0], 0.5f);
-    EXPECT_EQ(m.diffuse[2], 0.125f);
-    EXPECT_EQ(m.ambient[0], 0.5f);
-    EXPECT_EQ(m.ambient[1], 0);
-    EXPECT_EQ(m.ambient[2], 0);
-    EXPECT_EQ(m.specular[0], 0.5f);
-    EXPECT_EQ(m.specular[2], 2);
-    EXPECT_EQ(m.diffuseLevel, 1);
-    EXPECT_EQ(m.ambientLevel, 1);
-    EXPECT_EQ(m.specularLevel, 1);
-    EXPECT_EQ(m.shadingMode, 1);
-    EXPECT_EQ(m.shininess, 10); // KsColor came after NsExponent
-    EXPECT_EQ(m.transparency, 0.75f);
-    EXPECT_STREQ(loaded->textureNames[0], "skin.jpg");
-    EXPECT_STREQ(loaded->opacityNames[0], "");
-}
-
-static Material materialWith(const std::string& lines)
-{
-    LoadedMesh loaded(LoadPoserFile, file(object("prop box", geometry(squareVertices + "usemtl m\n" + squareFace) +
-                                                                 object("material m", lines))));
-    EXPECT_EQ(loaded.result, 1) << lines;
-    return loaded->materials[0];
-}
-
-TEST_F(PoserFile, TheExponentCountsAfterTheSpecularColour)
-{
-    EXPECT_EQ(materialWith("KsColor 0 0 0 1\nNsExponent 30.9\n").shininess, 30);
-    EXPECT_EQ(materialWith("NsExponent -30.9\n").shininess, -30);
-    EXPECT_EQ(materialWith("NsExponent 1e20\n").shininess, 0);
-}
-
-TEST_F(PoserFile, TransparencyIsBetweenZeroAndOne)
-{
-    EXPECT_EQ(materialWith("tMax 0.009\n").transparency, 0);
-    EXPECT_EQ(materialWith("tMax 0.01\n").transparency, 0.01f);
-    EXPECT_EQ(materialWith("tMax -3\n").transparency, 0);
-    EXPECT_EQ(materialWith("tMax 1.5\n").transparency, 1);
-    EXPECT_EQ(materialWith("tMax inf\n").transparency, 0);
-}
-
-TEST_F(PoserFile, TextureNamesAreCutToTheirRoom)
-{
-    std::string longName(200, 't');
-    LoadedMesh loaded(
-        LoadPoserFile,
-        file(object("prop " + longName,
-                    geometry(squareVertices + "usemtl m\n" + squareFace) +
-                        object("material m", "textureMap " + longName + "\ntransparencyMap \"" + longName + "\"\n"))));
-    ASSERT_EQ(loaded.result, 1);
-    EXPECT_EQ(std::string(loaded->name), std::string(63, 't'));
-    EXPECT_EQ(std::string(loaded->textureNames[0]), std::string(63, 't'));
-    EXPECT_EQ(std::string(loaded->opacityNames[0]), std::string(63, 't'));
-}
-
-TEST_F(PoserFile, MalformedMaterialsFail)
-{
-    for (const char* bad : { "KdColor 1 1 1\n", "KaColor 1 1 x 1\n", "KsColor\n", "NsExponent x\n", "tMax\n" })
-        expectUnreadable(
-            file(object("prop box", geometry(squareVertices + "usemtl m\n" + squareFace) + object("material m", bad))));
-    std::string good = geometry(squareVertices + "usemtl m\n" + squareFace);
-    expectUnreadable(file(object("prop box", good + "material other\nKdColor\n{\n}\n"))); // '{' must follow at once
-    expectUnreadable(file(object("prop box", good + "material m\n}\n")));
-    LoadedMesh late(LoadPoserFile,
-                    file(object("prop box", good + "material m\nKdColor\n{\n}\n"))); // a known one's may come late
-    EXPECT_EQ(late.result, 1);
-    LoadedMesh skipped(LoadPoserFile,
-                       file(object("prop box", good + object("material other", "KdColor x\n{\ntMax\n}\n") +
-                                                   object("material", "tMax\n"))));
-    EXPECT_EQ(skipped.result, 1); // what no face uses may be malformed
 }
 
 TEST_F(PoserFile, MalformedGeometryFails)
@@ -632,33 +327,14 @@ TEST_F(PoserFile, MissingFileFailsSilently)
 
 TEST_F(PoserFile, DialogAsksForPoserFiles)
 {
-    ScratchFile scratch(propOf(squareVertices + squareFace), "pp2");
-    recorded.dialogAnswers = { scratch.path };
-    Mesh* mesh = createMesh("prop");
-    EXPECT_EQ(openPoserFile(mesh), 1);
-    EXPECT_EQ(mesh->faceCount, 1);
-    EXPECT_EQ(openPoserFile(mesh), 0); // cancelled
-    ASSERT_EQ(recorded.dialogs.size(), 2u);
-    EXPECT_FALSE(recorded.dialogs[0].save);
-    EXPECT_EQ(recorded.dialogs[0].filterText, "Poser Files(*.pp2,*.hr2,*.cr2)");
-    EXPECT_EQ(recorded.dialogs[0].filterPattern, "*.pp2;*.hr2;*.cr2");
-    EXPECT_EQ(recorded.dialogs[0].pathRoom, 128u);
-    EXPECT_EQ(recorded.dialogs[0].fileTitleRoom, 32u);
-    EXPECT_TRUE(recorded.boxes.empty());
-    freeMesh(mesh);
+    expectOpenDialog(openPoserFile, propOf(squareVertices + squareFace), "Poser Files(*.pp2,*.hr2,*.cr2)",
+                     "*.pp2;*.hr2;*.cr2");
 }
 
 TEST_F(PoserFile, IsChosenByItsExtensionsInAnyCase)
 {
     for (const char* extension : { "pp2", "PP2", "hr2", "Hr2", "cr2", "cR2" })
-    {
-        ScratchFile scratch(propOf(squareVertices + squareFace), extension);
-        Mesh* mesh = createMesh("prop");
-        char shortName[shortNameRoom];
-        EXPECT_EQ(readModelFile(mesh, scratch.path.c_str(), shortName, 1), 1) << extension;
-        EXPECT_EQ(mesh->faceCount, 1);
-        freeMesh(mesh);
-    }
+        EXPECT_EQ(facesByExtension(propOf(squareVertices + squareFace), extension), 1) << extension;
 }
 
 static const std::string smallFile =

@@ -1,8 +1,6 @@
 #include "model/builtin.h"
-#include "model/memory.h"
-#include "tests/recording/recording.h"
+#include "tests/clean_test.h"
 
-#include <gtest/gtest.h>
 #include <string.h>
 #include <bit>
 #include <algorithm>
@@ -25,22 +23,19 @@ static Words oneTriangle()
 
 constexpr size_t firstCorner = 4 + 9, firstUv = firstCorner + 4;
 
-class BuiltInModelTest : public testing::Test
+class BuiltInModelTest : public CleanTest
 {
 protected:
     void SetUp() override
     {
-        memoryTable = {};
-        resetRecording();
-        blocksBefore = recorded.liveBlocks;
+        CleanTest::SetUp();
         mesh = createMesh("teapot");
         ASSERT_NE(mesh, nullptr);
     }
     void TearDown() override
     {
         freeMesh(mesh);
-        EXPECT_EQ(recorded.liveBlocks, blocksBefore);
-        memoryTable = {};
+        CleanTest::TearDown();
     }
     // From a block of exactly that size, so that a byte too far is noticed.
     int load(const Words& words, size_t size)
@@ -62,7 +57,6 @@ protected:
 
     Mesh* mesh = nullptr;
     int hasMaterials = -1;
-    int blocksBefore = 0;
 };
 
 TEST_F(BuiltInModelTest, CarriedModelHasItsCountsAndNames)

@@ -1,27 +1,18 @@
 #include "model/memory.h"
-#include "tests/recording/recording.h"
+#include "tests/clean_test.h"
 
-#include <gtest/gtest.h>
 #include <string.h>
 
-// Every test starts with the table as at the program's start and must give back what it took.
-class MemoryTableTest : public testing::Test
+class MemoryTableTest : public CleanTest
 {
 protected:
-    void SetUp() override
-    {
-        memoryTable = {};
-        resetRecording();
-        blocksBefore = recorded.liveBlocks;
-    }
     void TearDown() override
     {
         for (MemoryEntry& entry : memoryTable.entries)
             tableFree(entry.address);
-        EXPECT_EQ(recorded.liveBlocks, blocksBefore);
+        CleanTest::TearDown();
         memoryTable = {};
     }
-    int blocksBefore = 0;
 };
 
 TEST_F(MemoryTableTest, SizeZeroGivesNullAndUsesNoEntry)

@@ -1,27 +1,22 @@
 // tests/model/mesh_test.cpp - creating, growing, measuring and freeing meshes
 #include "model/mesh.h"
 
-#include "model/memory.h"
 #include "model/settings.h"
-#include "tests/recording/recording.h"
+#include "tests/clean_test.h"
 
-#include <gtest/gtest.h>
 #include <math.h>
 #include <stddef.h>
 #include <string.h>
 #include <random>
 
-static const std::vector<RecordedBox> outOfMemory = { { "Out of memory", "(default)", iconStop } };
+static const std::vector<RecordedBox> outOfMemory = { outOfMemoryBox };
 
-// Every test starts with an empty table and gives back what it took.
-class MeshTest : public testing::Test
+class MeshTest : public CleanTest
 {
 protected:
     void SetUp() override
     {
-        memoryTable = {};
-        resetRecording();
-        blocksBefore = recorded.liveBlocks;
+        CleanTest::SetUp();
         mesh = createMesh("prop");
         ASSERT_NE(mesh, nullptr);
     }
@@ -29,8 +24,7 @@ protected:
     {
         resetRecording();
         freeMesh(mesh);
-        EXPECT_EQ(recorded.liveBlocks, blocksBefore);
-        memoryTable = {};
+        CleanTest::TearDown();
     }
     void addVertex(float x, float y, float z)
     {
@@ -44,7 +38,6 @@ protected:
         mesh->faceAttributes[mesh->faceCount++] = attributes;
     }
     Mesh* mesh = nullptr;
-    int blocksBefore = 0;
 };
 
 TEST_F(MeshTest, AFreshMeshHasDefaultMaterialsInEverySlot)

@@ -1,32 +1,13 @@
 // tests/tools/build.h - small meshes for the tests of the mesh tools
 #pragma once
-#include "model/memory.h"
-#include "model/mesh.h"
 #include "model/normals.h"
-#include "tests/recording/recording.h"
+#include "tests/clean_test.h"
+#include "tests/mesh_pointer.h"
 
-#include <gtest/gtest.h>
 #include <string.h>
-#include <memory>
 #include <random>
 #include <string>
 #include <vector>
-
-struct Point
-{
-    float x, y, z;
-};
-
-struct MeshFreer
-{
-    void operator()(Mesh* mesh) const
-    {
-        freeMesh(mesh);
-    }
-};
-using MeshPointer = std::unique_ptr<Mesh, MeshFreer>;
-
-constexpr uint32_t none = noCorner;
 
 // A mesh of these points and faces with exactly as much room; every corner's texture index is 10 x its slot + face.
 inline MeshPointer buildMesh(const std::vector<Point>& points, const std::vector<Corners>& faces)
@@ -50,23 +31,6 @@ inline MeshPointer buildMesh(const std::vector<Point>& points, const std::vector
     return mesh;
 }
 
-// Starts every test with an empty table and nothing recorded, and holds it to give back what it took.
-class ToolTest : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        memoryTable = {};
-        resetRecording();
-        blocksBefore = recorded.liveBlocks;
-    }
-    void TearDown() override
-    {
-        EXPECT_EQ(recorded.liveBlocks, blocksBefore);
-    }
-    int blocksBefore = 0;
-};
-
+using ToolTest = CleanTest;
 using Texts = std::vector<std::string>;
 using Boxes = std::vector<RecordedBox>;
-inline const RecordedBox outOfMemoryBox = { "Out of memory", "(default)", iconStop };

@@ -1,0 +1,21 @@
+// tests/mesh_pointer.h - meshes that a test makes by hand, from points and corners
+#pragma once
+#include "model/mesh.h"
+
+#include <memory>
+
+struct Point
+{
+    float x, y, z;
+};
+
+struct MeshFreer
+{
+    void operator()(Mesh* mesh) const
+    {
+        freeMesh(mesh);
+    }
+};
+using MeshPointer = std::unique_ptr<Mesh, MeshFreer>;
+
+constexpr uint32_t none = noCorner; // of a short row of corners

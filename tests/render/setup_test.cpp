@@ -1,0 +1,84 @@
+// tests/render/setup_test.cpp - the set-up of triangles, plain and fast
+#include "tests/render/canvas.h"
+#include "tests/render/scenes.h"
+
+#include <gtest/gtest.h>
+
+#include <math.h>
+#include <string.h>
+
+// The states' defined parts.
+static void expectSameState(const SpanState& a, const SpanState& b, const TriangleCorner* corners, int32_t lanes)
+{
+    size_t bytes = static_cast<size_t>(lanes) * sizeof(uint32_t);
+    int32_t rows[3] = { corners[0].y, corners[1].y, corners[2].y };
+    std::sort(rows, rows + 3);
+    ASSERT_EQ(a.topRow, b.topRow);
+    ASSERT_EQ(a.bottomRow, b.bottomRow);
+    ASSERT_EQ(memcmp(&a.left, &b.left, sizeof a.left), 0);
+    ASSERT_EQ(memcmp(&a.right, &b.right, sizeof a.right), 0);
+    ASSERT_EQ(a.lowestDepth, b.lowestDepth);
+    ASSERT_EQ(a.highestDepth, b.highestDepth);
+    ASSERT_EQ(memcmp(a.value, b.value, bytes), 0);
+    ASSERT_EQ(memcmp(a.secondValue, b.secondValue, bytes), 0);
+    ASSERT_EQ(memcmp(a.perPixel, b.perPixel, bytes), 0);
+    bool bentLeft = a.left.changeRow != noChange;
+    for (int32_t k = 0; k < 4; ++k)
+    {
+        bool used = bentLeft ? (k < 2 ? rows[1] > rows[0] : rows[2] > rows[1]) : k < 2;
+        ASSERT_TRUE(!used || memcmp(a.rowStep[k], b.rowStep[k], bytes) == 0) << k;
+    }
+}
+
+TEST(Setup, Sse2EqualsPlainOnRandomTriangles)
+{
+    std::mt19937 random(1);
+    int drawn = 0;
+    for (int i = 0; i < 200000; ++i)
+    {
+        int32_t side = i % 3 == 0 ? 6 : i % 3 == 1 ? 700 : displaySideLimit;
+        TriangleCorner corners[3];
+        for (TriangleCorner& c : corners)
+            c = randomCorner(random, side, side);
+        int32_t lanes = i & 1 ? laneCount : plainLanes;
+        SpanState plain, fast;
+        int one = setUpTriangle(&plain, corners, lanes), two = setUpTriangleSse2(&fast, corners, lanes);
+        ASSERT_EQ(one, two);
+        if (!one)
+            continue;
+        ++drawn;
+        expectSameState(plain, fast, corners, lanes);
+        if (HasFatalFailure())
+            FAIL() << "triangle " << i;
+    }
+    EXPECT_GT(drawn, 150000);
+}
+
+TEST(Setup, Sse2EqualsPlainForBrokenTextureCoordinates)
+{
+    const float hard[] = { NAN, INFINITY, -INFINITY, 3e38f, -3e38f, 1e10f, -0.0f, 1e-40f, 0.5f, 2147483648.0f };
+    for (float a : hard)
+        for (float b : hard)
+        {
+            TriangleCorner corners[3] = { corner(3, 1), corner(90, 40), corner(20, 70) };
+            corners[0].row = corners[2].column = a;
+            corners[1].row = corners[1].column = b;
+            SpanState plain, fast;
+            ASSERT_EQ(setUpTriangle(&plain, corners, laneCount), 1);
+            ASSERT_EQ(setUpTriangleSse2(&fast, corners, laneCount), 1);
+            expectSameState(plain, fast, corners, laneCount);
+        }
+}
+
+TEST(Setup, ATriangleWithoutAreaIsDropped)
+{
+    const TriangleCorner line[3] = { corner(0, 0), corner(5, 5), corner(10, 10) };
+    const TriangleCorner row[3] = { corner(0, 3), corner(5, 3), corner(10, 3) };
+    const TriangleCorner point[3] = { corner(4, 4), corner(4, 4), corner(4, 4) };
+    SpanState state;
+    for (const TriangleCorner* corners : { line, row, point })
+    {
+        EXPECT_EQ(setUpTriangle(&state, corners, laneCount), 0);
+        EXPECT_EQ(setUpTriangleSse2(&state, corners, laneCount), 0);
+    }
+}
