@@ -49,6 +49,13 @@ static std::vector<std::string> valuesOf(const CLI::Option* option)
     return option->get_lnames().empty() ? std::vector<std::string>() : valuesOf(option->get_lnames()[0]);
 }
 
+// Whether a file name is (or may be, beside the words of valuesOf) what the option wants.
+static bool takesFile(const CLI::Option* option)
+{
+    const std::vector<std::string>& names = option->get_lnames();
+    return !names.empty() && (names[0] == "output" || names[0] == "texture");
+}
+
 static std::string joined(const std::vector<std::string>& words, const char* between)
 {
     std::string text;
@@ -223,12 +230,20 @@ static void printBash(std::ostream* out, const CLI::App& app)
             "_kbx()\n{\n"
             "    local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]} command=${COMP_WORDS[1]}\n"
             "    [ \"$COMP_CWORD\" -gt 1 ] || command=\n"
+            "    # the = of --option=word is a word of its own\n"
+            "    if [ \"$word\" = = ]; then word=; elif [ \"$previous\" = = ]; then "
+            "previous=${COMP_WORDS[COMP_CWORD-2]}; fi\n"
             "    case $previous in\n";
     for (const CLI::Option* option : distinctOptions(app))
     {
+        if (!takesValue(option))
+            continue;
+        *out << "    " << joined(spellings(option), " | ") << ") ";
+        if (!takesFile(option))
+            *out << "compopt +o bashdefault +o default 2>/dev/null; ";
         if (!valuesOf(option).empty())
-            *out << "    " << joined(spellings(option), " | ") << ") COMPREPLY=($(compgen -W "
-                 << shellQuoted(joined(valuesOf(option), " ")) << " -- \"$word\")); return ;;\n";
+            *out << "COMPREPLY=($(compgen -W " << shellQuoted(joined(valuesOf(option), " ")) << " -- \"$word\")); ";
+        *out << "return ;;\n";
     }
     *out << "    esac\n    case $command,$word in\n";
     for (const CLI::App* command : commands)
@@ -241,29 +256,52 @@ static void printBash(std::ostream* out, const CLI::App& app)
             "complete -o bashdefault -o default -F _kbx kbx\n";
 }
 
+// '*--option=[description]:value:what is offered': = for the value in the same word or in the next, + likewise for -o.
 static std::string zshArgument(const CLI::Option* option, const std::string& name)
 {
-    std::string text = "*" + name + "[" + escaped(option->get_description(), "[]:\\", "\\") + "]";
+    std::string text = "*" + name;
+    if (takesValue(option))
+        text += name.rfind("--", 0) == 0 ? "=" : "+";
+    text += "[" + escaped(option->get_description(), "[]:\\", "\\") + "]";
     if (takesValue(option))
     {
-        std::vector<std::string> values = valuesOf(option);
+        std::string words = joined(valuesOf(option), " ");
         text += ":" + escaped(option->get_option_text(), ":\\", "\\") + ":";
-        text +=
-            values.empty() || !option->get_lnames()[0].compare("texture") ? "_files" : "(" + joined(values, " ") + ")";
+        if (takesFile(option))
+            text += " _kbx_words_or_files " + words;
+        else
+            text += words.empty() ? " " : "(" + words + ")";
     }
     return shellQuoted(text);
+}
+
+static void printZshArguments(std::ostream* out, const CLI::App* app, const char* indent)
+{
+    *out << indent << "_arguments";
+    for (const CLI::Option* option : optionsOf(app))
+    {
+        for (const std::string& name : spellings(option))
+            *out << " \\\n" << indent << "    " << zshArgument(option, name);
+    }
 }
 
 static void printZsh(std::ostream* out, const CLI::App& app)
 {
     *out << "#compdef kbx\n"
+            "_kbx_words_or_files()\n{\n"
+            "    _alternative \"words:word:($*)\" files:file:_files\n"
+            "}\n"
             "_kbx()\n{\n"
-            "    if (( CURRENT == 2 )); then\n"
-            "        local -a commands=(\n";
+            "    local -a commands=(\n";
     for (const CLI::App* command : commandsOf(app))
-        *out << "            "
-             << shellQuoted(command->get_name() + ":" + escaped(command->get_description(), ":", "\\")) << "\n";
-    *out << "        )\n"
+        *out << "        " << shellQuoted(command->get_name() + ":" + escaped(command->get_description(), ":", "\\"))
+             << "\n";
+    *out << "    )\n"
+            "    if (( CURRENT == 2 )) && [[ $words[2] == -* ]]; then\n";
+    printZshArguments(out, &app, "        ");
+    *out << "\n"
+            "        return\n"
+            "    elif (( CURRENT == 2 )); then\n"
             "        _describe command commands\n"
             "        return\n"
             "    fi\n"
@@ -273,15 +311,28 @@ static void printZsh(std::ostream* out, const CLI::App& app)
             "    case $command in\n";
     for (const CLI::App* command : commandsOf(app))
     {
-        *out << "    " << command->get_name() << ")\n        _arguments";
-        for (const CLI::Option* option : optionsOf(command))
-        {
-            for (const std::string& name : spellings(option))
-                *out << " \\\n            " << zshArgument(option, name);
-        }
+        *out << "    " << command->get_name() << ")\n";
+        printZshArguments(out, command, "        ");
         *out << " \\\n            '*:file:_files' ;;\n";
     }
     *out << "    esac\n}\n_kbx \"$@\"\n";
+}
+
+static void printFishOptions(std::ostream* out, const CLI::App* app, const std::string& when)
+{
+    for (const CLI::Option* option : optionsOf(app))
+    {
+        *out << "complete -c kbx -n " << shellQuoted(when);
+        for (const std::string& name : option->get_snames())
+            *out << " -s " << name;
+        for (const std::string& name : option->get_lnames())
+            *out << " -l " << name;
+        if (takesValue(option))
+            *out << (takesFile(option) ? " -r" : " -x"); // -x: no files beside the words
+        if (!valuesOf(option).empty())
+            *out << " -a " << shellQuoted(joined(valuesOf(option), " "));
+        *out << " -d " << shellQuoted(option->get_description()) << "\n";
+    }
 }
 
 static void printFish(std::ostream* out, const CLI::App& app)
@@ -290,22 +341,9 @@ static void printFish(std::ostream* out, const CLI::App& app)
     for (const CLI::App* command : commandsOf(app))
         *out << "complete -c kbx -f -n __fish_use_subcommand -a " << command->get_name() << " -d "
              << shellQuoted(command->get_description()) << "\n";
+    printFishOptions(out, &app, "__fish_use_subcommand");
     for (const CLI::App* command : commandsOf(app))
-    {
-        for (const CLI::Option* option : optionsOf(command))
-        {
-            *out << "complete -c kbx -n '__fish_seen_subcommand_from " << command->get_name() << "'";
-            for (const std::string& name : option->get_snames())
-                *out << " -s " << name;
-            for (const std::string& name : option->get_lnames())
-                *out << " -l " << name;
-            if (takesValue(option))
-                *out << " -r";
-            if (!valuesOf(option).empty())
-                *out << " -a " << shellQuoted(joined(valuesOf(option), " "));
-            *out << " -d " << shellQuoted(option->get_description()) << "\n";
-        }
-    }
+        printFishOptions(out, command, "__fish_seen_subcommand_from " + command->get_name());
 }
 
 int main(int argc, char** argv)
