@@ -31,7 +31,17 @@ constexpr int32_t largestSide = 16384;
 
 static const char* const textureNames[] = { "wood", "metal", "pattern" };
 
-constexpr char footer[] = "Exit status:\n"
+constexpr char footer[] = "Tools:\n"
+                          "  fix-normals  turns faces over until neighbours agree\n"
+                          "  dup-faces    deletes faces that repeat an earlier one\n"
+                          "  weld         makes vertices at the same place one, removes unused ones\n"
+                          "  weld-near    the same for vertices within 0.00001 of each other\n"
+                          "  tri          cuts quads into triangles\n"
+                          "  quad         joins pairs of triangles into quads\n"
+                          "  split        makes every connected piece a group\n"
+                          "  invert       turns every face over\n"
+                          "\n"
+                          "Exit status:\n"
                           "  0 done; 1 a file could not be read or written; 2 wrong usage\n"
                           "\n"
                           "Examples:\n"
@@ -170,7 +180,8 @@ static void addLoadOptions(CLI::App* command, LoadArguments* load, bool withFilt
 
 static void addViewOptions(CLI::App* command, ViewArguments* view)
 {
-    addParsed(command, "--preset", "NAME|0..10", "front material: brass, wood, ... white, prop-material",
+    addParsed(command, "--preset", "NAME|0..10",
+              "front material: brass, wood, pewter, silver, gold, green, chalk, brick, crystal, white or prop-material",
               [view](const std::string& text)
               {
                   int32_t index;

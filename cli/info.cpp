@@ -3,6 +3,7 @@
 #include "cli/load.h"
 #include "cli/output.h"
 #include "import/paths.h"
+#include "platform/terminal/terminal.h"
 #include "tools/statistics.h"
 
 #include <nlohmann/json.hpp>
@@ -203,10 +204,13 @@ int runInfo(const Arguments& arguments)
     bool first = true;
     for (const std::string& path : arguments.inputs)
     {
+        int boxesBefore = terminalBoxCount();
         Mesh* mesh = loadModel(path, arguments.load);
         Facts facts;
         if (!mesh || !gatherFacts(mesh, &facts))
         {
+            if (arguments.inputs.size() > 1 && terminalBoxCount() != boxesBefore) // few boxes name the file
+                fprintf(stderr, "kbx: %s left out\n", path.c_str());
             freeMesh(mesh);
             allRead = false;
             continue;

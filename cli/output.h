@@ -10,7 +10,10 @@ struct Output
     bool failed = false;
 };
 
+// Hands what is pending to standard output; a failure is remembered.
 void flushOutput(Output* out);
+
+// Append to the line.
 void put(Output* out, const char* text);
 void putInteger(Output* out, int64_t value);
 void putHex(Output* out, uint32_t value); // 8 lower-case digits

@@ -240,6 +240,15 @@ TEST_F(Kbx, InfoOfSeveralFilesReadsWhatItCan)
     EXPECT_NE(result.out.find("a.obj\n", first + 1), std::string::npos);
 }
 
+TEST_F(Kbx, InfoOfSeveralFilesNamesThoseItLeavesOut)
+{
+    write("a.obj", squareObj);
+    write("bad.ply", "ply\n");
+    std::string box = "message: error reading ply file [error]\n";
+    EXPECT_EQ(run("info bad.ply").err, box);
+    EXPECT_EQ(run("info a.obj bad.ply missing.ply").err, box + "kbx: bad.ply left out\nkbx: cannot read missing.ply\n");
+}
+
 TEST_F(Kbx, InfoTellsWhatIsWrongWithTheMesh)
 {
     write("a.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nv 1 1 0\nv 1 0 0\nf 1 2 3\nf 2 1 4\nf 1 2 5\n");
