@@ -1,7 +1,7 @@
 // export/obj.h - the mesh as a Wavefront OBJ file and its materials as an MTL file
 //
 // Vertices, texture coordinates, then the faces sorted by group and within a group by material, each in record order.
-// Faces whose group or material is past the mesh's count are not written. Lines end in CR LF.
+// Faces whose group or material is past the mesh's count are not written. Lines end in CR LF. Source: import/obj.h.
 #pragma once
 #include "model/mesh.h"
 

@@ -2,6 +2,8 @@
 //
 // The file is the image of a Macintosh resource fork with one picture of 91 x 91 pixels in it. Its red is its green, on
 // purpose.
+//
+// Source: Inside Macintosh, "More Macintosh Toolbox" (resource forks) and "Imaging With QuickDraw" (pictures)
 #pragma once
 #include <stdint.h>
 #include <string>

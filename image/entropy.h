@@ -1,4 +1,6 @@
 // image/entropy.h - Huffman tables, the bit readers and the MCU
+//
+// Source: ITU-T T.81, annex C (codes from their lengths) and annex F.2 (decoding)
 #pragma once
 #include "image/decoder.h"
 

@@ -4,6 +4,8 @@
 // decoder keeps its state in one place of its own, so one picture is decoded at a time:
 //
 //   source -> markers (tables, frame, scan) -> entropy (coefficients) -> idct (samples) -> upsample -> colour -> Image
+//
+// Source: ITU-T T.81 (ISO/IEC 10918-1), sequential mode with Huffman coding; JFIF 1.02 for the colours
 #pragma once
 #include "model/image.h"
 

@@ -1,4 +1,6 @@
 // image/markers.h - everything before the entropy-coded data
+//
+// Source: ITU-T T.81, annex B
 #pragma once
 
 // Reads marker segments up to and with the first scan header and checks what they say: sizes, factors, precision, that

@@ -2,8 +2,9 @@
 #pragma once
 #include "image/decoder.h"
 
-// Chooses each component's method. Returns 0 when its factors do not divide the largest ones.
+// Chooses each component's method. Returns 1, or 0 when its factors do not divide the largest ones.
 int selectUpsamplers();
 
-// The samples of output row y of a component; they stay until the next call for it.
+// The samples 0-255 of output row y, counted from the coded picture's first row, of a component: jpeg.width of them,
+// the component's own or scratch, good until the next call for it.
 const uint8_t* upsampledRow(Component* component, int32_t y);

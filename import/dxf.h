@@ -1,4 +1,6 @@
 // import/dxf.h - DXF: the 3DFACE entities of a drawing
+//
+// Source: Autodesk's DXF reference, group codes of 3DFACE
 #pragma once
 #include "import/lines.h"
 #include "model/mesh.h"

@@ -2,6 +2,8 @@
 //
 // Vertices, texture coordinates, polygons, polylines, groups and material references are taken; everything else is
 // passed over. Positions stay as they are in the file, but for the check of SanitizeFloat.
+//
+// Source: the appendix on object files of Wavefront's Advanced Visualizer manual
 #pragma once
 #include "model/mesh.h"
 

@@ -1,4 +1,6 @@
 // import/off.h - OFF: a list of vertices and a list of faces as text
+//
+// Source: the OFF section of the Geomview manual (The Geometry Center), without its variants of the header
 #pragma once
 #include "import/lines.h"
 #include "model/mesh.h"

@@ -1,4 +1,6 @@
 // import/ply.h - PLY files: polygons, or one list of triangle strips, with colours on the vertices
+//
+// Source: Greg Turk, "The PLY Polygon File Format", Stanford 1994
 #pragma once
 #include "model/mesh.h"
 

@@ -1,4 +1,6 @@
 // import/threeds.h - 3D Studio files: a tree of chunks with objects, materials and keyframer pivots
+//
+// Source: the chunk names and layouts of Autodesk's 3D Studio File Toolkit
 #pragma once
 #include "model/mesh.h"
 

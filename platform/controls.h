@@ -1,4 +1,7 @@
 // platform/controls.h - the menu, the tool panel and the windows, by the identifiers of resources/ids.h
+//
+// on and what panelBoxChecked returns are 1 or 0; texts are UTF-8 and copied; list indices count from 0. An identifier
+// that no control has does nothing, and reads as 0.
 #pragma once
 
 void checkMenuItem(int id, int on);

@@ -14,7 +14,7 @@ struct Picture
 // Makes the bitmap, zero-filled. Returns 1, or 0 with the record cleared.
 int makePicture(Picture* picture, int32_t widthPixels, int32_t rows);
 
-// Copies a rectangle of the bitmap to the same place in the display window.
+// Copies a rectangle of the bitmap, in pixels from its upper left corner, to the same place in the display window.
 void presentPicture(const Picture* picture, int32_t x, int32_t y, int32_t width, int32_t height);
 
 // Releases the bitmap and clears the record; a cleared record is fine.

@@ -42,11 +42,17 @@ void SetLight(int32_t index, uint32_t on);
 // clears it. An index out of range does nothing.
 void ApplyPreset(int32_t preset, int32_t secondPreset);
 
-// The colour of a vertex under the lights that are on.
+// The colour of a vertex: the ambient term, and from each light that is on a diffuse and a specular one. With N the
+// normal and L, E and R the directions toward the light, toward the eye and of the mirrored light
+//   diffuse   ((1 + N.L)^2 / 4) ^ shadingMode, or with renderMoon 2 N.L / (|N.E| + N.L)
+//   specular  (R.E) ^ shininess
+// each by its level; a transparent material scales its ambient and diffuse terms by its opacity.
 //
 // In:     normal of unit length in eye space, toward the side that is seen; flags: renderSettings.renderFlags;
 //         vertexColour multiplies when they ask for it
 // Out:    packed bytes fourth << 24 | red << 16 | green << 8 | blue; fourth is 255 for a transparent material, else 0
+// Source: the highlight is that of Phong, "Illumination for Computer Generated Pictures", 1975; the lunar law that of
+//         Lommel and Seeliger
 uint32_t shadeVertex(const Material* material, const float* normal, int inShadow, uint32_t flags,
                      uint32_t vertexColour);
 

@@ -1,6 +1,10 @@
 // render/reflect.h - where a mirror of the surroundings shows, from a normal alone
 //
-// The cubic stands in for an angle; the reflected up is the top of the picture.
+// The eye's ray, mirrored at the normal, meets the surroundings at (x, y, z). The column is that of x over the length
+// of (x, z), the row that of y, each by the cubic (t^3 + t + 2) / 4 of its -1..1, which stands in for an angle; the
+// reflected up is the top of the picture.
+//
+// Source: environment mapping (Blinn and Newell, "Texture and Reflection in Computer Generated Images", 1976)
 #pragma once
 #include <stdint.h>
 

@@ -1,8 +1,10 @@
 // render/shadows.h - which vertices something nearer to the light hides
 //
 // The map holds the light's view of the model, 16-bit depths where larger is nearer to the light, row 0 at the bottom
-// of that view. Marks are per vertex; the colours between them spread the shade. Without any bias on purpose: a face
-// writes at its own vertices exactly their own depths, and equal depths do not shadow.
+// of that view. Marks are per vertex; the colours between them spread the shade. There is no bias, on purpose: equal
+// depths do not shadow, and what a vertex's own surface can rise by within its entry is allowed for instead.
+//
+// Source: Lance Williams, "Casting Curved Shadows on Curved Surfaces", 1978
 #pragma once
 #include "render/frame.h"
 #include "render/raster.h"

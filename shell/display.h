@@ -1,4 +1,6 @@
 // shell/display.h - the display window: its size, its picture, and the mouse that turns and zooms the model
+//
+// x and y are pixels from the display's upper left corner; a drag may leave it on any side.
 #pragma once
 #include <stdint.h>
 
@@ -9,6 +11,7 @@ enum DragCode
     dragUp
 };
 
+// The window is there: the next frame is drawn whole.
 void displayCreated();
 
 // Keeps the display's size in pixels, never below 10, and asks for a whole new picture.
@@ -17,6 +20,7 @@ void displayResized(int32_t width, int32_t height);
 // Shows the picture again as it stands.
 void displayPainted();
 
+// The pointer moved, or a button went down or up, in the display.
 void displayMouseMoved(bool leftHeld, bool rightHeld, int32_t x, int32_t y);
 void displayLeftButton(DragCode code, int32_t x, int32_t y);
 void displayRightButton(DragCode code, int32_t y);
