@@ -14,7 +14,7 @@ install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME kestrelbox)
-set(CPACK_PACKAGE_CONTACT "The Kestrelbox developers <kestrelbox@localhost>")
+set(CPACK_PACKAGE_CONTACT "Kestrelbox maintainers <maintainers@kestrelbox.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "inspect, repair, convert and render 3D polygon models")
 set(CPACK_PACKAGE_DESCRIPTION
     "kbx reads OBJ, 3DS, DXF, PLY, OFF, Poser and RKF models, repairs them, writes OBJ, Poser, RKF and LuxRender files, and draws them with a renderer of its own.")
