@@ -73,7 +73,7 @@ static void putTexture(Output* out, const std::string& modelPath, const char* ki
     put(out, "  ");
     put(out, kind);
     put(out, " ");
-    putName(out, name);
+    putReadableName(out, name);
     put(out, textureFound(modelPath, name) ? " (found)" : " (missing)");
 }
 
@@ -117,7 +117,7 @@ static void printFacts(Output* out, const std::string& path, const Mesh* mesh, c
     for (int32_t g = 0; g < mesh->groupCount; ++g)
     {
         put(out, "    ");
-        putName(out, mesh->groupNames[g]);
+        putReadableName(out, mesh->groupNames[g]);
         put(out, (" " + grouped(facts.groupFaces[static_cast<size_t>(g)]) + " faces").c_str());
         endLine(out);
     }
@@ -125,7 +125,7 @@ static void printFacts(Output* out, const std::string& path, const Mesh* mesh, c
     for (int32_t m = 0; m < mesh->materialCount; ++m)
     {
         put(out, "    ");
-        putName(out, mesh->materialNames[m]);
+        putReadableName(out, mesh->materialNames[m]);
         put(out, (" " + grouped(facts.materialFaces[static_cast<size_t>(m)]) + " faces").c_str());
         putTexture(out, path, "texture", mesh->textureNames[m]);
         putTexture(out, path, "opacity", mesh->opacityNames[m]);

@@ -38,13 +38,13 @@ void putFloat(Output* out, float value)
     putHex(out, bits);
 }
 
-void putName(Output* out, const char* name)
+static void putQuoted(Output* out, const char* name, const char* escaped)
 {
     out->pending += '"';
     for (; *name; ++name)
     {
         auto byte = static_cast<unsigned char>(*name);
-        if (byte >= 32 && byte <= 126 && byte != '"' && byte != '\\')
+        if (byte >= 32 && byte <= 126 && !strchr(escaped, *name))
         {
             out->pending += *name;
             continue;
@@ -54,6 +54,16 @@ void putName(Output* out, const char* name)
         out->pending += "0123456789abcdef"[byte & 15];
     }
     out->pending += '"';
+}
+
+void putName(Output* out, const char* name)
+{
+    putQuoted(out, name, "\"\\");
+}
+
+void putReadableName(Output* out, const char* name)
+{
+    putQuoted(out, name, "\"");
 }
 
 void endLine(Output* out)

@@ -22,6 +22,9 @@ void putFloat(Output* out, float value);  // its 32 bits as hex
 // A name in double quotes; a double quote, a backslash and every byte outside 32..126 as \xHH.
 void putName(Output* out, const char* name);
 
+// The same for people: a backslash stands as it is.
+void putReadableName(Output* out, const char* name);
+
 // Ends a line; writes when enough has come together.
 void endLine(Output* out);
 

@@ -268,11 +268,12 @@ TEST_F(Kbx, InfoTellsWhatIsWrongWithTheMesh)
 TEST_F(Kbx, InfoSaysWhichTexturesAreMissing)
 {
     write("square.obj", squareObj);
-    write("square.mtl", "newmtl red\nmap_Kd here.jpg\nmap_d gone.jpg\n");
+    write("square.mtl", "newmtl red\nmap_Kd here.jpg\nmap_d far\\gone.jpg\n");
     write("here.jpg", "any bytes");
     Result result = run("info square.obj");
-    EXPECT_NE(result.out.find("    \"red\" 1 faces  texture \"here.jpg\" (found)  opacity \"gone.jpg\" (missing)\n"),
-              std::string::npos)
+    EXPECT_NE(
+        result.out.find("    \"red\" 1 faces  texture \"here.jpg\" (found)  opacity \"far\\gone.jpg\" (missing)\n"),
+        std::string::npos)
         << result.out;
 }
 
