@@ -9,7 +9,8 @@ install(FILES ${PROJECT_BINARY_DIR}/share/kbx.fish DESTINATION ${CMAKE_INSTALL_D
 install(FILES resources/linux/kestrelbox.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES resources/linux/kestrelbox.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
 install(FILES resources/kestrelbox.png DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/256x256/apps)
-install(FILES README.md CHANGELOG.md docs/formats.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
 
 set(CPACK_GENERATOR DEB)
