@@ -1,49 +1,26 @@
 // image/debug_bmp.cpp - a 24-bit bitmap, bottom row first as the pixels are
 #include "image/debug_bmp.h"
 
+#include "model/bitmap.h"
 #include "platform/files.h"
 
 #include <stdlib.h>
 
-constexpr int32_t fileHeaderBytes = 14;
-constexpr int32_t infoHeaderBytes = 40;
-constexpr int32_t perCentimetre = 2;
-
-static void put16(uint8_t* at, uint32_t value)
+static int writeHeader(FILE* file, const JpegOutput& output)
 {
-    at[0] = static_cast<uint8_t>(value);
-    at[1] = static_cast<uint8_t>(value >> 8);
-}
-
-static void put32(uint8_t* at, uint32_t value)
-{
-    put16(at, value & 0xFFFF);
-    put16(at + 2, value >> 16);
-}
-
-static int writeHeaders(FILE* file, const JpegOutput& output, uint32_t rowBytes)
-{
-    uint8_t fileHeader[fileHeaderBytes] = { 'B', 'M' };
-    uint64_t fileBytes =
-        uint64_t{ rowBytes } * static_cast<uint32_t>(output.height) + fileHeaderBytes + infoHeaderBytes;
-    put32(fileHeader + 2, static_cast<uint32_t>(fileBytes & UINT32_MAX));
-    put32(fileHeader + 10, fileHeaderBytes + infoHeaderBytes);
-    uint8_t info[infoHeaderBytes] = {};
-    put32(info, infoHeaderBytes);
-    put32(info + 4, static_cast<uint32_t>(output.width));
-    put32(info + 8, static_cast<uint32_t>(output.height));
-    put16(info + 12, 1);
-    put16(info + 14, 24);
+    constexpr int32_t perCentimetre = 2;
+    BitmapHeader header = { output.width, output.height, 0, 0, 0 };
     if (output.densityUnit == perCentimetre)
     {
-        put32(info + 24, static_cast<uint32_t>(output.xDensity) * 100);
-        put32(info + 28, static_cast<uint32_t>(output.yDensity) * 100);
+        header.xPerMetre = static_cast<uint32_t>(output.xDensity) * 100;
+        header.yPerMetre = static_cast<uint32_t>(output.yDensity) * 100;
     }
-    return fwrite(fileHeader, sizeof fileHeader, 1, file) == 1 && fwrite(info, sizeof info, 1, file) == 1;
+    return writeBitmapHeader(file, header);
 }
 
-static int writeRows(FILE* file, const JpegOutput& output, const uint32_t* pixels, uint32_t rowBytes)
+static int writeRows(FILE* file, const JpegOutput& output, const uint32_t* pixels)
 {
+    size_t rowBytes = bitmapRowBytes(output.width);
     auto* row = static_cast<uint8_t*>(calloc(1, rowBytes));
     int ok = row != nullptr;
     for (int32_t y = 0; y < output.height && ok; ++y)
@@ -64,8 +41,7 @@ static int writeRows(FILE* file, const JpegOutput& output, const uint32_t* pixel
 
 int writeDebugBmpTo(FILE* file, const JpegOutput& output, const uint32_t* pixels)
 {
-    uint32_t rowBytes = (static_cast<uint32_t>(output.width) * 3 + 3) & ~3u;
-    return writeHeaders(file, output, rowBytes) && writeRows(file, output, pixels, rowBytes);
+    return writeHeader(file, output) && writeRows(file, output, pixels);
 }
 
 int writeDebugBmpAs(const char* path, const JpegOutput& output, const uint32_t* pixels)

@@ -5,6 +5,7 @@
 // edge-on.
 #include "render/shadows.h"
 
+#include "model/bitmap.h"
 #include "model/matrix.h"
 #include "platform/files.h"
 #include "render/edges.h"
@@ -262,27 +263,12 @@ void MarkShadowedVertices(const FrameBuffer* target, Mesh* mesh, const FrameTran
 
 // ----- the diagnostic picture
 
-static void putWord(uint8_t* at, uint32_t value, int bytes)
-{
-    for (int i = 0; i < bytes; ++i)
-        at[i] = static_cast<uint8_t>(value >> (8 * i));
-}
-
 static int writeShadowPicture(FILE* file, const FrameBuffer* target)
 {
-    uint32_t side = static_cast<uint32_t>(target->shadowSize);
-    uint32_t rowBytes = (side * 3 + 3) & ~3u;
-    uint8_t header[54] = { 'B', 'M' };
-    putWord(header + 2, side * rowBytes + sizeof header, 4);
-    putWord(header + 10, sizeof header, 4);
-    putWord(header + 14, 40, 4);
-    putWord(header + 18, side, 4);
-    putWord(header + 22, side, 4);
-    putWord(header + 26, 1, 2);
-    putWord(header + 28, 24, 2);
-    putWord(header + 34, side * rowBytes, 4);
-    if (fwrite(header, sizeof header, 1, file) != 1)
+    if (!writeBitmapHeader(file, { target->shadowSize, target->shadowSize, 1, 0, 0 }))
         return 0;
+    uint32_t side = static_cast<uint32_t>(target->shadowSize);
+    size_t rowBytes = bitmapRowBytes(target->shadowSize);
     uint8_t* row = static_cast<uint8_t*>(calloc(rowBytes, 1));
     int ok = row != nullptr;
     for (uint32_t y = side; ok && y-- > 0;)
