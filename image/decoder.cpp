@@ -34,11 +34,11 @@ JpegKernels chooseKernels(int plain)
     static const uint32_t features = processorFeatures();
     static const bool avx2 = processorHasAvx2() != 0;
     if (!plain && (features & processorSse2))
-        return { inverseDctSse2, triangleH2Sse2, triangleH2V2Sse2, avx2 ? convertYccAvx2 : convertYccSse2,
-                 convertGreySse2 };
+        return { inverseDctSse2,   avx2 ? inverseDctPairAvx2 : inverseDctPairSse2, triangleH2Sse2,
+                 triangleH2V2Sse2, avx2 ? convertYccAvx2 : convertYccSse2,         convertGreySse2 };
 #endif
     (void)plain;
-    return { inverseDct, triangleH2, triangleH2V2, convertYcc, convertGrey };
+    return { inverseDct, inverseDctPair, triangleH2, triangleH2V2, convertYcc, convertGrey };
 }
 
 static int allocatePixels(Image* image)
@@ -162,10 +162,31 @@ static int startDecompression(Image* image)
     return setUpScan() && setUpScanTables() && startEntropy() && allocatePixels(image);
 }
 
+// Blocks go to the inverse DCT in pairs: the first of two waits here. They live until the next MCU is decoded.
+struct IdctQueue
+{
+    IdctTask tasks[2];
+    int32_t waiting = 0;
+
+    void add(const IdctTask& task)
+    {
+        tasks[waiting++] = task;
+        if (waiting == 2)
+            jpeg.kernels->idctPair(tasks);
+        waiting &= 1;
+    }
+    void finish() const
+    {
+        if (waiting)
+            jpeg.kernels->idct(tasks[0].block, *tasks[0].quant, tasks[0].out, tasks[0].strideBytes);
+    }
+};
+
 // Samples of the MCU just decoded. mcuRow counts within the iMCU row, to which bufferRow is the component's first row.
 static void placeMcu(int32_t imcuRow, int32_t mcuRow, int32_t mcuColumn)
 {
     int32_t b = 0;
+    IdctQueue queue;
     int lastRow = imcuRow == jpeg.imcuRows - 1;
     int lastColumn = mcuColumn == jpeg.mcusPerRow - 1;
     for (int32_t i = 0; i < jpeg.scanCount; ++i)
@@ -185,9 +206,10 @@ static void placeMcu(int32_t imcuRow, int32_t mcuRow, int32_t mcuColumn)
                 if (jpeg.lastIndex[b] == 0)
                     inverseDctFlat(jpeg.blocks[b][0], *component->quant, out, component->rowStride);
                 else
-                    jpeg.kernels->idct(jpeg.blocks[b], *component->quant, out, component->rowStride);
+                    queue.add({ jpeg.blocks[b], component->quant, out, component->rowStride });
             }
     }
+    queue.finish();
 }
 
 static int decodeImcuRow(int32_t imcuRow)

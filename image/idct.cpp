@@ -1,23 +1,10 @@
 // image/idct.cpp - the inverse DCT
+#include "image/idct.h"
 #include "image/kernels.h"
 
 #ifdef JPEG_SSE2
 #include <emmintrin.h>
 #endif
-
-// Multipliers with 13 fractional bits, and those that pairs of them make.
-constexpr int32_t fix0298 = 2446, fix0390 = 3196, fix0541 = 4433, fix0765 = 6270, fix0899 = 7373, fix1175 = 9633,
-                  fix1501 = 12299, fix1847 = 15137, fix1961 = 16069, fix2053 = 16819, fix2562 = 20995, fix3072 = 25172;
-constexpr int32_t even2 = fix0541 + fix0765, even6 = fix0541 - fix1847;
-constexpr int32_t odd3 = fix1175 - fix1961, odd4 = fix1175 - fix0390;
-constexpr int32_t odd7 = fix0298 - fix0899, odd1 = fix1501 - fix0899;
-constexpr int32_t odd5 = fix2053 - fix2562, odd33 = fix3072 - fix2562;
-constexpr int32_t one = 1 << 13;
-
-constexpr int32_t columnShift = 11;
-constexpr int32_t columnRound = 1 << 10;
-constexpr int32_t rowShift = 18;
-constexpr int32_t rowRound = 1 << 17;
 
 static int16_t saturate16(int32_t x)
 {
@@ -101,6 +88,12 @@ void inverseDct(const int16_t* block, const QuantTable& quant, uint8_t* out, ptr
         for (int32_t i = 0; i < 8; ++i)
             out[row * strideBytes + i] = sample(add(sums[i], rowRound) >> rowShift);
     }
+}
+
+void inverseDctPair(const IdctTask* tasks)
+{
+    for (int i = 0; i < 2; ++i)
+        inverseDct(tasks[i].block, *tasks[i].quant, tasks[i].out, tasks[i].strideBytes);
 }
 
 void inverseDctFlat(int16_t first, const QuantTable& quant, uint8_t* out, ptrdiff_t strideBytes)
@@ -208,6 +201,12 @@ SSE2 void inverseDctSse2(const int16_t* block, const QuantTable& quant, uint8_t*
         _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i * strideBytes), two);
         _mm_storel_epi64(reinterpret_cast<__m128i*>(out + (i + 1) * strideBytes), _mm_srli_si128(two, 8));
     }
+}
+
+SSE2 void inverseDctPairSse2(const IdctTask* tasks)
+{
+    for (int i = 0; i < 2; ++i)
+        inverseDctSse2(tasks[i].block, *tasks[i].quant, tasks[i].out, tasks[i].strideBytes);
 }
 
 #endif

@@ -21,6 +21,16 @@ void inverseDct(const int16_t* block, const QuantTable& quant, uint8_t* out, ptr
 // The same for a block of nothing but its first coefficient.
 void inverseDctFlat(int16_t first, const QuantTable& quant, uint8_t* out, ptrdiff_t strideBytes);
 
+// Two blocks, each as inverseDct's arguments. They may stand anywhere that does not overlap.
+struct IdctTask
+{
+    const int16_t* block;
+    const QuantTable* quant;
+    uint8_t* out;
+    ptrdiff_t strideBytes;
+};
+void inverseDctPair(const IdctTask* tasks);
+
 // n samples to 2 n by the triangle filter: three quarters of the nearer and one of the farther sample. The sample
 // before the first and the one after the last are the row's own end samples: in[-1] and in[n] are set to them.
 void triangleH2(uint8_t* out, uint8_t* in, int32_t n);
@@ -36,6 +46,8 @@ void convertGrey(uint32_t* words, const uint8_t* grey, int32_t n);
 #if defined(__x86_64__) || defined(__i386__)
 #define JPEG_SSE2 1
 void inverseDctSse2(const int16_t* block, const QuantTable& quant, uint8_t* out, ptrdiff_t strideBytes);
+void inverseDctPairSse2(const IdctTask* tasks);
+void inverseDctPairAvx2(const IdctTask* tasks);
 void triangleH2Sse2(uint8_t* out, uint8_t* in, int32_t n);
 void triangleH2V2Sse2(uint8_t* out, const uint8_t* in, const uint8_t* near, int16_t* sums, int32_t n);
 void convertYccSse2(uint32_t* words, const uint8_t* y, const uint8_t* cb, const uint8_t* cr, int32_t n);
@@ -46,6 +58,7 @@ void convertGreySse2(uint32_t* words, const uint8_t* grey, int32_t n);
 struct JpegKernels
 {
     decltype(&inverseDct) idct;
+    decltype(&inverseDctPair) idctPair;
     decltype(&triangleH2) triangle;
     decltype(&triangleH2V2) triangle2;
     decltype(&convertYcc) ycc;

@@ -52,6 +52,33 @@ TEST_F(JpegKernelsTest, InverseDct)
     }
 }
 
+TEST_F(JpegKernelsTest, InverseDctOfTwoBlocksIsThatOfEach)
+{
+    for (int round = 0; round < 20000; ++round)
+    {
+        int16_t blocks[2][64];
+        QuantTable quants[2] = {};
+        for (int side = 0; side < 2; ++side)
+            for (int i = 0; i < 64; ++i)
+            {
+                bool large = (round + side) % 50 == 0; // products beyond 16 bits: both go the plain way
+                blocks[side][i] = static_cast<int16_t>(random() % 4 ? 0 : static_cast<int>(random() % 512) - 256);
+                quants[side].entries[i] = static_cast<int32_t>(large ? random() % 65536 : 1 + random() % 255);
+                quants[side].low[i] = static_cast<int16_t>(quants[side].entries[i]);
+                quants[side].beyond16 |= i < 8 && quants[side].entries[i] > 32767;
+            }
+        uint8_t expected[2][8 * 11], found[2][8 * 11];
+        memset(expected, 0xAA, sizeof expected);
+        memset(found, 0xAA, sizeof found);
+        for (int side = 0; side < 2; ++side)
+            plain.idct(blocks[side], quants[side], expected[side], 11);
+        const IdctTask tasks[2] = { { blocks[0], &quants[0], found[0], 11 }, { blocks[1], &quants[1], found[1], 11 } };
+        fast.idctPair(tasks);
+        ASSERT_EQ(memcmp(expected[0], found[0], sizeof expected[0]), 0) << round;
+        ASSERT_EQ(memcmp(expected[1], found[1], sizeof expected[1]), 0) << round;
+    }
+}
+
 TEST_F(JpegKernelsTest, TriangleFilters)
 {
     for (int n = 3; n < 70; ++n)
