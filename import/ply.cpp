@@ -10,6 +10,8 @@
 #include "platform/files.h"
 #include "tools/uvs.h"
 
+#include <bit>
+
 constexpr int32_t progressInterval = 10000; // vertices, faces and strip steps
 constexpr int32_t spareFaces = 1024;
 
@@ -122,11 +124,10 @@ static void decodePositions(MeshVertex* out, const uint8_t* at, int64_t count, c
     at += layout.places[0].offset;
     for (int64_t i = 0; i < count; ++i, at += layout.recordBytes)
     {
-        uint32_t words[4];
         for (size_t axis = 0; axis < 3; ++axis)
-            words[axis] = sanitizedBits(plyLoad<uint32_t>(at + axis * sizeof(float), swap));
-        words[3] = opaqueWhite;
-        memcpy(&out[i], words, sizeof words); // position and colour
+            out[i].position[axis] =
+                std::bit_cast<float>(sanitizedBits(plyLoad<uint32_t>(at + axis * sizeof(float), swap)));
+        out[i].colour = opaqueWhite;
     }
 }
 

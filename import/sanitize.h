@@ -16,9 +16,13 @@ inline int SanitizeFloat(float* value)
     return exponent == 0;
 }
 
-// The bits that SanitizeFloat leaves, without a branch.
+// The bits that SanitizeFloat leaves and its answer, without a branch.
 inline uint32_t sanitizedBits(uint32_t bits)
 {
     uint32_t exponent = (bits >> 23) & 0xFF;
     return exponent - 1 < 146 ? bits : 0;
+}
+inline bool isGoodFloat(uint32_t bits)
+{
+    return ((bits >> 23) & 0xFF) < 147;
 }

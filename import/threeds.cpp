@@ -72,9 +72,10 @@ static int read3ds(ThreeDsReadContext* context)
     if (context->objectCount > 0 && renderSettings.keyframes3ds)
         applyPivots(context);
     turnUpright(mesh);
-    computeNormals(mesh);
+    addFaceNormals(mesh, 0, mesh->faceCount);
+    finishNormals(mesh);
     computeBounds(mesh);
-    return mesh->uvCount > 0 || resetUvs(mesh);
+    return mesh->uvCount > 0 || addPlaceholderUv(mesh);
 }
 
 int Load3dsFile(Mesh* mesh, const char* path)

@@ -4,6 +4,7 @@
 #include "import/sanitize.h"
 
 #include <math.h>
+#include <iterator>
 
 static ThreeDsObject* findObject(ThreeDsReadContext* context, const char* name)
 {
@@ -76,6 +77,15 @@ static void keepReachable(float (&position)[3])
         position[0] = position[1] = position[2] = 0;
 }
 
+// Whether the matrix moves nothing: coordinates are finite and zeros positive, so that products with 1 and 0 keep them.
+static bool isIdentity(const Matrix& matrix)
+{
+    bool same = true;
+    for (size_t i = 0; i < std::size(matrix.m); ++i)
+        same &= matrix.m[i] == identityMatrix.m[i];
+    return same;
+}
+
 // An object without an inverse stays where it is.
 static void applyPivot(Mesh* mesh, const ThreeDsObject& object)
 {
@@ -85,6 +95,8 @@ static void applyPivot(Mesh* mesh, const ThreeDsObject& object)
     setTranslation(&translation, -object.pivot[0], -object.pivot[1], -object.pivot[2]);
     multiplyMatrices(&move, &object.matrix, &translation);
     multiplyMatrices(&move, &move, &inverse);
+    if (isIdentity(move))
+        return;
     for (int32_t i = object.firstVertex; i < object.endVertex; ++i)
     {
         transformPoint(mesh->vertices[i].position, &move, mesh->vertices[i].position);

@@ -4,10 +4,13 @@
 #include "import/sanitize.h"
 #include "platform/boxes.h"
 
-// What a list's records take, and what a typical file has for each of its vertices and faces all told: room for the
-// whole file is taken with the first list, so that later ones do not move it.
+#include <bit>
+
+// What a list's records take, and what a file without texture coordinates has for each of its vertices and faces all
+// told: room for the whole file is taken with the first list, so that later ones do not move it. Others have more
+// bytes; room that is never touched costs nothing.
 constexpr size_t vertexBytes = 12, uvBytes = 8, faceBytes = 8, faceNumberBytes = 2;
-constexpr int64_t fileBytesPerVertex = 40, fileBytesPerFace = 20;
+constexpr int64_t fileBytesPerVertex = 30, fileBytesPerFace = 15;
 
 // How much to grow by to have room for `records` more; 0 when there is. It is at least a quarter of what was there.
 static int32_t growthFor(int32_t records, int32_t count, int32_t capacity, int64_t estimate)
@@ -32,17 +35,19 @@ static int32_t takeListCount(ByteSource* source, size_t recordBytes)
     return there ? count : -1;
 }
 
+// A vertex with a coordinate that SanitizeFloat reports bad goes to the origin.
 static void decodeVertices(MeshVertex* out, const uint8_t* at, int64_t count)
 {
     for (int64_t i = 0; i < count; ++i, at += vertexBytes)
     {
-        float* position = out[i].position;
-        memcpy(position, at, vertexBytes);
-        int good = SanitizeFloat(&position[0]);
-        good &= SanitizeFloat(&position[1]);
-        good &= SanitizeFloat(&position[2]);
-        if (!good)
-            position[0] = position[1] = position[2] = 0;
+        uint32_t x, y, z;
+        memcpy(&x, at, sizeof x);
+        memcpy(&y, at + sizeof x, sizeof y);
+        memcpy(&z, at + 2 * sizeof x, sizeof z);
+        bool good = isGoodFloat(x) & isGoodFloat(y) & isGoodFloat(z);
+        out[i].position[0] = std::bit_cast<float>(good ? sanitizedBits(x) : 0);
+        out[i].position[1] = std::bit_cast<float>(good ? sanitizedBits(y) : 0);
+        out[i].position[2] = std::bit_cast<float>(good ? sanitizedBits(z) : 0);
         out[i].colour = opaqueWhite;
     }
 }
@@ -118,6 +123,8 @@ static void decodeFaces(ThreeDsReadContext* context, const uint8_t* at, int64_t 
     uint32_t vertexCount = static_cast<uint32_t>(mesh->vertexCount) - vertexBase;
     uint32_t uvCount = static_cast<uint32_t>(mesh->uvCount) - uvBase;
     uint32_t attributes = static_cast<uint32_t>(mesh->groupCount) << faceGroupShift;
+    Corners *faces = mesh->faces, *faceUvs = mesh->faceUvs;
+    int32_t face = mesh->faceCount;
     for (int64_t i = 0; i < count; ++i, at += faceBytes)
     {
         uint16_t corners[4]; // the fourth are flags
@@ -125,12 +132,13 @@ static void decodeFaces(ThreeDsReadContext* context, const uint8_t* at, int64_t 
         uint32_t a = corners[0], b = corners[1], c = corners[2];
         if (a >= vertexCount || b >= vertexCount || c >= vertexCount || a == b || a == c || b == c)
             continue;
-        int32_t face = mesh->faceCount++;
-        mesh->faces[face] = { vertexBase + a, vertexBase + b, vertexBase + c, noCorner };
+        faces[face] = { vertexBase + a, vertexBase + b, vertexBase + c, noCorner };
         mesh->faceAttributes[face] = attributes;
         if (a < uvCount && b < uvCount && c < uvCount)
-            mesh->faceUvs[face] = { uvBase + a, uvBase + b, uvBase + c, 0 };
+            faceUvs[face] = { uvBase + a, uvBase + b, uvBase + c, 0 };
+        ++face;
     }
+    mesh->faceCount = face;
 }
 
 // Face numbers count the faces of the file. After a dropped face they are one off, on purpose.
