@@ -75,6 +75,7 @@ static Mesh* soup(int64_t vertexCount)
         uint32_t first = static_cast<uint32_t>(f) * 3;
         addFace(mesh, { first, first + 1, first + 2, noCorner });
     }
+    computeNormals(mesh); // as a mesh that was read has them
     std::swap(table, memoryTable);
     freeMesh(welded);
     std::swap(table, memoryTable);

@@ -82,7 +82,7 @@ void* workAlloc(size_t size)
 {
     if (size == 0)
         return nullptr;
-    void* block = allocatePages(size);
+    void* block = allocateWorkPages(size);
     if (!block)
         reportOutOfMemory();
     return block;

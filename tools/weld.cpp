@@ -1,9 +1,10 @@
 // tools/weld.cpp - merging vertices by position
 //
-// Vertices are looked up in one hash: of the position when only equal ones merge, else of the step of |x - y + z| and
-// of the cell of a grid in which near positions lie in the same cell or in neighbouring ones. A vertex merges into the
-// first stored one that it is near to, which itself has merged into nothing. A vertex is stored once at most, so a
-// store of one place per vertex never runs out.
+// Vertices are taken in order and looked up in one hash of those kept so far: of the position when only equal ones
+// merge, else of the step of |x - y + z| and of the cell of a grid in which near positions lie in the same cell or in
+// neighbouring ones. A vertex merges into the first kept one that it is near to. One that is kept moves down at once,
+// so that all that are kept lie side by side and have their new numbers. A vertex is stored once at most, so a store of
+// one place per vertex never runs out.
 #include "tools/weld.h"
 
 #include "model/memory.h"
@@ -17,22 +18,20 @@
 #include <stdio.h>
 #include <string.h>
 #include <algorithm>
+#include <bit>
 
 constexpr float nearTolerance = 0.00001f;
-constexpr int32_t batch = 32; // vertices whose memory is asked for ahead
+constexpr int32_t batch = 64; // vertices whose memory is asked for ahead
 constexpr uint32_t unused = 0;
-
-struct KeyRange
-{
-    float smallest, largest;
-};
 
 struct VertexStore
 {
-    uint32_t* home; // hashed: vertex + 1, 0 for none
+    MeshVertex* vertices; // the mesh's; the first `kept` of them are those that stay
+    uint32_t kept;
+    uint32_t* target; // per old vertex: the new number + 1 of what it becomes, before that 1 if it is used; unused
+    uint32_t* home;   // hashed: new number + 1, with a tag above it where only equal ones merge; 0 for none
     uint32_t homeMask;
-    uint32_t* next;   // per vertex: the next vertex + 1 of the same hash
-    uint32_t* target; // per vertex: the vertex + 1 it becomes, first in old numbers, then in new; unused: removed
+    uint32_t* next; // per kept vertex where near ones merge: the next of the same hash, as in home
 };
 
 static float keyOf(const float* position)
@@ -46,26 +45,18 @@ static bool nearPositions(const float* a, const float* b)
            fabsf(a[2] - b[2]) <= nearTolerance;
 }
 
-static void freeVertexStore(VertexStore* store)
+// One block: the home entries, of which half at least stay free where only equal vertices merge, and the other arrays.
+static int makeVertexStore(VertexStore* store, const Mesh* mesh, bool equalOnly)
 {
-    workFree(store->target);
-    workFree(store->home);
-}
-
-static int makeVertexStore(VertexStore* store, int32_t vertexCount)
-{
-    *store = {};
-    store->homeMask = tableMask(static_cast<uint64_t>(vertexCount));
-    int64_t homeCount = int64_t{ store->homeMask } + 1;
-    store->home = static_cast<uint32_t*>(workAlloc(blockSize(homeCount + vertexCount, sizeof(uint32_t))));
-    if (!store->home)
+    int64_t count = mesh->vertexCount;
+    uint32_t mask = tableMask(static_cast<uint64_t>(equalOnly ? 2 * count : count));
+    int64_t homeCount = int64_t{ mask } + 1;
+    auto* block =
+        static_cast<uint32_t*>(workAlloc(blockSize(homeCount + (equalOnly ? count : 2 * count), sizeof(uint32_t))));
+    if (!block)
         return 0;
-    store->next = store->home + homeCount;
-    store->target = static_cast<uint32_t*>(workAlloc(blockSize(vertexCount, sizeof(uint32_t))));
-    if (store->target)
-        return 1;
-    freeVertexStore(store);
-    return 0;
+    *store = { mesh->vertices, 0, block + homeCount, block, mask, equalOnly ? nullptr : block + homeCount + count };
+    return 1;
 }
 
 static size_t usedCorners(const Corners& corners)
@@ -76,7 +67,7 @@ static size_t usedCorners(const Corners& corners)
     return count;
 }
 
-// Every vertex of a face that is not deleted becomes itself; the others stay unused.
+// Marks every vertex of a face that is not deleted.
 static void markUsedVertices(const Mesh* mesh, uint32_t* target)
 {
     for (int32_t f = 0; f < mesh->faceCount; ++f)
@@ -86,64 +77,78 @@ static void markUsedVertices(const Mesh* mesh, uint32_t* target)
         if (mesh->faceAttributes[f] & faceDeleted || !cornersAreVertices(mesh, corners, count))
             continue;
         for (size_t k = 0; k < count; ++k)
-            target[corners[k]] = corners[k] + 1;
+            target[corners[k]] = 1;
     }
 }
 
-static void widenRange(KeyRange* range, float key)
+// Gives a vertex the next new number. Its position and colour move down; normals are made anew afterwards.
+static uint32_t keepVertex(VertexStore* store, uint32_t vertex)
 {
-    range->smallest = key < range->smallest ? key : range->smallest;
-    range->largest = key > range->largest ? key : range->largest;
+    if (store->kept != vertex)
+        memcpy(&store->vertices[store->kept], &store->vertices[vertex], sizeof(float[3]) + sizeof(uint32_t));
+    return store->target[vertex] = ++store->kept;
 }
 
-static KeyRange rangeOfKeys(const Mesh* mesh)
+// What the home entries of equal vertices hold: the new number + 1 in the low bits, bits of the hash above it. The
+// entry where a hash is looked for first is told by its upper bits.
+struct EqualWeld
 {
-    KeyRange range = { keyOf(mesh->vertices[0].position), keyOf(mesh->vertices[0].position) };
-    for (int32_t i = 1; i < mesh->vertexCount; ++i)
-        widenRange(&range, keyOf(mesh->vertices[i].position));
-    return range;
+    VertexStore* store;
+    int numberBits, hashShift;
+};
+
+static uint32_t* homeOf(const EqualWeld& weld, uint32_t hash)
+{
+    return &weld.store->home[static_cast<uint64_t>(hash) >> weld.hashShift];
 }
 
-static void mergeEqual(const VertexStore& store, const MeshVertex* vertices, uint32_t i, uint32_t* home)
+static void mergeEqual(const EqualWeld& weld, uint32_t vertex, uint32_t hash)
 {
-    for (uint32_t stored = *home; stored != 0; stored = store.next[stored - 1])
+    VertexStore* store = weld.store;
+    const uint32_t tag = hash << weld.numberBits, numberMask = (1u << weld.numberBits) - 1;
+    const float* position = store->vertices[vertex].position;
+    uint32_t place = static_cast<uint32_t>(homeOf(weld, hash) - store->home);
+    for (; store->home[place] != 0; place = (place + 1) & store->homeMask)
     {
-        if (equalPositions(vertices[stored - 1].position, vertices[i].position))
-        {
-            store.target[i] = stored;
-            return;
-        }
+        uint32_t number = store->home[place] & numberMask;
+        if ((store->home[place] ^ number) != tag || !equalPositions(store->vertices[number - 1].position, position))
+            continue;
+        store->target[vertex] = number;
+        return;
     }
-    store.next[i] = *home;
-    *home = i + 1;
+    store->home[place] = tag | keepVertex(store, vertex);
 }
 
 // Three rounds over a batch, so that what one needs is on its way while the others are asked for: the home entries,
 // the vertices stored there, the comparison.
-static void mergeEqualBatch(const VertexStore& store, const MeshVertex* vertices, int32_t first, int32_t count)
+static void mergeEqualBatch(const EqualWeld& weld, uint32_t first, uint32_t count)
 {
-    uint32_t* homes[batch];
-    for (int32_t i = 0; i < count; ++i)
+    const VertexStore* store = weld.store;
+    uint32_t hashes[batch];
+    for (uint32_t i = 0; i < count; ++i)
     {
-        homes[i] = &store.home[positionHash(vertices[first + i].position) & store.homeMask];
-        __builtin_prefetch(homes[i], 1);
+        hashes[i] = positionHash(store->vertices[first + i].position);
+        __builtin_prefetch(homeOf(weld, hashes[i]), 1);
     }
-    for (int32_t i = 0; i < count; ++i)
+    for (uint32_t i = 0; i < count; ++i)
     {
-        if (*homes[i] != 0)
-            __builtin_prefetch(&vertices[*homes[i] - 1]);
+        uint32_t number = *homeOf(weld, hashes[i]) & ((1u << weld.numberBits) - 1);
+        __builtin_prefetch(&store->vertices[number == 0 ? 0 : number - 1]);
     }
-    for (int32_t i = 0; i < count; ++i)
+    for (uint32_t i = 0; i < count; ++i)
     {
-        if (store.target[first + i] != unused)
-            mergeEqual(store, vertices, static_cast<uint32_t>(first + i), homes[i]);
+        if (store->target[first + i] != unused)
+            mergeEqual(weld, first + i, hashes[i]);
     }
 }
 
-static void mergeAllEqual(const Mesh* mesh, const VertexStore& store)
+static void mergeAllEqual(const Mesh* mesh, VertexStore* store)
 {
-    for (int32_t first = 0; first < mesh->vertexCount; first += batch)
-        mergeEqualBatch(store, mesh->vertices, first, std::min(batch, mesh->vertexCount - first));
+    const auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
+    EqualWeld weld = { store, static_cast<int>(std::bit_width(vertexCount)),
+                       static_cast<int>(std::countl_zero(store->homeMask)) };
+    for (uint32_t first = 0; first < vertexCount; first += batch)
+        mergeEqualBatch(weld, first, std::min<uint32_t>(batch, vertexCount - first));
 }
 
 // Where near vertices are looked for: the step of the key and the cell of the position.
@@ -184,23 +189,40 @@ static uint32_t placeHash(const Place& place)
     return static_cast<uint32_t>(key >> 32);
 }
 
-struct NearWeld
+struct KeyRange
 {
-    const VertexStore* store;
-    const MeshVertex* vertices;
-    float smallest, scale;
-    int32_t vertexCount;
+    float smallest, largest;
 };
 
-static int32_t stepOfVertex(const NearWeld& weld, uint32_t vertex)
+static void widenRange(KeyRange* range, float key)
 {
-    return stepOf(keyOf(weld.vertices[vertex].position), weld.smallest, weld.scale, weld.vertexCount);
+    range->smallest = key < range->smallest ? key : range->smallest;
+    range->largest = key > range->largest ? key : range->largest;
 }
 
-static Place placeOf(const NearWeld& weld, uint32_t vertex)
+static KeyRange rangeOfKeys(const Mesh* mesh)
 {
-    const float* position = weld.vertices[vertex].position;
-    return { stepOfVertex(weld, vertex), { cellOf(position[0]), cellOf(position[1]), cellOf(position[2]) } };
+    KeyRange range = { keyOf(mesh->vertices[0].position), keyOf(mesh->vertices[0].position) };
+    for (int32_t i = 1; i < mesh->vertexCount; ++i)
+        widenRange(&range, keyOf(mesh->vertices[i].position));
+    return range;
+}
+
+struct NearWeld
+{
+    VertexStore* store;
+    float smallest, scale;
+    int32_t vertexCount; // before
+};
+
+static int32_t stepOfPosition(const NearWeld& weld, const float* position)
+{
+    return stepOf(keyOf(position), weld.smallest, weld.scale, weld.vertexCount);
+}
+
+static Place placeOf(const NearWeld& weld, const float* position)
+{
+    return { stepOfPosition(weld, position), { cellOf(position[0]), cellOf(position[1]), cellOf(position[2]) } };
 }
 
 static uint32_t* homeOf(const NearWeld& weld, const Place& place)
@@ -208,14 +230,15 @@ static uint32_t* homeOf(const NearWeld& weld, const Place& place)
     return &weld.store->home[placeHash(place) & weld.store->homeMask];
 }
 
-// The lowest of the best so far and the near vertices of one cell; vertices + 1, 0 for none.
-static uint32_t nearestInCell(const NearWeld& weld, uint32_t vertex, const Place& place, uint32_t best)
+// The lowest of the best so far and the near vertices of one cell; new numbers + 1, 0 for none.
+static uint32_t nearestInCell(const NearWeld& weld, const float* position, const Place& place, uint32_t best)
 {
-    for (uint32_t stored = *homeOf(weld, place); stored != 0; stored = weld.store->next[stored - 1])
+    const VertexStore* store = weld.store;
+    for (uint32_t stored = *homeOf(weld, place); stored != 0; stored = store->next[stored - 1])
     {
+        const float* there = store->vertices[stored - 1].position;
         bool lower = best == 0 || stored < best;
-        if (lower && nearPositions(weld.vertices[stored - 1].position, weld.vertices[vertex].position) &&
-            stepOfVertex(weld, stored - 1) == place.step)
+        if (lower && nearPositions(there, position) && stepOfPosition(weld, there) == place.step)
             best = stored;
     }
     return best;
@@ -235,8 +258,10 @@ static void cellsToSearch(const float* position, const Place& own, int64_t* low,
 
 static void mergeNear(const NearWeld& weld, uint32_t vertex, const Place& own)
 {
+    VertexStore* store = weld.store;
+    const float* position = store->vertices[vertex].position;
     int64_t low[3], high[3];
-    cellsToSearch(weld.vertices[vertex].position, own, low, high);
+    cellsToSearch(position, own, low, high);
     uint32_t best = 0;
     Place place = own;
     for (place.cell[0] = low[0]; place.cell[0] <= high[0]; ++place.cell[0])
@@ -244,69 +269,45 @@ static void mergeNear(const NearWeld& weld, uint32_t vertex, const Place& own)
         for (place.cell[1] = low[1]; place.cell[1] <= high[1]; ++place.cell[1])
         {
             for (place.cell[2] = low[2]; place.cell[2] <= high[2]; ++place.cell[2])
-                best = nearestInCell(weld, vertex, place, best);
+                best = nearestInCell(weld, position, place, best);
         }
     }
     if (best != 0)
     {
-        weld.store->target[vertex] = best;
+        store->target[vertex] = best;
         return;
     }
     uint32_t* home = homeOf(weld, own);
-    weld.store->next[vertex] = *home;
-    *home = vertex + 1;
+    uint32_t number = keepVertex(store, vertex);
+    store->next[number - 1] = *home;
+    *home = number;
 }
 
 // In rounds, as the equal ones; only the own cell's memory is asked for ahead.
 static void mergeNearBatch(const NearWeld& weld, uint32_t first, uint32_t count)
 {
+    const VertexStore* store = weld.store;
     Place places[batch];
     for (uint32_t i = 0; i < count; ++i)
     {
-        places[i] = placeOf(weld, first + i);
+        places[i] = placeOf(weld, store->vertices[first + i].position);
         __builtin_prefetch(homeOf(weld, places[i]), 1);
     }
     for (uint32_t i = 0; i < count; ++i)
     {
-        if (weld.store->target[first + i] != unused)
+        if (store->target[first + i] != unused)
             mergeNear(weld, first + i, places[i]);
     }
 }
 
-static void mergeAllNear(const Mesh* mesh, const VertexStore& store, const KeyRange& range)
+static void mergeAllNear(const Mesh* mesh, VertexStore* store)
 {
+    KeyRange range = rangeOfKeys(mesh);
     float scale = static_cast<float>(mesh->vertexCount - 1) / (range.largest - range.smallest);
-    NearWeld weld = { &store, mesh->vertices, range.smallest, scale, mesh->vertexCount };
-    for (int32_t first = 0; first < mesh->vertexCount; first += batch)
-        mergeNearBatch(weld, static_cast<uint32_t>(first),
-                       static_cast<uint32_t>(std::min(batch, mesh->vertexCount - first)));
-}
-
-static int32_t countRemoved(const Mesh* mesh, const uint32_t* target)
-{
-    int32_t removed = 0;
-    for (int32_t i = 0; i < mesh->vertexCount; ++i)
-        removed += target[i] != static_cast<uint32_t>(i) + 1;
-    return removed;
-}
-
-// Closes the gaps: positions and colours move, targets become new numbers. A target is lower than what merges into it,
-// so its new number is there already.
-static void compactVertices(Mesh* mesh, uint32_t* target)
-{
-    MeshVertex* vertices = mesh->vertices;
-    uint32_t kept = 0;
-    for (uint32_t i = 0; i < static_cast<uint32_t>(mesh->vertexCount); ++i)
-    {
-        if (target[i] == i + 1)
-        {
-            memcpy(&vertices[kept], &vertices[i], sizeof(float[3]) + sizeof(uint32_t));
-            target[i] = ++kept;
-        }
-        else if (target[i] != unused)
-            target[i] = target[target[i] - 1];
-    }
-    mesh->vertexCount = static_cast<int32_t>(kept);
+    NearWeld weld = { store, range.smallest, scale, mesh->vertexCount };
+    const auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
+    for (uint32_t first = 0; first < vertexCount; first += batch)
+        mergeNearBatch(weld, first, std::min<uint32_t>(batch, vertexCount - first));
 }
 
 static void renumberCorners(Mesh* mesh, const uint32_t* target, uint32_t oldCount)
@@ -326,44 +327,55 @@ static void renumberCorners(Mesh* mesh, const uint32_t* target, uint32_t oldCoun
     }
 }
 
-static int replaceVertices(Mesh* mesh, VertexStore* store)
+// What follows on the merging, and the outcome in a notice.
+static void finishWeld(Mesh* mesh, const VertexStore& store)
 {
-    int32_t removed = countRemoved(mesh, store->target);
+    const auto oldCount = static_cast<uint32_t>(mesh->vertexCount);
+    const uint32_t removed = oldCount - store.kept;
+    mesh->vertexCount = static_cast<int32_t>(store.kept);
     if (removed > 0)
-    {
-        uint32_t oldCount = static_cast<uint32_t>(mesh->vertexCount);
-        compactVertices(mesh, store->target);
-        renumberCorners(mesh, store->target, oldCount);
-    }
-    freeVertexStore(store);
+        renumberCorners(mesh, store.target, oldCount);
+    workFree(store.home);
     if (removed == 0)
     {
         showNotice("  No duplicated vertices");
-        return 1;
+        return;
     }
     computeNormals(mesh);
     computeBounds(mesh);
     char text[64];
-    snprintf(text, sizeof text, "Removed %d vertices", removed);
+    snprintf(text, sizeof text, "Removed %u vertices", removed);
     showNotice(text);
-    return 1;
+}
+
+// Whether the smallest and the largest key of the vertices differ; they also do when the first is no number.
+static bool keysDiffer(const Mesh* mesh)
+{
+    const float first = keyOf(mesh->vertices[0].position);
+    bool differ = isnan(first);
+    for (int32_t i = 1; i < mesh->vertexCount && !differ; ++i)
+    {
+        float key = keyOf(mesh->vertices[i].position);
+        differ = key < first || key > first;
+    }
+    return differ;
 }
 
 int weldVertices(Mesh* mesh)
 {
     VertexStore store;
-    if (mesh->vertexCount == 0 || !makeVertexStore(&store, mesh->vertexCount))
+    if (mesh->vertexCount == 0 || !makeVertexStore(&store, mesh, renderSettings.exactWeld != 0))
         return 0;
-    KeyRange range = rangeOfKeys(mesh);
-    if (range.largest == range.smallest)
+    if (!keysDiffer(mesh))
     {
-        freeVertexStore(&store);
+        workFree(store.home);
         return 0;
     }
     markUsedVertices(mesh, store.target);
     if (renderSettings.exactWeld)
-        mergeAllEqual(mesh, store);
+        mergeAllEqual(mesh, &store);
     else
-        mergeAllNear(mesh, store, range);
-    return replaceVertices(mesh, &store);
+        mergeAllNear(mesh, &store);
+    finishWeld(mesh, store);
+    return 1;
 }

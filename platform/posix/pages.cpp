@@ -1,8 +1,9 @@
 // platform/posix/pages.cpp - pages by mmap
 //
 // A block is preceded by a page of its own that remembers the mapping, so that a block can be released by its address
-// alone. Large blocks are laid on 2 MiB boundaries and ask for huge pages: touching fresh memory in 4 KiB steps costs
-// more than reading a file into it.
+// alone. Large blocks are laid on 2 MiB boundaries, take whole 2 MiB pages to their end and ask for huge ones: touching
+// fresh memory in 4 KiB steps costs more than reading a file into it, and a huge page no more than a hundred small
+// ones.
 #include "platform/pages.h"
 
 #include <stdint.h>
@@ -10,7 +11,8 @@
 #include <unistd.h>
 
 constexpr size_t hugePage = size_t{ 2 } << 20;
-constexpr size_t hugeFrom = 2 * hugePage;
+constexpr size_t hugeFrom = 2 * hugePage;          // of blocks that may stay empty in part
+constexpr size_t hugeWorkFrom = size_t{ 1 } << 20; // of blocks that are filled
 
 struct BlockHeader
 {
@@ -29,12 +31,12 @@ static size_t roundUp(size_t bytes, size_t powerOfTwo)
     return (bytes + powerOfTwo - 1) & ~(powerOfTwo - 1);
 }
 
-void* allocatePages(size_t sizeBytes)
+static void* mapPages(size_t sizeBytes, size_t hugeFromBytes)
 {
     size_t page = pageSize();
     if (sizeBytes == 0 || sizeBytes > SIZE_MAX / 2)
         return nullptr;
-    size_t alignment = sizeBytes >= hugeFrom ? hugePage : page;
+    size_t alignment = sizeBytes >= hugeFromBytes ? hugePage : page;
     size_t blockBytes = roundUp(sizeBytes, alignment);
     size_t mappedBytes = blockBytes + alignment;
     void* mapping = mmap(nullptr, mappedBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -47,6 +49,16 @@ void* allocatePages(size_t sizeBytes)
     header->mapping = mapping;
     header->mappedBytes = mappedBytes;
     return reinterpret_cast<void*>(block);
+}
+
+void* allocatePages(size_t sizeBytes)
+{
+    return mapPages(sizeBytes, hugeFrom);
+}
+
+void* allocateWorkPages(size_t sizeBytes)
+{
+    return mapPages(sizeBytes, hugeWorkFrom);
 }
 
 void releasePages(void* block)

@@ -285,6 +285,11 @@ void* allocatePages(size_t sizeBytes)
     return block;
 }
 
+void* allocateWorkPages(size_t sizeBytes)
+{
+    return allocatePages(sizeBytes);
+}
+
 void releasePages(void* block)
 {
     if (!block)
