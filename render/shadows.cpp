@@ -79,6 +79,13 @@ static inline int64_t depthAt(const ShadowTriangle& triangle, int32_t x, int32_t
            triangle.plane.perColumn * (x - triangle.x);
 }
 
+// The map's rows lie far apart: the row eight rows on is asked for ahead.
+static inline void prefetchAhead(const uint16_t* entry, int32_t side)
+{
+    uintptr_t ahead = reinterpret_cast<uintptr_t>(entry) + static_cast<uintptr_t>(side) * 8 * sizeof *entry;
+    __builtin_prefetch(reinterpret_cast<const void*>(ahead), 1);
+}
+
 // The rows of a triangle. A gentle step keeps all depths of a span, and of the column left of it, within 32 bits.
 void fillShadowRows(uint16_t* map, int32_t side, const ShadowTriangle* triangle)
 {
@@ -146,13 +153,6 @@ withAvx2 void fillShadowSpanAvx2(uint16_t* entry, int32_t count, int32_t room, i
     fillSpanAvx2(avx2ShadowOf(perColumn, highest), entry, count, room, depth, perColumn, highest);
 }
 
-// The map's rows lie far apart, in few of the cache's sets: the row eight rows on is asked for ahead.
-inlineAvx2 void prefetchAhead(const uint16_t* entry, int32_t side)
-{
-    uintptr_t ahead = reinterpret_cast<uintptr_t>(entry) + static_cast<uintptr_t>(side) * 8 * sizeof *entry;
-    _mm_prefetch(reinterpret_cast<const char*>(ahead), _MM_HINT_T0);
-}
-
 withAvx2 void fillShadowRowsAvx2(uint16_t* map, int32_t side, const ShadowTriangle* triangle)
 {
     const ShadowTriangle t = *triangle; // nothing that is stored in the map changes the copy
@@ -178,11 +178,70 @@ withAvx2 void fillShadowRowsAvx2(uint16_t* map, int32_t side, const ShadowTriang
     }
 }
 
+static inline void raiseEntry(uint16_t* map, int32_t side, const TriangleCorner& corner)
+{
+    if (corner.x >= side || corner.y >= side)
+        return;
+    uint16_t* entry = map + static_cast<ptrdiff_t>(corner.y) * side + corner.x;
+    *entry = std::max(*entry, static_cast<uint16_t>(corner.depth));
+}
+
+// A triangle of one row that covers no entry but those of its corners in that row. Returns 0, with nothing raised, for
+// any other.
+static inline int fillCornerEntries(uint16_t* map, int32_t side, const TriangleFrame& frame)
+{
+    if (frame.dy2 != 1 || (frame.dy1 == 0 && abs(frame.dx1) > 1))
+        return 0;
+    raiseEntry(map, side, *frame.corner[0]);
+    if (frame.dy1 == 0)
+        raiseEntry(map, side, *frame.corner[1]);
+    return 1;
+}
+
+// A triangle of few rows and columns, as most of a finely cut model are, entry by entry: fillShadowRows without the
+// records between. Returns 0, with nothing raised, for a larger or a steep one.
+static inline int fillSmallTriangle(uint16_t* map, int32_t side, const TriangleFrame& frame)
+{
+    if (!isSmallEdge(frame.dx1, frame.dy1) || !isSmallEdge(frame.dx2, frame.dy2) ||
+        !isSmallEdge(frame.dx2 - frame.dx1, frame.dy2 - frame.dy1))
+        return 0;
+    const DepthPlane plane = depthPlaneOf(frame);
+    if (plane.perColumn > steepestStep || plane.perColumn < -steepestStep)
+        return 0;
+    const TriangleCorner &top = *frame.corner[0], &middle = *frame.corner[1];
+    const int32_t highest = std::max({ top.depth, middle.depth, frame.corner[2]->depth });
+    const Slopes slopes = slopesOf(frame);
+    int32_t straight = top.x << 16, bent = straight, bentStep = slopes.upper;
+    int64_t rowDepth = int64_t{ top.depth } * 65536;
+    uint16_t* row = map + static_cast<ptrdiff_t>(top.y) * side;
+    const int32_t rows = std::min(frame.dy2, side - top.y);
+    for (int32_t y = 0; y < rows; ++y, row += side)
+    {
+        if (y == frame.dy1)
+        {
+            bent = middle.x << 16;
+            bentStep = slopes.lower;
+        }
+        int32_t x = (frame.area > 0 ? straight : bent) >> 16;
+        int32_t end = std::min(((frame.area > 0 ? bent : straight) >> 16) + 1, side);
+        prefetchAhead(row + x, side);
+        fillShadowSpan(row + x, end - x, static_cast<int32_t>(rowDepth + plane.perColumn * (x - top.x)),
+                       static_cast<int32_t>(plane.perColumn), highest);
+        straight += slopes.whole;
+        bent += bentStep;
+        rowDepth += plane.perRow;
+    }
+    return 1;
+}
+
 static void fillShadowTriangle(FrameBuffer* target, const TriangleCorner* corners, ShadowFiller fillRows)
 {
     TriangleFrame frame;
     SpanState edges;
     if (!frameTriangle(&frame, corners))
+        return;
+    if (fillCornerEntries(target->shadowMap, target->shadowSize, frame) ||
+        fillSmallTriangle(target->shadowMap, target->shadowSize, frame))
         return;
     setUpEdges(&edges, frame, slopesOf(frame));
     const TriangleCorner& origin = *frame.corner[0];

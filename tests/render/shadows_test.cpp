@@ -3,6 +3,7 @@
 
 #include "model/matrix.h"
 #include "model/settings.h"
+#include "render/edges.h"
 #include "render/materials.h"
 #include "render/project.h"
 #include "tests/recording/recording.h"
@@ -267,6 +268,62 @@ TEST(Shadows, AMapBorderPositionIsWithinBounds)
     display.list.radius = 0.2f;
     markShadows(&display);
     EXPECT_EQ(markedCount(display.list.meshes[0]), 0);
+}
+
+// The triangle's entries by the filler of large triangles.
+static void fillByRows(std::vector<uint16_t>* map, const TriangleCorner* corners)
+{
+    TriangleFrame frame;
+    if (!frameTriangle(&frame, corners))
+        return;
+    SpanState edges;
+    setUpEdges(&edges, frame, slopesOf(frame));
+    const TriangleCorner& top = *frame.corner[0];
+    int64_t dz1 = frame.corner[1]->depth - top.depth, dz2 = frame.corner[2]->depth - top.depth;
+    DepthPlane plane = { (dz1 * frame.dy2 - dz2 * frame.dy1) * 65536 / frame.area,
+                         (dz2 * frame.dx1 - dz1 * frame.dx2) * 65536 / frame.area };
+    ShadowTriangle triangle = { edges.left, edges.right, edges.topRow,       edges.bottomRow, plane,
+                                top.x,      top.y,       edges.highestDepth, top.depth };
+    fillShadowRows(map->data(), shadowMapSide, &triangle);
+}
+
+static TriangleCorner anyCornerNear(std::mt19937& random, int32_t x, int32_t y, int32_t size)
+{
+    auto within = [&](int32_t from) { return std::min(from + static_cast<int32_t>(random() % 10) * size / 9, 1024); };
+    int32_t depth = static_cast<int32_t>(random() % 4 ? 8000 + random() % 100 : random() % 16385);
+    return { within(x), within(y), depth, 0, 0, 0 };
+}
+
+TEST(Shadows, SmallTrianglesRaiseTheEntriesThatLargeOnesWould)
+{
+    resetRenderer();
+    std::mt19937 random(31);
+    Display display(32, 32);
+    for (int32_t round = 0; round < 40; ++round)
+    {
+        std::vector<uint16_t> expected(size_t{ shadowMapSide } * shadowMapSide);
+        Mesh* mesh = makeTriangles(std::vector<float>(9 * 800));
+        installMesh(&display.list, mesh);
+        for (int32_t f = 0; f < mesh->faceCount; ++f)
+        {
+            auto place = [&] { return static_cast<int32_t>(random() % 3 ? random() % 200 : 1016 + random() % 9); };
+            int32_t x = place(), y = place(), size = 1 + static_cast<int32_t>(random() % 12);
+            TriangleCorner corners[3];
+            for (size_t k = 0; k < 3; ++k)
+            {
+                corners[k] = anyCornerNear(random, x, y, size);
+                ProjectedVertex& vertex = mesh->projected[mesh->faces[f][k]];
+                vertex.xy = static_cast<uint32_t>(corners[k].x) << 16 | static_cast<uint32_t>(corners[k].y);
+                vertex.flags = static_cast<uint32_t>(corners[k].depth);
+            }
+            mesh->faceAttributes[f] = faceLit;
+            fillByRows(&expected, corners);
+        }
+        displayState.useSse2 = round % 2;
+        ClearShadowMap(display.target.shadowMap, shadowMapSide);
+        RenderShadowMap(&display.target, mesh);
+        ASSERT_TRUE(std::equal(expected.begin(), expected.end(), display.target.shadowMap)) << round;
+    }
 }
 
 TEST(Shadows, TheMapIsDumpedOnce)
