@@ -48,6 +48,7 @@ static bool isOfKind(HWND dialog, DialogKind kind)
     {
     case DialogKind::message: return hasText(dialog, messageText) && GetDlgItem(dialog, IDOK) && !fileNameField(dialog);
     case DialogKind::notice: return hasText(dialog, ID_NOTICE_TEXT);
+    case DialogKind::progress: return hasText(dialog, ID_PROGRESS_CAPTION);
     case DialogKind::file: return fileNameField(dialog) && GetDlgItem(dialog, IDOK);
     case DialogKind::about: return GetDlgItem(dialog, ID_ABOUT_PICTURE) && GetDlgItem(dialog, ID_ABOUT_OK);
     }

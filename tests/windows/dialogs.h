@@ -14,6 +14,7 @@ enum class DialogKind
 {
     message, // a text and an OK button
     notice,
+    progress,
     file, // one that has a field for a file's name
     about
 };

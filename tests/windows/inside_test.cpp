@@ -326,6 +326,29 @@ TEST_F(InsideTest, LongestPathOfAnyScriptOpens)
     EXPECT_EQ(panelText(ID_VERT_COUNT), L"4");
 }
 
+TEST_F(InsideTest, ProgressBarHoldsOneCharacterForEachStep)
+{
+    std::wstring caption;
+    std::vector<std::wstring> bars;
+    HWND box = nullptr;
+    onProgramThread(
+        [&]
+        {
+            showProgress("LOADING.....");
+            box = waitForDialog(GetCurrentProcessId(), DialogKind::progress);
+            caption = windowText(GetDlgItem(box, ID_PROGRESS_CAPTION));
+            for (float fraction : { 0.5f, 1.2f, -0.3f })
+            {
+                setProgress(fraction);
+                bars.push_back(windowText(GetDlgItem(box, ID_PROGRESS_BAR)));
+            }
+            closeProgress();
+        });
+    EXPECT_EQ(caption, L"LOADING.....");
+    EXPECT_EQ(bars, (std::vector<std::wstring>{ std::wstring(38, 127), std::wstring(76, 127), L"" }));
+    EXPECT_FALSE(IsWindow(box));
+}
+
 TEST_F(InsideTest, ProgressBarMovesDuringALoad)
 {
     std::string text;

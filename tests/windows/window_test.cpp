@@ -151,6 +151,7 @@ TEST_F(WindowTest, StartsWithTheTeapot)
     EXPECT_EQ(display.bottom - display.top, 520);
     EXPECT_EQ(client.right, panel.right - panel.left + 624);
     EXPECT_EQ(client.bottom, 522);
+    EXPECT_FALSE(GetWindowLongW(program.main, GWL_STYLE) & WS_MAXIMIZEBOX);
     expectPicture(L"");
     EXPECT_EQ(program.close(), 1u);
 }
