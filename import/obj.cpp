@@ -2,8 +2,7 @@
 #include "import/obj.h"
 
 #include "import/corners.h"
-#include "import/names.h"
-#include "import/objsource.h"
+#include "import/obj_reader.h"
 #include "import/paths.h"
 #include "import/sanitize.h"
 #include "model/normals.h"
@@ -24,23 +23,6 @@ enum Outcome
     readingGoesOn,
     readingEnds, // the statement has no end
     readingFails // out of memory
-};
-
-// How many of each a large file seems to hold; 0: not known.
-struct ObjEstimate
-{
-    int32_t vertices, uvs, faces;
-};
-
-struct ObjReader
-{
-    ObjSource source;
-    Mesh* mesh;
-    ObjEstimate estimate;
-    int32_t vertexCount, uvCount, faceCount, polygonCount, lineCount;
-    uint32_t attributes; // of the next face: current material and group
-    NameTable groups, materials;
-    char library[nameRoom];
 };
 
 // Samples: small against what they are to save, and enough that a section of a file is met in proportion.
@@ -263,11 +245,16 @@ static int readStatements(ObjReader* reader)
     Outcome outcome = readingGoesOn;
     while (outcome == readingGoesOn)
     {
-        int kind = NextObjStatement(source, &text);
-        if (kind == objEnd)
-            break;
-        outcome = readStatement(reader, kind, text);
-        if (outcome == readingGoesOn && --untilProgress == 0)
+        untilProgress -= takePlainStatements(reader, untilProgress);
+        if (untilProgress > 0)
+        {
+            int kind = NextObjStatement(source, &text);
+            if (kind == objEnd)
+                break;
+            outcome = readStatement(reader, kind, text);
+            untilProgress -= outcome == readingGoesOn;
+        }
+        if (untilProgress == 0)
         {
             setProgress(static_cast<float>(objPosition(source)) / static_cast<float>(source->sizeBytes));
             untilProgress = progressStep;

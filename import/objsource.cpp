@@ -1,11 +1,13 @@
 // import/objsource.cpp - finding statements, a byte at a time or in whole lines
 #include "import/objsource.h"
 
+#include "import/plain_lines.h"
 #include "platform/files.h"
 
 size_t objBlockBytes = objLargestBlock;
 
-static char block[objLargestBlock + numberPadding];
+static char storage[plainFront + objLargestBlock + plainPadding];
+static char* const block = storage + plainFront;
 
 // Neither a keyword nor an argument: the scan goes on after it.
 constexpr int objDropped = -1;
@@ -164,8 +166,8 @@ static int scanBytes(ObjSource* source)
     return kind > objEnd ? copyArgument(source, kind) : kind;
 }
 
-// The next line end, which must be there. Eight bytes at a time; few bytes of a text lie below 14.
-static const char* findLineEnd(const char* at)
+// Eight bytes at a time; few bytes of a text lie below 14.
+const char* findObjLineEnd(const char* at)
 {
     for (;;)
     {
@@ -242,7 +244,7 @@ static int scanLine(ObjSource* source, const char** text)
     }
     if (kind != objDropped && isBlank(at[letters]))
         return beginArgument(source, at + letters + 1, kind, text);
-    source->at = findLineEnd(at) + 1;
+    source->at = findObjLineEnd(at) + 1;
     return objDropped;
 }
 
@@ -266,7 +268,7 @@ int endObjStatement(ObjSource* source, const char* at)
 {
     if (source->copied)
         return 1;
-    const char* end = isLineEnd(*at) ? at : findLineEnd(at);
+    const char* end = isLineEnd(*at) ? at : findObjLineEnd(at);
     if (end - source->at >= objTextRoom)
         return 0;
     source->at = end + 1;

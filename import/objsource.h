@@ -56,5 +56,8 @@ int ReadObjChar(ObjSource* source, char* out);
 int NextObjStatement(ObjSource* source, const char** text);
 int endObjStatement(ObjSource* source, const char* at);
 
+// The next line end, which must be in the block.
+const char* findObjLineEnd(const char* at);
+
 // Where in the file a reader by blocks of 4096 bytes would be, which is what progress is measured by.
 int64_t objPosition(const ObjSource* source);

@@ -1,5 +1,7 @@
 // tests/import/numbers_test.cpp - numbers in text against the C library's own scanf
 #include "import/numbers.h"
+#include "import/plain_lines.h"
+#include "import/sanitize.h"
 #include "tests/import/random.h"
 
 #include <gtest/gtest.h>
@@ -54,21 +56,69 @@ static Taken byInt(const char* (*scan)(const char*, int32_t*), const char* text)
 static const char* padded(const std::string& text)
 {
     static char buffer[4096];
-    memset(buffer, '7', sizeof buffer); // digits past the end must not be taken
-    memcpy(buffer, text.c_str(), text.size() + 1);
-    return buffer;
+    memset(buffer, '7', sizeof buffer); // digits around the text must not be taken
+    memcpy(buffer + plainFront, text.c_str(), text.size() + 1);
+    return buffer + plainFront;
 }
+
+#ifdef __SSE2__
+static Taken byPlainNumber(const char* text)
+{
+    PlainLine line = startPlainLine(text);
+    PlainNumber number;
+    __m128 values;
+    if (!takePlainNumber(&line, &number))
+        return {};
+    __m128d close = closeToNumbers(number, number);
+    if (!coordinatesOf(close, close, &values))
+        return {};
+    uint32_t bits[4];
+    memcpy(bits, &values, sizeof bits);
+    EXPECT_TRUE(bits[1] == bits[0] && bits[2] == bits[0] && bits[3] == bits[0]) << text;
+    return { 1, static_cast<int>(line.at) - 1, bits[0] };
+}
+
+static Taken byPlainDigits(const char* text)
+{
+    PlainLine line = startPlainLine(text);
+    PlainDigits digits;
+    if (!takePlainDigits(&line, &digits))
+        return {};
+    __m128i fours = joinFours(digits, digits);
+    int32_t values[4];
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(values), joinEights(fours, fours));
+    EXPECT_TRUE(values[1] == values[0] && values[2] == values[0] && values[3] == values[0]) << text;
+    return { 1, static_cast<int>(line.at) - 1, static_cast<uint32_t>(values[0]) };
+}
+
+// A plain number is refused or like any other, once what ends it may stand there.
+static void expectPlainLikeScanf(const std::string& text, Taken number, Taken whole)
+{
+    Taken plain = byPlainNumber(padded(text));
+    if (plain.found && strchr(" \r\n", text.c_str()[plain.length]))
+    {
+        float value;
+        memcpy(&value, &number.bits, sizeof value);
+        ASSERT_TRUE(SanitizeFloat(&value)) << '"' << text << '"';
+        ASSERT_EQ(plain, (Taken{ number.found, number.length, bitsOf(value) })) << '"' << text << '"';
+    }
+    plain = byPlainDigits(padded(text));
+    ASSERT_TRUE(!plain.found || plain == whole) << '"' << text << '"';
+}
+#else
+static void expectPlainLikeScanf(const std::string&, Taken, Taken) {}
+#endif
 
 static void expectLikeScanf(const std::string& text)
 {
     if (isSpace(text.c_str()[0]))
         return;
-    Taken wanted = byScanf(text);
-    ASSERT_EQ(byFloat(scanFloat, text.c_str()), wanted) << '"' << text << '"';
-    ASSERT_EQ(byFloat(scanFloatPadded, padded(text)), wanted) << '"' << text << '"';
-    wanted = byScanfInt(text);
-    ASSERT_EQ(byInt(scanInt, text.c_str()), wanted) << '"' << text << '"';
-    ASSERT_EQ(byInt(scanIntPadded, padded(text)), wanted) << '"' << text << '"';
+    Taken number = byScanf(text), whole = byScanfInt(text);
+    ASSERT_EQ(byFloat(scanFloat, text.c_str()), number) << '"' << text << '"';
+    ASSERT_EQ(byFloat(scanFloatPadded, padded(text)), number) << '"' << text << '"';
+    ASSERT_EQ(byInt(scanInt, text.c_str()), whole) << '"' << text << '"';
+    ASSERT_EQ(byInt(scanIntPadded, padded(text)), whole) << '"' << text << '"';
+    expectPlainLikeScanf(text, number, whole);
 }
 
 TEST(Numbers, OddTextsAreTakenAsScanfTakesThem)
@@ -255,6 +305,34 @@ TEST(Numbers, EveryKindOfFloatComesBackFromItsDigits)
         ASSERT_EQ(bitsOf(back), bitsOf(value)) << text;
     }
 }
+
+#ifdef __SSE2__
+TEST(PlainNumbers, AreUpToSixteenDigitsWithASignAndAPoint)
+{
+    for (const char* text : { "0", "-0", "7", "-1.5", "1.", ".5", "-.5", "000.000", "1048575.9", "-12345.123456",
+                              "1.234567890123456", "123456.7890123456", ".1234567890123456", "-0.000000000000001" })
+    {
+        EXPECT_EQ(byPlainNumber(padded(text)).found, 1) << text;
+        expectLikeScanf(std::string(text) + " 5");
+    }
+    for (const char* text : { "", "-", ".", "-.", "+1", "--1", "x", "1048576", "-1048576.0", "1.2345678901234567",
+                              "12345678901234567", "0.5000000298023224" }) // nearly the middle of two floats
+        EXPECT_EQ(byPlainNumber(padded(text)).found, 0) << text;
+    EXPECT_EQ(byPlainNumber(padded(std::string(80, '1'))).found, 0);
+    EXPECT_EQ(byPlainNumber(padded("1." + std::string(80, '1'))).found, 0);
+}
+
+TEST(PlainNumbers, WholeOnesHaveOneToEightDigits)
+{
+    for (const char* text : { "0", "7", "12", "123", "1234", "12345", "123456", "1234567", "12345678", "00000000" })
+    {
+        EXPECT_EQ(byPlainDigits(padded(text)).found, 1) << text;
+        expectLikeScanf(text);
+    }
+    for (const char* text : { "", "-1", "+1", "123456789", " 1", "/" })
+        EXPECT_EQ(byPlainDigits(padded(text)).found, 0) << text;
+}
+#endif
 
 TEST(Numbers, ListsStopAtTheFirstThatIsNone)
 {
