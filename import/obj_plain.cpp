@@ -30,18 +30,12 @@ static const char* skipBlanks(const char* at)
 static const char* takeVertex(const char* at, MeshVertex* vertex)
 {
     at = skipBlanks(at);
-    PlainLine line = startPlainLine(at);
-    PlainNumber x, y, z;
-    if (!takePlainNumber(&line, &x) || at[line.at - 1] != ' ' || !takePlainNumber(&line, &y) ||
-        at[line.at - 1] != ' ' || !takePlainNumber(&line, &z))
-        return nullptr;
     __m128 position;
-    if (!coordinatesOf(closeToNumbers(x, y), closeToNumbers(z, z), &position))
-        return nullptr;
-    const char* end = endPlainLine(at, at + line.at - 1);
-    const __m128 colour = _mm_castsi128_ps(_mm_set_epi32(static_cast<int32_t>(opaqueWhite), 0, 0, 0));
+    const char* end = scanPlainPosition(at, &position);
     if (end)
-        _mm_storeu_ps(reinterpret_cast<float*>(vertex), _mm_or_ps(position, colour)); // all but the normal
+        end = endPlainLine(at, end);
+    if (end)
+        storeWhiteVertex(vertex, position);
     return end;
 }
 
@@ -50,7 +44,7 @@ static const char* takeUv(const char* at, Uv* uv)
     at = skipBlanks(at);
     PlainLine line = startPlainLine(at);
     PlainNumber u, v;
-    if (!takePlainNumber(&line, &u) || at[line.at - 1] != ' ' || !takePlainNumber(&line, &v))
+    if (!takePlainNumber(&line, &u) || at[line.at - 1] != ' ' || !takePlainNumber(&line, &v) || !signsAreInPlace(line))
         return nullptr;
     __m128d close = closeToNumbers(u, v);
     __m128 coordinates;
@@ -71,26 +65,28 @@ struct PlainFace
 };
 
 // "7", "7/3", "7/3/5" or "7//5"; what follows it is passed, too. The last of three numbers means nothing.
-static bool takeCorner(PlainLine* line, __m128i* fours)
+static bool takeCorner(DigitLine* line, __m128i* fours)
 {
     constexpr uint64_t longest = 28; // three numbers and what separates them
     if (line->at > 64 - longest)
-        *line = startPlainLine(line->text + line->at);
+        *line = startDigitLine(line->text + line->at);
     PlainDigits vertex, uv;
+    uint64_t end;
     if (!takePlainDigits(line, &vertex))
         return false;
     uv = { vertex.end, 0 };
     if (*vertex.end == '/')
     {
-        uint64_t empty = vertex.end[1] == '/';
-        line->others &= line->others - empty;
-        line->at += empty;
+        if (vertex.end[1] == '/')
+        {
+            takeLowest(&line->ends, &end);
+            ++line->at;
+        }
         if (!takePlainDigits(line, &uv))
             return false;
         if (*uv.end == '/')
         {
-            uint64_t end;
-            if (!passDigits(line, &end))
+            if (!takeLowest(&line->ends, &end))
                 return false;
             line->at = end + 1;
         }
@@ -101,7 +97,7 @@ static bool takeCorner(PlainLine* line, __m128i* fours)
 
 static const char* takeCorners(const char* at, PlainFace* face)
 {
-    PlainLine line = startPlainLine(at);
+    DigitLine line = startDigitLine(at);
     __m128i fours[4] = {};
     face->count = 0;
     for (;;)
@@ -137,13 +133,6 @@ static int outOfRange(__m128i indices, int32_t count)
     return ~_mm_movemask_ps(_mm_castsi128_ps(_mm_andnot_si128(_mm_srai_epi32(indices, 31), inside)));
 }
 
-static bool anyTwoEqual(__m128i four)
-{
-    __m128i next = _mm_cmpeq_epi32(four, _mm_shuffle_epi32(four, _MM_SHUFFLE(0, 3, 2, 1)));
-    __m128i afterNext = _mm_cmpeq_epi32(four, _mm_shuffle_epi32(four, _MM_SHUFFLE(1, 0, 3, 2)));
-    return _mm_movemask_epi8(_mm_or_si128(next, afterNext)) != 0;
-}
-
 static const char* takeFace(const char* at, const ObjReader* reader, int32_t slot)
 {
     PlainFace face;
@@ -156,8 +145,8 @@ static const char* takeFace(const char* at, const ObjReader* reader, int32_t slo
         return nullptr;
     __m128i known = _mm_andnot_si128(_mm_srai_epi32(uvs, 31), _mm_cmplt_epi32(uvs, _mm_set1_epi32(reader->uvCount)));
     Mesh* mesh = reader->mesh;
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(&mesh->faces[slot]), vertices);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(&mesh->faceUvs[slot]), _mm_and_si128(uvs, known)); // else the first
+    storeCorners(&mesh->faces[slot], vertices);
+    storeCorners(&mesh->faceUvs[slot], _mm_and_si128(uvs, known)); // else the first
     mesh->faceAttributes[slot] = reader->attributes;
     return end;
 }

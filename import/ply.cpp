@@ -10,6 +10,7 @@
 #include "platform/files.h"
 #include "tools/uvs.h"
 
+#include <algorithm>
 #include <bit>
 
 constexpr int32_t progressInterval = 10000; // vertices, faces and strip steps
@@ -22,6 +23,12 @@ static void countProgress(PlyReader* reader, int32_t steps)
         return;
     reader->progressCount %= progressInterval;
     setProgress(byteFraction(&reader->source));
+}
+
+// Lines until the bar moves next.
+static int32_t untilProgress(const PlyReader* reader)
+{
+    return progressInterval - reader->progressCount;
 }
 
 static bool hasName(const char* name, const char* wanted)
@@ -160,17 +167,6 @@ static bool isPlainVertex(const PlyElement& element)
     return plain;
 }
 
-static void storePosition(MeshVertex* out, const float (&position)[3])
-{
-    for (size_t axis = 0; axis < 3; ++axis)
-    {
-        float value = position[axis];
-        SanitizeFloat(&value);
-        out->position[axis] = value;
-    }
-    out->colour = opaqueWhite;
-}
-
 static int readVertices(PlyReader* reader, Mesh* mesh, PlyElement* element)
 {
     if (reader->verticesRead || element->count < 0)
@@ -189,21 +185,23 @@ static int readVertices(PlyReader* reader, Mesh* mesh, PlyElement* element)
     }
     bool plain = reader->format == plyAscii && isPlainVertex(*element) && !usePlainKernels;
     PlyVertex vertex = {};
-    for (int32_t i = 0; i < element->count; ++i)
+    for (int32_t done = 0; done < element->count;)
     {
-        float position[3];
-        if (plain && takePlainPosition(reader, position))
+        int32_t taken = 0;
+        if (plain)
+            taken = takePlainPositions(reader, mesh->vertices + done,
+                                       std::min(element->count - done, untilProgress(reader)));
+        if (taken == 0)
         {
-            storePosition(&mesh->vertices[i], position);
-            countProgress(reader, 1);
-            continue;
+            for (int32_t& colour : vertex.colour)
+                colour = 255;
+            if (!readPlyInstance(reader, *element, &vertex))
+                return 0;
+            storeVertex(&mesh->vertices[done], vertex);
+            taken = 1;
         }
-        for (int32_t& colour : vertex.colour)
-            colour = 255;
-        if (!readPlyInstance(reader, *element, &vertex))
-            return 0;
-        storeVertex(&mesh->vertices[i], vertex);
-        countProgress(reader, 1);
+        done += taken;
+        countProgress(reader, taken);
     }
     return 1;
 }
@@ -338,19 +336,6 @@ static bool isPlainFace(const PlyElement& element)
     return element.propertyCount == 1 && list.kind == plyList && isWhole(list.countType) && isWhole(list.type);
 }
 
-// Takes the next line when it is a plain triangle. Returns 0, with nothing taken, when it is none; -1 without memory.
-static int takeTextTriangle(PlyReader* reader, Mesh* mesh)
-{
-    int32_t corners[3];
-    if (!takePlainTriangle(reader, corners))
-        return 0;
-    if (!roomForFaces(mesh, 1))
-        return -1;
-    storeTriangle(mesh, static_cast<uint32_t>(corners[0]), static_cast<uint32_t>(corners[1]),
-                  static_cast<uint32_t>(corners[2]));
-    return 1;
-}
-
 static int readFaces(PlyReader* reader, Mesh* mesh, const PlyElement& element)
 {
     if (reader->facesRead == 1 || !plyCountPossible(reader, element))
@@ -375,11 +360,9 @@ static int readFaces(PlyReader* reader, Mesh* mesh, const PlyElement& element)
             catchUpNormals(reader, mesh);
         }
         else if (plain)
-        {
-            taken = takeTextTriangle(reader, mesh);
-            if (taken < 0)
-                return 0;
-        }
+            taken = takePlainTriangles(
+                reader, mesh,
+                std::min({ element.count - done, untilProgress(reader), mesh->faceCapacity - mesh->faceCount }));
         if (taken == 0)
         {
             if (!readPlyInstance(reader, element, nullptr) || !storeListFace(reader, mesh))

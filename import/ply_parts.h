@@ -6,6 +6,7 @@
 #include "import/bytes.h"
 #include "import/numbers.h"
 #include "import/sanitize.h"
+#include "model/mesh.h"
 
 constexpr int32_t plyMostElements = 64;
 constexpr int32_t plyMostProperties = 64; // of one element
@@ -175,10 +176,11 @@ int plyCountPossible(const PlyReader* reader, const PlyElement& element);
 int readPlyInstance(PlyReader* reader, const PlyElement& element, PlyVertex* vertex);
 
 // The instances that nearly all of an ASCII file's lines are: three numbers for a position, a 3 and three numbers for a
-// triangle, with single blanks between them. Return 0, with nothing taken, for any other line, which readPlyInstance
-// then takes apart.
-int takePlainPosition(PlyReader* reader, float (&position)[3]);
-int takePlainTriangle(PlyReader* reader, int32_t (&corners)[3]);
+// triangle, with single blanks between them. Take them as long as they come, at most `most` lines, and return how many;
+// the next one is for readPlyInstance, which takes any line apart. The faces have room; triangles with a corner that is
+// no vertex are dropped.
+int32_t takePlainPositions(PlyReader* reader, MeshVertex* vertices, int32_t most);
+int32_t takePlainTriangles(PlyReader* reader, Mesh* mesh, int32_t most);
 
 inline void storePlyNumber(PlyVertex* vertex, PlyField field, PlyNumber number)
 {

@@ -67,7 +67,7 @@ static Taken byPlainNumber(const char* text)
     PlainLine line = startPlainLine(text);
     PlainNumber number;
     __m128 values;
-    if (!takePlainNumber(&line, &number))
+    if (!takePlainNumber(&line, &number) || !signsAreInPlace(line))
         return {};
     __m128d close = closeToNumbers(number, number);
     if (!coordinatesOf(close, close, &values))
@@ -80,7 +80,7 @@ static Taken byPlainNumber(const char* text)
 
 static Taken byPlainDigits(const char* text)
 {
-    PlainLine line = startPlainLine(text);
+    DigitLine line = startDigitLine(text);
     PlainDigits digits;
     if (!takePlainDigits(&line, &digits))
         return {};
@@ -309,14 +309,15 @@ TEST(Numbers, EveryKindOfFloatComesBackFromItsDigits)
 #ifdef __SSE2__
 TEST(PlainNumbers, AreUpToSixteenDigitsWithASignAndAPoint)
 {
-    for (const char* text : { "0", "-0", "7", "-1.5", "1.", ".5", "-.5", "000.000", "1048575.9", "-12345.123456",
-                              "1.234567890123456", "123456.7890123456", ".1234567890123456", "-0.000000000000001" })
+    for (const char* text : { "0", "-0", "7", "-1.5", "0.5", "000.000", "1048575.9", "-12345.123456",
+                              "1.234567890123456", "123456.7890123456", "-0.000000000000001" })
     {
         EXPECT_EQ(byPlainNumber(padded(text)).found, 1) << text;
         expectLikeScanf(std::string(text) + " 5");
     }
-    for (const char* text : { "", "-", ".", "-.", "+1", "--1", "x", "1048576", "-1048576.0", "1.2345678901234567",
-                              "12345678901234567", "0.5000000298023224" }) // nearly the middle of two floats
+    for (const char* text :
+         { "", "-", ".", "-.", "+1", "--1", ".5", "-.5", "1. ", "x", "1048576", "-1048576.0", "1.2345678901234567",
+           "12345678901234567", "0.5000000298023224" }) // nearly the middle of two floats
         EXPECT_EQ(byPlainNumber(padded(text)).found, 0) << text;
     EXPECT_EQ(byPlainNumber(padded(std::string(80, '1'))).found, 0);
     EXPECT_EQ(byPlainNumber(padded("1." + std::string(80, '1'))).found, 0);
