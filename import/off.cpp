@@ -1,14 +1,16 @@
 // import/off.cpp - OFF: the word "OFF", the counts, a line for each vertex, a line for each face
 #include "import/off.h"
 
-#include "import/numbers.h"
+#include "import/plain_lines.h"
 #include "import/sanitize.h"
 #include "model/normals.h"
+#include "model/settings.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
 #include "tools/uvs.h"
 
 #include <string.h>
+#include <algorithm>
 
 constexpr size_t lineLimit = 256;
 constexpr int32_t spare = 1024;             // vertices and faces that the tools find room for
@@ -31,10 +33,17 @@ static bool isBlankOrLineEnd(char c)
     return isBlank(c) || c == '\r' || c == '\n';
 }
 
-static void countLine(OffSource* source)
+static int32_t untilProgress(const OffSource* source)
+{
+    return progressInterval - source->lineCount % progressInterval;
+}
+
+// At most untilProgress of them.
+static void countLines(OffSource* source, int32_t count)
 {
     LineSource* lines = &source->lines;
-    if (++source->lineCount % progressInterval == 0)
+    source->lineCount += count;
+    if (count > 0 && source->lineCount % progressInterval == 0)
         setProgress(static_cast<float>(linePosition(lines)) / static_cast<float>(lines->sizeBytes));
 }
 
@@ -53,7 +62,7 @@ int NextOffLine(OffSource* source)
         if (*line == 0 || *line == '#')
             continue;
         source->line = line;
-        countLine(source);
+        countLines(source, 1);
         return 1;
     }
     return 0;
@@ -99,8 +108,8 @@ static void sanitizePosition(float (&position)[3])
         position[0] = position[1] = position[2] = 0;
 }
 
-// Lines as nearly all are need no look at anything but their numbers: these two read one straight from the block and
-// give null, with nothing changed, for a line that has to be taken apart, a comment for instance.
+// Lines as nearly all are need no look at anything but their numbers: they are read straight from the block, as plain
+// ones first. A line that has to be taken apart, such as a comment, gives null; a vertex is then still to be set.
 template <typename Number>
 static const char* scanInLine(const char* at, Number* numbers, int count, const char* (*scan)(const char*, Number*))
 {
@@ -113,54 +122,31 @@ static const char* scanInLine(const char* at, Number* numbers, int count, const 
     return at;
 }
 
-// Takes the line that begins at `line` and whose numbers end at `at`. Returns 0 when it is longer than a line may be.
-static int takeLine(OffSource* source, const char* line, const char* at)
+// From the place after the last number to the next line. No line is longer than it may be.
+static const char* endLine(const char* line, const char* at)
 {
-    if (at - line >= static_cast<ptrdiff_t>(lineLimit - 1))
-        return 0;
+    if (!at || at - line >= static_cast<ptrdiff_t>(lineLimit - 1))
+        return nullptr;
     if (*at != '\n')
         at = static_cast<const char*>(memchr(at, '\n', static_cast<size_t>(line + lineLimit - 1 - at)));
-    if (!at)
-        return 0;
-    takeBytes(&source->lines, at + 1);
-    countLine(source);
-    return 1;
+    return at ? at + 1 : nullptr;
 }
 
-static int takePosition(OffSource* source, float (&position)[3])
+static const char* takePosition(const char* line, MeshVertex* vertex)
 {
-    const char* line = peekBytes(&source->lines, lineLimit);
-    const char* at = line ? scanInLine(line, position, 3, scanFloatPadded) : nullptr;
-    return at && takeLine(source, line, at);
-}
-
-// The corner count, of one digit as all but a few are, and as many of four corners as are wanted.
-static int takeCorners(OffSource* source, int32_t (&numbers)[5])
-{
-    const char* line = peekBytes(&source->lines, lineLimit);
-    if (!line || line[0] < '3' || line[0] > '9' || !isBlank(line[1]))
-        return 0;
-    numbers[0] = line[0] - '0';
-    const char* at = scanInLine(line + 1, numbers + 1, numbers[0] == 3 ? 3 : 4, scanIntPadded);
-    return at && takeLine(source, line, at);
-}
-
-static int readVertices(OffSource* source, Mesh* mesh, int32_t count)
-{
-    for (int32_t i = 0; i < count; ++i)
+#ifdef __SSE2__
+    __m128 values;
+    const char* plainEnd = scanPlainPosition(line, &values);
+    if (plainEnd && isBlankOrLineEnd(*plainEnd))
     {
-        float(&position)[3] = mesh->vertices[i].position;
-        if (!takePosition(source, position))
-        {
-            if (!NextOffLine(source))
-                return 0;
-            readPosition(source->line, position);
-        }
-        sanitizePosition(position);
-        mesh->vertices[i].colour = opaqueWhite;
+        storeWhiteVertex(vertex, values);
+        return endLine(line, plainEnd);
     }
-    mesh->vertexCount = count;
-    return 1;
+#endif
+    const char* end = endLine(line, scanInLine(line, vertex->position, 3, scanFloatPadded));
+    sanitizePosition(vertex->position);
+    vertex->colour = opaqueWhite;
+    return end;
 }
 
 // In range and pairwise different; a triangle's fourth corner is noCorner, which equals no vertex.
@@ -172,45 +158,112 @@ static bool cornersUsable(const Corners& corners, uint32_t vertexCount)
 }
 
 // Only the first four corners of a larger polygon are kept, on purpose: the file is read as triangles and quads.
-static bool makeFace(const int32_t (&numbers)[5], Corners* corners, uint32_t vertexCount)
+static void storeFace(Mesh* mesh, const int32_t (&numbers)[5])
 {
     if (numbers[0] < 3 || (numbers[0] > 3 && numbers[4] < 0))
-        return false;
+        return;
+    Corners corners;
     for (size_t k = 0; k < 3; ++k)
-        (*corners)[k] = static_cast<uint32_t>(numbers[k + 1]); // a negative one is out of range then
-    (*corners)[3] = numbers[0] == 3 ? noCorner : static_cast<uint32_t>(numbers[4]);
-    return cornersUsable(*corners, vertexCount);
+        corners[k] = static_cast<uint32_t>(numbers[k + 1]); // a negative one is out of range then
+    corners[3] = numbers[0] == 3 ? noCorner : static_cast<uint32_t>(numbers[4]);
+    if (cornersUsable(corners, static_cast<uint32_t>(mesh->vertexCount)))
+        mesh->faces[mesh->faceCount++] = corners; // the other arrays are zero as they come
 }
 
-// Reads the next face line. Returns 0 at the end of the file; *found is how many of the numbers there are.
-static int readNumbers(OffSource* source, int32_t (&numbers)[5], int* found)
+// The corner count has one digit, as all but a few have.
+static const char* takeFace(const char* line, Mesh* mesh)
 {
-    *found = 5;
-    if (takeCorners(source, numbers))
-        return 1;
-    if (!NextOffLine(source))
-        return 0;
-    *found = scanInts(source->line, numbers, 5);
-    return 1;
-}
-
-// A list that is shorter than announced is no error.
-static int readFaces(OffSource* source, Mesh* mesh, int32_t announced)
-{
-    int32_t count = 0, found, numbers[5];
-    for (int32_t i = 0; i < announced && readNumbers(source, numbers, &found); ++i)
+    if (line[0] < '3' || line[0] > '9' || !isBlank(line[1]))
+        return nullptr;
+    int corners = line[0] == '3' ? 3 : 4;
+#ifdef __SSE2__
+    __m128i values;
+    const char* plainEnd = scanPlainCorners(line + 2, corners, &values);
+    if (plainEnd && isBlankOrLineEnd(*plainEnd))
     {
-        Corners corners;
-        if (found < 4 || (numbers[0] > 3 && found < 5) ||
-            !makeFace(numbers, &corners, static_cast<uint32_t>(mesh->vertexCount)))
-            continue;
-        if (count == mesh->faceCapacity) // a file that grows while it is read
-            break;
-        mesh->faces[count++] = corners; // the other arrays are zero as they come
+        const char* end = endLine(line, plainEnd);
+        if (end && cornersBelow(values, corners, mesh->vertexCount) && !anyTwoEqual(values))
+            storeCorners(&mesh->faces[mesh->faceCount++], values);
+        return end;
     }
-    mesh->faceCount = mesh->liveFaceCount = count;
-    mesh->lineCount = 0;
+#endif
+    int32_t numbers[5] = { line[0] - '0', 0, 0, 0, 0 };
+    const char* end = endLine(line, scanInLine(line + 1, numbers + 1, corners, scanIntPadded));
+    if (end)
+        storeFace(mesh, numbers);
+    return end;
+}
+
+// Lines that lie in the block with all that a line may have, one after the other. take(line, k) returns where the next
+// one begins, or null when it does not take the k-th.
+template <typename Take>
+static int32_t takeRun(OffSource* source, int32_t most, Take take)
+{
+    if (usePlainKernels)
+        return 0;
+    LineSource* lines = &source->lines;
+    most = std::min(most, untilProgress(source));
+    int32_t taken = 0;
+    for (bool goesOn = true; goesOn && taken < most;)
+    {
+        const char* at = peekBytes(lines, lineLimit);
+        if (!at || at < lines->block + plainFront)
+            break;
+        const char* last = lines->block + lines->fill - lineLimit;
+        while (goesOn && taken < most && at <= last)
+        {
+            const char* next = take(at, taken);
+            goesOn = next != nullptr;
+            taken += goesOn;
+            at = goesOn ? next : at;
+        }
+        takeBytes(lines, at);
+    }
+    countLines(source, taken);
+    return taken;
+}
+
+static int readVertices(OffSource* source, Mesh* mesh, int32_t count)
+{
+    for (int32_t done = 0; done < count;)
+    {
+        MeshVertex* vertices = mesh->vertices + done;
+        int32_t taken = takeRun(source, count - done,
+                                [vertices](const char* line, int32_t k) { return takePosition(line, &vertices[k]); });
+        done += taken;
+        if (taken > 0)
+            continue;
+        if (!NextOffLine(source))
+            return 0;
+        readPosition(source->line, vertices->position);
+        sanitizePosition(vertices->position);
+        vertices->colour = opaqueWhite;
+        ++done;
+    }
+    mesh->vertexCount = count;
     return 1;
+}
+
+// A list that is shorter than announced is no error, nor is a file that grows while it is read.
+static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
+{
+    for (int32_t done = 0; done < announced;)
+    {
+        int32_t taken = takeRun(source, std::min(announced - done, mesh->faceCapacity - mesh->faceCount),
+                                [mesh](const char* line, int32_t) { return takeFace(line, mesh); });
+        done += taken;
+        if (taken > 0)
+            continue;
+        if (mesh->faceCount == mesh->faceCapacity || !NextOffLine(source))
+            break;
+        int32_t numbers[5];
+        int found = scanInts(source->line, numbers, 5);
+        if (found == 5 || (found == 4 && numbers[0] <= 3))
+            storeFace(mesh, numbers);
+        ++done;
+    }
+    mesh->liveFaceCount = mesh->faceCount;
+    mesh->lineCount = 0;
 }
 
 static int readOff(OffSource* source, Mesh* mesh)
@@ -218,8 +271,9 @@ static int readOff(OffSource* source, Mesh* mesh)
     OffCounts counts;
     if (source->lines.sizeBytes <= 0 || !readHeader(source, mesh, &counts))
         return 0;
-    if (!readVertices(source, mesh, counts.vertices) || !readFaces(source, mesh, counts.faces))
+    if (!readVertices(source, mesh, counts.vertices))
         return 0;
+    readFaces(source, mesh, counts.faces);
     computeNormals(mesh);
     computeBounds(mesh);
     return resetUvs(mesh);
