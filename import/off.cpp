@@ -247,13 +247,18 @@ static int readVertices(OffSource* source, Mesh* mesh, int32_t count)
 // A list that is shorter than announced is no error, nor is a file that grows while it is read.
 static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
 {
+    int32_t normalsDone = 0; // made for the faces of a run while those are in the cache
     for (int32_t done = 0; done < announced;)
     {
         int32_t taken = takeRun(source, std::min(announced - done, mesh->faceCapacity - mesh->faceCount),
                                 [mesh](const char* line, int32_t) { return takeFace(line, mesh); });
         done += taken;
         if (taken > 0)
+        {
+            addFaceNormals(mesh, normalsDone, mesh->faceCount);
+            normalsDone = mesh->faceCount;
             continue;
+        }
         if (mesh->faceCount == mesh->faceCapacity || !NextOffLine(source))
             break;
         int32_t numbers[5];
@@ -262,6 +267,8 @@ static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
             storeFace(mesh, numbers);
         ++done;
     }
+    addFaceNormals(mesh, normalsDone, mesh->faceCount);
+    finishNormals(mesh);
     mesh->liveFaceCount = mesh->faceCount;
     mesh->lineCount = 0;
 }
@@ -274,9 +281,8 @@ static int readOff(OffSource* source, Mesh* mesh)
     if (!readVertices(source, mesh, counts.vertices))
         return 0;
     readFaces(source, mesh, counts.faces);
-    computeNormals(mesh);
     computeBounds(mesh);
-    return resetUvs(mesh);
+    return addPlaceholderUv(mesh); // the texture indices are 0 as they come
 }
 
 int LoadOffFile(Mesh* mesh, const char* path)

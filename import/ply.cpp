@@ -360,9 +360,12 @@ static int readFaces(PlyReader* reader, Mesh* mesh, const PlyElement& element)
             catchUpNormals(reader, mesh);
         }
         else if (plain)
-            taken = takePlainTriangles(
-                reader, mesh,
-                std::min({ element.count - done, untilProgress(reader), mesh->faceCapacity - mesh->faceCount }));
+        {
+            int32_t room = mesh->faceCapacity - mesh->faceCount;
+            taken = takePlainTriangles(reader, mesh, std::min({ element.count - done, untilProgress(reader), room }));
+            if (taken > 0)
+                catchUpNormals(reader, mesh);
+        }
         if (taken == 0)
         {
             if (!readPlyInstance(reader, element, nullptr) || !storeListFace(reader, mesh))
