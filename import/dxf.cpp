@@ -1,18 +1,21 @@
 // import/dxf.cpp - DXF: pairs of lines, a group code and its value; a code 0 starts the next entity
 #include "import/dxf.h"
 
-#include "import/numbers.h"
+#include "import/plain_lines.h"
 #include "import/sanitize.h"
 #include "model/memory.h"
 #include "model/normals.h"
+#include "model/settings.h"
 #include "platform/boxes.h"
 #include "platform/dialogs.h"
 #include "platform/files.h"
 #include "tools/uvs.h"
 
 #include <string.h>
+#include <algorithm>
 
 constexpr int32_t growthStep = 1024;
+constexpr int64_t faceBytes = 128; // of a file for each face, hardly ever less
 constexpr int32_t firstPlaces = 4096;
 
 // A code's place in DxfFace: 0 is the layer, 1 to 12 the coordinates, corner by corner.
@@ -98,6 +101,91 @@ static float readCoordinate(const DxfSource* source)
     return value;
 }
 
+#ifdef __SSE2__
+// Passes a byte that is no digit and stands where a sign might.
+static void passDoubled(PlainLine* line)
+{
+    line->signs |= uint64_t{ 1 } << line->at;
+    ++line->at;
+}
+
+// Passes what is left of a line end whose first byte has been passed.
+static bool passLineEnd(PlainLine* line)
+{
+    const char* at = line->text + line->at;
+    if (at[-1] == '\n')
+        return true;
+    if (at[-1] != '\r' || at[0] != '\n' || line->at > 63)
+        return false;
+    passDoubled(line);
+    return true;
+}
+
+// The line of a code of two digits with at most two blanks before it, and that of its value, a plain number.
+static bool takeCoordinate(PlainLine* line, uint16_t code, PlainNumber* value)
+{
+    constexpr uint64_t longest = 4 + 2 + 17 + 2; // both lines with CR LF
+    if (line->at > 64 - longest)
+    {
+        if (!signsAreInPlace(*line))
+            return false;
+        *line = startPlainLine(line->text + line->at);
+    }
+    for (int blanks = 0; blanks < 2 && line->text[line->at] == ' '; ++blanks)
+        passDoubled(line);
+    uint16_t found;
+    memcpy(&found, line->text + line->at, sizeof found);
+    uint64_t end;
+    if (found != code || !takeLowest(&line->ends, &end) || end != line->at + 2)
+        return false;
+    line->at = end + 1;
+    return passLineEnd(line) && takePlainNumber(line, value) && passLineEnd(line);
+}
+
+// The three coordinates of a corner as nearly all files have them: one after the other, each as a plain number. Returns
+// false, with nothing read, for any others.
+static bool takePlainCorner(DxfSource* source, DxfFace* face, int corner)
+{
+    constexpr size_t longest = 3 * 64 + plainPadding;
+    LineSource* lines = &source->lines;
+    if (fetchBytes(lines, longest) < longest || usePlainKernels)
+        return false;
+    PlainLine line = startPlainLine(lines->block + lines->next);
+    auto code = static_cast<uint16_t>('1' | ('0' + corner) << 8); // little-endian
+    PlainNumber x, y, z;
+    if (!takeCoordinate(&line, code, &x) || !takeCoordinate(&line, static_cast<uint16_t>(code + 1), &y) ||
+        !takeCoordinate(&line, static_cast<uint16_t>(code + 2), &z) || !signsAreInPlace(line))
+        return false;
+    __m128 position;
+    if (!coordinatesOf(closeToNumbers(x, y), closeToNumbers(z, z), &position))
+        return false;
+    float values[4];
+    _mm_storeu_ps(values, position);
+    memcpy(face->corners[corner], values, sizeof face->corners[corner]);
+    lines->next = static_cast<size_t>(line.text + line.at - lines->block);
+    return true;
+}
+#else
+static bool takePlainCorner(DxfSource*, DxfFace*, int)
+{
+    return false;
+}
+#endif
+
+// Takes the corners of which nothing has been seen, as long as they come in order.
+static void takePlainCorners(DxfSource* source, DxfFace* face)
+{
+    for (int corner = 0; corner < 4; ++corner)
+    {
+        uint32_t items = 7u << (1 + 3 * corner);
+        if (face->seen & items)
+            continue;
+        if (!takePlainCorner(source, face, corner))
+            return;
+        face->seen |= items;
+    }
+}
+
 static bool sameCorner(const float (&a)[3], const float (&b)[3])
 {
     return a[0] == b[0] && a[1] == b[1] && a[2] == b[2];
@@ -123,6 +211,8 @@ int ReadDxfFace(DxfSource* source, DxfFace* face)
             face->seen |= 1u << item;
         if (item > 0)
             face->corners[(item - 1) / 3][(item - 1) % 3] = readCoordinate(source);
+        else
+            takePlainCorners(source, face);
     }
     // Anything else between, such as handles, subclass markers or edge flags, makes it another kind of entity.
     if (!lineIs(source, "0") || face->seen != allFaceItems)
@@ -160,6 +250,8 @@ static int growWelder(DxfWelder* welder, const Mesh* mesh)
         return reportOutOfMemory();
     DxfWelder grown = *welder;
     grown.placeCount = welder->placeCount ? welder->placeCount * 2 : firstPlaces;
+    while (grown.placeCount / 2 < mesh->vertexCapacity && grown.placeCount <= INT32_MAX / 2)
+        grown.placeCount *= 2;
     grown.places = static_cast<int32_t*>(workAlloc(blockSize(grown.placeCount, sizeof(int32_t))));
     if (!grown.places)
         return 0;
@@ -262,10 +354,18 @@ static int readEntities(DxfSource* source, Mesh* mesh, DxfWelder* welder)
     return 1;
 }
 
+// As many of each as there are faces: that is what a net of quads has, and pages that nothing is written to cost
+// nothing.
+static int32_t expectedFaces(const DxfSource* source)
+{
+    return static_cast<int32_t>(std::clamp<int64_t>(source->lines.sizeBytes / faceBytes, growthStep, INT32_MAX));
+}
+
 static int readDxf(DxfSource* source, Mesh* mesh)
 {
     DxfWelder welder = {};
-    int ok = growVertices(mesh, growthStep) && growUvs(mesh, growthStep) && growFaces(mesh, growthStep) &&
+    int32_t expected = expectedFaces(source);
+    int ok = growVertices(mesh, expected) && growUvs(mesh, growthStep) && growFaces(mesh, expected) &&
              readEntities(source, mesh, &welder);
     freeDxfWelder(&welder);
     return ok;

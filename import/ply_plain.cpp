@@ -42,7 +42,7 @@ static const char* takePosition(const char* line, char lineEnd, MeshVertex* vert
         return end;
     }
 #endif
-    float position[3];
+    float position[3] = {};
     const char* end = passPlainEnd(line, scanThree(line, position, scanFloatPadded), lineEnd);
     if (!end)
         return nullptr;

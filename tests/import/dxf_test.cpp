@@ -350,6 +350,50 @@ TEST_F(DxfReader, DamageIsReadOrRefused)
     loadCorrupted(LoadDxfFile, start + face(quad) + face(triangle) + finish, "0123 \r\n\t368-+.eEDFACEOnaif", 2000);
 }
 
+// The codes and values of a face as most are, and now and then something else.
+static std::string anyFace(std::mt19937& random)
+{
+    static const char* const odd[] = { "1e2", "-.5",  "+3",    "nan",           "1048576",
+                                       "-0",  "0x10", "1.25 ", " 1.25",         "x",
+                                       "",    "-",    "1.2.3", "0.50000002980", "12345678.12345678901",
+                                       "1,5", "7;" };
+    std::string end = random() % 4 ? "\n" : "\r\n";
+    std::string text = "  0" + end + "3DFACE" + end + "  8" + end + "wing" + end;
+    bool fourth = random() % 2;
+    for (int corner = 0; corner < 4; ++corner)
+    {
+        for (int axis = 0; axis < 3; ++axis)
+        {
+            static const char* const blanks[] = { " ", " ", " ", "", "  ", "   ", "\t" };
+            text += blanks[random() % 40 ? 0 : random() % 7] + std::to_string(10 * (axis + 1) + corner) + end;
+            double value = corner == 3 && !fourth ? axis : static_cast<double>(random() % 2000) / 64 - 10;
+            text += (random() % 60 ? std::to_string(value) : odd[random() % std::size(odd)]) + end;
+        }
+        if (random() % 40 == 0)
+            text += " 62" + end + "   7" + end;
+        if (random() % 80 == 0)
+            text += " 70" + end + "   7" + end;
+    }
+    return text;
+}
+
+TEST_F(DxfReader, PlainCornersReadLikeThoseReadLineByLine)
+{
+    std::mt19937 random(31);
+    for (int i = 0; i < 60; ++i)
+    {
+        std::string bytes = start;
+        for (int k = i % 3 ? 20 : 1500; k > 0; --k)
+            bytes += anyFace(random);
+        bytes += finish;
+        if (random() % 4 == 0)
+            bytes.resize(bytes.size() - random() % 600);
+        std::string plain = traceOf(LoadDxfFile, bytes, true), fast = traceOf(LoadDxfFile, bytes, false);
+        ASSERT_EQ(plain[0], '1');
+        ASSERT_TRUE(plain == fast) << bytes;
+    }
+}
+
 TEST_F(DxfReader, RealFiles)
 {
     struct

@@ -2,6 +2,7 @@
 #pragma once
 #include "import/dispatch.h"
 #include "model/mesh.h"
+#include "model/settings.h"
 #include "tests/clean_test.h"
 
 #include <stdlib.h>
@@ -121,6 +122,38 @@ inline std::string facesOf(const Mesh* mesh)
 inline std::string faceUvsOf(const Mesh* mesh)
 {
     return recordsText(mesh->faceUvs, mesh->faceCount);
+}
+
+// The bytes of a mesh's arrays; nothing when it was not read.
+inline std::string arraysOf(const LoadedMesh& loaded)
+{
+    std::string bytes;
+    if (!loaded.result)
+        return bytes;
+    auto append = [&](const void* from, size_t size) { bytes.append(static_cast<const char*>(from), size); };
+    auto vertices = static_cast<size_t>(loaded.mesh->vertexCount), faces = static_cast<size_t>(loaded.mesh->faceCount);
+    append(loaded.mesh->vertices, vertices * sizeof(MeshVertex));
+    append(loaded.mesh->faces, faces * sizeof(Corners));
+    append(loaded.mesh->faceUvs, faces * sizeof(Corners));
+    append(loaded.mesh->faceAttributes, faces * sizeof(uint32_t));
+    append(loaded.mesh->facePlanes, faces * sizeof(Plane));
+    return bytes;
+}
+
+// Everything that reading a file leaves behind: the answer, boxes, progress and the mesh. plain: by the plain kernels.
+inline std::string traceOf(Loader load, const std::string& bytes, bool plain)
+{
+    resetRecording();
+    usePlainKernels = plain;
+    LoadedMesh loaded(load, bytes);
+    usePlainKernels = 0;
+    std::string trace = std::to_string(loaded.result);
+    for (const RecordedBox& box : recorded.boxes)
+        trace += box.text;
+    for (const RecordedProgress& bar : recorded.progress)
+        for (float fraction : bar.fractions)
+            trace += " " + std::to_string(fraction);
+    return trace + arraysOf(loaded);
 }
 
 // What everybody who takes a mesh from a reader may rely on.

@@ -231,6 +231,75 @@ TEST_F(OffReader, RefusedMemoryFailsWithoutLeaks)
     loadWithRefusals(LoadOffFile, square);
 }
 
+// Lines as most are, and now and then one that has to be taken apart.
+static std::string anyOffLine(std::mt19937& random, bool face)
+{
+    static const char* const odd[] = { "4 0 1 2 3",
+                                       "3\t0 1 2",
+                                       " 3 0 1 2",
+                                       "3  0 1 2",
+                                       "3 0 1 2 255 0 0",
+                                       "3 0 1 -1",
+                                       "3 1 2 99999999",
+                                       "2 0 1",
+                                       "3 0 1 2;",
+                                       "3. 1 2 4",
+                                       "-1 2 3",
+                                       "1e2 -.5 +3",
+                                       ".5 1. 1",
+                                       "0x10 1 2",
+                                       "nan 1 2",
+                                       "1e30 1e-30 -0",
+                                       "1 2 3 ",
+                                       "1 2 3\t",
+                                       "5 0 1 2 3 4",
+                                       "9 1 2 3 4 5 6 7 8 9",
+                                       "# 3 0 1 2",
+                                       "",
+                                       "3 7 7 8",
+                                       "4 1 2 3 1",
+                                       "-0 -0 -0",
+                                       "1048576 1 1",
+                                       "12345678901 1.25 2",
+                                       "3 00000000001 2 3",
+                                       "0.50000002980 1 2",
+                                       "1.2.3 4 5",
+                                       "- 1 2",
+                                       "1 2" };
+    std::string line = face ? random() % 3 ? "3" : "4" : "";
+    if (random() % 12 == 0)
+        line = odd[random() % std::size(odd)];
+    else if (face)
+    {
+        for (int k = line == "3" ? 3 : 4; k > 0; --k)
+            line += " " + std::to_string(random() % 900);
+    }
+    else
+    {
+        for (int axis = 0; axis < 3; ++axis)
+            line += (axis ? " " : "") + std::to_string(std::normal_distribution<float>(0, 5)(random));
+    }
+    return line + (random() % 4 ? "\n" : "\r\n");
+}
+
+TEST_F(OffReader, PlainLinesReadLikeThoseTakenApart)
+{
+    std::mt19937 random(29);
+    for (int i = 0; i < 60; ++i)
+    {
+        std::string bytes = "OFF\n800 12000 0\n";
+        for (int k = 0; k < 900; ++k)
+            bytes += anyOffLine(random, false);
+        for (int k = i % 3 ? 400 : 12000; k > 0; --k)
+            bytes += anyOffLine(random, true);
+        if (random() % 4 == 0)
+            bytes.resize(bytes.size() - random() % 600);
+        std::string plain = traceOf(LoadOffFile, bytes, true), fast = traceOf(LoadOffFile, bytes, false);
+        ASSERT_EQ(plain[0], '1');
+        ASSERT_TRUE(plain == fast) << bytes;
+    }
+}
+
 TEST_F(OffReader, RealFiles)
 {
     struct

@@ -113,20 +113,4 @@ inline std::string binaryHouse(bool bigEndian)
                      indices + "property double weight\n");
 }
 
-// The bytes of a mesh's arrays; nothing when it was not read.
-inline std::string arraysOf(const LoadedMesh& loaded)
-{
-    std::string bytes;
-    if (!loaded.result)
-        return bytes;
-    auto append = [&](const void* from, size_t size) { bytes.append(static_cast<const char*>(from), size); };
-    auto vertices = static_cast<size_t>(loaded.mesh->vertexCount), faces = static_cast<size_t>(loaded.mesh->faceCount);
-    append(loaded.mesh->vertices, vertices * sizeof(MeshVertex));
-    append(loaded.mesh->faces, faces * sizeof(Corners));
-    append(loaded.mesh->faceUvs, faces * sizeof(Corners));
-    append(loaded.mesh->faceAttributes, faces * sizeof(uint32_t));
-    append(loaded.mesh->facePlanes, faces * sizeof(Plane));
-    return bytes;
-}
-
 } // namespace ply
