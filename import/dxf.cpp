@@ -1,13 +1,13 @@
 // import/dxf.cpp - DXF: pairs of lines, a group code and its value; a code 0 starts the next entity
 #include "import/dxf.h"
 
+#include "import/open_dialog.h"
 #include "import/plain_lines.h"
 #include "import/sanitize.h"
 #include "model/memory.h"
 #include "model/normals.h"
 #include "model/settings.h"
 #include "platform/boxes.h"
-#include "platform/dialogs.h"
 #include "platform/files.h"
 #include "tools/uvs.h"
 
@@ -400,18 +400,5 @@ int LoadDxfFile(Mesh* mesh, const char* path)
 
 int openDxfFile(Mesh* mesh)
 {
-    constexpr size_t pathCharacters = 128, titleCharacters = 32;
-    char path[dialogBytes(pathCharacters)] = "", title[dialogBytes(titleCharacters)] = "";
-    FileDialog dialog = {
-        .filterText = "dxf Files(*.dxf)",
-        .filterPattern = "*.dxf",
-        .title = nullptr,
-        .defaultExtension = nullptr,
-        .flags = 0,
-        .path = path,
-        .pathRoom = pathCharacters,
-        .fileTitle = title,
-        .fileTitleRoom = titleCharacters,
-    };
-    return chooseFileToOpen(&dialog) && LoadDxfFile(mesh, path);
+    return openByDialog(mesh, "dxf Files(*.dxf)", "*.dxf", LoadDxfFile);
 }

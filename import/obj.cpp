@@ -3,11 +3,11 @@
 
 #include "import/corners.h"
 #include "import/obj_reader.h"
+#include "import/open_dialog.h"
 #include "import/paths.h"
 #include "import/sanitize.h"
 #include "model/normals.h"
 #include "platform/boxes.h"
-#include "platform/dialogs.h"
 #include "platform/files.h"
 #include "tools/uvs.h"
 
@@ -310,15 +310,5 @@ int LoadObjFile(Mesh* mesh, const char* path)
 
 int openObjFile(Mesh* mesh)
 {
-    constexpr size_t pathCharacters = 128, titleCharacters = 32;
-    char path[dialogBytes(pathCharacters)] = "";
-    char title[dialogBytes(titleCharacters)] = "";
-    FileDialog dialog = {};
-    dialog.filterText = "Wavefront files *.obj";
-    dialog.filterPattern = "*.obj";
-    dialog.path = path;
-    dialog.pathRoom = pathCharacters;
-    dialog.fileTitle = title;
-    dialog.fileTitleRoom = titleCharacters;
-    return chooseFileToOpen(&dialog) && LoadObjFile(mesh, path);
+    return openByDialog(mesh, "Wavefront files *.obj", "*.obj", LoadObjFile);
 }

@@ -4,11 +4,11 @@
 #include "import/corners.h"
 #include "import/names.h"
 #include "import/numbers.h"
+#include "import/open_dialog.h"
 #include "import/sanitize.h"
 #include "model/memory.h"
 #include "model/normals.h"
 #include "platform/boxes.h"
-#include "platform/dialogs.h"
 #include "platform/files.h"
 #include "tools/uvs.h"
 
@@ -590,18 +590,5 @@ int LoadPoserFile(Mesh* mesh, const char* path)
 
 int openPoserFile(Mesh* mesh)
 {
-    constexpr size_t pathCharacters = 128, titleCharacters = 32;
-    char path[dialogBytes(pathCharacters)] = "", title[dialogBytes(titleCharacters)] = "";
-    FileDialog dialog = {
-        .filterText = "Poser Files(*.pp2,*.hr2,*.cr2)",
-        .filterPattern = "*.pp2;*.hr2;*.cr2",
-        .title = nullptr,
-        .defaultExtension = nullptr,
-        .flags = 0,
-        .path = path,
-        .pathRoom = pathCharacters,
-        .fileTitle = title,
-        .fileTitleRoom = titleCharacters,
-    };
-    return chooseFileToOpen(&dialog) && LoadPoserFile(mesh, path);
+    return openByDialog(mesh, "Poser Files(*.pp2,*.hr2,*.cr2)", "*.pp2;*.hr2;*.cr2", LoadPoserFile);
 }
