@@ -44,7 +44,7 @@ static void decodeVertices(MeshVertex* out, const uint8_t* at, int64_t count)
         memcpy(&x, at, sizeof x);
         memcpy(&y, at + sizeof x, sizeof y);
         memcpy(&z, at + 2 * sizeof x, sizeof z);
-        bool good = isGoodFloat(x) & isGoodFloat(y) & isGoodFloat(z);
+        int good = int{ isGoodFloat(x) } & int{ isGoodFloat(y) } & int{ isGoodFloat(z) }; // without branches
         out[i].position[0] = std::bit_cast<float>(good ? sanitizedBits(x) : 0);
         out[i].position[1] = std::bit_cast<float>(good ? sanitizedBits(y) : 0);
         out[i].position[2] = std::bit_cast<float>(good ? sanitizedBits(z) : 0);
