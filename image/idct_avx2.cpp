@@ -86,7 +86,7 @@ inlineAvx2 __m256i loadRows(const int16_t* first, const int16_t* second, int row
 inlineAvx2 void storeRows(uint8_t* out, ptrdiff_t strideBytes, int row, __m128i two)
 {
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out + row * strideBytes), two);
-    _mm_storeh_pd(reinterpret_cast<double*>(out + (row + 1) * strideBytes), _mm_castsi128_pd(two));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out + (row + 1) * strideBytes), _mm_srli_si128(two, 8));
 }
 
 withAvx2 void inverseDctPairAvx2(const IdctTask* tasks)
