@@ -28,7 +28,8 @@ inline std::string brokenPromise(const Mesh* mesh)
         return at("materialCount", mesh->materialCount);
     if (mesh->groupCount < 0 || mesh->groupCount > slotCount)
         return at("groupCount", mesh->groupCount);
-    if (mesh->liveFaceCount < 0 || mesh->liveFaceCount > mesh->faceCount)
+    // A Poser file's triangles are not counted, and a tool that deletes some takes the count below 0.
+    if (mesh->liveFaceCount < -mesh->faceCount || mesh->liveFaceCount > mesh->faceCount)
         return at("liveFaceCount", mesh->liveFaceCount);
 
     for (int32_t f = 0; f < mesh->faceCount; ++f)

@@ -24,6 +24,17 @@ TEST_F(PolygonsTest, TwoTrianglesMergeAcrossTheirLongestEdge)
     EXPECT_EQ(recorded.notices, (Texts{ "Mesh converted to quads" }));
 }
 
+// Its reader leaves them out on purpose, and nothing but the statistics shows the number.
+TEST_F(PolygonsTest, TrianglesOfAPoserFileAreNotCountedSoThatMergingThemCountsBelowZero)
+{
+    MeshPointer mesh = buildMesh(square, { { 0, 1, 2, none }, { 2, 1, 3, none } });
+    mesh->liveFaceCount = 0;
+    EXPECT_EQ(makeQuads(mesh.get()), 1);
+    EXPECT_EQ(mesh->liveFaceCount, -1);
+    EXPECT_EQ(makeTriangles(mesh.get()), 1);
+    EXPECT_EQ(mesh->liveFaceCount, 2); // counted anew
+}
+
 TEST_F(PolygonsTest, TheNewCornerIsPutIntoWhicheverEdgeIsLongest)
 {
     for (size_t turn = 0; turn < 3; ++turn)
