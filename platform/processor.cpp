@@ -13,3 +13,9 @@ int processorHasAvx2()
 {
     return __builtin_cpu_supports("avx2") ? 1 : 0;
 }
+
+int processorHasAvx512()
+{
+    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+           __builtin_cpu_supports("avx512vl");
+}

@@ -11,3 +11,6 @@ uint32_t processorFeatures();
 
 // 1 when AVX2 is there and the operating system saves its registers.
 int processorHasAvx2();
+
+// The same of AVX-512 with its byte, word and short-register operations.
+int processorHasAvx512();

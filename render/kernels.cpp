@@ -10,8 +10,16 @@ static bool useAvx2()
     return displayState.useSse2 && present;
 }
 
+static bool useAvx512()
+{
+    static const bool present = processorHasAvx512() != 0;
+    return displayState.useSse2 && present;
+}
+
 RasterKernels rasterKernels()
 {
+    if (useAvx512())
+        return { setUpTriangleSse2, fillOpaqueAvx512, fillTransparentAvx512, fillTexturedAvx512 };
     if (useAvx2())
         return { setUpTriangleSse2, fillOpaqueAvx2, fillTransparentAvx2, fillTexturedAvx2 };
     return { displayState.useSse2 ? setUpTriangleSse2 : setUpTriangle, fillOpaque, fillTransparent, fillTextured };

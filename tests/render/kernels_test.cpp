@@ -27,17 +27,14 @@ static TriangleCorner randomCorner(std::mt19937& random, int32_t width, int32_t 
     return c;
 }
 
-TEST(Kernels, Avx2FillersEqualThePlainOnes)
+static void compareFillers(const TriangleFiller (&fastFillers)[3])
 {
-    if (!processorHasAvx2())
-        GTEST_SKIP() << noAvx2;
     std::mt19937 random(17);
     std::vector<uint32_t> pixels(37 * 23);
     for (uint32_t& pixel : pixels)
         pixel = static_cast<uint32_t>(random());
     Image image = { pixels.data(), 37, 23 };
     const TriangleFiller plainFillers[3] = { fillOpaque, fillTransparent, fillTextured };
-    const TriangleFiller fastFillers[3] = { fillOpaqueAvx2, fillTransparentAvx2, fillTexturedAvx2 };
     for (int i = 0; i < 6000; ++i)
     {
         int32_t side = i % 4 == 0 ? 150 : i % 4 == 1 ? 5 : 24;
@@ -68,6 +65,20 @@ TEST(Kernels, Avx2FillersEqualThePlainOnes)
     }
 }
 
+TEST(Kernels, Avx2FillersEqualThePlainOnes)
+{
+    if (!processorHasAvx2())
+        GTEST_SKIP() << noAvx2;
+    compareFillers({ fillOpaqueAvx2, fillTransparentAvx2, fillTexturedAvx2 });
+}
+
+TEST(Kernels, Avx512FillersEqualThePlainOnes)
+{
+    if (!processorHasAvx512())
+        GTEST_SKIP() << "this processor has no AVX-512";
+    compareFillers({ fillOpaqueAvx512, fillTransparentAvx512, fillTexturedAvx512 });
+}
+
 TEST(Kernels, Avx2ExpansionEqualsPlainForEveryCountAndStaysInside)
 {
     if (!processorHasAvx2())
@@ -93,7 +104,8 @@ TEST(Kernels, TheSwitchForcesThePlainOnes)
     EXPECT_EQ(cellExpander(), expandCells);
     displayState.useSse2 = 1;
     EXPECT_EQ(rasterKernels().setUp, setUpTriangleSse2);
-    EXPECT_EQ(rasterKernels().opaque, processorHasAvx2() ? fillOpaqueAvx2 : fillOpaque);
+    TriangleFiller widest = processorHasAvx512() ? fillOpaqueAvx512 : processorHasAvx2() ? fillOpaqueAvx2 : fillOpaque;
+    EXPECT_EQ(rasterKernels().opaque, widest);
 }
 
 TEST(Kernels, Avx2ShadowSpansEqualPlainForEveryTail)
