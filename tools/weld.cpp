@@ -151,13 +151,6 @@ static void mergeAllEqual(const Mesh* mesh, VertexStore* store)
         mergeEqualBatch(weld, first, std::min<uint32_t>(batch, vertexCount - first));
 }
 
-// Where near vertices are looked for: the step of the key and the cell of the position.
-struct Place
-{
-    int32_t step;
-    int64_t cell[3];
-};
-
 // Cells of 2^-14, six times the tolerance: what is near lies in the same cell or in the next. Multiplying by 2^14 is
 // exact. Past 128 the next float is farther than the tolerance, so only equal positions are near; from 2^20 on, where a
 // cell number would grow without bounds, every value has a cell of its own.
@@ -178,15 +171,6 @@ static int32_t stepOf(float key, float smallest, float scale, int32_t vertexCoun
     if (step >= 2147483648.0f)
         return vertexCount - 1;
     return std::min(static_cast<int32_t>(step), vertexCount - 1);
-}
-
-static uint32_t placeHash(const Place& place)
-{
-    uint64_t key = static_cast<uint64_t>(place.cell[0]) + static_cast<uint64_t>(place.step) * 0x9E3779B97F4A7C15u;
-    key = (key ^ (key >> 32)) * 0xFF51AFD7ED558CCDu + static_cast<uint64_t>(place.cell[1]);
-    key = (key ^ (key >> 32)) * 0xC4CEB9FE1A85EC53u + static_cast<uint64_t>(place.cell[2]);
-    key = (key ^ (key >> 32)) * 0x9E3779B97F4A7C15u;
-    return static_cast<uint32_t>(key >> 32);
 }
 
 struct KeyRange
@@ -220,83 +204,105 @@ static int32_t stepOfPosition(const NearWeld& weld, const float* position)
     return stepOf(keyOf(position), weld.smallest, weld.scale, weld.vertexCount);
 }
 
-static Place placeOf(const NearWeld& weld, const float* position)
+// Where a vertex is stored, by the step of its key and the cell of its position, and everywhere that one near to it may
+// be: first its own cell's entry, then those of the cells next to it that a near position may lie in; none in the
+// middle of a cell.
+struct Search
 {
-    return { stepOfPosition(weld, position), { cellOf(position[0]), cellOf(position[1]), cellOf(position[2]) } };
+    int32_t step;
+    int32_t homeCount;
+    uint32_t* homes[8];
+};
+
+// A sum with a factor for each axis, so that a cell next to another has a key that differs by that factor.
+static Search searchAround(const NearWeld& weld, const float* position)
+{
+    static constexpr uint64_t factors[3] = { 0x9E3779B97F4A7C15u, 0xC2B2AE3D27D4EB4Fu, 0x165667B19E3779F9u };
+    constexpr float margin = 1.5f * nearTolerance; // leaves room for the rounding of the difference
+    Search search;
+    search.step = stepOfPosition(weld, position);
+    uint64_t key = static_cast<uint64_t>(search.step) * 0xFF51AFD7ED558CCDu;
+    uint64_t toNext[3]; // from the key to that of the next cell on an axis; 0 where that is not looked at
+    for (int axis = 0; axis < 3; ++axis)
+    {
+        int64_t cell = cellOf(position[axis]);
+        int64_t low = std::clamp(cellOf(position[axis] - margin), cell - 1, cell);
+        int64_t high = std::clamp(cellOf(position[axis] + margin), cell, cell + 1);
+        key += static_cast<uint64_t>(cell) * factors[axis];
+        toNext[axis] = static_cast<uint64_t>(low + high - 2 * cell) * factors[axis];
+    }
+    uint64_t keys[8];
+    keys[0] = key;
+    search.homeCount = 1;
+    for (uint64_t next : toNext)
+    {
+        for (int32_t k = 0, before = next ? search.homeCount : 0; k < before; ++k)
+            keys[search.homeCount++] = keys[k] + next;
+    }
+    for (int32_t k = 0; k < search.homeCount; ++k)
+        search.homes[k] = &weld.store->home[static_cast<uint32_t>(scrambled(keys[k])) & weld.store->homeMask];
+    return search;
 }
 
-static uint32_t* homeOf(const NearWeld& weld, const Place& place)
-{
-    return &weld.store->home[placeHash(place) & weld.store->homeMask];
-}
-
-// The lowest of the best so far and the near vertices of one cell; new numbers + 1, 0 for none.
-static uint32_t nearestInCell(const NearWeld& weld, const float* position, const Place& place, uint32_t best)
+// The lowest near vertex as new number + 1; 0 for none.
+static uint32_t nearestKept(const NearWeld& weld, const float* position, const Search& search)
 {
     const VertexStore* store = weld.store;
-    for (uint32_t stored = *homeOf(weld, place); stored != 0; stored = store->next[stored - 1])
+    uint32_t best = 0;
+    for (int32_t i = 0; i < search.homeCount; ++i)
     {
-        const float* there = store->vertices[stored - 1].position;
-        bool lower = best == 0 || stored < best;
-        if (lower && nearPositions(there, position) && stepOfPosition(weld, there) == place.step)
-            best = stored;
+        for (uint32_t stored = *search.homes[i]; stored != 0; stored = store->next[stored - 1])
+        {
+            const float* there = store->vertices[stored - 1].position;
+            bool lower = best == 0 || stored < best;
+            if (lower && nearPositions(there, position) && stepOfPosition(weld, there) == search.step)
+                best = stored;
+        }
     }
     return best;
 }
 
-// The cells next to the own one that a near position may lie in; none in the middle of a cell. The margin leaves room
-// for the rounding of the difference.
-static void cellsToSearch(const float* position, const Place& own, int64_t* low, int64_t* high)
-{
-    constexpr float margin = 1.5f * nearTolerance;
-    for (int axis = 0; axis < 3; ++axis)
-    {
-        low[axis] = std::clamp(cellOf(position[axis] - margin), own.cell[axis] - 1, own.cell[axis]);
-        high[axis] = std::clamp(cellOf(position[axis] + margin), own.cell[axis], own.cell[axis] + 1);
-    }
-}
-
-static void mergeNear(const NearWeld& weld, uint32_t vertex, const Place& own)
+static void mergeNear(const NearWeld& weld, uint32_t vertex, const Search& search)
 {
     VertexStore* store = weld.store;
-    const float* position = store->vertices[vertex].position;
-    int64_t low[3], high[3];
-    cellsToSearch(position, own, low, high);
-    uint32_t best = 0;
-    Place place = own;
-    for (place.cell[0] = low[0]; place.cell[0] <= high[0]; ++place.cell[0])
-    {
-        for (place.cell[1] = low[1]; place.cell[1] <= high[1]; ++place.cell[1])
-        {
-            for (place.cell[2] = low[2]; place.cell[2] <= high[2]; ++place.cell[2])
-                best = nearestInCell(weld, position, place, best);
-        }
-    }
-    if (best != 0)
+    if (uint32_t best = nearestKept(weld, store->vertices[vertex].position, search))
     {
         store->target[vertex] = best;
         return;
     }
-    uint32_t* home = homeOf(weld, own);
     uint32_t number = keepVertex(store, vertex);
-    store->next[number - 1] = *home;
-    *home = number;
+    store->next[number - 1] = *search.homes[0];
+    *search.homes[0] = number;
 }
 
-// In rounds, as the equal ones; only the own cell's memory is asked for ahead.
+// In rounds, as the equal ones.
 static void mergeNearBatch(const NearWeld& weld, uint32_t first, uint32_t count)
 {
     const VertexStore* store = weld.store;
-    Place places[batch];
+    Search searches[batch];
     for (uint32_t i = 0; i < count; ++i)
     {
-        places[i] = placeOf(weld, store->vertices[first + i].position);
-        __builtin_prefetch(homeOf(weld, places[i]), 1);
+        searches[i].homeCount = 0;
+        if (store->target[first + i] != unused)
+            searches[i] = searchAround(weld, store->vertices[first + i].position);
+        for (int32_t k = 0; k < searches[i].homeCount; ++k)
+            __builtin_prefetch(searches[i].homes[k], 1);
+    }
+    for (uint32_t i = 0; i < count; ++i)
+    {
+        for (int32_t k = 0; k < searches[i].homeCount; ++k)
+        {
+            if (uint32_t stored = *searches[i].homes[k])
+            {
+                __builtin_prefetch(&store->vertices[stored - 1]);
+                __builtin_prefetch(&store->next[stored - 1]);
+            }
+        }
     }
     for (uint32_t i = 0; i < count; ++i)
     {
         if (store->target[first + i] != unused)
-            mergeNear(weld, first + i, places[i]);
+            mergeNear(weld, first + i, searches[i]);
     }
 }
 
