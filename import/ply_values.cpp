@@ -75,11 +75,13 @@ static int readBinaryList(PlyReader* reader, const PlyProperty& property)
     ByteSource* source = &reader->source;
     int32_t count = takePlyNumber(reader, property.countType).whole;
     size_t itemBytes = plyTypeBytes[property.type];
-    if (count < 0 || source->bad)
+    if (count < 0 || (itemBytes != 0 && count > bytesLeft(source) / static_cast<int64_t>(itemBytes)))
+        source->bad = 1; // where the next value stands is not known
+    if (source->bad)
         return 0;
     if (itemBytes == 0)
         return readSizelessList(reader, count);
-    if (count > bytesLeft(source) / static_cast<int64_t>(itemBytes) || !startList(reader, count))
+    if (!startList(reader, count))
         return 0;
     bool swap = swapsBytes(reader);
     while (reader->listCount < count)
@@ -98,8 +100,9 @@ static int skipBinaryString(PlyReader* reader)
 {
     int32_t length = takePlyNumber(reader, plyInt32).whole;
     if (length < 0)
-        return 0;
-    skipBytes(&reader->source, length);
+        reader->source.bad = 1;
+    else
+        skipBytes(&reader->source, length);
     return !reader->source.bad;
 }
 
@@ -191,30 +194,29 @@ static int readAsciiList(PlyReader* reader, PlyLine* line, const PlyProperty& pr
     return 1;
 }
 
+static int readAsciiProperty(PlyReader* reader, PlyLine* line, const PlyProperty& property, PlyVertex* vertex)
+{
+    PlyWord word;
+    PlyNumber number;
+    if (property.kind == plyList)
+        return readAsciiList(reader, line, property);
+    if (property.kind == plyString || !vertex || property.field == plyUnwanted)
+        return property.type == plyUnknown || nextPlyWord(line, &word);
+    int ok = nextPlyNumber(line, property.type, &number);
+    storePlyNumber(vertex, property.field, number);
+    return ok;
+}
+
+// Takes the whole line even where it does not suit the properties: the next instance is on the next one.
 static int readAsciiInstance(PlyReader* reader, const PlyElement& element, PlyVertex* vertex)
 {
     PlyLine line;
-    PlyWord word;
-    PlyNumber number;
     if (!nextPlyLine(reader, &line))
         return 0;
-    for (int32_t i = 0; i < element.propertyCount; ++i)
-    {
-        const PlyProperty& property = element.properties[i];
-        int ok;
-        if (property.kind == plyList)
-            ok = readAsciiList(reader, &line, property);
-        else if (property.kind == plyString || !vertex || property.field == plyUnwanted)
-            ok = property.type == plyUnknown || nextPlyWord(&line, &word);
-        else
-        {
-            ok = nextPlyNumber(&line, property.type, &number);
-            storePlyNumber(vertex, property.field, number);
-        }
-        if (!ok)
-            return 0;
-    }
-    return endPlyLine(reader, &line);
+    int ok = 1;
+    for (int32_t i = 0; i < element.propertyCount && ok; ++i)
+        ok = readAsciiProperty(reader, &line, element.properties[i], vertex);
+    return endPlyLine(reader, &line) && ok;
 }
 
 int readPlyInstance(PlyReader* reader, const PlyElement& element, PlyVertex* vertex)

@@ -110,6 +110,34 @@ TEST_F(PlyReaderTest, OneInstanceOfAnyOtherElementIsPassedOver)
               "1 2 3 FFFFFFFF");
 }
 
+TEST_F(PlyReaderTest, TheLineOfAnotherElementIsPassedWhateverStandsThere)
+{
+    std::string ids = "element ids 1\nproperty list int int ids\n", vertex = "element vertex 1\n" + xyz;
+    std::string many = "300";
+    for (int i = 0; i < 300; ++i)
+        many += " 7";
+    for (const std::string& line :
+         { many, std::string("-1"), std::string("3 1 2"), std::string("1 2 3 4 5"), std::string("x") })
+        EXPECT_EQ(verticesFrom(ascii(ids + vertex, line + "\n1 2 3\n")), "1 2 3 FFFFFFFF") << line.substr(0, 20);
+    std::string camera = "element cam 0\nproperty int a\nproperty int b\nproperty int c\nproperty int d\n";
+    expectRefused(ascii(camera + vertex, "1 2 3\n")); // the vertex's line is the one that is passed
+    EXPECT_EQ(verticesFrom(ascii(camera + vertex, "1 2 3\n4 5 6\n")), "4 5 6 FFFFFFFF");
+}
+
+TEST_F(PlyReaderTest, NothingIsReadAfterABinaryLengthThatCannotBe)
+{
+    std::string list = "element ids 1\nproperty list int int n\n", string = "element ids 1\nproperty string s\n";
+    for (int32_t length : { -1, 1000000 })
+    {
+        Packer body{ false, {} };
+        body.put(length).put(1.0f).put(2.0f).put(3.0f);
+        expectRefused(body.file(list + "element vertex 1\n" + xyz));
+        expectRefused(body.file(string + "element vertex 1\n" + xyz));
+        LoadedMesh behind(LoadPlyFile, body.file(list)); // nothing follows that could fail
+        EXPECT_EQ(behind.result, 1) << length;
+    }
+}
+
 TEST_F(PlyReaderTest, AnnouncedCountsTakeNoMemory)
 {
     for (const char* format : { "ascii", "binary_little_endian", "binary_big_endian" })
