@@ -9,6 +9,8 @@
 #include "platform/files.h"
 #include "tools/uvs.h"
 
+#include <algorithm>
+
 // Cosine and sine of the turn about x. The angle is 1.57075, on purpose not quite a right one.
 constexpr float turnCosine = 0x1.84a222p-15f, turnSine = 1.0f;
 
@@ -69,6 +71,8 @@ static int read3ds(ThreeDsReadContext* context)
         return 0;
     mesh->liveFaceCount = mesh->faceCount;
     mesh->lineCount = 0;
+    mesh->groupCount = std::max(mesh->groupCount, context->groupsUsed);
+    mesh->materialCount = std::max(mesh->materialCount, context->slotsUsed);
     if (context->objectCount > 0 && renderSettings.keyframes3ds)
         applyPivots(context);
     turnUpright(mesh);

@@ -3,9 +3,6 @@
 
 #include "import/sanitize.h"
 
-#include <math.h>
-#include <iterator>
-
 static ThreeDsObject* findObject(ThreeDsReadContext* context, const char* name)
 {
     for (int32_t i = 0; i < context->objectCount; ++i)
@@ -67,40 +64,22 @@ int readKeyframer(ThreeDsReadContext* context, const Chunk& chunk)
     return readChildren(context, chunk, emptyChildEndsSection, readKeyframerChild);
 }
 
-// A frame that is nearly flat can throw vertices so far that squares of lengths are no numbers any more; those go to
-// the origin.
-static void keepReachable(float (&position)[3])
-{
-    constexpr float farthest = 1e18f;
-    bool reachable = fabsf(position[0]) < farthest && fabsf(position[1]) < farthest && fabsf(position[2]) < farthest;
-    if (!reachable)
-        position[0] = position[1] = position[2] = 0;
-}
-
-// Whether the matrix moves nothing: coordinates are finite and zeros positive, so that products with 1 and 0 keep them.
-static bool isIdentity(const Matrix& matrix)
-{
-    bool same = true;
-    for (size_t i = 0; i < std::size(matrix.m); ++i)
-        same &= matrix.m[i] == identityMatrix.m[i];
-    return same;
-}
-
-// An object without an inverse stays where it is.
+// The matrix that is applied is frame x translation by -pivot x inverse of the frame. That is a translation by the turned
+// pivot, whatever the inverse is; made so, it does not round where nothing is to be moved, and objects that touch still
+// touch. An object whose frame has no inverse stays where it is.
 static void applyPivot(Mesh* mesh, const ThreeDsObject& object)
 {
-    Matrix move, inverse, translation;
-    if (!invertMatrix(&inverse, &object.matrix))
-        return;
-    setTranslation(&translation, -object.pivot[0], -object.pivot[1], -object.pivot[2]);
-    multiplyMatrices(&move, &object.matrix, &translation);
-    multiplyMatrices(&move, &move, &inverse);
-    if (isIdentity(move))
+    Matrix turn = object.matrix, inverse;
+    turn.m[3] = turn.m[7] = turn.m[11] = 0;
+    float pivot[3];
+    transformPoint(pivot, &turn, object.pivot);
+    bool moves = pivot[0] != 0 || pivot[1] != 0 || pivot[2] != 0;
+    if (!moves || !invertMatrix(&inverse, &turn))
         return;
     for (int32_t i = object.firstVertex; i < object.endVertex; ++i)
     {
-        transformPoint(mesh->vertices[i].position, &move, mesh->vertices[i].position);
-        keepReachable(mesh->vertices[i].position);
+        for (size_t axis = 0; axis < 3; ++axis)
+            mesh->vertices[i].position[axis] -= pivot[axis];
     }
 }
 

@@ -163,6 +163,7 @@ int32_t placeMaterial(ThreeDsReadContext* context, const char* name)
         memcpy(mesh->materialNames[slot], entry->name, nameRoom);
         memcpy(mesh->textureNames[slot], entry->texture, nameRoom);
         entry->slotIndex = slot;
+        context->slotsUsed = slot + 1;
         mesh->materialCount += slot < slotCount - 1;
     }
     return entry->slotIndex;

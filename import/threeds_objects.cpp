@@ -224,6 +224,7 @@ static int readTrimesh(ThreeDsReadContext* context, const Chunk& chunk)
     object->endVertex = mesh->vertexCount;
     if (object->endVertex == object->firstVertex)
         return 1;
+    context->groupsUsed = mesh->groupCount + 1;
     mesh->groupCount += mesh->groupCount < slotCount - 1;
     context->objectCount += context->objectCount < slotCount - 1;
     return 1;

@@ -67,7 +67,8 @@ struct ThreeDsMaterial
     char texture[nameRoom];
 };
 
-// All that is kept while a file is read. The counts stop at slotCount - 1: what comes after shares the last entry.
+// All that is kept while a file is read. The counts, the mesh's own too, stop at slotCount - 1: what comes after shares the
+// last entry, which the mesh counts in the end.
 struct ThreeDsReadContext
 {
     int32_t objectCount;
@@ -81,6 +82,8 @@ struct ThreeDsReadContext
     int32_t uvBase;            // of its texture coordinates
     int32_t firstFace;         // of its face list
     int32_t materialsUsed;     // entries of materials, the shared last one included
+    int32_t groupsUsed;        // of the mesh, likewise
+    int32_t slotsUsed;         // materials of the mesh, likewise
     ThreeDsMaterial* material; // being read
     float selfIllumination;
     uint16_t shading;

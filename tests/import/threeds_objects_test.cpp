@@ -132,6 +132,29 @@ TEST_F(ThreeDsReader, ASingularMatrixLeavesTheObjectWhereItIs)
     EXPECT_EQ(positionInFile(loaded.mesh, 2), "1 1 0");
 }
 
+TEST_F(ThreeDsReader, AnObjectWithoutAPivotKeepsItsVerticesBitForBitWhateverItsFrame)
+{
+    std::string frame = matrixChunk({ 0.6f, 0.8f, 0, -0.8f, 0.6f, 0, 0, 0, 1, 1234.56f, 2345.67f, 34.5f });
+    std::string body = object("o", vertices({ 1200.1f, 2000.3f, 0.7f, 1201.1f, 2000.3f, 0.7f }) + frame);
+    LoadedMesh loaded(Load3dsFile, file(body, node("o", 0, 0, 0)));
+    renderSettings.keyframes3ds = 0;
+    LoadedMesh still(Load3dsFile, file(body));
+    ASSERT_EQ(loaded.result + still.result, 2);
+    for (int32_t i = 0; i < 2; ++i)
+        EXPECT_EQ(memcmp(loaded->vertices[i].position, still->vertices[i].position, sizeof(float[3])), 0) << i;
+}
+
+TEST_F(ThreeDsReader, AFrameFarAwayDoesNotCountAsSingular)
+{
+    for (float distance : { 0.0f, 990000.0f, 1040000.0f })
+    {
+        std::string frame = matrixChunk({ 1, 0, 0, 0, 1, 0, 0, 0, 1, distance, distance, distance });
+        LoadedMesh loaded(Load3dsFile, file(object("o", square + frame), node("o", 1, 2, 3)));
+        ASSERT_EQ(loaded.result, 1);
+        EXPECT_EQ(positionInFile(loaded.mesh, 0), "-1 -2 -3") << distance;
+    }
+}
+
 TEST_F(ThreeDsReader, OnlyTheFirstPivotOfANodeCountsAndBadOnesAreZero)
 {
     std::string twice =

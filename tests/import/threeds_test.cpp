@@ -154,7 +154,7 @@ TEST_F(ThreeDsReader, AtMost512ObjectsAndMaterials)
         }
         LoadedMesh loaded(Load3dsFile, file(body, nodes));
         ASSERT_EQ(loaded.result, 1);
-        int32_t counted = std::min(count, 511);
+        int32_t counted = std::min(count, 512);
         EXPECT_EQ(loaded->groupCount, counted);
         EXPECT_EQ(loaded->materialCount, counted);
         EXPECT_EQ(loaded->faceCount, count);
