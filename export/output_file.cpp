@@ -5,14 +5,6 @@
 
 constexpr size_t pathRoom = 8192;
 
-static int nameIsTaken(const std::string& name)
-{
-    FILE* file = openFile(name.c_str(), "rb");
-    if (file)
-        fclose(file);
-    return file != nullptr;
-}
-
 static int reportUnwritten(const OutputFile* output)
 {
     messageBox(output->target.c_str(), "Error cannot write", iconStop);
@@ -22,10 +14,15 @@ static int reportUnwritten(const OutputFile* output)
 static FILE* openBeside(OutputFile* output)
 {
     constexpr int mostNames = 100;
-    std::string name = output->place + ".part";
-    for (int i = 1; i < mostNames && nameIsTaken(name); ++i) // somebody's file of that name is not ours to overwrite
-        name = output->place + ".part" + std::to_string(i);
-    FILE* file = nameIsTaken(name) ? nullptr : openFile(name.c_str(), "wb");
+    const std::string part = output->place + ".part";
+    std::string name = part;
+    int taken; // what somebody has of that name is not ours to overwrite
+    FILE* file = createFile(name.c_str(), &taken);
+    for (int i = 1; i < mostNames && taken; ++i)
+    {
+        name = part + std::to_string(i);
+        file = createFile(name.c_str(), &taken);
+    }
     if (file)
         output->temporary = name;
     return file;

@@ -6,9 +6,10 @@
 
 #include <algorithm>
 
+// A model names files, not pipes, which might keep it waiting for ever.
 static bool fileOpens(const std::string& path)
 {
-    FILE* file = openFile(path.c_str(), "rb");
+    FILE* file = isPlainFile(path.c_str()) ? openFile(path.c_str(), "rb") : nullptr;
     if (file)
         fclose(file);
     return file != nullptr;
@@ -69,13 +70,20 @@ static std::string findInFolder(const std::string& folder, const std::string& na
     return !path.empty() && fileOpens(path) ? path : std::string{};
 }
 
-std::string findModelFile(const char* modelPath, const char* name)
+static std::string findNamed(const char* modelPath, const std::string& name)
 {
-    if (!*name)
+    if (name.empty())
         return {};
     if (isAbsolute(name))
         return fileOpens(name) ? name : std::string{};
     return findInFolder(folderOf(modelPath), name);
+}
+
+std::string findModelFile(const char* modelPath, const char* name)
+{
+    std::string path = findNamed(modelPath, name);
+    std::string withoutBlanks(name, std::string(name).find_last_not_of(" \t") + 1); // some systems look past those
+    return path.empty() && withoutBlanks != name ? findNamed(modelPath, withoutBlanks) : path;
 }
 
 std::string findTextureFile(const char* modelPath, const char* name)

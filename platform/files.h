@@ -7,6 +7,13 @@
 // fopen for a UTF-8 path. Null when it does not open, for a folder, and for reading from a device, which may never end.
 FILE* openFile(const char* path, const char* mode);
 
+// Creates a file to be written where nothing stands yet, not even a link to nowhere. Null when it cannot be made; *taken
+// tells whether because something stands there.
+FILE* createFile(const char* path, int* taken);
+
+// Whether a file stands there, links followed: no folder, device or pipe.
+int isPlainFile(const char* path);
+
 // The size of an open file in bytes and the position back at its start; -1 when it cannot be measured.
 int64_t measureFile(FILE* file);
 
@@ -23,7 +30,7 @@ enum FileTarget
 {
     targetReplaceable, // a file, or nothing yet: a whole file may take its place
     targetDirect,      // a device or a pipe: written as it stands, never replaced
-    targetRefused      // a file that must not be written
+    targetRefused      // a folder, or a file that must not be written
 };
 
 // Looks at what stands at a path. Writes the path of the file itself, links followed; an empty path is refused, as is

@@ -2,6 +2,7 @@
 #include "platform/files.h"
 
 #include <dirent.h>
+#include <errno.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <string.h>
@@ -33,6 +34,20 @@ FILE* openFile(const char* path, const char* mode)
         return nullptr;
     }
     return file;
+}
+
+FILE* createFile(const char* path, int* taken)
+{
+    letLongWritesFail();
+    FILE* file = fopen(path, "wbx");
+    *taken = !file && errno == EEXIST;
+    return file;
+}
+
+int isPlainFile(const char* path)
+{
+    struct stat facts;
+    return stat(path, &facts) == 0 && S_ISREG(facts.st_mode);
 }
 
 int64_t measureFile(FILE* file)
@@ -106,7 +121,7 @@ FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
     bool there = stat(path, &facts) == 0;
     bool isFile = there && S_ISREG(facts.st_mode), isFolder = there && S_ISDIR(facts.st_mode);
     bool direct = there && !isFile && !isFolder;
-    if (*path == 0 || (isFile && access(path, W_OK) != 0))
+    if (*path == 0 || isFolder || (isFile && access(path, W_OK) != 0))
         return targetRefused;
     std::string name = direct ? path : actualPath(path);
     if (name.size() >= roomBytes)

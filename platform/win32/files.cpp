@@ -2,7 +2,11 @@
 #include "platform/files.h"
 #include "platform/win32/names.h"
 
+#include <errno.h>
+#include <fcntl.h>
+#include <io.h>
 #include <string.h>
+#include <sys/stat.h>
 #include <windows.h>
 
 std::wstring wideFromUtf8(const char* text)
@@ -27,13 +31,37 @@ std::string utf8FromWide(const wchar_t* text)
     return narrow;
 }
 
+static HANDLE handleOf(FILE* file)
+{
+    return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)));
+}
+
 FILE* openFile(const char* path, const char* mode)
 {
     std::wstring widePath = wideFromUtf8(path);
     DWORD facts = GetFileAttributesW(widePath.c_str());
     if (facts != INVALID_FILE_ATTRIBUTES && (facts & FILE_ATTRIBUTE_DIRECTORY))
         return nullptr;
-    return _wfopen(widePath.c_str(), wideFromUtf8(mode).c_str());
+    FILE* file = _wfopen(widePath.c_str(), wideFromUtf8(mode).c_str());
+    if (file && *mode == 'r' && GetFileType(handleOf(file)) == FILE_TYPE_CHAR) // as a library named CON
+    {
+        fclose(file);
+        return nullptr;
+    }
+    return file;
+}
+
+FILE* createFile(const char* path, int* taken)
+{
+    int file = _wopen(wideFromUtf8(path).c_str(), _O_CREAT | _O_EXCL | _O_WRONLY | _O_BINARY, _S_IREAD | _S_IWRITE);
+    *taken = file < 0 && errno == EEXIST;
+    return file < 0 ? nullptr : _fdopen(file, "wb");
+}
+
+int isPlainFile(const char* path)
+{
+    DWORD facts = GetFileAttributesW(wideFromUtf8(path).c_str());
+    return facts != INVALID_FILE_ATTRIBUTES && !(facts & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE));
 }
 
 int64_t measureFile(FILE* file)
@@ -69,7 +97,7 @@ FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
         return targetRefused;
     std::wstring widePath = wideFromUtf8(path);
     DWORD facts = GetFileAttributesW(widePath.c_str());
-    if (facts != INVALID_FILE_ATTRIBUTES && (facts & FILE_ATTRIBUTE_READONLY) && !(facts & FILE_ATTRIBUTE_DIRECTORY))
+    if (facts != INVALID_FILE_ATTRIBUTES && (facts & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)))
         return targetRefused;
     HANDLE handle = CreateFileW(widePath.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                 OPEN_EXISTING, 0, nullptr);

@@ -488,6 +488,12 @@ TEST_F(LuxWriter, AllFourFilesAreReplacedOrNone)
     EXPECT_EQ(writeLuxFiles(mesh.get(), missing.c_str()), 0);
     EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "missing/a.lxo", "Error cannot create", iconStop } }));
     EXPECT_EQ(contents(folder + "a.lxo"), "earlier");
+    std::filesystem::create_directory(folder + "a_textures.txt");
+    EXPECT_EQ(writeLuxFiles(mesh.get(), (folder + "a.lxs").c_str()), 0);
+    EXPECT_EQ(recorded.boxes.back(), (Boxes{ { folder + "a_textures.txt", "Error cannot create", iconStop } })[0]);
+    EXPECT_EQ(filesInFolder(), (Names{ "a.lxo", "a_textures.txt" }));
+    EXPECT_EQ(contents(folder + "a.lxo"), "earlier");
+    std::filesystem::remove(folder + "a_textures.txt");
     EXPECT_EQ(writeLuxFiles(mesh.get(), (folder + "a.lxs").c_str()), 1);
     EXPECT_EQ(filesInFolder(), (Names{ "a.lxm", "a.lxo", "a.lxs", "a_textures.txt" }));
     EXPECT_NE(contents(folder + "a.lxo"), "earlier");

@@ -320,7 +320,7 @@ TEST_F(ObjWriter, WithoutMaterialsNoMtlFileIsWritten)
     EXPECT_EQ(filesInFolder(), Names{});
 }
 
-TEST_F(ObjWriter, WhenTheMtlFileCannotBePutInPlaceTheEarlierObjFileStays)
+TEST_F(ObjWriter, WhenAFolderIsInTheMtlFilesPlaceTheEarlierObjFileStays)
 {
     MeshPointer mesh = mixedFaces();
     std::string path = folder + "a.obj";
@@ -329,7 +329,7 @@ TEST_F(ObjWriter, WhenTheMtlFileCannotBePutInPlaceTheEarlierObjFileStays)
     EXPECT_EQ(writeObjFiles(mesh.get(), path.c_str(), "a.obj"), 0);
     EXPECT_EQ(contents(path), "earlier");
     EXPECT_EQ(filesInFolder(), (Names{ "a.mtl", "a.obj" }));
-    EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "a.mtl", "Error cannot write", iconStop } }));
+    EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "a.mtl", "Error cannot create", iconStop } }));
 }
 
 TEST_F(ObjWriter, AMissingFolderFailsWithABoxAndNothingLeft)

@@ -358,7 +358,7 @@ TEST_F(PropWriter, PropAndPreviewAreReplacedTogetherOrNotAtAll)
     EXPECT_EQ(writePropFiles(mesh.get(), path.c_str(), &onePixel), 0);
     EXPECT_EQ(contents(path), "earlier");
     EXPECT_EQ(filesInFolder(), (Names{ "v1.0 a.pp2", "v1.0 a.rsr" }));
-    EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "v1.0 a.rsr", "Error cannot write", iconStop } }));
+    EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "v1.0 a.rsr", "Error cannot create", iconStop } }));
 }
 
 TEST_F(PropWriter, ADotInAFolderIsNoExtension)

@@ -62,20 +62,44 @@ static int closeFile(void* cookie)
     return fclose(static_cast<FILE*>(cookie));
 }
 
-FILE* openFile(const char* path, const char* mode)
+static bool mayOpen()
 {
     if (fileFaults.openAllowed == 0)
     {
         fail();
-        return nullptr;
+        return false;
     }
-    if (fileFaults.openAllowed > 0)
-        --fileFaults.openAllowed;
+    fileFaults.openAllowed -= fileFaults.openAllowed > 0;
+    return true;
+}
+
+static FILE* withFaults(FILE* file, const char* mode)
+{
+    return file ? fopencookie(file, mode, { readSome, writeSome, seek, closeFile }) : nullptr;
+}
+
+FILE* openFile(const char* path, const char* mode)
+{
     std::error_code unknown;
-    FILE* file = std::filesystem::is_directory(path, unknown) ? nullptr : fopen(path, mode);
-    if (!file)
+    if (!mayOpen() || std::filesystem::is_directory(path, unknown))
         return nullptr;
-    return fopencookie(file, mode, { readSome, writeSome, seek, closeFile });
+    return withFaults(fopen(path, mode), mode);
+}
+
+FILE* createFile(const char* path, int* taken)
+{
+    *taken = 0;
+    if (!mayOpen())
+        return nullptr;
+    FILE* file = fopen(path, "wbx");
+    *taken = !file && errno == EEXIST;
+    return withFaults(file, "wb");
+}
+
+int isPlainFile(const char* path)
+{
+    std::error_code unknown;
+    return std::filesystem::is_regular_file(path, unknown);
 }
 
 int64_t measureFile(FILE* file)
@@ -111,6 +135,12 @@ FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
 
 int renameFile(const char* from, const char* to)
 {
+    if (fileFaults.renamesAllowed == 0)
+    {
+        fail();
+        return 0;
+    }
+    fileFaults.renamesAllowed -= fileFaults.renamesAllowed > 0;
     return rename(from, to) == 0;
 }
 

@@ -174,6 +174,26 @@ TEST_F(FileFaultsTest, AWriteThatFailsAnywhereKeepsTheEarlierFiles)
     freeMesh(mesh);
 }
 
+TEST_F(FileFaultsTest, AFileThatCannotBePutInPlaceIsReportedAndLeavesNothingBeside)
+{
+    Mesh* mesh = sampleMesh(put("in.obj", objSamples()[2]));
+    const char* const names[] = { "m.lxs", "m.lxo", "m.lxm", "m_textures.txt" };
+    for (int placed = 0; placed < 4; ++placed)
+    {
+        for (const char* name : names)
+            put(name, "earlier");
+        size_t files = everything().size();
+        recorded.boxes.clear();
+        fileFaults = { .renamesAllowed = placed };
+        EXPECT_EQ(writeLuxFiles(mesh, (folder + "m.lxs").c_str()), 0);
+        fileFaults = {};
+        ASSERT_EQ(recorded.boxes.size(), 1u);
+        EXPECT_EQ(recorded.boxes[0].caption, "Error cannot write");
+        EXPECT_EQ(everything().size(), files) << placed;
+    }
+    freeMesh(mesh);
+}
+
 TEST_F(FileFaultsTest, AnRkfFileThatCannotBeWrittenIsReported)
 {
     Mesh* mesh = sampleMesh(put("in.rkf", rkfSamples()[0]));

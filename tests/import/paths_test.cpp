@@ -2,6 +2,10 @@
 #include "import/paths.h"
 #include "tests/import/obj_loading.h"
 
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
 TEST(ModelPaths, PicturesAreFoundByTheirBareNameAtLast)
 {
     TestFolder folder;
@@ -19,6 +23,27 @@ TEST(ModelPaths, PicturesAreFoundByTheirBareNameAtLast)
     EXPECT_EQ(findModelFile(model.c_str(), "elsewhere/Wood.jpg"), "");
     EXPECT_EQ(findModelFile(model.c_str(), deep.c_str()), deep); // absolute
 }
+
+TEST(ModelPaths, BlanksBehindANameAreLookedPastAtLast)
+{
+    TestFolder folder;
+    std::string model = folder.write("scene.obj", ""), library = folder.write("a.mtl", "x");
+    EXPECT_EQ(findModelFile(model.c_str(), "a.mtl  "), library);
+    EXPECT_EQ(findModelFile(model.c_str(), "  "), "");
+    std::string blank = folder.write("a.mtl ", "x");
+    EXPECT_EQ(findModelFile(model.c_str(), "a.mtl "), blank);
+}
+
+#ifndef _WIN32
+TEST(ModelPaths, APipeOfTheNameIsNoFileOfTheModel)
+{
+    TestFolder folder;
+    std::string model = folder.write("scene.obj", "");
+    ASSERT_EQ(mkfifo((folder.path / "a.mtl").c_str(), 0600), 0);
+    EXPECT_EQ(findModelFile(model.c_str(), "a.mtl"), "");
+    EXPECT_EQ(findTextureFile(model.c_str(), "maps/a.mtl"), "");
+}
+#endif
 
 TEST(ModelPaths, AModelInTheCurrentFolderHasItsFilesThere)
 {

@@ -50,6 +50,37 @@ TEST_F(SystemFiles, ALinkToADeviceThatNeverEndsDoesNotOpenForReading)
     EXPECT_EQ(openFile(path("endless.dxf").c_str(), "rb"), nullptr);
 }
 
+TEST_F(SystemFiles, AFileIsCreatedOnlyWhereNothingStands)
+{
+    int taken = -1;
+    FILE* file = createFile(path("a.part").c_str(), &taken);
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(taken, 0);
+    fclose(file);
+    fs::create_symlink("nowhere", path("link.part"));
+    fs::create_directory(path("folder.part"));
+    for (const char* name : { "a.part", "link.part", "folder.part" })
+    {
+        EXPECT_EQ(createFile(path(name).c_str(), &taken), nullptr) << name;
+        EXPECT_EQ(taken, 1) << name;
+    }
+    EXPECT_EQ(createFile(path("missing/a.part").c_str(), &taken), nullptr);
+    EXPECT_EQ(taken, 0);
+    EXPECT_FALSE(fs::exists(path("nowhere")));
+}
+
+TEST_F(SystemFiles, APlainFileIsNoFolderDeviceOrLinkToNowhere)
+{
+    std::ofstream(path("file")) << "x";
+    fs::create_symlink("file", path("link"));
+    fs::create_symlink("nowhere", path("lost"));
+    EXPECT_EQ(isPlainFile(path("file").c_str()), 1);
+    EXPECT_EQ(isPlainFile(path("link").c_str()), 1);
+    EXPECT_EQ(isPlainFile(path("lost").c_str()), 0);
+    EXPECT_EQ(isPlainFile(folder.c_str()), 0);
+    EXPECT_EQ(isPlainFile("/dev/null"), 0);
+}
+
 TEST_F(SystemFiles, ADeviceOpensForWriting)
 {
     FILE* file = openFile("/dev/null", "wb");
