@@ -36,11 +36,13 @@ static int writeProp(Mesh* mesh, const std::string& path)
 
 static int writeRkf(Mesh* mesh, const std::string& path)
 {
-    int ok = mesh->lineCount == 0;
+    const char* obstacle = mesh->lineCount != 0 ? "the format carries no lines"
+                           : !rkfCanHold(mesh)  ? "the format has no room for a face that begins behind vertex 1048576"
+                                                : nullptr;
     OutputFile output = {};
-    if (!ok)
-        fprintf(stderr, "kbx: %s cannot be written: the format carries no lines\n", path.c_str());
-    ok = ok && openOutput(&output, path.c_str()) && commitOutput(&output, WriteRkf(mesh, output.file, 0));
+    if (obstacle)
+        fprintf(stderr, "kbx: %s cannot be written: %s\n", path.c_str(), obstacle);
+    int ok = !obstacle && openOutput(&output, path.c_str()) && commitOutput(&output, WriteRkf(mesh, output.file, 0));
     freeMesh(mesh);
     return ok;
 }

@@ -15,11 +15,14 @@ static int usedCorners(const Corners& corners)
     return count;
 }
 
-// The material slot that a face is written with; the flags do not matter. -1: past the mesh's materials.
+// The material slot that a face is written with; the flags do not matter. -1: past the mesh's materials, or a deleted face
+// that has corners which are no vertices.
 static int32_t slotOf(const LuxScene* scene, int32_t f)
 {
-    int32_t slot = static_cast<int32_t>(faceMaterial(scene->mesh->faceAttributes[f]));
-    return slot < scene->materials ? slot : -1;
+    const Mesh* mesh = scene->mesh;
+    int32_t slot = static_cast<int32_t>(faceMaterial(mesh->faceAttributes[f]));
+    bool whole = cornersAreVertices(mesh, mesh->faces[f], static_cast<size_t>(usedCorners(mesh->faces[f])));
+    return whole && slot < scene->materials ? slot : -1;
 }
 
 static void sortFaces(LuxScene* scene)

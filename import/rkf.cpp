@@ -277,6 +277,11 @@ static int writeFaceWords(FILE* file, const Mesh* mesh, Corners (*pack)(const Me
     return writeRecords(file, block, used, sizeof block[0]);
 }
 
+int rkfCanHold(const Mesh* mesh)
+{
+    return countWritten(mesh) >= 0;
+}
+
 int WriteRkf(const Mesh* mesh, FILE* file, int omitMaterials)
 {
     RkfHeader header = { mesh->vertexCount, countWritten(mesh), omitMaterials ? 0 : mesh->materialCount,

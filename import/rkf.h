@@ -21,11 +21,15 @@
 // vertices and for more than 512 materials, without a box but "Out of memory"; the mesh is then only good for freeMesh.
 int ReadRkf(Mesh* mesh, FILE* file);
 
+// Whether the first corners of all faces that are written fit in their 20 bits.
+int rkfCanHold(const Mesh* mesh);
+
 // Writes the faces that are neither deleted nor of a polyline; the file is the caller's, to be flushed and closed.
 // Returns 1, or 0 when the disk takes no more or a first corner does not fit in its 20 bits (nothing is written then).
 int WriteRkf(const Mesh* mesh, FILE* file, int omitMaterials);
 
-// The same with a file by its name. Return 1, or 0: silently when it does not open, else after "File Error".
+// The same with a file by its name. Return 1, or 0: silently when it does not open, else after "File Error". What stands
+// at the path stays when the mesh does not fit.
 int loadRkfPath(Mesh* mesh, const char* path);
 int saveRkfPath(const Mesh* mesh, const char* path, int omitMaterials);
 

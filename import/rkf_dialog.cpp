@@ -24,6 +24,8 @@ int loadRkfPath(Mesh* mesh, const char* path)
 
 int saveRkfPath(const Mesh* mesh, const char* path, int omitMaterials)
 {
+    if (!rkfCanHold(mesh))
+        return reportFileError();
     FILE* file = openFile(path, "wb");
     if (!file)
         return 0;

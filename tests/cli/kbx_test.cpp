@@ -376,6 +376,22 @@ TEST_F(Kbx, ModelsWithLinesAreNotWrittenAsRkf)
     EXPECT_FALSE(fs::exists(folder / "a.rkf"));
 }
 
+TEST_F(Kbx, FacesThatBeginTooFarBackAreNotWrittenAsRkf)
+{
+    std::string model;
+    for (int i = 0; i < (1 << 20) + 1; ++i)
+        model += "v 0 0 0\n";
+    write("a.obj", model + "f 1048577 1 2\n");
+    write("a.rkf", "earlier");
+    Result result = run("convert a.obj a.rkf");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "kbx: a.rkf cannot be written: the format has no room for a face that begins behind vertex "
+                          "1048576\n");
+    EXPECT_EQ(fs::file_size(folder / "a.rkf"), strlen("earlier"));
+    write("a.obj", model + "f 1048576 1 2\n");
+    EXPECT_EQ(run("convert a.obj a.rkf").status, 0);
+}
+
 TEST_F(Kbx, FullDiskIsNeverReportedAsWritten)
 {
     write("a.obj", squareObj);

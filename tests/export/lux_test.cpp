@@ -72,6 +72,16 @@ TEST_F(LuxWriter, AQuadIsTwoTrianglesAndYBecomesZ)
                                             }));
 }
 
+TEST_F(LuxWriter, ADeletedSlotWithCornersThatAreNoVerticesIsPassedOver)
+{
+    std::vector<FaceSpec> faces = { { { 0, 1, 2, none }, {}, 0, 0, 0 } };
+    MeshPointer mesh = buildMesh(square, {}, faces);
+    std::string without = geometry(mesh.get(), folder);
+    faces.push_back({ { 0xFFFFF, 0, 1, none }, {}, 0, 0, faceDeleted });
+    mesh = buildMesh(square, {}, faces);
+    EXPECT_EQ(geometry(mesh.get(), folder), without);
+}
+
 TEST_F(LuxWriter, WithoutTextureCoordinatesThereIsNoUvBlock)
 {
     MeshPointer mesh = buildMesh(square, {}, { { { 0, 1, 2, none }, {}, 0, 0, faceDeleted } });

@@ -3,6 +3,8 @@
 #include "tests/import/rkf_building.h"
 
 #include <math.h>
+#include <string.h>
+#include <filesystem>
 #include <sstream>
 
 using namespace rkf;
@@ -168,10 +170,11 @@ TEST_F(Rkf, AFirstCornerWithoutRoomForTheMaterialIsRefused)
         EXPECT_EQ(loaded->faces[1], mesh->faces[1]);
     }
     mesh->faces[1][0] = 1u << 20;
-    ScratchFile file("");
+    ScratchFile file("earlier");
     EXPECT_EQ(saveRkfPath(mesh, file.path.c_str(), 0), 0);
     ASSERT_EQ(recorded.boxes.size(), 1u);
     EXPECT_EQ(recorded.boxes[0], (RecordedBox{ "File Error", "Error", iconNone }));
+    EXPECT_EQ(std::filesystem::file_size(file.path), strlen("earlier"));
     freeMesh(mesh);
 }
 
