@@ -120,7 +120,7 @@ void setUpCamera(FrameTransforms* out, const float* centre, float radius, int32_
     out->normalTransposed = out->normal;
     transposeMatrix(&out->normalTransposed);
 
-    float f = static_cast<float>(std::min(width, height) / 2 - 10);
+    float f = static_cast<float>(std::max(std::min(width, height) / 2 - 10, 1)); // a margin, where there is room for it
     float halfWidth = static_cast<float>(width / 2), halfHeight = static_cast<float>(height / 2);
     constexpr float halfDepth = depthLimit / 2;
     Matrix projection = { { f, 0, 0, halfWidth, 0, -f, 0, halfHeight, 0, 0, halfDepth, halfDepth, 0, 0, 0, 1 } };

@@ -79,12 +79,12 @@ static void startSwitches()
     checkMenuItem(ID_EXACT_WELD, 1);
 }
 
-// The command line's model, or null when it cannot be read; the reader has said why.
-static Mesh* readNamedModel(const char* fileName)
+// Reads the command line's model into the mesh and returns it; frees it and returns null when it cannot be read. The
+// reader has said why.
+static Mesh* readNamedModel(Mesh* mesh, const char* fileName)
 {
-    Mesh* mesh = createMesh("object");
     char shortName[shortNameRoom];
-    if (!mesh || !readModelFile(mesh, fileName, shortName, 1))
+    if (!readModelFile(mesh, fileName, shortName, 1))
     {
         freeMesh(mesh);
         return nullptr;
@@ -112,7 +112,10 @@ int buildScene(const char* fileName)
     loadBuiltInTextures();
     checkMenuItem(ID_TEXTURE_WOOD, 1);
     int hasMaterials = 1;
-    Mesh* mesh = readNamedModel(fileName);
+    Mesh* mesh = createMesh("object");
+    if (!mesh)
+        return 0;
+    mesh = readNamedModel(mesh, fileName);
     if (!mesh)
         mesh = makeBuiltInModel(&hasMaterials);
     if (!mesh)

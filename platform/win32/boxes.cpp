@@ -53,8 +53,8 @@ void showProgress(const char* caption)
 void setProgress(float fraction)
 {
     std::wstring bar(static_cast<size_t>(progressSteps(fraction)), barCharacter);
-    HWND control = GetDlgItem(progressBox, ID_PROGRESS_BAR);
-    if (GetWindowTextLengthW(control) == static_cast<int>(bar.size()))
+    HWND control = progressBox ? GetDlgItem(progressBox, ID_PROGRESS_BAR) : nullptr;
+    if (!control || GetWindowTextLengthW(control) == static_cast<int>(bar.size()))
         return;
     SetWindowTextW(control, bar.c_str());
     InvalidateRect(control, nullptr, FALSE);

@@ -26,7 +26,9 @@ void enableMenuItem(int id, int on)
 
 void renameMenuItem(int id, const char* text)
 {
-    std::wstring wide = wideFromUtf8(text);
+    std::wstring wide;
+    for (wchar_t c : wideFromUtf8(text))
+        wide.append(c == L'&' ? 2 : 1, c); // a single one would underline the letter behind it
     MENUITEMINFOW item = {};
     item.cbSize = sizeof item;
     item.fMask = MIIM_STRING;

@@ -88,6 +88,28 @@ TEST(Passes, TransparentFacesComeAfterEverythingOpaque)
     EXPECT_EQ(centreCell(display) & 31, 0u);
 }
 
+TEST(Passes, PropMaterialAfterAPresetBringsBackTheModelsOwnColours)
+{
+    resetRenderer();
+    ApplyPreset(presetProp, 0);
+    Display display(64, 64);
+    Mesh* mesh = emptyMesh();
+    for (int k = 0; k < 3; ++k)
+        mesh->materials[0].diffuse[k] = k == 2 ? 1.0f : 0.0f; // blue
+    addSquare(mesh, 0.5f, true, 0);
+    finishMesh(mesh);
+    installMesh(&display.list, mesh);
+    display.drawWhole();
+    std::vector<uint32_t> own = display.cells();
+    ApplyPreset(presetBrass, 0);
+    display.drawWhole();
+    EXPECT_NE(display.cells(), own);
+    EXPECT_GT(centreCell(display) >> 11 & 31, centreCell(display) & 31) << "brass is not blue";
+    ApplyPreset(presetProp, 0);
+    display.drawWhole();
+    EXPECT_EQ(display.cells(), own);
+}
+
 TEST(Passes, ATransparentFaceTurnedAwayIsDrawnBehindTheNearSide)
 {
     resetRenderer();

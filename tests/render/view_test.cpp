@@ -48,6 +48,19 @@ TEST(View, AModelWithoutSizeIsDrawnUnscaled)
     }
 }
 
+TEST(View, ADisplayThatIsAllMarginStillShowsTheModelUpright)
+{
+    resetRenderer();
+    const float centre[3] = {}, point[3] = { 1, 1, 0 };
+    for (int32_t side : { 10, 19, 20, 21, 22 })
+    {
+        float out[3];
+        project(out, point, centre, 1, side, 3 * side);
+        EXPECT_EQ(out[0], static_cast<float>(side / 2) + 1) << side;
+        EXPECT_EQ(out[1], static_cast<float>(3 * side / 2) - 1) << side;
+    }
+}
+
 TEST(View, ZoomMagnifiesThePictureButNotTheLightsView)
 {
     resetRenderer();

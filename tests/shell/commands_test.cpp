@@ -3,6 +3,7 @@
 #include "model/normals.h"
 #include "platform/processor.h"
 #include "platform/resources.h"
+#include "render/materials.h"
 
 #include <string.h>
 #include <fstream>
@@ -296,6 +297,7 @@ TEST_F(CommandsTest, PatternTicksWhiteAndSwitchesToTextured)
     EXPECT_EQ(renderSettings.textureIndex, 2);
     EXPECT_EQ(renderSettings.currentTexture, &TextureSlots[2]);
     EXPECT_EQ(renderSettings.materialPreset, 9);
+    EXPECT_EQ(rendererMaterials.behind.diffuse[1], 0.54f); // brick
     EXPECT_TRUE(recorded.panelChecks[ID_TEXTURED]);
     EXPECT_FALSE(recorded.panelChecks[ID_WIREFRAME]);
     EXPECT_EQ(renderSettings.renderFlags & (renderTextured | renderWireframe), renderTextured);
@@ -370,6 +372,34 @@ TEST_F(CommandsTest, FailedTextureChangesNothing)
     EXPECT_TRUE(runCommand(110));
     EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ { "Error reading Jpeg file", "error", iconNone } }));
     EXPECT_EQ(renderSettings.textureIndex, 0);
+    EXPECT_TRUE(recorded.menuTexts.empty());
+    EXPECT_EQ(recorded.menuEnabled.count(163), 0u);
+    EXPECT_FALSE(redrawAsked());
+}
+
+TEST_F(CommandsTest, AProgressivePictureKeepsTheLoadedOneAndItsName)
+{
+    ResourceBytes wood;
+    ASSERT_TRUE(findResource("wood", &wood));
+    std::string picture(reinterpret_cast<const char*>(wood.bytes), wood.size), progressive = picture;
+    progressive[picture.find("\xFF\xC0") + 1] = '\xC2';
+    recorded.dialogAnswers = { writeFile("Oak.JPG", picture), writeFile("Elm.JPG", progressive) };
+    runCommand(110);
+    const uint32_t* pixels = TextureSlots[3].pixels;
+    displayState.fullRedraw = displayState.redrawPending = 0;
+    EXPECT_TRUE(runCommand(110));
+    EXPECT_EQ(recorded.boxes.size(), 1u);
+    EXPECT_EQ(recorded.menuTexts[163], "oak.jpg");
+    EXPECT_TRUE(recorded.menuEnabled[163]);
+    EXPECT_TRUE(recorded.menuChecks[163]);
+    EXPECT_EQ(TextureSlots[3].pixels, pixels);
+    EXPECT_FALSE(redrawAsked());
+}
+
+TEST_F(CommandsTest, ACancelledTextureDialogLeavesItsMenuEntryDisabled)
+{
+    EXPECT_TRUE(runCommand(110));
+    EXPECT_EQ(recorded.boxes.size(), 0u);
     EXPECT_TRUE(recorded.menuTexts.empty());
     EXPECT_EQ(recorded.menuEnabled.count(163), 0u);
     EXPECT_FALSE(redrawAsked());

@@ -290,6 +290,11 @@ TEST_F(InsideTest, LoadedTextureNamesAndEnablesItsMenuEntry)
     EXPECT_TRUE(checkedItems().count(163));
     EXPECT_FALSE(checkedItems().count(160));
     EXPECT_TRUE(IsDlgButtonChecked(toolPanel, ID_TEXTURED));
+
+    write("salt&pepper.jpg", std::string(reinterpret_cast<const char*>(wood.bytes), wood.size));
+    answerDialogs({ "salt&pepper.jpg" });
+    command(ID_LOAD_TEXTURE);
+    EXPECT_EQ(menuText(163), L"salt&&pepper.jpg"); // which shows as one
     command(ID_TEXTURE_WOOD);
     SendDlgItemMessageW(toolPanel, ID_TEXTURED, BM_CLICK, 0, 0);
 }
