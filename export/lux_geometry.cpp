@@ -15,8 +15,8 @@ static int usedCorners(const Corners& corners)
     return count;
 }
 
-// The material slot that a face is written with; the flags do not matter. -1: past the mesh's materials, or a deleted face
-// that has corners which are no vertices.
+// The material slot that a face is written with; the flags do not matter. -1: past the mesh's materials, or a deleted
+// face that has corners which are no vertices.
 static int32_t slotOf(const LuxScene* scene, int32_t f)
 {
     const Mesh* mesh = scene->mesh;

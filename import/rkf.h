@@ -28,8 +28,8 @@ int rkfCanHold(const Mesh* mesh);
 // Returns 1, or 0 when the disk takes no more or a first corner does not fit in its 20 bits (nothing is written then).
 int WriteRkf(const Mesh* mesh, FILE* file, int omitMaterials);
 
-// The same with a file by its name. Return 1, or 0: silently when it does not open, else after "File Error". What stands
-// at the path stays when the mesh does not fit.
+// The same with a file by its name. Return 1, or 0: silently when it does not open, else after "File Error". What
+// stands at the path stays when the mesh does not fit.
 int loadRkfPath(Mesh* mesh, const char* path);
 int saveRkfPath(const Mesh* mesh, const char* path, int omitMaterials);
 

@@ -64,9 +64,9 @@ int readKeyframer(ThreeDsReadContext* context, const Chunk& chunk)
     return readChildren(context, chunk, emptyChildEndsSection, readKeyframerChild);
 }
 
-// The matrix that is applied is frame x translation by -pivot x inverse of the frame. That is a translation by the turned
-// pivot, whatever the inverse is; made so, it does not round where nothing is to be moved, and objects that touch still
-// touch. An object whose frame has no inverse stays where it is.
+// The matrix that is applied is frame x translation by -pivot x inverse of the frame. That is a translation by the
+// turned pivot, whatever the inverse is; made so, it does not round where nothing is to be moved, and objects that
+// touch still touch. An object whose frame has no inverse stays where it is.
 static void applyPivot(Mesh* mesh, const ThreeDsObject& object)
 {
     Matrix turn = object.matrix, inverse;

@@ -67,8 +67,8 @@ struct ThreeDsMaterial
     char texture[nameRoom];
 };
 
-// All that is kept while a file is read. The counts, the mesh's own too, stop at slotCount - 1: what comes after shares the
-// last entry, which the mesh counts in the end.
+// All that is kept while a file is read. The counts, the mesh's own too, stop at slotCount - 1: what comes after shares
+// the last entry, which the mesh counts in the end.
 struct ThreeDsReadContext
 {
     int32_t objectCount;

@@ -7,8 +7,8 @@
 // fopen for a UTF-8 path. Null when it does not open, for a folder, and for reading from a device, which may never end.
 FILE* openFile(const char* path, const char* mode);
 
-// Creates a file to be written where nothing stands yet, not even a link to nowhere. Null when it cannot be made; *taken
-// tells whether because something stands there.
+// Creates a file to be written where nothing stands yet, not even a link to nowhere. Null when it cannot be made;
+// *taken tells whether because something stands there.
 FILE* createFile(const char* path, int* taken);
 
 // Whether a file stands there, links followed: no folder, device or pipe.
