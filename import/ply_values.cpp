@@ -75,13 +75,11 @@ static int readBinaryList(PlyReader* reader, const PlyProperty& property)
     ByteSource* source = &reader->source;
     int32_t count = takePlyNumber(reader, property.countType).whole;
     size_t itemBytes = plyTypeBytes[property.type];
-    if (count < 0 || (itemBytes != 0 && count > bytesLeft(source) / static_cast<int64_t>(itemBytes)))
-        source->bad = 1; // where the next value stands is not known
-    if (source->bad)
+    if (count < 0 || source->bad)
         return 0;
     if (itemBytes == 0)
         return readSizelessList(reader, count);
-    if (!startList(reader, count))
+    if (count > bytesLeft(source) / static_cast<int64_t>(itemBytes) || !startList(reader, count))
         return 0;
     bool swap = swapsBytes(reader);
     while (reader->listCount < count)
@@ -100,9 +98,8 @@ static int skipBinaryString(PlyReader* reader)
 {
     int32_t length = takePlyNumber(reader, plyInt32).whole;
     if (length < 0)
-        reader->source.bad = 1;
-    else
-        skipBytes(&reader->source, length);
+        return 0;
+    skipBytes(&reader->source, length);
     return !reader->source.bad;
 }
 
@@ -222,6 +219,9 @@ static int readAsciiInstance(PlyReader* reader, const PlyElement& element, PlyVe
 int readPlyInstance(PlyReader* reader, const PlyElement& element, PlyVertex* vertex)
 {
     reader->listCount = 0;
-    return reader->format == plyAscii ? readAsciiInstance(reader, element, vertex)
-                                      : readBinaryInstance(reader, element, vertex);
+    if (reader->format == plyAscii)
+        return readAsciiInstance(reader, element, vertex);
+    if (!readBinaryInstance(reader, element, vertex))
+        reader->source.bad = 1; // where the next value stands is not known
+    return !reader->source.bad;
 }

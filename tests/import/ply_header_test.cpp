@@ -138,6 +138,31 @@ TEST_F(PlyReaderTest, NothingIsReadAfterABinaryLengthThatCannotBe)
     }
 }
 
+TEST_F(PlyReaderTest, WithoutMemoryForTheListOfAnotherElementNothingIsReadAfterIt)
+{
+    Packer body{ false, {} };
+    constexpr int32_t count = 100000;
+    body.put(count);
+    for (int32_t i = 0; i < count; ++i)
+        body.put(1.0f);
+    body.put(1.0f).put(2.0f).put(3.0f);
+    std::string bytes = body.file("element ids 1\nproperty list int float n\nelement vertex 1\n" + xyz);
+    EXPECT_EQ(verticesFrom(bytes), "1 2 3 FFFFFFFF");
+    for (int n = 1;; ++n)
+    {
+        resetRecording();
+        Mesh* mesh = createMesh("prop");
+        recorded.refuseOnly = recorded.allocations + n;
+        ScratchFile file(bytes);
+        int ok = LoadPlyFile(mesh, file.path.c_str());
+        bool refused = recorded.allocations >= recorded.refuseOnly;
+        freeMesh(mesh);
+        ASSERT_EQ(ok, !refused) << n;
+        if (!refused)
+            break;
+    }
+}
+
 TEST_F(PlyReaderTest, AnnouncedCountsTakeNoMemory)
 {
     for (const char* format : { "ascii", "binary_little_endian", "binary_big_endian" })
