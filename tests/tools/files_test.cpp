@@ -78,7 +78,7 @@ static const std::vector<NamedTool> tools = {
 TEST(ToolsOnFiles, EveryToolLeavesEveryModelSoundAndTheSameToolHasNothingLeftToDo)
 {
     std::vector<std::string> files = modelFiles();
-    if (files.empty())
+    if (!getenv("KESTRELBOX_MODELS"))
         GTEST_SKIP() << "KESTRELBOX_MODELS is not set: no real models to run the tools on";
     int opened = 0;
     for (const std::string& file : files)
