@@ -160,8 +160,10 @@ TEST_F(OutputFileTest, AFileThatMayNotBeWrittenIsNotReplaced)
     chmod(folder.c_str(), 0777);
     auto refused = [&]
     {
-        OutputFile output;
-        return openOutput(&output, path.c_str()) == 0 &&
+        OutputFile output, other;
+        bool otherwiseFree = openOutput(&other, (folder + "b.bmp").c_str()) == 1;
+        abandonOutputs(&other, 1);
+        return otherwiseFree && openOutput(&output, path.c_str()) == 0 &&
                recorded.boxes == Boxes{ { path, "Error cannot create", iconStop } };
     };
     int status = asOrdinaryUser(refused);
