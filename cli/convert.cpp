@@ -6,8 +6,8 @@
 #include "export/obj.h"
 #include "export/output_file.h"
 #include "export/prop.h"
-#include "import/dispatch.h"
 #include "import/rkf.h"
+#include "platform/file_names.h"
 #include "shell/scene.h"
 
 #include <stdio.h>

@@ -1,10 +1,10 @@
 // export/lux.cpp - the scene's view, its list of pictures, and the four files
 #include "export/lux.h"
-#include "export/file_names.h"
 #include "export/lux_parts.h"
 #include "export/output_file.h"
 #include "model/memory.h"
 #include "platform/boxes.h"
+#include "platform/file_names.h"
 #include "platform/files.h"
 
 static void writeCamera(TextWriter* writer, const LuxScene* scene)
@@ -119,18 +119,9 @@ static int writeLuxFile(const LuxFile* which, FILE* file, LuxScene* scene)
     return finishText(&writer);
 }
 
-// The folder with its separator, and the file name up to its first ".".
-static void splitPath(const std::string& path, std::string* folder, std::string* baseName)
-{
-    size_t start = nameStart(path);
-    *folder = path.substr(0, start);
-    *baseName = path.substr(start, path.find('.', start) - start);
-}
-
 int exportLuxRender(const Mesh* mesh, const char* modelFileName)
 {
-    std::string folder, baseName;
-    splitPath(modelFileName, &folder, &baseName);
+    std::string folder = folderOf(modelFileName), baseName = upToFirstDot(fileNameOf(modelFileName));
     LuxScene scene;
     int ok = openLuxScene(&scene, mesh, baseName);
     for (int i = 0; ok && i < luxFileCount; ++i)
@@ -151,8 +142,7 @@ int exportLuxRender(const Mesh* mesh, const char* modelFileName)
 
 int writeLuxFiles(const Mesh* mesh, const char* path)
 {
-    std::string folder, baseName;
-    splitPath(path, &folder, &baseName);
+    std::string folder = folderOf(path), baseName = upToFirstDot(fileNameOf(path));
     LuxScene scene;
     OutputFile outputs[luxFileCount] = {};
     int ok = openLuxScene(&scene, mesh, baseName) || reportOutOfMemory();

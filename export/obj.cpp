@@ -7,6 +7,7 @@
 #include "export/text_writer.h"
 #include "platform/boxes.h"
 #include "platform/dialogs.h"
+#include "platform/file_names.h"
 #include "platform/files.h"
 
 #include <string>
@@ -160,7 +161,7 @@ static std::string mtlPathOf(const std::string& objPath)
 
 static std::string libraryNameOf(const char* fileTitle)
 {
-    return cutAtLastDot(fileTitle, 0) + ".mtl";
+    return withoutExtension(fileTitle) + ".mtl";
 }
 
 void WriteMtlFile(const Mesh* mesh, const char* objPath)
@@ -181,7 +182,7 @@ void WriteMtlFile(const Mesh* mesh, const char* objPath)
 int SaveObjFile(const Mesh* mesh, char* name, size_t nameRoomBytes)
 {
     char path[saveNameRoom], title[saveNameRoom] = "";
-    proposeName(path, cutAtLastDot(name, 0), ".obj");
+    proposeName(path, withoutExtension(name), ".obj");
     FileDialog dialog = { .filterText = "wavefront obj files",
                           .filterPattern = "*.obj",
                           .title = "save mesh",

@@ -6,6 +6,7 @@
 #include "export/text_writer.h"
 #include "platform/boxes.h"
 #include "platform/dialogs.h"
+#include "platform/file_names.h"
 #include "platform/files.h"
 
 #include <string>
@@ -298,7 +299,7 @@ static int writeProp(FILE* file, const Mesh* mesh)
 
 static std::string previewPathOf(const char* propPath)
 {
-    return cutPathAtLastDot(propPath) + ".rsr";
+    return folderOf(propPath) + upToLastDot(fileNameOf(propPath)) + ".rsr";
 }
 
 static int writePreviewTo(FILE* file, const PreviewSource* frame)
@@ -313,7 +314,7 @@ static int writePreviewTo(FILE* file, const PreviewSource* frame)
 int savePoserProp(const Mesh* mesh, const char* suggestedName, int writePreview, const PreviewSource* frame)
 {
     char path[saveNameRoom];
-    proposeName(path, cutAtLastDot(suggestedName, 1), ".pp2");
+    proposeName(path, upToLastDot(suggestedName), ".pp2");
     FileDialog dialog = { .filterText = "Poser prop (*.pp2)",
                           .filterPattern = "*.pp2",
                           .title = "save mesh",

@@ -8,6 +8,7 @@
 #include "import/poser.h"
 #include "import/threeds.h"
 #include "platform/boxes.h"
+#include "platform/file_names.h"
 
 #include <string.h>
 
@@ -29,17 +30,6 @@ static constexpr Reader readers[] = {
     { "PLY", LoadPlyFile },
 };
 // clang-format on
-
-const char* fileNameOf(const char* path)
-{
-    const char* name = path;
-    for (const char* c = path; *c; ++c)
-    {
-        if (*c == ':' || *c == '\\' || *c == '/')
-            name = c + 1;
-    }
-    return name;
-}
 
 static char upperCase(char c)
 {

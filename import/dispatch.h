@@ -4,11 +4,8 @@
 
 constexpr size_t shortNameRoom = 256;
 
-// Reads a file into a fresh mesh. shortName receives what follows the last ':', '\' or '/' of the path, cut to fit.
+// Reads a file into a fresh mesh. shortName receives the path's file name, cut to fit.
 // Returns the reader's result. 0 without a message for a path of fewer than 5 characters or without a '.' before its
 // last three; 0 for an unknown extension, after "Not supported file format" when reportErrors is set. Readers report
 // their own failures; the mesh is then only good for freeMesh.
 int readModelFile(Mesh* mesh, const char* path, char (&shortName)[shortNameRoom], int reportErrors);
-
-// What follows the last ':', '\' or '/' of a path.
-const char* fileNameOf(const char* path);

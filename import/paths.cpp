@@ -1,7 +1,7 @@
 // import/paths.cpp - looking for named files beside a model
 #include "import/paths.h"
 
-#include "import/dispatch.h"
+#include "platform/file_names.h"
 #include "platform/files.h"
 
 #include <algorithm>
@@ -13,18 +13,6 @@ static bool fileOpens(const std::string& path)
     if (file)
         fclose(file);
     return file != nullptr;
-}
-
-#ifdef _WIN32
-static const char separators[] = "/\\:";
-#else
-static const char separators[] = "/";
-#endif
-
-// "" for the current folder, else with its separator.
-static std::string folderOf(const std::string& path)
-{
-    return path.substr(0, path.find_last_of(separators) + 1);
 }
 
 static bool isAbsolute(const std::string& name)
@@ -89,7 +77,7 @@ std::string findModelFile(const char* modelPath, const char* name)
 std::string findTextureFile(const char* modelPath, const char* name)
 {
     std::string path = findModelFile(modelPath, name);
-    const char* bare = fileNameOf(name);
+    const char* bare = bareNameInModel(name);
     if (path.empty() && *bare)
         path = findInFolder(folderOf(modelPath), bare);
     return path;

@@ -1,4 +1,4 @@
-// platform/processor.h - what the processor can do
+// platform/processor.h - what the processor can do, and which kernels are chosen for it
 #pragma once
 #include <stdint.h>
 
@@ -12,5 +12,23 @@ uint32_t processorFeatures();
 // 1 when AVX2 is there and the operating system saves its registers.
 int processorHasAvx2();
 
-// The same of AVX-512 with its byte, word and short-register operations.
+// The same for AVX-512 with its byte, word and short-register operations.
 int processorHasAvx512();
+
+// Kernels exist in several versions that give the same bits. A level allows its own version and those of the levels
+// before it; plain versions use no vector instructions of their own.
+enum KernelLevel
+{
+    kernelsPlain,
+    kernelsSse,
+    kernelsSse2,
+    kernelsAvx2,
+    kernelsAvx512
+};
+
+// The level by which every layer chooses its kernels: the highest that the processor has, or the limit when that is
+// lower.
+KernelLevel kernelLevel();
+
+// Limits the level, so that tests and benchmarks can compare the versions. kernelsAvx512 removes the limit.
+void limitKernelLevel(KernelLevel highest);

