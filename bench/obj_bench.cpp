@@ -1,6 +1,6 @@
 // bench/obj_bench.cpp - reading OBJ files: a large one of about 100 MB, a small one, and the packaged peer where it is
 // there
-#include "import/obj.h"
+#include "import/obj/obj.h"
 #include "model/normals.h"
 
 #include <benchmark/benchmark.h>

@@ -1,7 +1,7 @@
 // bench/ply_bench.cpp - binary and ASCII PLY files of 10 to 100 MB, made here, beside assimp
 #include "reader_timing.h"
 
-#include "import/ply.h"
+#include "import/ply/ply.h"
 
 static std::string plyHeader(const char* format, int side)
 {

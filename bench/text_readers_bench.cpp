@@ -2,9 +2,9 @@
 // them
 #include "reader_timing.h"
 
-#include "import/dxf.h"
-#include "import/off.h"
-#include "import/poser.h"
+#include "import/text/dxf.h"
+#include "import/text/off.h"
+#include "import/text/poser.h"
 #include "import/rkf.h"
 
 #include <fstream>

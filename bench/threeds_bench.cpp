@@ -1,7 +1,7 @@
 // bench/threeds_bench.cpp - 3DS files of 10 to 60 MB, made here, beside assimp
 #include "reader_timing.h"
 
-#include "import/threeds.h"
+#include "import/threeds/threeds.h"
 
 static std::string chunk(uint16_t id, const std::string& data)
 {

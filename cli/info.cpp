@@ -2,7 +2,7 @@
 #include "cli/commands.h"
 #include "cli/load.h"
 #include "cli/output.h"
-#include "import/paths.h"
+#include "import/common/paths.h"
 #include "platform/terminal/terminal.h"
 #include "tools/statistics.h"
 

@@ -1,6 +1,6 @@
 // fuzz/mtl_fuzz.cpp - a material library of any bytes for a mesh with a few materials
 #include "fuzz/memory_file.h"
-#include "import/obj.h"
+#include "import/obj/obj.h"
 #include "model/memory.h"
 #include "tests/check_mesh.h"
 #include "tests/recording/recording.h"

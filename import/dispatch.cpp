@@ -1,12 +1,12 @@
 // import/dispatch.cpp - the table of readers
 #include "import/dispatch.h"
 
-#include "import/dxf.h"
-#include "import/obj.h"
-#include "import/off.h"
-#include "import/ply.h"
-#include "import/poser.h"
-#include "import/threeds.h"
+#include "import/text/dxf.h"
+#include "import/obj/obj.h"
+#include "import/text/off.h"
+#include "import/ply/ply.h"
+#include "import/text/poser.h"
+#include "import/threeds/threeds.h"
 #include "platform/boxes.h"
 #include "platform/file_names.h"
 

@@ -1,7 +1,7 @@
 // import/rkf.cpp - reading and writing RKF
 #include "import/rkf.h"
 
-#include "import/sanitize.h"
+#include "import/common/sanitize.h"
 #include "model/memory.h"
 #include "model/normals.h"
 #include "platform/files.h"

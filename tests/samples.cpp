@@ -1,7 +1,7 @@
 // tests/samples.cpp
 #include "tests/samples.h"
 
-#include "import/threeds_parts.h"
+#include "import/threeds/parts.h"
 
 template <typename... T>
 static std::string bytesOf(T... values)

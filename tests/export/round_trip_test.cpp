@@ -4,8 +4,8 @@
 #include "export/obj.h"
 #include "export/output_file.h"
 #include "export/prop.h"
-#include "import/obj.h"
-#include "import/poser.h"
+#include "import/obj/obj.h"
+#include "import/text/poser.h"
 #include "import/rkf.h"
 #include "tests/export/build.h"
 

@@ -1,7 +1,7 @@
 // tests/import/corners_test.cpp - corner lists, fans and chains, names
-#include "import/corners.h"
-#include "import/names.h"
-#include "import/numbers.h"
+#include "import/common/corners.h"
+#include "import/common/names.h"
+#include "import/common/numbers.h"
 #include "tests/recording/recording.h"
 #include "tests/import/random.h"
 

@@ -1,5 +1,5 @@
 // tests/import/dxf_test.cpp - the DXF reader
-#include "import/dxf.h"
+#include "import/text/dxf.h"
 
 #include "platform/files.h"
 #include "tests/import/loading.h"

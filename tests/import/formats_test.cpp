@@ -1,11 +1,11 @@
 // tests/import/formats_test.cpp - one shape in every format: the same positions and faces, but for what a format
 // changes
-#include "import/dxf.h"
-#include "import/obj.h"
-#include "import/off.h"
-#include "import/ply.h"
-#include "import/poser.h"
-#include "import/threeds.h"
+#include "import/text/dxf.h"
+#include "import/obj/obj.h"
+#include "import/text/off.h"
+#include "import/ply/ply.h"
+#include "import/text/poser.h"
+#include "import/threeds/threeds.h"
 #include "tests/import/loading.h"
 
 #include <math.h>

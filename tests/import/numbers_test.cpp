@@ -1,7 +1,7 @@
 // tests/import/numbers_test.cpp - numbers in text against the C library's own scanf
-#include "import/numbers.h"
-#include "import/plain_lines.h"
-#include "import/sanitize.h"
+#include "import/common/numbers.h"
+#include "import/common/plain_lines.h"
+#include "import/common/sanitize.h"
 #include "tests/import/random.h"
 
 #include <gtest/gtest.h>

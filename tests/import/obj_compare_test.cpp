@@ -1,5 +1,5 @@
 // tests/import/obj_compare_test.cpp - the fast reader against the literal one, on made, damaged and real files
-#include "import/objsource.h"
+#include "import/obj/source.h"
 #include "tests/import/literal_obj.h"
 #include "tests/import/obj_loading.h"
 #include "tests/import/random.h"

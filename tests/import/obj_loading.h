@@ -1,6 +1,6 @@
 // tests/import/obj_loading.h - folders made for a test and what reading an OBJ file in them gives
 #pragma once
-#include "import/obj.h"
+#include "import/obj/obj.h"
 #include "model/mesh.h"
 #include "tests/clean_test.h"
 

@@ -1,6 +1,6 @@
 // tests/import/obj_test.cpp - what statements become, what is refused and how, and where reading ends
-#include "import/obj.h"
-#include "import/objsource.h"
+#include "import/obj/obj.h"
+#include "import/obj/source.h"
 #include "tests/import/obj_loading.h"
 
 #include <math.h>

@@ -1,5 +1,5 @@
 // tests/import/off_test.cpp - the OFF reader
-#include "import/off.h"
+#include "import/text/off.h"
 
 #include "tests/import/loading.h"
 

@@ -1,5 +1,5 @@
 // tests/import/paths_test.cpp - files named by a model
-#include "import/paths.h"
+#include "import/common/paths.h"
 #include "tests/import/obj_loading.h"
 
 #ifndef _WIN32

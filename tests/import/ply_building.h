@@ -1,6 +1,6 @@
 // tests/import/ply_building.h - PLY files made for the tests of their reader, and what reading them gives
 #pragma once
-#include "import/ply.h"
+#include "import/ply/ply.h"
 #include "tests/import/loading.h"
 
 #include <string.h>

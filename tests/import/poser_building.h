@@ -1,6 +1,6 @@
 // tests/import/poser_building.h - Poser files made for the tests of their reader
 #pragma once
-#include "import/poser.h"
+#include "import/text/poser.h"
 #include "tests/import/loading.h"
 
 namespace poser

@@ -1,8 +1,8 @@
 // tests/import/threeds_building.h - 3DS files made from chunks for the tests of their reader, and what reading them
 // gives
 #pragma once
-#include "import/threeds.h"
-#include "import/threeds_parts.h"
+#include "import/threeds/threeds.h"
+#include "import/threeds/parts.h"
 #include "model/settings.h"
 #include "tests/import/loading.h"
 

@@ -1,0 +1,52 @@
+// import/common/names.cpp - names by hash
+#include "import/common/names.h"
+
+#include <string.h>
+
+void startNames(NameTable* table, char (*names)[nameRoom])
+{
+    *table = {};
+    table->names = names;
+}
+
+// The place of the name, or the free one where it would go. There are twice as many places as slots.
+static size_t findPlace(const NameTable* table, const char* name)
+{
+    uint32_t hash = 2166136261u; // FNV-1a (Fowler, Noll, Vo)
+    for (const char* c = name; *c; ++c)
+        hash = (hash ^ static_cast<uint8_t>(*c)) * 16777619u;
+    constexpr size_t mask = 2 * slotCount - 1;
+    size_t place = (hash ^ hash >> 16) & mask;
+    while (table->places[place] && strcmp(table->names[table->places[place] - 1], name) != 0)
+        place = (place + 1) & mask;
+    return place;
+}
+
+int32_t findName(const NameTable* table, const char* name)
+{
+    return table->places[findPlace(table, name)] - 1;
+}
+
+int32_t findOrAddName(NameTable* table, const char* text)
+{
+    char name[nameRoom];
+    copyNameFromText(name, text);
+    size_t place = findPlace(table, name);
+    if (table->places[place] == 0)
+    {
+        if (table->count == slotCount)
+            return -1;
+        memcpy(table->names[table->count], name, sizeof name);
+        table->places[place] = static_cast<int16_t>(++table->count);
+    }
+    return table->places[place] - 1;
+}
+
+void copyNameFromText(char (&slot)[nameRoom], const char* text)
+{
+    size_t length = 0;
+    while (length < nameRoom - 1 && text[length] && text[length] != '\n' && text[length] != '\r')
+        ++length;
+    memcpy(slot, text, length);
+    memset(slot + length, 0, nameRoom - length);
+}

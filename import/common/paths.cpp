@@ -1,0 +1,84 @@
+// import/common/paths.cpp - looking for named files beside a model
+#include "import/common/paths.h"
+
+#include "platform/file_names.h"
+#include "platform/files.h"
+
+#include <algorithm>
+
+// A model names files, not pipes, which might keep it waiting for ever.
+static bool fileOpens(const std::string& path)
+{
+    FILE* file = isPlainFile(path.c_str()) ? openFile(path.c_str(), "rb") : nullptr;
+    if (file)
+        fclose(file);
+    return file != nullptr;
+}
+
+static bool isAbsolute(const std::string& name)
+{
+#ifdef _WIN32
+    if (name[0] == '\\' || name.find(':') != std::string::npos)
+        return true;
+#endif
+    return name[0] == '/';
+}
+
+// folder + name, each part of the name looked up ignoring letter case. Empty when a part is not there.
+static std::string findIgnoringCase(std::string folder, const std::string& name)
+{
+    size_t begin = 0;
+    for (;;)
+    {
+        size_t end = std::min(name.find('/', begin), name.size());
+        std::string part = name.substr(begin, end - begin);
+        char found[1024];
+        if (!part.empty() && !findNameIgnoringCase(folder.c_str(), part.c_str(), found, sizeof found))
+            return {};
+        if (!part.empty())
+            folder += found;
+        if (end == name.size())
+            return folder;
+        folder += '/';
+        begin = end + 1;
+    }
+}
+
+static std::string findInFolder(const std::string& folder, const std::string& name)
+{
+    std::string path = folder + name;
+    if (fileOpens(path))
+        return path;
+    std::string slashed = name;
+    std::replace(slashed.begin(), slashed.end(), '\\', '/');
+    path = folder + slashed;
+    if (fileOpens(path))
+        return path;
+    path = findIgnoringCase(folder, slashed);
+    return !path.empty() && fileOpens(path) ? path : std::string{};
+}
+
+static std::string findNamed(const char* modelPath, const std::string& name)
+{
+    if (name.empty())
+        return {};
+    if (isAbsolute(name))
+        return fileOpens(name) ? name : std::string{};
+    return findInFolder(folderOf(modelPath), name);
+}
+
+std::string findModelFile(const char* modelPath, const char* name)
+{
+    std::string path = findNamed(modelPath, name);
+    std::string withoutBlanks(name, std::string(name).find_last_not_of(" \t") + 1); // some systems look past those
+    return path.empty() && withoutBlanks != name ? findNamed(modelPath, withoutBlanks) : path;
+}
+
+std::string findTextureFile(const char* modelPath, const char* name)
+{
+    std::string path = findModelFile(modelPath, name);
+    const char* bare = bareNameInModel(name);
+    if (path.empty() && *bare)
+        path = findInFolder(folderOf(modelPath), bare);
+    return path;
+}

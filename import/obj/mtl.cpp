@@ -1,0 +1,121 @@
+// import/obj/mtl.cpp - material libraries
+//
+// Lines of a keyword, one blank and a value. A keyword with a blank or tab in front is another, unknown one.
+#include "import/common/names.h"
+#include "import/common/numbers.h"
+#include "import/obj/obj.h"
+#include "import/common/sanitize.h"
+#include "platform/files.h"
+
+#include <string.h>
+
+constexpr int mtlLineRoom = 256; // the rest of a longer line is a line of its own
+
+// What a library's values go to.
+struct MtlTarget
+{
+    Material* material;
+    char (*texture)[nameRoom];
+    char (*opacity)[nameRoom];
+};
+
+// Takes the values without a material when all slots are in use.
+struct MtlScratch
+{
+    Material material;
+    char texture[nameRoom];
+    char opacity[nameRoom];
+};
+
+static MtlTarget targetOf(Mesh* mesh, int32_t slot, MtlScratch* scratch)
+{
+    if (slot >= slotCount)
+        return { &scratch->material, &scratch->texture, &scratch->opacity };
+    return { &mesh->materials[slot], &mesh->textureNames[slot], &mesh->opacityNames[slot] };
+}
+
+// The slot of a name, or that after the last material for a name that none has.
+static int32_t slotOf(const Mesh* mesh, const char* name)
+{
+    for (int32_t i = 0; i < mesh->materialCount; ++i)
+    {
+        if (strcmp(mesh->materialNames[i], name) == 0)
+            return i;
+    }
+    return mesh->materialCount;
+}
+
+static void readColour(float* colour, const char* value)
+{
+    float read[3];
+    if (scanFloats(value, read, 3) < 3)
+        return;
+    for (int i = 0; i < 3; ++i)
+    {
+        SanitizeFloat(&read[i]);
+        colour[i] = read[i];
+    }
+}
+
+static void readShininess(Material* material, const char* value)
+{
+    float shininess;
+    if (scanFloats(value, &shininess, 1) < 1)
+        return;
+    SanitizeFloat(&shininess);
+    material->shininess = static_cast<int32_t>(shininess);
+}
+
+static void readOpacity(Material* material, const char* value)
+{
+    float opacity;
+    if (scanFloats(value, &opacity, 1) < 1)
+        return;
+    SanitizeFloat(&opacity);
+    if (!(opacity >= 0.01f))
+        opacity = 0;
+    if (opacity > 1)
+        opacity = 1;
+    material->transparency = 1 - opacity;
+}
+
+static void readValue(const MtlTarget& target, const char* keyword, const char* value)
+{
+    if (strcmp(keyword, "Ns") == 0)
+        readShininess(target.material, value);
+    else if (strcmp(keyword, "Ka") == 0)
+        readColour(target.material->ambient, value);
+    else if (strcmp(keyword, "Kd") == 0)
+        readColour(target.material->diffuse, value);
+    else if (strcmp(keyword, "Ks") == 0)
+        readColour(target.material->specular, value);
+    else if (strcmp(keyword, "d") == 0)
+        readOpacity(target.material, value);
+    else if (strcmp(keyword, "map_Kd") == 0)
+        copyNameFromText(*target.texture, value);
+    else if (strcmp(keyword, "map_d") == 0)
+        copyNameFromText(*target.opacity, value);
+}
+
+void ReadMtlFile(Mesh* mesh, const char* path)
+{
+    FILE* file = *path ? openFile(path, "rb") : nullptr;
+    if (!file)
+        return;
+    MtlScratch scratch = {};
+    MtlTarget target = targetOf(mesh, mesh->materialCount, &scratch);
+    char line[mtlLineRoom];
+    while (fgets(line, sizeof line, file))
+    {
+        char* value = strchr(line, ' ');
+        if (!value)
+            continue;
+        *value++ = 0;
+        value[strcspn(value, "\r\n")] = 0;
+        if (strcmp(line, "newmtl") == 0)
+            target = targetOf(mesh, slotOf(mesh, value), &scratch);
+        else
+            readValue(target, line, value);
+    }
+    fclose(file);
+}

@@ -1,0 +1,26 @@
+// import/obj/obj.h - reading Wavefront OBJ files and their material libraries
+//
+// Vertices, texture coordinates, polygons, polylines, groups and material references are taken; everything else is
+// passed over. Positions stay as they are in the file, but for the check of SanitizeFloat.
+//
+// Source: the appendix on object files of Wavefront's Advanced Visualizer manual
+#pragma once
+#include "model/mesh.h"
+
+// Cuts texture coordinates to 0..1 while reading. Off; nothing turns it on.
+extern int32_t ClampTexCoords;
+
+// Asks for a file and reads it. Returns as LoadObjFile, 0 also when the user cancels.
+int openObjFile(Mesh* mesh);
+
+// Reads a file into a fresh mesh, with the progress box. Returns 1, or 0 after "Error: failed to open": the mesh is
+// then only good for freeMesh.
+int LoadObjFile(Mesh* mesh, const char* path);
+
+// The reading itself, inside an open progress box: geometry, normals, bounds, material library. Returns 1 or 0; only a
+// lack of memory shows a message here.
+int ParseObjFile(Mesh* mesh, const char* path);
+
+// Gives the mesh's materials, found by their names, what the library says of them. Values before the first known name
+// go to the slot after the last material. Does nothing when the file does not open.
+void ReadMtlFile(Mesh* mesh, const char* path);

@@ -1,0 +1,229 @@
+// import/obj/plain.cpp - the lines that nearly all of an OBJ file is, without a look at anything but their numbers
+#include "import/obj/parts.h"
+
+#include "import/obj/obj.h"
+#include "import/common/plain_lines.h"
+#include "model/settings.h"
+
+#ifdef __SSE2__
+
+#include <algorithm>
+
+// From the place after the last number to the next line; null when the rest of the line has to be looked at.
+static const char* endPlainLine(const char* argument, const char* at)
+{
+    if (*at == '\n' || *at == '\r')
+        return at + 1;
+    if (*at != ' ')
+        return nullptr;
+    at = findObjLineEnd(at);
+    return at - argument < objTextRoom ? at + 1 : nullptr;
+}
+
+static const char* skipBlanks(const char* at)
+{
+    while (*at == ' ')
+        ++at;
+    return at;
+}
+
+static const char* takeVertex(const char* at, MeshVertex* vertex)
+{
+    at = skipBlanks(at);
+    __m128 position;
+    const char* end = scanPlainPosition(at, &position);
+    if (end)
+        end = endPlainLine(at, end);
+    if (end)
+        storeWhiteVertex(vertex, position);
+    return end;
+}
+
+static const char* takeUv(const char* at, Uv* uv)
+{
+    at = skipBlanks(at);
+    PlainLine line = startPlainLine(at);
+    PlainNumber u, v;
+    if (!takePlainNumber(&line, &u) || at[line.at - 1] != ' ' || !takePlainNumber(&line, &v) || !signsAreInPlace(line))
+        return nullptr;
+    __m128d close = closeToNumbers(u, v);
+    __m128 coordinates;
+    if (!coordinatesOf(close, close, &coordinates))
+        return nullptr;
+    const char* end = endPlainLine(at, at + line.at - 1);
+    if (end)
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(uv), _mm_castps_si128(coordinates));
+    return end;
+}
+
+// The corners of a triangle or quad, as in the file: 0 for a texture coordinate that is not there and for corners past
+// the last one.
+struct PlainFace
+{
+    __m128i vertices, uvs;
+    int count;
+};
+
+// "7", "7/3", "7/3/5" or "7//5"; what follows it is passed, too. The last of three numbers means nothing.
+static bool takeCorner(DigitLine* line, __m128i* fours)
+{
+    constexpr uint64_t longest = 28; // three numbers and what separates them
+    if (line->at > 64 - longest)
+        *line = startDigitLine(line->text + line->at);
+    PlainDigits vertex, uv;
+    uint64_t end;
+    if (!takePlainDigits(line, &vertex))
+        return false;
+    uv = { vertex.end, 0 };
+    if (*vertex.end == '/')
+    {
+        if (vertex.end[1] == '/')
+        {
+            takeLowest(&line->ends, &end);
+            ++line->at;
+        }
+        if (!takePlainDigits(line, &uv))
+            return false;
+        if (*uv.end == '/')
+        {
+            if (!takeLowest(&line->ends, &end))
+                return false;
+            line->at = end + 1;
+        }
+    }
+    *fours = joinFours(vertex, uv);
+    return true;
+}
+
+static const char* takeCorners(const char* at, PlainFace* face)
+{
+    DigitLine line = startDigitLine(at);
+    __m128i fours[4] = {};
+    face->count = 0;
+    for (;;)
+    {
+        if (face->count == 4 || !takeCorner(&line, &fours[face->count]))
+            return nullptr;
+        ++face->count;
+        const char* end = line.text + line.at - 1;
+        if (*end == '\n' || *end == '\r')
+        {
+            at = end + 1;
+            break;
+        }
+        if (*end != ' ')
+            return nullptr;
+        if (end[1] == '\n' || end[1] == '\r')
+        {
+            at = end + 2;
+            break;
+        }
+    }
+    __m128 first = _mm_castsi128_ps(joinEights(fours[0], fours[1]));
+    __m128 second = _mm_castsi128_ps(joinEights(fours[2], fours[3]));
+    face->vertices = _mm_castps_si128(_mm_shuffle_ps(first, second, _MM_SHUFFLE(2, 0, 2, 0)));
+    face->uvs = _mm_castps_si128(_mm_shuffle_ps(first, second, _MM_SHUFFLE(3, 1, 3, 1)));
+    return face->count >= 3 ? at : nullptr;
+}
+
+// Of four numbers, a bit for each that is no index below count.
+static int outOfRange(__m128i indices, int32_t count)
+{
+    __m128i inside = _mm_cmplt_epi32(indices, _mm_set1_epi32(count));
+    return ~_mm_movemask_ps(_mm_castsi128_ps(_mm_andnot_si128(_mm_srai_epi32(indices, 31), inside)));
+}
+
+static const char* takeFace(const char* at, const ObjReader* reader, int32_t slot)
+{
+    PlainFace face;
+    const char* end = takeCorners(skipBlanks(at), &face);
+    if (!end)
+        return nullptr;
+    __m128i one = _mm_set1_epi32(1);
+    __m128i vertices = _mm_sub_epi32(face.vertices, one), uvs = _mm_sub_epi32(face.uvs, one); // -1: noCorner
+    if ((outOfRange(vertices, reader->vertexCount) & ((1 << face.count) - 1)) || anyTwoEqual(vertices))
+        return nullptr;
+    __m128i known = _mm_andnot_si128(_mm_srai_epi32(uvs, 31), _mm_cmplt_epi32(uvs, _mm_set1_epi32(reader->uvCount)));
+    Mesh* mesh = reader->mesh;
+    storeCorners(&mesh->faces[slot], vertices);
+    storeCorners(&mesh->faceUvs[slot], _mm_and_si128(uvs, known)); // else the first
+    mesh->faceAttributes[slot] = reader->attributes;
+    return end;
+}
+
+// Statements of one keyword, one after the other. take(argument, k) returns where the next line begins, or null when it
+// does not take the k-th; then it has changed nothing.
+template <size_t room, typename Take>
+static int32_t takeRun(ObjSource* source, const char (&keyword)[room], int32_t most, Take take)
+{
+    const char* at = source->at;
+    int32_t taken = 0;
+    while (taken < most && at < source->linesEnd)
+    {
+        const char* line = at + (*at == '\n'); // of CR LF
+        if (line >= source->linesEnd || memcmp(line, keyword, room - 1) != 0)
+            break;
+        const char* next = take(line + room - 1, taken);
+        if (!next)
+            break;
+        at = next;
+        ++taken;
+    }
+    source->at = at;
+    return taken;
+}
+
+static int32_t takeVertices(ObjReader* reader, int32_t most)
+{
+    MeshVertex* vertices = reader->mesh->vertices + reader->vertexCount;
+    most = std::min(most, reader->mesh->vertexCapacity - reader->vertexCount);
+    int32_t taken = takeRun(&reader->source, "v ", most,
+                            [vertices](const char* at, int32_t k) { return takeVertex(at, &vertices[k]); });
+    reader->vertexCount += taken;
+    return taken;
+}
+
+static int32_t takeUvs(ObjReader* reader, int32_t most)
+{
+    Uv* uvs = reader->mesh->uvs + reader->uvCount;
+    most = std::min(most, reader->mesh->uvCapacity - reader->uvCount);
+    int32_t taken =
+        takeRun(&reader->source, "vt ", most, [uvs](const char* at, int32_t k) { return takeUv(at, &uvs[k]); });
+    reader->uvCount += taken;
+    return taken;
+}
+
+static int32_t takeFaces(ObjReader* reader, int32_t most)
+{
+    most = std::min(most, reader->mesh->faceCapacity - reader->faceCount);
+    int32_t taken =
+        takeRun(&reader->source, "f ", most,
+                [reader](const char* at, int32_t k) { return takeFace(at, reader, reader->faceCount + k); });
+    reader->faceCount += taken;
+    reader->polygonCount += taken;
+    return taken;
+}
+
+int32_t takePlainStatements(ObjReader* reader, int32_t most)
+{
+    if (usePlainKernels || ClampTexCoords)
+        return 0;
+    int32_t taken = 0, before;
+    do
+    {
+        before = taken;
+        taken += takeVertices(reader, most - taken);
+        taken += takeUvs(reader, most - taken);
+        taken += takeFaces(reader, most - taken);
+    } while (taken > before);
+    return taken;
+}
+
+#else
+
+int32_t takePlainStatements(ObjReader*, int32_t)
+{
+    return 0;
+}
+
+#endif

@@ -1,0 +1,252 @@
+// import/ply/parts.h - what the parts of the PLY reader share: the header's tables, lines and words, values, lists
+//
+// A header names elements in the order of their data, each with a number of instances and the properties of one. In
+// ASCII files an instance is a line, in binary ones its properties follow each other without gaps.
+#pragma once
+#include "import/common/bytes.h"
+#include "import/common/numbers.h"
+#include "import/common/sanitize.h"
+#include "model/mesh.h"
+
+constexpr int32_t plyMostElements = 64;
+constexpr int32_t plyMostProperties = 64; // of one element
+constexpr size_t plyNameRoom = 31;        // longer names are cut
+constexpr size_t plyLineBytes = 4095;     // of the longest line, its end included
+constexpr int32_t plyMostWords = 256;     // of one line; those after them are not looked at
+constexpr int32_t plyFirstListRoom = 32;
+
+enum PlyFormat
+{
+    plyNoFormat = 0,
+    plyAscii = 1,
+    plyBigEndian = 2,
+    plyLittleEndian = 3
+};
+
+enum PlyType : uint8_t
+{
+    plyUnknown = 0, // any other name: takes neither byte nor word and is 0
+    plyInt8 = 1,
+    plyInt16 = 2,
+    plyInt32 = 3,
+    plyUint8 = 4,
+    plyUint16 = 5,
+    plyUint32 = 6, // read as signed
+    plyFloat32 = 7,
+    plyFloat64 = 8
+};
+constexpr size_t plyTypeBytes[] = { 0, 1, 2, 4, 1, 2, 4, 4, 8 };
+
+enum PlyKind : uint8_t
+{
+    plyScalar = 0,
+    plyList = 1,
+    plyString = 2
+};
+
+// Where a wanted value goes.
+enum PlyField : uint8_t
+{
+    plyX,
+    plyY,
+    plyZ,
+    plyRed,
+    plyGreen,
+    plyBlue,
+    plyAlpha,
+    plyUnwanted
+};
+
+struct PlyProperty
+{
+    char name[plyNameRoom];
+    PlyType type;      // of the value, or of a list's items
+    PlyType countType; // of a list's length
+    PlyKind kind;
+    PlyField field;
+};
+
+struct PlyElement
+{
+    char name[plyNameRoom];
+    int32_t count;
+    int32_t propertyCount;
+    PlyProperty properties[plyMostProperties];
+};
+
+// One vertex while it is read; the colours are 255 before each.
+struct PlyVertex
+{
+    float position[3];
+    int32_t colour[4]; // red, green, blue, alpha
+};
+
+struct PlyReader
+{
+    ByteSource source;
+    char lineEnd;
+    int32_t format; // PlyFormat
+    float version;
+    int32_t elementCount;
+    PlyElement elements[plyMostElements];
+
+    int32_t* list; // the last list that was read, of every property: a later one of the instance replaces it
+    int32_t listCount;
+    int32_t listRoom;
+    int64_t sizelessLeft; // items of unknown type, which take no bytes, that lists may still have
+
+    int32_t progressCount; // vertices, faces and strip steps since the bar moved
+    int verticesRead, facesRead;
+    int32_t normalsDone; // faces whose planes are known and whose vertices have their share
+};
+
+// One value, both ways. A float's whole number is truncated toward zero.
+struct PlyNumber
+{
+    int32_t whole;
+    float real;
+};
+
+struct PlyWord
+{
+    const char* text;
+    const char* end;
+};
+
+// A line that is looked at where it lies in the block; up to lineEnd, blanks separate words. A word in double quotes
+// runs to the next double quote or the line's end.
+struct PlyLine
+{
+    const char* start;
+    const char* at;
+    int32_t words; // taken
+    char lineEnd;
+};
+
+inline bool isPlyBlank(char c)
+{
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// Finds the next line that is not blank. Returns 0 at the end of the file and for a line that is too long.
+// endPlyLine takes the rest of the line; it returns 0 when the line is too long.
+int nextPlyLine(PlyReader* reader, PlyLine* line);
+int endPlyLine(PlyReader* reader, PlyLine* line);
+
+// Returns 0 when the line has no more words. A word's text is followed by a byte that no number goes on with, and is
+// padded for fast number reading.
+int nextPlyWord(PlyLine* line, PlyWord* word);
+
+// The number at a word's beginning as scanf takes it; 0 when there is none.
+inline const char* plyNumberStart(const PlyWord& word)
+{
+    const char* at = word.text;
+    while (at < word.end && isSpace(*at))
+        ++at;
+    return at;
+}
+
+inline int32_t plyWordWhole(const PlyWord& word)
+{
+    int32_t value = 0;
+    scanIntPadded(plyNumberStart(word), &value);
+    return value;
+}
+
+inline float plyWordReal(const PlyWord& word)
+{
+    float value = 0;
+    scanFloatPadded(plyNumberStart(word), &value);
+    return value;
+}
+
+// Finds out what ends a line; then the header up to the line after "end_header". Return 0 for what is not one.
+int findPlyLineEnd(PlyReader* reader);
+int readPlyHeader(PlyReader* reader);
+
+// The fewest bytes of one instance.
+int64_t plyInstanceBytes(const PlyReader* reader, const PlyElement& element);
+
+// Whether the file can have the instances that an element announces. What takes no bytes may be there once for every
+// byte of the file.
+int plyCountPossible(const PlyReader* reader, const PlyElement& element);
+
+// Reads one instance. vertex null: no value is wanted. The list is empty before. Returns 0 for a short read, a line
+// that is too long or has too few words, a negative list length, and one that the file cannot hold.
+int readPlyInstance(PlyReader* reader, const PlyElement& element, PlyVertex* vertex);
+
+// The instances that nearly all of an ASCII file's lines are: three numbers for a position, a 3 and three numbers for a
+// triangle, with single blanks between them. Take them as long as they come, at most `most` lines, and return how many;
+// the next one is for readPlyInstance, which takes any line apart. The faces have room; triangles with a corner that is
+// no vertex are dropped.
+int32_t takePlainPositions(PlyReader* reader, MeshVertex* vertices, int32_t most);
+int32_t takePlainTriangles(PlyReader* reader, Mesh* mesh, int32_t most);
+
+inline void storePlyNumber(PlyVertex* vertex, PlyField field, PlyNumber number)
+{
+    if (field <= plyZ)
+        vertex->position[field] = number.real;
+    else if (field <= plyAlpha)
+        vertex->colour[field - plyRed] = number.whole;
+}
+
+inline PlyNumber plyWhole(int32_t whole)
+{
+    return { whole, static_cast<float>(whole) };
+}
+
+inline PlyNumber plyReal(float value)
+{
+    SanitizeFloat(&value);
+    return { static_cast<int32_t>(value), value };
+}
+
+// SanitizeFloat's rule on the exponent of a double.
+inline PlyNumber plyReal64(uint64_t bits)
+{
+    uint64_t exponent = (bits >> 52) & 0x7FF;
+    if (exponent == 0 || exponent >= 1023 + 20)
+        bits = 0;
+    double value;
+    memcpy(&value, &bits, sizeof value);
+    return { static_cast<int32_t>(value), static_cast<float>(value) };
+}
+
+template <typename T>
+inline T plyLoad(const uint8_t* bytes, bool swap)
+{
+    T value;
+    memcpy(&value, bytes, sizeof value);
+    if constexpr (sizeof(T) == 2)
+        return swap ? static_cast<T>(__builtin_bswap16(value)) : value;
+    else if constexpr (sizeof(T) == 4)
+        return swap ? __builtin_bswap32(value) : value;
+    else
+        return swap ? __builtin_bswap64(value) : value;
+}
+
+inline float plyLoadFloat(const uint8_t* bytes, bool swap)
+{
+    uint32_t bits = plyLoad<uint32_t>(bytes, swap);
+    float value;
+    memcpy(&value, &bits, sizeof value);
+    return value;
+}
+
+// A value in a binary file; swap: its bytes are in the other order.
+inline PlyNumber decodePlyNumber(PlyType type, const uint8_t* bytes, bool swap)
+{
+    switch (type)
+    {
+    case plyInt8: return plyWhole(static_cast<int8_t>(*bytes));
+    case plyUint8: return plyWhole(*bytes);
+    case plyInt16: return plyWhole(static_cast<int16_t>(plyLoad<uint16_t>(bytes, swap)));
+    case plyUint16: return plyWhole(plyLoad<uint16_t>(bytes, swap));
+    case plyInt32:
+    case plyUint32: return plyWhole(static_cast<int32_t>(plyLoad<uint32_t>(bytes, swap)));
+    case plyFloat32: return plyReal(plyLoadFloat(bytes, swap));
+    case plyFloat64: return plyReal64(plyLoad<uint64_t>(bytes, swap));
+    case plyUnknown: break;
+    }
+    return { 0, 0 };
+}

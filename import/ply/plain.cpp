@@ -1,0 +1,114 @@
+// import/ply/plain.cpp - the lines that nearly all of an ASCII file is: positions and triangles
+//
+// Numbers stand with single blanks between them, the first of which begins the line. A line is first taken as one of
+// plain numbers, then by the scanners of any number; what is written in yet another way is left.
+#include "import/common/plain_lines.h"
+#include "import/ply/parts.h"
+
+// The end of a line after its last number: blanks and the line's end, which is passed. Null for anything else, and for
+// a line that is too long.
+static const char* passPlainEnd(const char* line, const char* at, char lineEnd)
+{
+    if (!at)
+        return nullptr;
+    while (*at == ' ' || (*at == '\r' && lineEnd != '\r'))
+        ++at;
+    return *at == lineEnd && at - line < static_cast<ptrdiff_t>(plyLineBytes) ? at + 1 : nullptr;
+}
+
+// Returns what follows the last number, or null.
+template <typename Number>
+static const char* scanThree(const char* at, Number (&numbers)[3], const char* (*scan)(const char*, Number*))
+{
+    for (int i = 0; i < 3; ++i)
+    {
+        at += i > 0;
+        if (!isDigit(*at) && *at != '-')
+            return nullptr;
+        at = scan(at, &numbers[i]);
+        if (!at || (i < 2 && *at != ' '))
+            return nullptr;
+    }
+    return at;
+}
+
+static const char* takePosition(const char* line, char lineEnd, MeshVertex* vertex)
+{
+#ifdef __SSE2__
+    __m128 values;
+    if (const char* end = passPlainEnd(line, scanPlainPosition(line, &values), lineEnd))
+    {
+        storeWhiteVertex(vertex, values);
+        return end;
+    }
+#endif
+    float position[3] = {};
+    const char* end = passPlainEnd(line, scanThree(line, position, scanFloatPadded), lineEnd);
+    if (!end)
+        return nullptr;
+    for (size_t axis = 0; axis < 3; ++axis)
+    {
+        SanitizeFloat(&position[axis]);
+        vertex->position[axis] = position[axis];
+    }
+    vertex->colour = opaqueWhite;
+    return end;
+}
+
+static const char* takeTriangle(const char* line, char lineEnd, Mesh* mesh)
+{
+    if (line[0] != '3' || line[1] != ' ')
+        return nullptr;
+#ifdef __SSE2__
+    __m128i values;
+    if (const char* end = passPlainEnd(line, scanPlainCorners(line + 2, 3, &values), lineEnd))
+    {
+        if (cornersBelow(values, 3, mesh->vertexCount))
+            storeCorners(&mesh->faces[mesh->faceCount++], values);
+        return end;
+    }
+#endif
+    int32_t numbers[3];
+    const char* end = passPlainEnd(line, scanThree(line + 2, numbers, scanIntPadded), lineEnd);
+    if (!end)
+        return nullptr;
+    Corners corners = { static_cast<uint32_t>(numbers[0]), static_cast<uint32_t>(numbers[1]),
+                        static_cast<uint32_t>(numbers[2]), noCorner };
+    if (cornersAreVertices(mesh, corners, 3))
+        mesh->faces[mesh->faceCount++] = corners;
+    return end;
+}
+
+// Lines that lie in the block with all that a line may have, one after the other. take(line, k) returns where the next
+// one begins, or null when it does not take the k-th.
+template <typename Take>
+static int32_t takeRun(PlyReader* reader, int32_t most, Take take)
+{
+    ByteSource* source = &reader->source;
+    int32_t taken = 0;
+    while (taken < most && holdBytes(source, plyLineBytes + 1) > plyLineBytes && source->at >= plainFront)
+    {
+        const char* line = reinterpret_cast<const char*>(source->block + source->at);
+        const char* next = take(line, taken);
+        if (!next)
+            break;
+        source->at += static_cast<size_t>(next - line);
+        ++taken;
+    }
+    return taken;
+}
+
+int32_t takePlainPositions(PlyReader* reader, MeshVertex* vertices, int32_t most)
+{
+    char lineEnd = reader->lineEnd;
+    return takeRun(reader, most,
+                   [vertices, lineEnd](const char* line, int32_t k)
+                   { return takePosition(line, lineEnd, &vertices[k]); });
+}
+
+int32_t takePlainTriangles(PlyReader* reader, Mesh* mesh, int32_t most)
+{
+    char lineEnd = reader->lineEnd;
+    return takeRun(reader, most,
+                   [mesh, lineEnd](const char* line, int32_t) { return takeTriangle(line, lineEnd, mesh); });
+}

@@ -1,0 +1,404 @@
+// import/text/dxf.cpp - DXF: pairs of lines, a group code and its value; a code 0 starts the next entity
+#include "import/text/dxf.h"
+
+#include "import/open_dialog.h"
+#include "import/common/plain_lines.h"
+#include "import/common/sanitize.h"
+#include "model/memory.h"
+#include "model/normals.h"
+#include "model/settings.h"
+#include "platform/boxes.h"
+#include "platform/files.h"
+#include "tools/uvs.h"
+
+#include <string.h>
+#include <algorithm>
+
+constexpr int32_t growthStep = 1024;
+constexpr int64_t faceBytes = 128; // of a file for each face, hardly ever less
+constexpr int32_t firstPlaces = 4096;
+
+// A code's place in DxfFace: 0 is the layer, 1 to 12 the coordinates, corner by corner.
+constexpr int faceItems = 13;
+constexpr uint32_t allFaceItems = (1u << faceItems) - 1;
+
+// The first NUL, line feed or carriage return, or `end`. Eight bytes at a time; the block is padded.
+static const char* findLineEnd(const char* at, const char* end)
+{
+    constexpr uint64_t ones = 0x0101010101010101;
+    while (at < end)
+    {
+        uint64_t bytes = loadEight(at);
+        uint64_t low = (bytes - ones * ('\r' + 1)) & ~bytes & (ones << 7); // the lowest mark is a byte up to '\r'
+        if (!low)
+        {
+            at += 8;
+            continue;
+        }
+        at += __builtin_ctzll(low) >> 3;
+        if (at >= end || *at == '\n' || *at == '\r' || *at == 0)
+            break;
+        ++at; // a tab or the like
+    }
+    return at < end ? at : end;
+}
+
+static void keepCutLine(DxfSource* source)
+{
+    memcpy(source->cut, source->text, source->length);
+    source->cut[source->length] = 0;
+    source->text = source->cut;
+}
+
+// Reads a line without the blanks in front, up to the first NUL, line feed or carriage return.
+static bool nextDxfLine(DxfSource* source)
+{
+    LineSource* lines = &source->lines;
+    size_t available = fetchBytes(lines, dxfLineLimit - 1);
+    if (available == 0)
+        return false;
+    const char* text = lines->block + lines->next;
+    const char* limit = text + (available < dxfLineLimit - 1 ? available : dxfLineLimit - 1);
+    while (text < limit && *text == ' ')
+        ++text;
+    const char* end = findLineEnd(text, limit);
+    const char* next = end;
+    if (end < limit && *end != '\n')
+        next = static_cast<const char*>(memchr(end, '\n', static_cast<size_t>(limit - end)));
+    lines->next = static_cast<size_t>((next && next < limit ? next + 1 : limit) - lines->block);
+    source->text = text;
+    source->length = static_cast<size_t>(end - text);
+    if (end == limit) // the text goes on behind it
+        keepCutLine(source);
+    return true;
+}
+
+template <size_t room>
+static bool lineIs(const DxfSource* source, const char (&text)[room])
+{
+    return source->length == room - 1 && memcmp(source->text, text, room - 1) == 0;
+}
+
+// The item that the code line stands for, or -1.
+static int faceItem(const DxfSource* source)
+{
+    if (source->length == 1)
+        return source->text[0] == '8' ? 0 : -1;
+    if (source->length != 2)
+        return -1;
+    int axis = source->text[0] - '1', corner = source->text[1] - '0';
+    return axis >= 0 && axis < 3 && corner >= 0 && corner < 4 ? 1 + corner * 3 + axis : -1;
+}
+
+static float readCoordinate(const DxfSource* source)
+{
+    const char* text = source->text;
+    while (*text == ' ' || *text == '\t' || *text == '\v' || *text == '\f')
+        ++text;
+    float value = 0;
+    scanFloatPadded(text, &value);
+    SanitizeFloat(&value);
+    return value;
+}
+
+#ifdef __SSE2__
+// Passes a byte that is no digit and stands where a sign might.
+static void passDoubled(PlainLine* line)
+{
+    line->signs |= uint64_t{ 1 } << line->at;
+    ++line->at;
+}
+
+// Passes what is left of a line end whose first byte has been passed.
+static bool passLineEnd(PlainLine* line)
+{
+    const char* at = line->text + line->at;
+    if (at[-1] == '\n')
+        return true;
+    if (at[-1] != '\r' || at[0] != '\n' || line->at > 63)
+        return false;
+    passDoubled(line);
+    return true;
+}
+
+// The line of a code of two digits with at most two blanks before it, and that of its value, a plain number.
+static bool takeCoordinate(PlainLine* line, uint16_t code, PlainNumber* value)
+{
+    constexpr uint64_t longest = 4 + 2 + 17 + 2; // both lines with CR LF
+    if (line->at > 64 - longest)
+    {
+        if (!signsAreInPlace(*line))
+            return false;
+        *line = startPlainLine(line->text + line->at);
+    }
+    for (int blanks = 0; blanks < 2 && line->text[line->at] == ' '; ++blanks)
+        passDoubled(line);
+    uint16_t found;
+    memcpy(&found, line->text + line->at, sizeof found);
+    uint64_t end;
+    if (found != code || !takeLowest(&line->ends, &end) || end != line->at + 2)
+        return false;
+    line->at = end + 1;
+    return passLineEnd(line) && takePlainNumber(line, value) && passLineEnd(line);
+}
+
+// The three coordinates of a corner as nearly all files have them: one after the other, each as a plain number. Returns
+// false, with nothing read, for any others.
+static bool takePlainCorner(DxfSource* source, DxfFace* face, int corner)
+{
+    constexpr size_t longest = 3 * 64 + plainPadding;
+    LineSource* lines = &source->lines;
+    if (fetchBytes(lines, longest) < longest || usePlainKernels)
+        return false;
+    PlainLine line = startPlainLine(lines->block + lines->next);
+    auto code = static_cast<uint16_t>('1' | ('0' + corner) << 8); // little-endian
+    PlainNumber x, y, z;
+    if (!takeCoordinate(&line, code, &x) || !takeCoordinate(&line, static_cast<uint16_t>(code + 1), &y) ||
+        !takeCoordinate(&line, static_cast<uint16_t>(code + 2), &z) || !signsAreInPlace(line))
+        return false;
+    __m128 position;
+    if (!coordinatesOf(closeToNumbers(x, y), closeToNumbers(z, z), &position))
+        return false;
+    float values[4];
+    _mm_storeu_ps(values, position);
+    memcpy(face->corners[corner], values, sizeof face->corners[corner]);
+    lines->next = static_cast<size_t>(line.text + line.at - lines->block);
+    return true;
+}
+#else
+static bool takePlainCorner(DxfSource*, DxfFace*, int)
+{
+    return false;
+}
+#endif
+
+// Takes the corners of which nothing has been seen, as long as they come in order.
+static void takePlainCorners(DxfSource* source, DxfFace* face)
+{
+    for (int corner = 0; corner < 4; ++corner)
+    {
+        uint32_t items = 7u << (1 + 3 * corner);
+        if (face->seen & items)
+            continue;
+        if (!takePlainCorner(source, face, corner))
+            return;
+        face->seen |= items;
+    }
+}
+
+static bool sameCorner(const float (&a)[3], const float (&b)[3])
+{
+    return a[0] == b[0] && a[1] == b[1] && a[2] == b[2];
+}
+
+int ReadDxfFace(DxfSource* source, DxfFace* face)
+{
+    *face = {};
+    bool colourSeen = false;
+    for (;;)
+    {
+        if (!nextDxfLine(source))
+            return 0;
+        int item = faceItem(source);
+        bool wanted = item >= 0 && !(face->seen & 1u << item);
+        bool colour = !wanted && !colourSeen && lineIs(source, "62");
+        if (!wanted && !colour)
+            break;
+        if (!nextDxfLine(source))
+            return 0;
+        colourSeen |= colour;
+        if (wanted)
+            face->seen |= 1u << item;
+        if (item > 0)
+            face->corners[(item - 1) / 3][(item - 1) % 3] = readCoordinate(source);
+        else
+            takePlainCorners(source, face);
+    }
+    // Anything else between, such as handles, subclass markers or edge flags, makes it another kind of entity.
+    if (!lineIs(source, "0") || face->seen != allFaceItems)
+        return -1;
+    return sameCorner(face->corners[3], face->corners[2]) ? 3 : 4;
+}
+
+static uint32_t hashPosition(const float (&position)[3], uint32_t seed)
+{
+    uint64_t hash = seed;
+    for (float value : position)
+    {
+        value += 0.0f; // -0 becomes 0
+        uint32_t bits;
+        memcpy(&bits, &value, sizeof bits);
+        hash = (hash ^ bits) * 0x9E3779B97F4A7C15;
+        hash ^= hash >> 32;
+    }
+    return static_cast<uint32_t>(hash);
+}
+
+// The place of the vertex with these coordinates, or the free one where it would go.
+static int32_t* findPlace(const DxfWelder* welder, const Mesh* mesh, const float (&position)[3])
+{
+    uint32_t mask = static_cast<uint32_t>(welder->placeCount) - 1;
+    uint32_t place = hashPosition(position, welder->seed) & mask;
+    while (welder->places[place] && !sameCorner(mesh->vertices[welder->places[place] - 1].position, position))
+        place = (place + 1) & mask;
+    return &welder->places[place];
+}
+
+static int growWelder(DxfWelder* welder, const Mesh* mesh)
+{
+    if (welder->placeCount > INT32_MAX / 2)
+        return reportOutOfMemory();
+    DxfWelder grown = *welder;
+    grown.placeCount = welder->placeCount ? welder->placeCount * 2 : firstPlaces;
+    while (grown.placeCount / 2 < mesh->vertexCapacity && grown.placeCount <= INT32_MAX / 2)
+        grown.placeCount *= 2;
+    grown.places = static_cast<int32_t*>(workAlloc(blockSize(grown.placeCount, sizeof(int32_t))));
+    if (!grown.places)
+        return 0;
+    // The seed is not to be foretold, so that no file can be made of positions that all hash alike.
+    grown.seed = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(grown.places) >> 12) * 0x9E3779B1u;
+    for (int32_t i = 0; i < mesh->vertexCount; ++i)
+    {
+        int32_t* place = findPlace(&grown, mesh, mesh->vertices[i].position);
+        if (*place == 0) // of equal ones the first
+            *place = i + 1;
+    }
+    freeDxfWelder(welder);
+    *welder = grown;
+    return 1;
+}
+
+// As many again as there are, so that the copying of growth stays in proportion to what is read.
+static int32_t growthOf(int32_t capacity)
+{
+    int32_t most = INT32_MAX - capacity;
+    int32_t wanted = capacity < growthStep ? growthStep : capacity;
+    return wanted < most ? wanted : most;
+}
+
+int32_t WeldDxfVertex(DxfWelder* welder, Mesh* mesh, float x, float y, float z)
+{
+    while (mesh->vertexCount >= welder->placeCount / 2)
+    {
+        if (!growWelder(welder, mesh))
+            return -1;
+    }
+    const float position[3] = { x, y, z };
+    int32_t* place = findPlace(welder, mesh, position);
+    if (*place)
+        return *place - 1;
+    int32_t index = mesh->vertexCount;
+    if (index == mesh->vertexCapacity && !growVertices(mesh, growthOf(mesh->vertexCapacity)))
+        return -1;
+    memcpy(mesh->vertices[index].position, position, sizeof position);
+    mesh->vertices[index].colour = opaqueWhite;
+    *place = ++mesh->vertexCount;
+    return index;
+}
+
+void freeDxfWelder(DxfWelder* welder)
+{
+    workFree(welder->places);
+    *welder = {};
+}
+
+static int storeFace(Mesh* mesh, DxfWelder* welder, const DxfFace& face, int cornerTotal)
+{
+    if (mesh->faceCount == mesh->faceCapacity && !growFaces(mesh, growthOf(mesh->faceCapacity)))
+        return 0;
+    Corners corners = { noCorner, noCorner, noCorner, noCorner }, coords = {};
+    for (int k = 0; k < cornerTotal; ++k)
+    {
+        const float* corner = face.corners[k];
+        int32_t vertex = WeldDxfVertex(welder, mesh, corner[0], corner[1], corner[2]);
+        if (vertex < 0)
+            return 0;
+        corners[static_cast<size_t>(k)] = coords[static_cast<size_t>(k)] = static_cast<uint32_t>(vertex);
+    }
+    mesh->faces[mesh->faceCount] = corners;
+    mesh->faceUvs[mesh->faceCount] = coords;
+    mesh->faceAttributes[mesh->faceCount] = 0;
+    ++mesh->faceCount;
+    return 1;
+}
+
+// Reads entity after entity. Returns 0 only when memory gives out: a file that ends anywhere is read up to there.
+static int readEntities(DxfSource* source, Mesh* mesh, DxfWelder* welder)
+{
+    bool lineWaits = false; // the line that ended a face is to be looked at
+    while (lineWaits || nextDxfLine(source))
+    {
+        lineWaits = false;
+        if (lineIs(source, "2")) // a name, which could look like a code
+        {
+            if (!nextDxfLine(source))
+                break;
+            continue;
+        }
+        if (!lineIs(source, "0"))
+            continue;
+        if (!nextDxfLine(source) || lineIs(source, "EOF"))
+            break;
+        if (!lineIs(source, "3DFACE"))
+            continue;
+        DxfFace face;
+        int cornerTotal = ReadDxfFace(source, &face);
+        if (cornerTotal == 0)
+            break;
+        if (cornerTotal > 0 && !storeFace(mesh, welder, face, cornerTotal))
+            return 0;
+        lineWaits = true;
+    }
+    mesh->liveFaceCount = mesh->faceCount;
+    mesh->lineCount = 0;
+    return 1;
+}
+
+// As many of each as there are faces: that is what a net of quads has, and pages that nothing is written to cost
+// nothing.
+static int32_t expectedFaces(const DxfSource* source)
+{
+    return static_cast<int32_t>(std::clamp<int64_t>(source->lines.sizeBytes / faceBytes, growthStep, INT32_MAX));
+}
+
+static int readDxf(DxfSource* source, Mesh* mesh)
+{
+    DxfWelder welder = {};
+    int32_t expected = expectedFaces(source);
+    int ok = growVertices(mesh, expected) && growUvs(mesh, growthStep) && growFaces(mesh, expected) &&
+             readEntities(source, mesh, &welder);
+    freeDxfWelder(&welder);
+    return ok;
+}
+
+static int failUnreadable()
+{
+    messageBox("Unable to read file", "Error", iconNone);
+    return 0;
+}
+
+int LoadDxfFile(Mesh* mesh, const char* path)
+{
+    FILE* file = openFile(path, "rb");
+    if (!file)
+        return 0;
+    DxfSource source;
+    startLines(&source.lines, file);
+    int ok = readDxf(&source, mesh);
+    fclose(file);
+    if (!ok)
+        return failUnreadable();
+    if (mesh->vertexCount == 0 || mesh->faceCount == 0)
+    {
+        messageBox("Error: failed to open, only 3DFACE supported", path, iconStop);
+        return 0;
+    }
+    computeNormals(mesh);
+    computeBounds(mesh);
+    return generateUvs(mesh) ? 1 : failUnreadable();
+}
+
+int openDxfFile(Mesh* mesh)
+{
+    return openByDialog(mesh, "dxf Files(*.dxf)", "*.dxf", LoadDxfFile);
+}

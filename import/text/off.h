@@ -1,0 +1,22 @@
+// import/text/off.h - OFF: a list of vertices and a list of faces as text
+//
+// Source: the OFF section of the Geomview manual (The Geometry Center), without its variants of the header
+#pragma once
+#include "import/common/lines.h"
+#include "model/mesh.h"
+
+struct OffSource
+{
+    LineSource lines;
+    char* line;        // of NextOffLine
+    int32_t lineCount; // lines that mean something
+};
+
+// Reads triangles and quads; the fifth and further corners of a face are dropped. Everything is of group 0 and
+// material 0, with the placeholder texture coordinate.
+// Returns 1, or 0 after "Error: failed to open" or "Error readin file".
+int LoadOffFile(Mesh* mesh, const char* path);
+
+// The next line that is neither blank nor a comment, without the blanks and tabs around it. Returns 1, or 0 at the end
+// of the file.
+int NextOffLine(OffSource* source);

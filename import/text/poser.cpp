@@ -1,0 +1,594 @@
+// import/text/poser.cpp - Poser files: nested blocks in braces, a keyword and its values on a line
+#include "import/text/poser.h"
+
+#include "import/common/corners.h"
+#include "import/common/names.h"
+#include "import/common/numbers.h"
+#include "import/open_dialog.h"
+#include "import/common/sanitize.h"
+#include "model/memory.h"
+#include "model/normals.h"
+#include "platform/boxes.h"
+#include "platform/files.h"
+#include "tools/uvs.h"
+
+#include <string.h>
+
+constexpr int32_t spareVertices = 256; // beyond what a block announces, of texture coordinates also
+constexpr int32_t spareFaces = 1024;
+
+// Shortest lines that make one: "v 0 0 0", "vt 0 0", "f 1 2 3" and a line end.
+constexpr int64_t shortestVertexBytes = 8;
+constexpr int64_t shortestUvBytes = 7;
+constexpr int64_t shortestFaceBytes = 8;
+
+struct PoserReader
+{
+    PoserSource source;
+    Mesh* mesh;
+    NameTable groups;
+    NameTable materials;
+    int64_t vertexRoom; // vertices announced so far, with their spares; more are an error
+    int64_t uvRoom;
+};
+
+// A geometry block while it is read; the mesh gets to know of it at its end.
+struct PoserBlock
+{
+    int32_t firstVertex, firstUv; // indices in the block start from these
+    int32_t vertexCount, uvCount; // of the block alone
+    int32_t faceCount;            // of the mesh
+    int32_t liveFaceCount, lineCount;
+    uint32_t group, material; // current
+};
+
+static bool isBlank(int c)
+{
+    return c == ' ' || c == '\t';
+}
+
+static bool isLineEnd(int c)
+{
+    return c == '\n' || c == '\r';
+}
+
+// Skips bytes and returns the first that is not to be skipped, still unread, or -1 at the end of the file.
+template <typename Skipped>
+static int skipBytes(LineSource* lines, Skipped skipped)
+{
+    while (fetchBytes(lines, 1))
+    {
+        int c = static_cast<unsigned char>(lines->block[lines->next]);
+        if (!skipped(c))
+            return c;
+        ++lines->next;
+    }
+    return -1;
+}
+
+static bool atComment(const LineSource* lines)
+{
+    const char* at = lines->block + lines->next;
+    return at[0] == '/' && at[1] == '/';
+}
+
+// Takes the word at hand and the byte that ends it, which is returned; -1 for a word that does not end.
+static int takeWord(PoserSource* source)
+{
+    LineSource* lines = &source->lines;
+    size_t available = fetchBytes(lines, poserTextRoom);
+    const char* at = lines->block + lines->next;
+    for (size_t length = 0; length < poserTextRoom && length < available; ++length)
+    {
+        char c = at[length];
+        if (isBlank(c) || isLineEnd(c))
+        {
+            source->word[length] = 0;
+            lines->next += length + 1;
+            return c;
+        }
+        source->word[length] = c;
+    }
+    return -1;
+}
+
+// Takes the rest of the line and its end, in whose place the terminator goes.
+static int takeRest(PoserSource* source)
+{
+    LineSource* lines = &source->lines;
+    size_t available = fetchBytes(lines, poserTextRoom);
+    char* at = lines->block + lines->next;
+    for (size_t length = 0; length < poserTextRoom && length < available; ++length)
+    {
+        if (!isLineEnd(at[length]))
+            continue;
+        at[length] = 0;
+        source->rest = at;
+        lines->next += length + 1;
+        return 1;
+    }
+    return 0;
+}
+
+int NextPoserToken(PoserSource* source)
+{
+    LineSource* lines = &source->lines;
+    source->rest = source->word + poserTextRoom - 1; // a terminator for a token without a rest
+    *source->rest = 0;
+    for (;;)
+    {
+        int c = skipBytes(lines, [](int b) { return isBlank(b) || isLineEnd(b); });
+        if (c < 0)
+            return 0;
+        if (c == '{' || c == '}')
+        {
+            source->word[0] = static_cast<char>(c);
+            source->word[1] = 0;
+            ++lines->next;
+            return 1;
+        }
+        if (fetchBytes(lines, 2) < 2)
+            return 0;
+        if (!atComment(lines))
+            break;
+        skipBytes(lines, [](int b) { return !isLineEnd(b); });
+    }
+    int end = takeWord(source);
+    if (end < 0 || isLineEnd(end))
+        return end >= 0;
+    end = skipBytes(lines, isBlank);
+    if (end >= 0 && isLineEnd(end))
+        return 1;
+    return end >= 0 && takeRest(source);
+}
+
+static bool wordIs(const PoserSource* source, const char* word)
+{
+    return strcmp(source->word, word) == 0;
+}
+
+static bool wordIs(const PoserSource* source, char word)
+{
+    return source->word[0] == word && source->word[1] == 0;
+}
+
+int SkipPoserBlock(PoserSource* source)
+{
+    for (int64_t depth = 1; depth > 0;)
+    {
+        if (!NextPoserToken(source))
+            return 0;
+        depth += wordIs(source, '{') - wordIs(source, '}');
+    }
+    return 1;
+}
+
+// Reads up to the '{' that opens a block; whatever stands before it is ignored, but for a '}'.
+static int enterBlock(PoserSource* source)
+{
+    while (NextPoserToken(source))
+    {
+        if (wordIs(source, '{'))
+            return 1;
+        if (wordIs(source, '}'))
+            return 0;
+    }
+    return 0;
+}
+
+size_t PoserName(char* text)
+{
+    size_t length = 0;
+    while (length < nameRoom - 1 && text[length] && !isBlank(text[length]) && text[length] != ':')
+        ++length;
+    text[length] = 0;
+    return length;
+}
+
+char* PoserMapName(char* text)
+{
+    char* end = text + strlen(text);
+    while (end > text && isBlank(end[-1]))
+        --end;
+    if (end > text && end[-1] == '"')
+        --end;
+    *end = 0;
+    char* name = end;
+    while (name > text && name[-1] != ':' && name[-1] != '"' && name[-1] != '\\')
+        --name;
+    if (strcmp(name, "NO_MAP") == 0)
+        *name = 0;
+    return name;
+}
+
+// How many lines of at least so many bytes the file can still hold.
+static int64_t linesLeft(const PoserReader* reader, int64_t shortestBytes)
+{
+    return (reader->source.lines.sizeBytes - linePosition(&reader->source.lines)) / shortestBytes + 1;
+}
+
+// A capacity for used entries and more of them, as far as it is not there. Returns 1, or 0 when it fits nowhere.
+static int reserve(Mesh* mesh, int (*grow)(Mesh*, int32_t), int32_t capacity, int64_t needed)
+{
+    if (needed <= capacity)
+        return 1;
+    if (needed > INT32_MAX)
+        return reportOutOfMemory();
+    return grow(mesh, static_cast<int32_t>(needed) - capacity);
+}
+
+static int64_t smaller(int64_t a, int64_t b)
+{
+    return a < b ? a : b;
+}
+
+// What is announced may be read; memory is taken for no more than the file has lines for.
+static int announceVertices(PoserReader* reader, const PoserBlock* block, int32_t count)
+{
+    reader->vertexRoom += int64_t{ count } + spareVertices;
+    int64_t used = int64_t{ block->firstVertex } + block->vertexCount;
+    return reserve(reader->mesh, growVertices, reader->mesh->vertexCapacity,
+                   smaller(reader->vertexRoom, used + linesLeft(reader, shortestVertexBytes)));
+}
+
+static int announceUvs(PoserReader* reader, const PoserBlock* block, int32_t count)
+{
+    if (count < 1)
+        return 1;
+    reader->uvRoom += int64_t{ count } + spareVertices;
+    int64_t used = int64_t{ block->firstUv } + block->uvCount;
+    return reserve(reader->mesh, growUvs, reader->mesh->uvCapacity,
+                   smaller(reader->uvRoom, used + linesLeft(reader, shortestUvBytes)));
+}
+
+static int announceFaces(PoserReader* reader, const PoserBlock* block, int32_t count)
+{
+    if (count < 0)
+        return 1;
+    int64_t more = smaller(count, linesLeft(reader, shortestFaceBytes));
+    return reserve(reader->mesh, growFaces, reader->mesh->faceCapacity, block->faceCount + more + spareFaces);
+}
+
+// scanFloats for the rest of a line, which is padded.
+static int scanRest(const char* rest, float* values, int count)
+{
+    int found = 0;
+    for (; found < count; ++found)
+    {
+        while (isSpace(*rest))
+            ++rest;
+        rest = scanFloatPadded(rest, &values[found]);
+        if (!rest)
+            break;
+    }
+    return found;
+}
+
+static int readVertex(PoserReader* reader, PoserBlock* block)
+{
+    float position[3];
+    if (scanRest(reader->source.rest, position, 3) < 3)
+        return 0;
+    Mesh* mesh = reader->mesh;
+    int32_t index = block->firstVertex + block->vertexCount;
+    if (index >= reader->vertexRoom || index >= mesh->vertexCapacity)
+        return 0;
+    int good = 1;
+    for (float& value : position)
+        good &= SanitizeFloat(&value);
+    for (int axis = 0; axis < 3; ++axis)
+        mesh->vertices[index].position[axis] = good ? position[axis] : 0;
+    mesh->vertices[index].colour = opaqueWhite;
+    ++block->vertexCount;
+    return 1;
+}
+
+static int readUv(PoserReader* reader, PoserBlock* block)
+{
+    float uv[2];
+    if (scanRest(reader->source.rest, uv, 2) < 2)
+        return 0;
+    Mesh* mesh = reader->mesh;
+    int32_t index = block->firstUv + block->uvCount;
+    if (index >= reader->uvRoom || index >= mesh->uvCapacity)
+        return 0;
+    int good = SanitizeFloat(&uv[0]) & SanitizeFloat(&uv[1]);
+    mesh->uvs[index] = good ? Uv{ uv[0], uv[1] } : Uv{};
+    ++block->uvCount;
+    return 1;
+}
+
+// Room for the records of a statement. What there is doubles, so that the copying stays in proportion.
+static int roomForRecords(Mesh* mesh, int32_t used, int32_t records)
+{
+    if (records <= mesh->faceCapacity - used)
+        return 1;
+    int64_t more = mesh->faceCapacity < spareFaces ? spareFaces : mesh->faceCapacity;
+    return reserve(mesh, growFaces, mesh->faceCapacity, smaller(mesh->faceCapacity + more, INT32_MAX));
+}
+
+// A statement with a bad corner is ignored, as is one with fewer corners than it needs. Returns 0 only when memory
+// gives out.
+static int readElement(PoserReader* reader, PoserBlock* block, bool polyline)
+{
+    int32_t vertices[statementCorners], uvs[statementCorners];
+    const char* end;
+    int count = parseFaceCornersPadded(reader->source.rest, block->vertexCount, block->uvCount, vertices, uvs, &end);
+    if (count < (polyline ? 2 : 3))
+        return 1;
+    int32_t records = polyline ? polylineRecords(count) : polygonRecords(count);
+    if (!roomForRecords(reader->mesh, block->faceCount, records))
+        return 0;
+    CornerList corners = { vertices, uvs, count, block->firstVertex - 1, block->firstUv - 1 };
+    uint32_t attributes = block->material | block->group << faceGroupShift;
+    if (polyline)
+    {
+        storePolyline(reader->mesh, block->faceCount, corners, attributes);
+        ++block->lineCount;
+    }
+    else
+    {
+        storePolygon(reader->mesh, block->faceCount, corners, attributes);
+        if (count != 3) // a triangle does not count as a polygon, on purpose
+            block->liveFaceCount += records;
+    }
+    block->faceCount += records;
+    return 1;
+}
+
+static void chooseName(PoserReader* reader, NameTable* table, int32_t* meshCount, uint32_t* current)
+{
+    if (PoserName(reader->source.rest) == 0)
+        return;
+    int32_t index = findOrAddName(table, reader->source.rest);
+    if (index >= 0)
+        *current = static_cast<uint32_t>(index);
+    *meshCount = table->count;
+}
+
+static int finishGeometry(Mesh* mesh, const PoserBlock& block)
+{
+    mesh->faceCount = block.faceCount;
+    mesh->vertexCount = block.firstVertex + block.vertexCount;
+    mesh->uvCount = block.firstUv + block.uvCount;
+    mesh->liveFaceCount += block.liveFaceCount;
+    mesh->lineCount += block.lineCount;
+    return 1;
+}
+
+// One of the three counts. Returns 0 when it is none or memory gives out.
+static int readCount(PoserReader* reader, const PoserBlock* block,
+                     int (*announce)(PoserReader*, const PoserBlock*, int32_t))
+{
+    int32_t count;
+    return scanInts(reader->source.rest, &count, 1) == 1 && announce(reader, block, count);
+}
+
+static int readGeometryLine(PoserReader* reader, PoserBlock* block)
+{
+    PoserSource* source = &reader->source;
+    if (wordIs(source, 'v'))
+        return readVertex(reader, block);
+    if (wordIs(source, 'f'))
+        return readElement(reader, block, false);
+    if (wordIs(source, "vt"))
+        return readUv(reader, block);
+    if (wordIs(source, 'l'))
+        return readElement(reader, block, true);
+    if (wordIs(source, '{'))
+        return SkipPoserBlock(source);
+    if (wordIs(source, 'g'))
+        chooseName(reader, &reader->groups, &reader->mesh->groupCount, &block->group);
+    else if (wordIs(source, "usemtl"))
+        chooseName(reader, &reader->materials, &reader->mesh->materialCount, &block->material);
+    else if (wordIs(source, "numbVerts"))
+        return readCount(reader, block, announceVertices);
+    else if (wordIs(source, "numbTVerts"))
+        return readCount(reader, block, announceUvs);
+    else if (wordIs(source, "numbElems"))
+        return readCount(reader, block, announceFaces);
+    return 1;
+}
+
+// A count of vertices below 1 makes the block one without geometry, whatever it had before.
+static bool announcesNothing(const PoserSource* source)
+{
+    int32_t count;
+    return wordIs(source, "numbVerts") && scanInts(source->rest, &count, 1) == 1 && count < 1;
+}
+
+static int readGeometry(PoserReader* reader)
+{
+    const Mesh* mesh = reader->mesh;
+    PoserBlock block = { mesh->vertexCount, mesh->uvCount, 0, 0, mesh->faceCount, 0, 0, 0, 0 };
+    if (!enterBlock(&reader->source))
+        return 0;
+    while (NextPoserToken(&reader->source))
+    {
+        if (wordIs(&reader->source, '}'))
+            return finishGeometry(reader->mesh, block);
+        if (announcesNothing(&reader->source))
+            return SkipPoserBlock(&reader->source);
+        if (!readGeometryLine(reader, &block))
+            return 0;
+    }
+    return 0;
+}
+
+// Numbers of which each is good or 0. Returns 0 when there are fewer than wanted.
+static int readGoodFloats(const char* text, float* values, int count)
+{
+    if (scanFloats(text, values, count) < count)
+        return 0;
+    for (int i = 0; i < count; ++i)
+        SanitizeFloat(&values[i]);
+    return 1;
+}
+
+// A colour and a fourth number that scales it.
+static int readColour(const char* text, float (&colour)[3], float* level)
+{
+    float values[4];
+    if (!readGoodFloats(text, values, 4))
+        return 0;
+    for (int i = 0; i < 3; ++i)
+        colour[i] = values[i] * values[3];
+    *level = 1;
+    return 1;
+}
+
+static int readMaterialLine(PoserSource* source, Mesh* mesh, int32_t index)
+{
+    Material* material = &mesh->materials[index];
+    float value;
+    if (wordIs(source, "KdColor"))
+    {
+        material->shadingMode = 1;
+        return readColour(source->rest, material->diffuse, &material->diffuseLevel);
+    }
+    if (wordIs(source, "KaColor"))
+        return readColour(source->rest, material->ambient, &material->ambientLevel);
+    if (wordIs(source, "KsColor"))
+    {
+        material->shininess = 10; // an NsExponent counts only after this line
+        return readColour(source->rest, material->specular, &material->specularLevel);
+    }
+    if (wordIs(source, "NsExponent"))
+    {
+        if (!readGoodFloats(source->rest, &value, 1))
+            return 0;
+        material->shininess = static_cast<int32_t>(value);
+    }
+    else if (wordIs(source, "tMax"))
+    {
+        if (!readGoodFloats(source->rest, &value, 1))
+            return 0;
+        material->transparency = value < 0.01f ? 0 : value > 1 ? 1 : value;
+    }
+    else if (wordIs(source, "textureMap"))
+        copyName(mesh->textureNames[index], PoserMapName(source->rest));
+    else if (wordIs(source, "transparencyMap"))
+        copyName(mesh->opacityNames[index], PoserMapName(source->rest));
+    else if (wordIs(source, '{'))
+        return SkipPoserBlock(source);
+    return 1;
+}
+
+// Materials are those that faces use; the file has others, which are passed over.
+static int readMaterial(PoserReader* reader)
+{
+    PoserSource* source = &reader->source;
+    int32_t index = PoserName(source->rest) > 0 ? findName(&reader->materials, source->rest) : -1;
+    if (index < 0)
+        return NextPoserToken(source) && wordIs(source, '{') && SkipPoserBlock(source);
+    if (!enterBlock(source))
+        return 0;
+    while (NextPoserToken(source))
+    {
+        if (wordIs(source, '}'))
+            return 1;
+        if (!readMaterialLine(source, reader->mesh, index))
+            return 0;
+    }
+    return 0;
+}
+
+static int readObject(PoserReader* reader)
+{
+    PoserSource* source = &reader->source;
+    if (PoserName(source->rest) > 0)
+        copyName(reader->mesh->name, source->rest);
+    if (!enterBlock(source))
+        return 0;
+    while (NextPoserToken(source))
+    {
+        int ok = 1;
+        if (wordIs(source, '}'))
+            return 1;
+        if (wordIs(source, "geomCustom"))
+            ok = readGeometry(reader);
+        else if (wordIs(source, "material"))
+            ok = readMaterial(reader);
+        else if (wordIs(source, '{'))
+            ok = SkipPoserBlock(source);
+        if (!ok)
+            return 0;
+    }
+    return 0;
+}
+
+static bool opensObject(const PoserSource* source)
+{
+    return wordIs(source, "actor") || wordIs(source, "prop") || wordIs(source, "figure") || wordIs(source, "hairProp");
+}
+
+// Reads the file's one outer block; what follows it is ignored.
+static int readObjects(PoserReader* reader)
+{
+    PoserSource* source = &reader->source;
+    if (source->lines.sizeBytes < 0 || !enterBlock(source))
+        return 0;
+    while (NextPoserToken(source))
+    {
+        int ok = 1;
+        if (wordIs(source, '}'))
+            return 1;
+        if (opensObject(source))
+            ok = readObject(reader);
+        else if (wordIs(source, '{'))
+            ok = SkipPoserBlock(source);
+        if (!ok)
+            return 0;
+    }
+    return 0;
+}
+
+// Faces of a block without texture coordinates point to the first one of the next block, which may not be there.
+static int finishUvs(Mesh* mesh)
+{
+    if (mesh->uvCount == 0)
+        return resetUvs(mesh);
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    {
+        for (uint32_t& uv : mesh->faceUvs[f])
+            uv = uv < static_cast<uint32_t>(mesh->uvCount) ? uv : 0;
+    }
+    return 1;
+}
+
+int LoadPoserFile(Mesh* mesh, const char* path)
+{
+    FILE* file = openFile(path, "rb");
+    if (!file)
+        return 0;
+    PoserReader reader;
+    startLines(&reader.source.lines, file);
+    reader.mesh = mesh;
+    startNames(&reader.groups, mesh->groupNames);
+    startNames(&reader.materials, mesh->materialNames);
+    reader.vertexRoom = reader.uvRoom = 0;
+    mesh->lineCount = mesh->liveFaceCount = mesh->faceCount = 0;
+
+    const char* failure = "Unable to read file";
+    int ok = readObjects(&reader);
+    fclose(file);
+    if (ok && mesh->vertexCount == 0)
+    {
+        failure = "No internal geometry";
+        ok = 0;
+    }
+    if (ok)
+    {
+        computeNormals(mesh);
+        computeBounds(mesh);
+        ok = finishUvs(mesh);
+    }
+    if (!ok)
+        messageBox(failure, "Error", iconNone);
+    return ok;
+}
+
+int openPoserFile(Mesh* mesh)
+{
+    return openByDialog(mesh, "Poser Files(*.pp2,*.hr2,*.cr2)", "*.pp2;*.hr2;*.cr2", LoadPoserFile);
+}

@@ -1,0 +1,36 @@
+// import/text/poser.h - Poser props, hair and figures: the geometry and the materials written inside the file
+#pragma once
+#include "import/common/lines.h"
+#include "model/mesh.h"
+
+constexpr size_t poserTextRoom = 2048; // of a word, and of the rest of its line, with the terminator
+
+struct PoserSource
+{
+    LineSource lines;
+    char* rest; // of the token's line; a blank separates it from the word; numberPadding bytes follow it
+    char word[poserTextRoom + numberPadding];
+};
+
+// Reads the geomCustom blocks of all props, hair props, actors and figures into one mesh, and the materials that their
+// faces use. Geometry in other files is not followed. No progress is shown.
+// Returns 1, or 0: silently for a file that does not open, else after "No internal geometry" or "Unable to read file".
+int LoadPoserFile(Mesh* mesh, const char* path);
+
+// Asks for the file first. 0 when the user cancels.
+int openPoserFile(Mesh* mesh);
+
+// Reads a word and the rest of its line; a brace is a token by itself, and what follows it is the next one. Comments
+// from // to the line's end are skipped. The texts stay until the next call. Returns 1, or 0 at the end of the file,
+// also when it comes before the line's end, and for a word or a rest of poserTextRoom bytes.
+int NextPoserToken(PoserSource* source);
+
+// After a '{': reads up to the '}' that belongs to it. Returns 1, or 0 at the end of the file.
+int SkipPoserBlock(PoserSource* source);
+
+// Cuts a name in place at its first tab, blank or ':' and to the room of a name. Returns its length.
+size_t PoserName(char* text);
+
+// The bare file name in a texture reference, a part of text, which is changed: what follows the last ':', '"' or '\',
+// without a closing quote. "NO_MAP" becomes empty.
+char* PoserMapName(char* text);
