@@ -1,7 +1,6 @@
 // bench/tools_bench.cpp - the mesh tools on meshes of ten thousand to a million faces, and on meshes made to be hard
 #include "model/memory.h"
 #include "model/normals.h"
-#include "model/settings.h"
 #include "tools/duplicates.h"
 #include "tools/edges.h"
 #include "tools/orientation.h"
@@ -181,11 +180,13 @@ static Mesh* twoTori(int64_t n) // one mesh of two pieces: faces along one cut a
     }                                                                                                                  \
     BENCHMARK(name)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond)
 
-static void weldNear(Mesh* mesh)
+static int weldEqual(Mesh* mesh)
 {
-    renderSettings.exactWeld = 0;
-    weldVertices(mesh);
-    renderSettings.exactWeld = 1;
+    return weldVertices(mesh, weldExact);
+}
+static int weldClose(Mesh* mesh)
+{
+    return weldVertices(mesh, weldNear);
 }
 
 static Mesh* flatMesh(int64_t n)
@@ -209,14 +210,14 @@ TOOL_BENCH(Quad, plainTorus, makeQuads, false);
 TOOL_BENCH(Tri, quadTorus, makeTriangles, false);
 TOOL_BENCH(DupFaces, plainTorus, removeDuplicateFaces, false);
 TOOL_BENCH(Split, twoTori, splitMesh, false);
-TOOL_BENCH(Weld, soup, weldVertices, true);
-TOOL_BENCH(WeldUnique, plainTorus, weldVertices, true);
-TOOL_BENCH(WeldNear, soup, weldNear, true);
-TOOL_BENCH(WeldFlatPlane, flatMesh, weldVertices, true);
-TOOL_BENCH(WeldPointLine, lineMesh, weldVertices, true);
-TOOL_BENCH(WeldOneSpot, spotMesh, weldVertices, true);
-TOOL_BENCH(WeldNearFlatPlane, flatMesh, weldNear, true);
-TOOL_BENCH(WeldNearPointLine, lineMesh, weldNear, true);
-TOOL_BENCH(WeldNearOneSpot, spotMesh, weldNear, true);
+TOOL_BENCH(Weld, soup, weldEqual, true);
+TOOL_BENCH(WeldUnique, plainTorus, weldEqual, true);
+TOOL_BENCH(WeldNear, soup, weldClose, true);
+TOOL_BENCH(WeldFlatPlane, flatMesh, weldEqual, true);
+TOOL_BENCH(WeldPointLine, lineMesh, weldEqual, true);
+TOOL_BENCH(WeldOneSpot, spotMesh, weldEqual, true);
+TOOL_BENCH(WeldNearFlatPlane, flatMesh, weldClose, true);
+TOOL_BENCH(WeldNearPointLine, lineMesh, weldClose, true);
+TOOL_BENCH(WeldNearOneSpot, spotMesh, weldClose, true);
 TOOL_BENCH(EdgesOneSum, oneSum, edgeTableOnly, false);
 TOOL_BENCH(DupFacesOneSum, oneSum, removeDuplicateFaces, false);

@@ -7,6 +7,7 @@
 #include "export/output_file.h"
 #include "export/prop.h"
 #include "import/rkf.h"
+#include "model/ascii.h"
 #include "platform/file_names.h"
 #include "shell/scene.h"
 
@@ -68,7 +69,7 @@ static const Writer* writerFor(const std::string& path)
 {
     std::string extension = path.size() > 4 ? path.substr(path.size() - 4) : "";
     for (char& c : extension)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        c = asciiLower(c);
     for (const Writer& writer : writers)
     {
         if (extension == writer.extension)

@@ -3,6 +3,7 @@
 
 #include "import/dispatch.h"
 #include "import/rkf.h"
+#include "model/ascii.h"
 #include "model/builtin.h"
 #include "model/settings.h"
 #include "platform/terminal/terminal.h"
@@ -22,10 +23,7 @@ static bool isRkf(const std::string& path)
     if (path.size() < 5)
         return false;
     for (size_t i = 0; i < 4; ++i)
-    {
-        char c = path[path.size() - 4 + i];
-        extension[i] = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
+        extension[i] = asciiLower(path[path.size() - 4 + i]);
     return strcmp(extension, ".rkf") == 0;
 }
 
@@ -43,8 +41,8 @@ static int runTool(Mesh* mesh, Tool tool)
     {
     case Tool::fixNormals: return fixNormals(mesh);
     case Tool::dupFaces: return removeDuplicateFaces(mesh);
-    case Tool::weld:
-    case Tool::weldNear: renderSettings.exactWeld = tool == Tool::weld; return weldVertices(mesh);
+    case Tool::weld: return weldVertices(mesh, weldExact);
+    case Tool::weldNear: return weldVertices(mesh, weldNear);
     case Tool::tri: return makeTriangles(mesh);
     case Tool::quad: return makeQuads(mesh);
     case Tool::split: return splitMesh(mesh);

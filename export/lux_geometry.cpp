@@ -7,21 +7,13 @@
 #include "model/memory.h"
 #include "platform/pages.h"
 
-static int usedCorners(const Corners& corners)
-{
-    int count = 0;
-    while (count < 4 && corners[static_cast<size_t>(count)] != noCorner)
-        ++count;
-    return count;
-}
-
 // The material slot that a face is written with; the flags do not matter. -1: past the mesh's materials, or a deleted
 // face that has corners which are no vertices.
 static int32_t slotOf(const LuxScene* scene, int32_t f)
 {
     const Mesh* mesh = scene->mesh;
     int32_t slot = static_cast<int32_t>(faceMaterial(mesh->faceAttributes[f]));
-    bool whole = cornersAreVertices(mesh, mesh->faces[f], static_cast<size_t>(usedCorners(mesh->faces[f])));
+    bool whole = cornersAreVertices(mesh, mesh->faces[f], usedCorners(mesh->faces[f]));
     return whole && slot < scene->materials ? slot : -1;
 }
 
@@ -45,7 +37,7 @@ static int64_t countSlotCorners(const LuxScene* scene, int32_t slot)
 {
     int64_t corners = 0;
     for (int32_t i = scene->slotEnds[slot]; i < scene->slotEnds[slot + 1]; ++i)
-        corners += usedCorners(scene->mesh->faces[scene->slotFaces[i]]);
+        corners += static_cast<int64_t>(usedCorners(scene->mesh->faces[scene->slotFaces[i]]));
     return corners;
 }
 
@@ -142,9 +134,9 @@ static void numberVertices(LuxScene* scene, int32_t slot, SlotShape* shape)
     for (int32_t i = scene->slotEnds[slot]; i < scene->slotEnds[slot + 1]; ++i)
     {
         int32_t f = scene->slotFaces[i];
-        int corners = usedCorners(mesh->faces[f]);
-        shape->triangles += corners > 2 ? corners - 2 : 0;
-        for (size_t k = 0; k < static_cast<size_t>(corners); ++k)
+        size_t corners = usedCorners(mesh->faces[f]);
+        shape->triangles += corners > 2 ? static_cast<int32_t>(corners) - 2 : 0;
+        for (size_t k = 0; k < corners; ++k)
         {
             int32_t* index = &scene->newIndex[mesh->faces[f][k]];
             if (*index < 0)
@@ -188,8 +180,8 @@ static void writeTriangles(TextWriter* writer, LuxScene* scene, int32_t slot, Sl
     for (int32_t i = scene->slotEnds[slot]; i < scene->slotEnds[slot + 1]; ++i)
     {
         int32_t f = scene->slotFaces[i], index[4];
-        int corners = usedCorners(scene->mesh->faces[f]);
-        for (size_t k = 0; k < static_cast<size_t>(corners); ++k)
+        size_t corners = usedCorners(scene->mesh->faces[f]);
+        for (size_t k = 0; k < corners; ++k)
             index[k] = indexOfCorner(scene, cornerOf(scene->mesh, f, k), shape);
         if (corners > 2)
             writeTriangle(writer, index[0], index[1], index[2]);

@@ -63,11 +63,8 @@ static void runTool(Mesh* mesh, uint32_t tool)
     {
     case 0: fixNormals(mesh); break;
     case 1: removeDuplicateFaces(mesh); break;
-    case 2:
-    case 3:
-        renderSettings.exactWeld = tool == 2;
-        weldVertices(mesh);
-        break;
+    case 2: weldVertices(mesh, weldExact); break;
+    case 3: weldVertices(mesh, weldNear); break;
     case 4: makeTriangles(mesh); break;
     case 5: makeQuads(mesh); break;
     case 6: splitMesh(mesh); break;

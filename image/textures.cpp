@@ -2,6 +2,7 @@
 #include "image/textures.h"
 
 #include "image/jpeg.h"
+#include "model/ascii.h"
 #include "model/settings.h"
 #include "platform/boxes.h"
 #include "platform/dialogs.h"
@@ -58,8 +59,7 @@ int loadTextureFile(const char* path, Image* image, int* opened)
 static void lowerCase(char* text)
 {
     for (; *text; ++text)
-        if (*text >= 'A' && *text <= 'Z')
-            *text = static_cast<char>(*text + ('a' - 'A'));
+        *text = asciiLower(*text);
 }
 
 int loadUserTexture(Image* image, char* title)

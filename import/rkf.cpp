@@ -196,7 +196,7 @@ static int writeRecords(FILE* file, const void* records, int32_t count, size_t r
 
 static bool isWritten(const Mesh* mesh, int32_t f)
 {
-    return !(mesh->faceAttributes[f] & (faceDeleted | faceLine));
+    return isSurface(mesh->faceAttributes[f]);
 }
 
 // Returns how many faces there are to write, or -1 when a first corner leaves no room for the material.

@@ -162,12 +162,6 @@ void crossProduct(const float* a, const float* b, float* out)
     out[2] = a[0] * b[1] - a[1] * b[0];
 }
 
-float squaredDistance(const float* a, const float* b)
-{
-    float dx = a[0] - b[0], dy = a[1] - b[1], dz = a[2] - b[2];
-    return (dx * dx + dy * dy) + dz * dz;
-}
-
 float normalise(float* v)
 {
     float length = sqrtf(dotProduct(v, v));

@@ -52,11 +52,16 @@ inline void transformDirection(float* out, const Matrix* matrix, const float* di
 }
 
 void crossProduct(const float* a, const float* b, float* out); // out is neither of them
-float squaredDistance(const float* a, const float* b);
 
 inline float dotProduct(const float* a, const float* b)
 {
     return (a[0] * b[0] + a[1] * b[1]) + a[2] * b[2];
+}
+
+inline float squaredDistance(const float* a, const float* b)
+{
+    float difference[3] = { a[0] - b[0], a[1] - b[1], a[2] - b[2] };
+    return dotProduct(difference, difference);
 }
 
 // Divides by the length and returns it. A length that is 0 or no number leaves the vector as it is and returns 0.

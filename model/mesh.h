@@ -131,12 +131,27 @@ inline uint32_t faceGroup(uint32_t attributes)
     return (attributes & faceGroupMask) >> faceGroupShift;
 }
 
+// Whether a slot holds a face of the surface: it is neither deleted nor a record of a polyline.
+inline bool isSurface(uint32_t attributes)
+{
+    return (attributes & (faceDeleted | faceLine)) == 0;
+}
+
 // 2 for a line segment, 3 for a triangle, 4 for a quad.
 inline int cornerCount(const Corners& corners)
 {
     if (corners[2] == noCorner)
         return 2;
     return corners[3] == noCorner ? 3 : 4;
+}
+
+// How many corners stand before the first absent one, 0 to 4. A deleted slot may have fewer than two.
+inline size_t usedCorners(const Corners& corners)
+{
+    size_t count = 0;
+    while (count < 4 && corners[count] != noCorner)
+        ++count;
+    return count;
 }
 
 // Whether the first count corners are vertices of the mesh. Files and tools see to that for faces in use; a deleted

@@ -151,7 +151,7 @@ static void runTool(int id)
     case ID_INVERT: invertMesh(mesh); break;
     case ID_FIX_NORMALS: fixNormals(mesh); break;
     case ID_WELD:
-        weldVertices(mesh);
+        weldVertices(mesh, renderSettings.exactWeld ? weldExact : weldNear);
         fitModelList(&modelList);
         break;
     case ID_DUP_FACES: removeDuplicateFaces(mesh); break;

@@ -21,7 +21,6 @@
 #include <algorithm>
 
 constexpr int chainLength = 8; // faces of one sum that are chained
-constexpr uint32_t notSurface = faceDeleted | faceLine;
 
 // The two words of a collapsed face, or one twice, and its sum.
 struct Collapsed
@@ -164,7 +163,7 @@ static int findAllCollapsed(FaceStore* store, const Mesh* mesh)
 {
     uint64_t count = 0;
     for (int32_t f = 0; f < mesh->faceCount; ++f)
-        count += !(mesh->faceAttributes[f] & notSurface) && isCollapsed(mesh->faces[f]);
+        count += isSurface(mesh->faceAttributes[f]) && isCollapsed(mesh->faces[f]);
     if (count == 0)
         return 1;
     store->collapsedMask = tableMask(2 * count);
@@ -175,7 +174,7 @@ static int findAllCollapsed(FaceStore* store, const Mesh* mesh)
     for (int32_t f = 0; f < mesh->faceCount; ++f)
     {
         const Corners& corners = mesh->faces[f];
-        if (mesh->faceAttributes[f] & notSurface || !isCollapsed(corners))
+        if (!isSurface(mesh->faceAttributes[f]) || !isCollapsed(corners))
             continue;
         Corners words = sorted(corners);
         *findCollapsed(*store, sumOf(corners), words[0], words[3]) = { sumOf(corners), words[0], words[3],
@@ -218,7 +217,7 @@ int removeDuplicateFaces(Mesh* mesh)
     int32_t removed = 0;
     for (uint32_t f = 0; f < static_cast<uint32_t>(mesh->faceCount); ++f)
     {
-        if (mesh->faceAttributes[f] & notSurface || !repeatsEarlier(store, mesh, f))
+        if (!isSurface(mesh->faceAttributes[f]) || !repeatsEarlier(store, mesh, f))
             continue;
         mesh->faceAttributes[f] |= faceDeleted;
         --mesh->liveFaceCount;

@@ -134,7 +134,7 @@ static int insertFaces(const Mesh* mesh, EdgeTable* table)
     {
         const Corners& corners = mesh->faces[f];
         size_t count = corners[3] == noCorner ? 3 : 4;
-        if (mesh->faceAttributes[f] & (faceDeleted | faceLine) || !cornersAreVertices(mesh, corners, count))
+        if (!isSurface(mesh->faceAttributes[f]) || !cornersAreVertices(mesh, corners, count))
             continue;
         for (size_t k = 0; k < count; ++k)
         {

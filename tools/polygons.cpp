@@ -1,35 +1,32 @@
 // tools/polygons.cpp - merging triangles into quads, cutting quads into triangles
 #include "tools/polygons.h"
 
+#include "model/matrix.h"
 #include "model/memory.h"
 #include "model/normals.h"
 #include "platform/boxes.h"
 #include "tools/edges.h"
 
-constexpr uint32_t notSurface = faceDeleted | faceLine;
 constexpr uint32_t materialAndGroup = faceMaterialMask | faceGroupMask;
 constexpr int32_t spareFaces = 1024;
 
-static float squaredDistance(const Mesh* mesh, uint32_t a, uint32_t b)
+static float squaredLength(const Mesh* mesh, uint32_t a, uint32_t b)
 {
-    const float* p = mesh->vertices[a].position;
-    const float* q = mesh->vertices[b].position;
-    float dx = p[0] - q[0], dy = p[1] - q[1], dz = p[2] - q[2];
-    return (dx * dx + dy * dy) + dz * dz;
+    return squaredDistance(mesh->vertices[a].position, mesh->vertices[b].position);
 }
 
 static bool isTriangle(const Mesh* mesh, uint32_t face)
 {
     const Corners& corners = mesh->faces[face];
-    return !(mesh->faceAttributes[face] & notSurface) && corners[3] == noCorner && cornersAreVertices(mesh, corners, 3);
+    return isSurface(mesh->faceAttributes[face]) && corners[3] == noCorner && cornersAreVertices(mesh, corners, 3);
 }
 
 // The corner at which the longest edge starts; of equal ones the first edge, then the second.
 static size_t longestEdge(const Mesh* mesh, const Corners& corners)
 {
-    float d01 = squaredDistance(mesh, corners[0], corners[1]);
-    float d12 = squaredDistance(mesh, corners[1], corners[2]);
-    float d20 = squaredDistance(mesh, corners[2], corners[0]);
+    float d01 = squaredLength(mesh, corners[0], corners[1]);
+    float d12 = squaredLength(mesh, corners[1], corners[2]);
+    float d20 = squaredLength(mesh, corners[2], corners[0]);
     if (d01 >= d12 && d01 >= d20)
         return 0;
     return d01 < d12 && d12 >= d20 ? 1 : 2;
@@ -150,14 +147,13 @@ static void appendTriangle(FaceArrays* arrays, const Mesh* mesh, int32_t quad, s
 
 static bool isQuad(const Mesh* mesh, int32_t face)
 {
-    return mesh->faces[face][3] != noCorner && !(mesh->faceAttributes[face] & notSurface);
+    return mesh->faces[face][3] != noCorner && isSurface(mesh->faceAttributes[face]);
 }
 
 static void cutQuad(FaceArrays* arrays, const Mesh* mesh, int32_t quad)
 {
     const Corners& c = mesh->faces[quad];
-    bool second =
-        cornersAreVertices(mesh, c, 4) && squaredDistance(mesh, c[0], c[2]) > squaredDistance(mesh, c[1], c[3]);
+    bool second = cornersAreVertices(mesh, c, 4) && squaredLength(mesh, c[0], c[2]) > squaredLength(mesh, c[1], c[3]);
     appendTriangle(arrays, mesh, quad, second ? 3 : 0);
     appendTriangle(arrays, mesh, quad, second ? 1 : 2);
 }

@@ -9,7 +9,6 @@
 
 constexpr uint32_t lastPiece = 127; // shared by all pieces that come after those of 0..126
 constexpr uint32_t noPiece = 0;     // pieces are kept as piece + 1
-constexpr uint32_t notSurface = faceDeleted | faceLine;
 
 using FacesOfVertex = std::array<uint32_t, 8>; // face + 1, free ones 0 and last
 
@@ -55,12 +54,10 @@ static int makePieces(Pieces* pieces, const Mesh* mesh)
 // The corners by which a face is connected: none for a face that is no surface.
 static size_t connectingCorners(const Mesh* mesh, uint32_t face)
 {
-    if (mesh->faceAttributes[face] & notSurface)
+    if (!isSurface(mesh->faceAttributes[face]))
         return 0;
     const Corners& corners = mesh->faces[face];
-    size_t count = 0;
-    while (count < 4 && corners[count] != noCorner)
-        ++count;
+    size_t count = usedCorners(corners);
     return cornersAreVertices(mesh, corners, count) ? count : 0;
 }
 
@@ -82,7 +79,7 @@ static void enterFaces(Pieces* pieces, const Mesh* mesh)
     for (uint32_t f = 0; f < static_cast<uint32_t>(mesh->faceCount); ++f)
     {
         uint32_t attributes = mesh->faceAttributes[f];
-        if (!(attributes & notSurface))
+        if (isSurface(attributes))
             enterFace(pieces, mesh->faces[f], connectingCorners(mesh, f), f);
         else if (!(attributes & faceDeleted))
             pieces->hasLines = true;
@@ -164,7 +161,7 @@ int splitMesh(Mesh* mesh)
     enterFaces(&pieces, mesh);
     for (uint32_t f = 0; f < static_cast<uint32_t>(mesh->faceCount); ++f)
     {
-        if (!(mesh->faceAttributes[f] & notSurface) && pieces.facePiece[f] == noPiece)
+        if (isSurface(mesh->faceAttributes[f]) && pieces.facePiece[f] == noPiece)
             spreadPiece(&pieces, mesh, f);
     }
     bool several = pieces.nextPiece >= 2;

@@ -17,11 +17,6 @@ struct EdgeLists
     uint32_t* uses;  // per vertex: how often it is an upper end in the list being counted
 };
 
-static bool isSurface(uint32_t attributes)
-{
-    return (attributes & (faceDeleted | faceLine)) == 0;
-}
-
 static bool repeatsCorner(const Corners& corners, size_t count)
 {
     for (size_t k = 1; k < count; ++k)

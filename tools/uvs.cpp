@@ -1,6 +1,7 @@
 // tools/uvs.cpp - the placeholder texture coordinate, and coordinates from the shape
 #include "tools/uvs.h"
 
+#include "model/matrix.h"
 #include "model/memory.h"
 
 #include <math.h>
@@ -32,11 +33,6 @@ constexpr float textureRight[3] = { 0.5f, 0, -0.8660254f };
 constexpr float textureUp[3] = { -0.3522442f, 0.9135455f, -0.2033683f };
 constexpr float spreadRadius = 0.1f; // of the sphere that is unrolled evenly, in largest extents of the model
 
-static float dot(const float* a, const float* b)
-{
-    return (a[0] * b[0] + a[1] * b[1]) + a[2] * b[2];
-}
-
 // acos(c) / sqrt(1 - c c) - 1 for c = 0..1: how much longer the arc to the pole is than its projection. A cubic with
 // the right values and slopes at both ends, so that every machine computes the same.
 static float arcExcess(float c)
@@ -55,10 +51,10 @@ static Uv projectVertex(const MeshVertex& vertex, const float* centre, float sca
     float away[3];
     for (int axis = 0; axis < 3; ++axis)
         away[axis] = (vertex.position[axis] - centre[axis]) * scale;
-    float facing = fabsf(dot(vertex.normal, viewAxis));
+    float facing = fabsf(dotProduct(vertex.normal, viewAxis));
     float spread = spreadRadius * arcExcess(facing < 1.0f ? facing : 1.0f);
-    float u = (dot(away, textureRight) + spread * dot(vertex.normal, textureRight)) + 0.5f;
-    float v = (dot(away, textureUp) + spread * dot(vertex.normal, textureUp)) + 0.5f;
+    float u = (dotProduct(away, textureRight) + spread * dotProduct(vertex.normal, textureRight)) + 0.5f;
+    float v = (dotProduct(away, textureUp) + spread * dotProduct(vertex.normal, textureUp)) + 0.5f;
     return { finiteOrMiddle(u), finiteOrMiddle(v) };
 }
 

@@ -9,7 +9,6 @@
 
 #include "model/memory.h"
 #include "model/normals.h"
-#include "model/settings.h"
 #include "platform/boxes.h"
 #include "tools/hash.h"
 #include "tools/positions.h"
@@ -57,14 +56,6 @@ static int makeVertexStore(VertexStore* store, const Mesh* mesh, bool equalOnly)
         return 0;
     *store = { mesh->vertices, 0, block + homeCount, block, mask, equalOnly ? nullptr : block + homeCount + count };
     return 1;
-}
-
-static size_t usedCorners(const Corners& corners)
-{
-    size_t count = 0;
-    while (count < 4 && corners[count] != noCorner)
-        ++count;
-    return count;
 }
 
 // Marks every vertex of a face that is not deleted.
@@ -367,10 +358,10 @@ static bool keysDiffer(const Mesh* mesh)
     return differ;
 }
 
-int weldVertices(Mesh* mesh)
+int weldVertices(Mesh* mesh, WeldMode mode)
 {
     VertexStore store;
-    if (mesh->vertexCount == 0 || !makeVertexStore(&store, mesh, renderSettings.exactWeld != 0))
+    if (mesh->vertexCount == 0 || !makeVertexStore(&store, mesh, mode == weldExact))
         return 0;
     if (!keysDiffer(mesh))
     {
@@ -378,7 +369,7 @@ int weldVertices(Mesh* mesh)
         return 0;
     }
     markUsedVertices(mesh, store.target);
-    if (renderSettings.exactWeld)
+    if (mode == weldExact)
         mergeAllEqual(mesh, &store);
     else
         mergeAllNear(mesh, &store);

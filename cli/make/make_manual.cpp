@@ -4,6 +4,7 @@
 //
 // kbx.1 is the page; kbx.bash, _kbx (zsh) and kbx.fish complete commands, options and the words that an option takes.
 #include "cli/usage.h"
+#include "model/ascii.h"
 
 #include <stdio.h>
 #include <fstream>
@@ -137,7 +138,7 @@ static void printSynopsis(std::ostream* out, const CLI::App* command)
 static std::string capitals(std::string text)
 {
     for (char& c : text)
-        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+        c = asciiUpper(c);
     return text;
 }
 

@@ -1,20 +1,17 @@
 // import/common/numbers.cpp - the numbers of scanf, byte by byte
 #include "import/common/numbers.h"
 
+#include "model/ascii.h"
+
 #include <math.h>
 #include <stdlib.h>
-
-static char lowerCase(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 // The end of a word in any letter case, or null when the text differs.
 static const char* skipWord(const char* at, const char* word)
 {
     for (; *word; ++word, ++at)
     {
-        if (lowerCase(*at) != *word)
+        if (asciiLower(*at) != *word)
             return nullptr;
     }
     return at;
@@ -22,7 +19,7 @@ static const char* skipWord(const char* at, const char* word)
 
 static bool isHexDigit(char c)
 {
-    return isDigit(c) || (lowerCase(c) >= 'a' && lowerCase(c) <= 'f');
+    return isDigit(c) || (asciiLower(c) >= 'a' && asciiLower(c) <= 'f');
 }
 
 // What scanf collects for a number after its sign and "0x": digits, one '.', and after a digit one exponent letter,
@@ -35,9 +32,9 @@ static const char* skipFloatText(const char* p, IsDigit isDigitHere, char expone
     {
         if (isDigit(*p) || (!exponentSeen && isDigitHere(*p)))
             digitSeen = true;
-        else if (exponentSeen && lowerCase(p[-1]) == exponentLetter && (*p == '+' || *p == '-'))
+        else if (exponentSeen && asciiLower(p[-1]) == exponentLetter && (*p == '+' || *p == '-'))
             continue;
-        else if (digitSeen && !exponentSeen && lowerCase(*p) == exponentLetter)
+        else if (digitSeen && !exponentSeen && asciiLower(*p) == exponentLetter)
             exponentSeen = dotSeen = true;
         else if (*p == '.' && !dotSeen)
             dotSeen = true;
@@ -50,7 +47,7 @@ static const char* scanNamedFloat(const char* p, bool negative, float* value)
 {
     float found = INFINITY;
     const char* end = skipWord(p, "inf");
-    if (end && lowerCase(*end) == 'i')
+    if (end && asciiLower(*end) == 'i')
         end = skipWord(end, "inity");
     if (!end)
     {
@@ -126,9 +123,9 @@ const char* scanFloat(const char* at, float* value)
     const char* p = at;
     bool negative = *p == '-';
     p += *p == '-' || *p == '+';
-    if (lowerCase(*p) == 'i' || lowerCase(*p) == 'n')
+    if (asciiLower(*p) == 'i' || asciiLower(*p) == 'n')
         return scanNamedFloat(p, negative, value);
-    if (*p == '0' && lowerCase(p[1]) == 'x')
+    if (*p == '0' && asciiLower(p[1]) == 'x')
         return scanHexFloat(at, p + 2, value);
     const char* end = skipFloatText(p, isDigit, 'e', false);
     if (!isDigit(p[*p == '.'])) // nothing, or a lone '.'

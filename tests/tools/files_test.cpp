@@ -1,6 +1,5 @@
 // tests/tools/files_test.cpp - every tool on every model under KESTRELBOX_MODELS
 #include "import/dispatch.h"
-#include "model/settings.h"
 #include "tests/tools/random.h"
 #include "tools/duplicates.h"
 #include "tools/filter.h"
@@ -61,15 +60,8 @@ struct NamedTool
 static const std::vector<NamedTool> tools = {
     { "fix-normals", fixNormals },
     { "dup-faces", removeDuplicateFaces },
-    { "weld", weldVertices },
-    { "weld-near",
-      [](Mesh* mesh)
-      {
-          renderSettings.exactWeld = 0;
-          int ok = weldVertices(mesh);
-          renderSettings.exactWeld = 1;
-          return ok;
-      } },
+    { "weld", [](Mesh* mesh) { return weldVertices(mesh, weldExact); } },
+    { "weld-near", [](Mesh* mesh) { return weldVertices(mesh, weldNear); } },
     { "quad", makeQuads },
     { "tri", makeTriangles },
     { "split", splitMesh },

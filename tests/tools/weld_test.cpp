@@ -1,26 +1,13 @@
+// tests/tools/weld_test.cpp - Weld: which vertices merge, what becomes of corners, and what is reported
 #include "tools/weld.h"
 
-#include "model/settings.h"
 #include "tests/tools/random.h"
 
 #include <math.h>
 #include <algorithm>
 #include <numeric>
 
-class WeldTest : public ToolTest
-{
-protected:
-    void SetUp() override
-    {
-        ToolTest::SetUp();
-        renderSettings = startSettings;
-    }
-    void TearDown() override
-    {
-        renderSettings = startSettings;
-        ToolTest::TearDown();
-    }
-};
+using Weld = ToolTest;
 
 // Two triangles side by side that share two positions but no vertex.
 static const std::vector<Point> apart = {
@@ -28,12 +15,12 @@ static const std::vector<Point> apart = {
 };
 static const std::vector<Corners> pair = { { 0, 1, 2, none }, { 3, 4, 5, none } };
 
-TEST_F(WeldTest, EqualPositionsBecomeTheFirstVertex)
+TEST_F(Weld, EqualPositionsBecomeTheFirstVertex)
 {
     MeshPointer mesh = buildMesh(apart, pair);
     for (uint32_t i = 0; i < 6; ++i)
         mesh->vertices[i].colour = i;
-    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(weldVertices(mesh.get(), weldExact), 1);
     EXPECT_EQ(mesh->vertexCount, 4);
     EXPECT_EQ(mesh->faces[0], (Corners{ 0, 1, 2, none }));
     EXPECT_EQ(mesh->faces[1], (Corners{ 1, 3, 2, none }));
@@ -45,33 +32,31 @@ TEST_F(WeldTest, EqualPositionsBecomeTheFirstVertex)
     EXPECT_TRUE(recorded.boxes.empty());
 }
 
-TEST_F(WeldTest, NearPositionsMergeOnlyWithExactWeldOff)
+TEST_F(Weld, NearPositionsMergeOnlyWithExactWeldOff)
 {
     std::vector<Point> points = apart;
     points[3].x = 1.000001f;
     points[5] = { 0.000001f, 1, 0 };
     MeshPointer mesh = buildMesh(points, pair);
-    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(weldVertices(mesh.get(), weldExact), 1);
     EXPECT_EQ(mesh->vertexCount, 6);
     EXPECT_EQ(recorded.notices, (Texts{ "  No duplicated vertices" }));
 }
 
-TEST_F(WeldTest, NearPositionsMergeIntoTheFirst)
+TEST_F(Weld, NearPositionsMergeIntoTheFirst)
 {
-    renderSettings.exactWeld = 0;
     std::vector<Point> points = apart;
     points[0] = { 0.000001f, 0, 0 };
     points[3] = { 0, 0, 0 };
     MeshPointer mesh = buildMesh(points, pair);
-    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(weldVertices(mesh.get(), weldNear), 1);
     EXPECT_EQ(mesh->faces[1], (Corners{ 0, 3, 2, none }));
     EXPECT_EQ(mesh->vertices[0].position[0], 0.000001f);
     EXPECT_EQ(recorded.notices, (Texts{ "Removed 2 vertices" }));
 }
 
-TEST_F(WeldTest, ToleranceIsMeasuredOnEveryAxis)
+TEST_F(Weld, ToleranceIsMeasuredOnEveryAxis)
 {
-    renderSettings.exactWeld = 0;
     for (int axis = 0; axis < 3; ++axis)
     {
         for (float off : { 0.000009f, -0.000009f, 0.000011f, -0.000011f })
@@ -80,57 +65,56 @@ TEST_F(WeldTest, ToleranceIsMeasuredOnEveryAxis)
             (axis == 0 ? moved.x : axis == 1 ? moved.y : moved.z) = off;
             MeshPointer mesh =
                 buildMesh({ { 0, 0, 0 }, { 500, 0, 0 }, { 0, 1, 0 }, moved, { 500, 0, 0 }, { 0, 1, 0 } }, pair);
-            ASSERT_EQ(weldVertices(mesh.get()), 1);
+            ASSERT_EQ(weldVertices(mesh.get(), weldNear), 1);
             EXPECT_EQ(mesh->vertexCount, fabsf(off) < 0.00001f ? 3 : 4) << axis << ' ' << off;
         }
     }
 }
 
 // |x - y + z| runs from 0 to 5 in five steps of 1; two near vertices on either side of a step's end stay apart.
-TEST_F(WeldTest, NearPositionsInDifferentStepsStayApart)
+TEST_F(Weld, NearPositionsInDifferentStepsStayApart)
 {
-    renderSettings.exactWeld = 0;
     std::vector<Point> points = { { 0, 0, 0 },         { 5, 0, 0 },         { 0, 3, 0 },
                                   { 0.999999f, 0, 0 }, { 1.000001f, 0, 0 }, { 1.000002f, 0, 0 } };
     MeshPointer mesh = buildMesh(points, pair);
-    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(weldVertices(mesh.get(), weldNear), 1);
     EXPECT_EQ(mesh->vertexCount, 5);
     EXPECT_EQ(mesh->faces[1], (Corners{ 3, 4, 4, none }));
 }
 
-TEST_F(WeldTest, NegativeZeroEqualsZero)
+TEST_F(Weld, NegativeZeroEqualsZero)
 {
     std::vector<Point> points = apart;
     points[3].z = -0.0f;
     points[5] = { -0.0f, 1, -0.0f };
     MeshPointer mesh = buildMesh(points, pair);
-    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(weldVertices(mesh.get(), weldExact), 1);
     EXPECT_EQ(mesh->vertexCount, 4);
 }
 
-TEST_F(WeldTest, VerticesThatNoFaceUsesAreRemovedAndCounted)
+TEST_F(Weld, VerticesThatNoFaceUsesAreRemovedAndCounted)
 {
     MeshPointer mesh =
         buildMesh({ { 9, 9, 1 }, { 0, 0, 0 }, { 1, 0, 0 }, { 0, 1, 0 }, { 7, 7, 7 } }, { { 1, 2, 3, none } });
-    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(weldVertices(mesh.get(), weldExact), 1);
     EXPECT_EQ(mesh->vertexCount, 3);
     EXPECT_EQ(mesh->faces[0], (Corners{ 0, 1, 2, none }));
     EXPECT_EQ(mesh->boundsMax[0], 1); // bounds follow
     EXPECT_EQ(recorded.notices, (Texts{ "Removed 2 vertices" }));
 }
 
-TEST_F(WeldTest, AnUnusedVertexIsNoTarget)
+TEST_F(Weld, AnUnusedVertexIsNoTarget)
 {
     std::vector<Point> points = apart;
     points.insert(points.begin(), Point{ 1, 0, 0 });
     MeshPointer mesh = buildMesh(points, { { 1, 2, 3, none }, { 4, 5, 6, none } });
-    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(weldVertices(mesh.get(), weldExact), 1);
     EXPECT_EQ(mesh->vertexCount, 4);
     EXPECT_EQ(mesh->faces[0], (Corners{ 0, 1, 2, none }));
     EXPECT_EQ(mesh->faces[1], (Corners{ 1, 3, 2, none }));
 }
 
-TEST_F(WeldTest, DeletedSlotsAreRenumberedOrEmptied)
+TEST_F(Weld, DeletedSlotsAreRenumberedOrEmptied)
 {
     std::vector<Point> points = apart;
     points.push_back({ 8, 8, 8 });
@@ -138,24 +122,24 @@ TEST_F(WeldTest, DeletedSlotsAreRenumberedOrEmptied)
         points, { { 0, 1, 2, none }, { 3, 4, 5, none }, { 5, 4, 3, none }, { 0, 6, 1, 2 }, { 0, 900, 1, none } });
     for (uint32_t f = 2; f < 5; ++f)
         mesh->faceAttributes[f] = faceDeleted;
-    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(weldVertices(mesh.get(), weldExact), 1);
     EXPECT_EQ(mesh->faces[2], (Corners{ 2, 3, 1, none }));
     EXPECT_EQ(mesh->faces[3], (Corners{ 0, 0, 0, none })); // used a vertex that is no more
     EXPECT_EQ(mesh->faces[4], (Corners{ 0, 0, 0, none })); // used one that never was
     EXPECT_EQ(recorded.notices, (Texts{ "Removed 3 vertices" }));
 }
 
-TEST_F(WeldTest, LinesKeepTheirVertices)
+TEST_F(Weld, LinesKeepTheirVertices)
 {
     MeshPointer mesh = buildMesh({ { 0, 0, 0 }, { 1, 0, 0 }, { 1, 0, 0 }, { 5, 5, 5 } },
                                  { { 0, 1, none, none }, { 2, 3, none, none } });
     mesh->faceAttributes[0] = mesh->faceAttributes[1] = faceLine;
-    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(weldVertices(mesh.get(), weldExact), 1);
     EXPECT_EQ(mesh->faces[1], (Corners{ 1, 2, none, none }));
     EXPECT_EQ(recorded.notices, (Texts{ "Removed 1 vertices" }));
 }
 
-TEST_F(WeldTest, VerticesOfOneKeyAreLeftWithoutAWord)
+TEST_F(Weld, VerticesOfOneKeyAreLeftWithoutAWord)
 {
     MeshPointer one = buildMesh({ { 1, 2, 3 } }, {});
     MeshPointer plane =
@@ -165,7 +149,7 @@ TEST_F(WeldTest, VerticesOfOneKeyAreLeftWithoutAWord)
     for (Mesh* mesh : { one.get(), plane.get(), empty.get() })
     {
         MeshState before = stateOf(mesh);
-        EXPECT_EQ(weldVertices(mesh), 0);
+        EXPECT_EQ(weldVertices(mesh, weldExact), 0);
         expectEqualStates(stateOf(mesh), before, 0);
     }
     EXPECT_TRUE(recorded.notices.empty());
@@ -173,41 +157,40 @@ TEST_F(WeldTest, VerticesOfOneKeyAreLeftWithoutAWord)
     EXPECT_EQ(recorded.liveBlocks, blocks);
 }
 
-TEST_F(WeldTest, AMeshOfUnusedVerticesComesOutEmpty)
+TEST_F(Weld, AMeshOfUnusedVerticesComesOutEmpty)
 {
     MeshPointer mesh = buildMesh({ { 0, 0, 0 }, { 1, 0, 0 } }, { { 0, 1, 1, none } });
     mesh->faceAttributes[0] = faceDeleted;
     float before = mesh->boundsMax[0];
-    EXPECT_EQ(weldVertices(mesh.get()), 1);
+    EXPECT_EQ(weldVertices(mesh.get(), weldExact), 1);
     EXPECT_EQ(mesh->vertexCount, 0);
     EXPECT_EQ(mesh->faces[0], (Corners{ 0, 0, 0, none }));
     EXPECT_EQ(mesh->boundsMax[0], before); // bounds of nothing stay
 }
 
-TEST_F(WeldTest, EveryRefusedAllocationLeavesTheMeshAsItWas)
+TEST_F(Weld, EveryRefusedAllocationLeavesTheMeshAsItWas)
 {
-    for (int exact = 0; exact < 2; ++exact)
+    for (WeldMode mode : { weldExact, weldNear })
     {
         resetRecording();
-        renderSettings.exactWeld = exact;
         MeshPointer mesh = buildMesh(apart, pair);
         MeshState before = stateOf(mesh.get());
         int blocks = recorded.liveBlocks;
         resetRecording();
         recorded.refuseOnly = 1;
-        EXPECT_EQ(weldVertices(mesh.get()), 0);
+        EXPECT_EQ(weldVertices(mesh.get(), mode), 0);
         EXPECT_EQ(recorded.boxes, (Boxes{ outOfMemoryBox }));
         EXPECT_EQ(recorded.liveBlocks, blocks);
         expectEqualStates(stateOf(mesh.get()), before, 1);
         resetRecording();
         recorded.refuseOnly = 2; // there is no second
-        EXPECT_EQ(weldVertices(mesh.get()), 1);
+        EXPECT_EQ(weldVertices(mesh.get(), mode), 1);
     }
 }
 
 // As it is described: chains by steps of the key, an overflow area of vertexCount entries. Vertices that no face uses
 // take no part, deleted slots are renumbered. Returns the number removed, -1 when all keys are equal.
-static int plainWeld(Mesh* mesh)
+static int plainWeld(Mesh* mesh, WeldMode mode)
 {
     struct Entry
     {
@@ -226,7 +209,7 @@ static int plainWeld(Mesh* mesh)
     float smallest = *std::min_element(key.begin(), key.end()), largest = *std::max_element(key.begin(), key.end());
     if (smallest == largest)
         return -1;
-    float scale = static_cast<float>(count - 1) / (largest - smallest), eps = renderSettings.exactWeld ? 0 : 0.00001f;
+    float scale = static_cast<float>(count - 1) / (largest - smallest), eps = mode == weldExact ? 0 : 0.00001f;
     for (int32_t f = 0; f < mesh->faceCount; ++f)
     {
         for (size_t k = 0; k < 4 && mesh->faces[f][k] != none && !(mesh->faceAttributes[f] & faceDeleted); ++k)
@@ -292,14 +275,14 @@ static int plainWeld(Mesh* mesh)
     return removed;
 }
 
-static void expectDescribedWeld(unsigned seed, const RandomShape& shape, int* changed)
+static void expectDescribedWeld(WeldMode mode, unsigned seed, const RandomShape& shape, int* changed)
 {
     MeshPointer want = randomMesh(seed, shape), have = randomMesh(seed, shape);
     spoilDeletedSlots(want.get(), seed);
     spoilDeletedSlots(have.get(), seed);
-    int removed = plainWeld(want.get());
+    int removed = plainWeld(want.get(), mode);
     resetRecording();
-    ASSERT_EQ(weldVertices(have.get()), removed >= 0) << "seed " << seed;
+    ASSERT_EQ(weldVertices(have.get(), mode), removed >= 0) << "seed " << seed;
     Texts notices;
     if (removed >= 0)
         notices.push_back(removed ? "Removed " + std::to_string(removed) + " vertices" : "  No duplicated vertices");
@@ -308,27 +291,27 @@ static void expectDescribedWeld(unsigned seed, const RandomShape& shape, int* ch
     *changed += removed > 0;
 }
 
-TEST_F(WeldTest, RandomMeshesAreWeldedAsDescribed)
+TEST_F(Weld, RandomMeshesAreWeldedAsDescribed)
 {
     int changed = 0;
     for (unsigned seed = 0; seed < 4000 && !HasFatalFailure(); ++seed)
         expectDescribedWeld(
-            seed, { .mostVertices = 5 + static_cast<int>(seed % 80), .spread = 1.0f + static_cast<float>(seed % 4) },
+            weldExact, seed,
+            { .mostVertices = 5 + static_cast<int>(seed % 80), .spread = 1.0f + static_cast<float>(seed % 4) },
             &changed);
     EXPECT_GT(changed, 3000);
 }
 
 // Steps between coordinates below, about and above the tolerance: chains of neighbours that are near to some only, on
 // both sides of cells and of steps of the key.
-TEST_F(WeldTest, RandomMeshesAreWeldedAsDescribedWithinTheTolerance)
+TEST_F(Weld, RandomMeshesAreWeldedAsDescribedWithinTheTolerance)
 {
-    renderSettings.exactWeld = 0;
     int changed = 0;
     for (float step :
          { 0.000001f, 0.000003f, 0.000005f, 0.0000099f, 0.00001f, 0.000011f, 0.00003f, 1.0f, 127.99998f, 3e6f })
     {
         for (unsigned seed = 0; seed < 800 && !HasFatalFailure(); ++seed)
-            expectDescribedWeld(seed,
+            expectDescribedWeld(weldNear, seed,
                                 { .mostVertices = 5 + static_cast<int>(seed % 80),
                                   .spread = 2.0f + static_cast<float>(seed % 12),
                                   .step = step },
@@ -337,32 +320,32 @@ TEST_F(WeldTest, RandomMeshesAreWeldedAsDescribedWithinTheTolerance)
     EXPECT_GT(changed, 4000);
 }
 
-TEST_F(WeldTest, NoPositionMovesByMoreThanTheToleranceAndWeldingAgainChangesNothing)
+TEST_F(Weld, NoPositionMovesByMoreThanTheToleranceAndWeldingAgainChangesNothing)
 {
-    for (int exact = 0; exact < 2; ++exact)
+    for (WeldMode mode : { weldExact, weldNear })
     {
-        renderSettings.exactWeld = exact;
         for (unsigned seed = 0; seed < 1500; ++seed)
         {
-            MeshPointer mesh = randomMesh(seed, { .mostVertices = 60, .spread = 3, .step = exact ? 1.0f : 0.000007f });
+            MeshPointer mesh =
+                randomMesh(seed, { .mostVertices = 60, .spread = 3, .step = mode == weldExact ? 1.0f : 0.000007f });
             MeshState before = stateOf(mesh.get());
-            weldVertices(mesh.get());
+            weldVertices(mesh.get(), mode);
             for (int32_t f = 0; f < mesh->faceCount; ++f)
             {
                 for (size_t k = 0; k < 4 && mesh->faces[f][k] != none && !(mesh->faceAttributes[f] & faceDeleted); ++k)
                 {
                     const Point& was = before.points[before.faces[static_cast<size_t>(f)][k]];
                     const float* is = mesh->vertices[mesh->faces[f][k]].position;
-                    float most = exact ? 0 : 0.00001f;
+                    float most = mode == weldExact ? 0 : 0.00001f;
                     ASSERT_LE(fabsf(was.x - is[0]), most) << "seed " << seed;
                     ASSERT_LE(fabsf(was.y - is[1]), most) << "seed " << seed;
                     ASSERT_LE(fabsf(was.z - is[2]), most) << "seed " << seed;
                 }
             }
-            if (!exact)
+            if (mode == weldNear)
                 continue; // the steps of the key change with the number of vertices, so that near ones may meet later
             MeshState welded = stateOf(mesh.get());
-            weldVertices(mesh.get());
+            weldVertices(mesh.get(), mode);
             expectEqualStates(stateOf(mesh.get()), welded, seed);
             if (HasFatalFailure())
                 return;
