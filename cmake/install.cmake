@@ -1,5 +1,5 @@
-# cmake --install puts the program, its manual page, completions, desktop entry, icon and documents where a Linux system
-# looks for them; cpack makes a Debian package of the same.
+# cmake --install copies the program, its manual page, completions, desktop entry, icon and documents to where Linux looks
+# for them; cpack makes a Debian package of the same files.
 include(GNUInstallDirs)
 install(TARGETS kbx)
 install(FILES ${PROJECT_BINARY_DIR}/share/kbx.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)

@@ -1,16 +1,16 @@
-# A folder is a layer: one library, which sees the headers of its own folder and of the layers it stands on, and no others.
+# A folder is a layer: a library that sees only its own headers and those of the layers that it is built on.
 #
 #   layer(kbImport FILES obj.cpp ply.cpp ON kbModel kbTools)
 #
-# Each layer's folder is offered to the compiler through a folder of links of its own, so that an #include of a layer that
-# is not linked does not compile.
+# The compiler finds each layer through a folder in the build tree that has nothing but a link to it. An #include of a layer
+# that is not linked therefore does not compile.
 
 set(kbWarnings -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND KESTRELBOX_SANITIZE)
-    list(APPEND kbWarnings -Wno-maybe-uninitialized) # false alarms of GCC in instrumented code of the standard library
+    list(APPEND kbWarnings -Wno-maybe-uninitialized) # false alarms of GCC in the sanitized standard library
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    list(APPEND kbWarnings -Wno-restrict) # a false alarm of GCC 12 about adding strings to literals
+    list(APPEND kbWarnings -Wno-restrict) # a false alarm of GCC 12 about strings appended to literals
 endif()
 
 function(offer_headers target scope)
@@ -35,7 +35,7 @@ function(layer target)
     endif()
 endfunction()
 
-# One implementation of a part of the seam: objects, so that a program links exactly those it names.
+# One implementation of a part of the seam, as objects: a program links exactly those that it names.
 function(implementation target)
     add_library(${target} OBJECT ${ARGN})
     target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:${kbWarnings}>)

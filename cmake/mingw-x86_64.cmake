@@ -1,4 +1,4 @@
-# Debian's mingw-w64, posix threads (GoogleTest needs them), everything linked in: the programs are single files.
+# Debian's mingw-w64 with posix threads, which GoogleTest needs. Everything is linked in, so that a program is one file.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)

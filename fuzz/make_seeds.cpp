@@ -1,4 +1,4 @@
-// fuzz/make_seeds.cpp - the first inputs of every fuzzer: small files that use all that a format has
+// fuzz/make_seeds.cpp - writes the seeds of every fuzzer: small files that use everything a format has
 //
 //   make_seeds FOLDER       writes FOLDER/<fuzzer>/seed-<n>
 #include "tests/image/jpeg_builder.h"
@@ -28,7 +28,7 @@ static Samples jpegSamples()
     return files;
 }
 
-// A whole life is what it does in 25 bytes, then the file.
+// An input of fuzz/life_fuzz.cpp has 25 bytes that choose what to do, then the file.
 static Samples lifeSamples(const std::vector<Samples>& byReader)
 {
     Samples files;

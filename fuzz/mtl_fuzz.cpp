@@ -1,4 +1,4 @@
-// fuzz/mtl_fuzz.cpp - a material library of any bytes for a mesh with a few materials
+// fuzz/mtl_fuzz.cpp - reads any bytes as the material library of a mesh with a few materials
 #include "fuzz/memory_file.h"
 #include "import/obj/obj.h"
 #include "model/memory.h"
@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
     memoryTable = {};
     resetRecording();
     Mesh* mesh = createMesh("prop");
-    mesh->materialCount = bytes && size % 5 == 0 ? slotCount : 3; // once without room for a scratch slot
+    mesh->materialCount = bytes && size % 5 == 0 ? slotCount : 3; // at times all slots have names
     for (int32_t i = 0; i < mesh->materialCount; ++i)
         copyName(mesh->materialNames[i], i == 0 ? "red" : i == 1 ? "a b" : "blue");
     ReadMtlFile(mesh, memoryFile(bytes, size));

@@ -1,4 +1,4 @@
-// fuzz/reader_fuzz.cpp - one reader on any bytes: it says no, or it gives a mesh that keeps its promises
+// fuzz/reader_fuzz.cpp - gives a reader any bytes: it refuses them, or makes a sound mesh
 #include READER_HEADER
 #include "fuzz/memory_file.h"
 #include "model/memory.h"

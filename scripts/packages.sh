@@ -1,6 +1,6 @@
-# scripts/packages.sh - sourced by ./run and ./test: installs the Debian packages that are missing
+# scripts/packages.sh - sourced by ./run, ./test and ./package: installs the Debian packages that are missing
 #
-#   need_packages PACKAGE...    does nothing when all are there; else installs them as root or through sudo
+#   need_packages PACKAGE...    does nothing when all are installed; else installs them as root or through sudo
 
 packages_to_build="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev"
 packages_to_test="libgtest-dev libgmock-dev googletest libbenchmark-dev clang libclang-rt-14-dev clang-format clang-tidy libjpeg-turbo-progs zsh fish"
@@ -22,7 +22,7 @@ need_packages() {
         fi
     fi
     echo "Installing ${missing[*]}" >&2
-    "${as_root[@]}" apt-get update -qq >/dev/null || true # an old list may still serve
+    "${as_root[@]}" apt-get update -qq >/dev/null || true # an old package list may still do
     if ! "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/tmp/kestrelbox-packages.log 2>&1; then
         tail -n 20 /tmp/kestrelbox-packages.log >&2
         echo "The packages could not be installed: ${missing[*]}" >&2
