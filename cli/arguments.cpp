@@ -9,18 +9,6 @@
 #include <string.h>
 #include <algorithm>
 #include <iostream>
-#include <map>
-
-static const std::map<std::string, Tool> toolNames = {
-    { "fix-normals", Tool::fixNormals },
-    { "dup-faces", Tool::dupFaces },
-    { "weld", Tool::weld },
-    { "weld-near", Tool::weldNear },
-    { "tri", Tool::tri },
-    { "quad", Tool::quad },
-    { "split", Tool::split },
-    { "invert", Tool::invert },
-};
 
 static const char* const presetNames[] = { "brass", "wood",  "pewter",  "silver", "gold",         "green",
                                            "chalk", "brick", "crystal", "white",  "prop material" };
@@ -31,24 +19,46 @@ constexpr int32_t largestSide = 16384;
 
 static const char* const textureNames[] = { "wood", "metal", "pattern" };
 
-constexpr char footer[] = "Tools:\n"
-                          "  fix-normals  turns faces over until neighbours agree\n"
-                          "  dup-faces    deletes faces that repeat an earlier one\n"
-                          "  weld         makes vertices at the same place one, removes unused ones\n"
-                          "  weld-near    the same for vertices within 0.00001 of each other\n"
-                          "  tri          cuts quads into triangles\n"
-                          "  quad         joins pairs of triangles into quads\n"
-                          "  split        makes every connected piece a group\n"
-                          "  invert       turns every face over\n"
-                          "\n"
-                          "Exit status:\n"
-                          "  0 done; 1 a file could not be read or written; 2 wrong usage\n"
-                          "\n"
-                          "Examples:\n"
-                          "  kbx info *.3ds\n"
-                          "  kbx convert --tool weld --tool fix-normals scan.ply scan.obj\n"
-                          "  kbx render chair.obj --rotate 20,30,0 --shadows -o chair.bmp\n"
-                          "  kbx render --preset gold -o teapot.bmp";
+constexpr char footerEnd[] = "\n"
+                             "Exit status:\n"
+                             "  0 done; 1 a file could not be read or written; 2 wrong usage\n"
+                             "\n"
+                             "Examples:\n"
+                             "  kbx info *.3ds\n"
+                             "  kbx convert --tool weld --tool fix-normals scan.ply scan.obj\n"
+                             "  kbx render chair.obj --rotate 20,30,0 --shadows -o chair.bmp\n"
+                             "  kbx render --preset gold -o teapot.bmp";
+
+// What follows the commands in the help: what each tool does, its names in a column, and the rest.
+static std::string makeFooter()
+{
+    constexpr size_t nameColumns = 13;
+    std::string footer = "Tools:\n";
+    for (const MeshTool& tool : meshTools)
+    {
+        std::string name = tool.name;
+        name.resize(nameColumns, ' ');
+        footer += "  " + name + tool.help + "\n";
+    }
+    return footer + footerEnd;
+}
+
+// "a, b or c"
+static std::string alternatives(const std::vector<std::string>& words)
+{
+    std::string text = words[0];
+    for (size_t i = 1; i < words.size(); ++i)
+        text += (i + 1 == words.size() ? " or " : ", ") + words[i];
+    return text;
+}
+
+static std::vector<std::string> toolNames()
+{
+    std::vector<std::string> names;
+    for (const MeshTool& tool : meshTools)
+        names.emplace_back(tool.name);
+    return names;
+}
 
 static std::vector<std::string> splitAtCommas(const std::string& text)
 {
@@ -161,15 +171,13 @@ static void addLoadOptions(CLI::App* command, LoadArguments* load, bool withFilt
             {
                 for (const std::string& name : names)
                 {
-                    auto found = toolNames.find(name);
-                    if (found == toolNames.end())
-                        throw CLI::ValidationError("--tool", "expected fix-normals, dup-faces, weld, weld-near, tri, "
-                                                             "quad, split or invert, not " +
-                                                                 name);
-                    load->tools.push_back(found->second);
+                    const MeshTool* tool = findToolByName(name);
+                    if (!tool)
+                        throw CLI::ValidationError("--tool", "expected " + alternatives(toolNames()) + ", not " + name);
+                    load->tools.push_back(tool);
                 }
             },
-            "fix-normals, dup-faces, weld, weld-near, tri, quad, split or invert; may be repeated, applied in order")
+            alternatives(toolNames()) + "; may be repeated, applied in order")
         ->option_text("TOOL")
         ->allow_extra_args(false);
     if (withFilter)
@@ -244,8 +252,8 @@ std::vector<std::string> valuesOf(const std::string& option)
     std::vector<std::string> values;
     if (option == "tool")
     {
-        for (const auto& [name, tool] : toolNames)
-            values.push_back(name);
+        values = toolNames();
+        std::sort(values.begin(), values.end());
     }
     else if (option == "preset")
         values.assign(std::begin(presetNames), std::end(presetNames));
@@ -297,7 +305,7 @@ void describeUsage(CLI::App* app, Arguments* arguments)
     addInput(decode, arguments, "IN", "JPEG file to read")->required();
     decode->add_option("OUT", arguments->output, "bitmap to write")->option_text(" ")->required();
 
-    app->footer(footer); // after the commands, which would inherit it
+    app->footer(makeFooter()); // after the commands, which would inherit it
 }
 
 // Nothing is left to run.

@@ -1,5 +1,7 @@
 // cli/arguments.h - the command line of kbx as a record
 #pragma once
+#include "tools/tools.h"
+
 #include <stdint.h>
 #include <array>
 #include <optional>
@@ -16,24 +18,12 @@ enum class Command
     decode,
 };
 
-enum class Tool
-{
-    fixNormals,
-    dupFaces,
-    weld,
-    weldNear,
-    tri,
-    quad,
-    split,
-    invert,
-};
-
 // What happens to a file between the disk and the use of it.
 struct LoadArguments
 {
     bool keyframes = true;
-    std::vector<Tool> tools;   // in the order given
-    std::optional<int> filter; // the tool panel's list index with "By Group" on
+    std::vector<const MeshTool*> tools; // in the order given
+    std::optional<int> filter;          // the tool panel's list index with "By Group" on
 };
 
 struct ViewArguments

@@ -7,12 +7,7 @@
 #include "model/builtin.h"
 #include "model/settings.h"
 #include "platform/terminal/terminal.h"
-#include "tools/duplicates.h"
 #include "tools/filter.h"
-#include "tools/orientation.h"
-#include "tools/polygons.h"
-#include "tools/split.h"
-#include "tools/weld.h"
 
 #include <stdio.h>
 #include <string.h>
@@ -35,29 +30,13 @@ static int readModel(Mesh* mesh, const std::string& path)
     return readModelFile(mesh, path.c_str(), shortName, 1);
 }
 
-static int runTool(Mesh* mesh, Tool tool)
-{
-    switch (tool)
-    {
-    case Tool::fixNormals: return fixNormals(mesh);
-    case Tool::dupFaces: return removeDuplicateFaces(mesh);
-    case Tool::weld: return weldVertices(mesh, weldExact);
-    case Tool::weldNear: return weldVertices(mesh, weldNear);
-    case Tool::tri: return makeTriangles(mesh);
-    case Tool::quad: return makeQuads(mesh);
-    case Tool::split: return splitMesh(mesh);
-    case Tool::invert: invertMesh(mesh); return 1;
-    }
-    return 0;
-}
-
 // A tool that did nothing is no failure; one that showed a box is.
-static int runTools(Mesh* mesh, const std::vector<Tool>& tools)
+static int runTools(Mesh* mesh, const std::vector<const MeshTool*>& tools)
 {
-    for (Tool tool : tools)
+    for (const MeshTool* tool : tools)
     {
         int boxesBefore = terminalBoxCount();
-        runTool(mesh, tool);
+        tool->run(mesh);
         if (terminalBoxCount() != boxesBefore)
             return 0;
     }

@@ -21,12 +21,8 @@
 #include "shell/scene.h"
 #include "tests/check_mesh.h"
 #include "tests/recording/recording.h"
-#include "tools/duplicates.h"
 #include "tools/filter.h"
-#include "tools/orientation.h"
-#include "tools/polygons.h"
-#include "tools/split.h"
-#include "tools/weld.h"
+#include "tools/tools.h"
 
 #include <stdio.h>
 #include <stdlib.h>
@@ -57,20 +53,10 @@ static void check(const Mesh* mesh, const char* where)
     abort();
 }
 
-static void runTool(Mesh* mesh, uint32_t tool)
+static void runTool(Mesh* mesh, const MeshTool& tool)
 {
-    switch (tool)
-    {
-    case 0: fixNormals(mesh); break;
-    case 1: removeDuplicateFaces(mesh); break;
-    case 2: weldVertices(mesh, weldExact); break;
-    case 3: weldVertices(mesh, weldNear); break;
-    case 4: makeTriangles(mesh); break;
-    case 5: makeQuads(mesh); break;
-    case 6: splitMesh(mesh); break;
-    case 7: invertMesh(mesh); break;
-    }
-    check(mesh, "tool");
+    tool.run(mesh);
+    check(mesh, tool.name);
 }
 
 static void draw(Choices* choices)
@@ -150,7 +136,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
     check(mesh, "reader");
     Choices steps = { plan, sizeof plan };
     for (uint32_t tools = choose(&steps, 6); tools > 0; --tools)
-        runTool(mesh, choose(&steps, 8));
+        runTool(mesh, meshTools[choose(&steps, static_cast<uint32_t>(meshTools.size()))]);
     applyFilter(mesh, static_cast<int32_t>(choose(&steps, 8)));
     installMesh(&modelList, mesh);
     draw(&steps);

@@ -9,12 +9,8 @@
 #include "render/materials.h"
 #include "resources/ids.h"
 #include "shell/scene.h"
-#include "tools/duplicates.h"
 #include "tools/filter.h"
-#include "tools/orientation.h"
-#include "tools/polygons.h"
-#include "tools/split.h"
-#include "tools/weld.h"
+#include "tools/tools.h"
 
 #include <stdio.h>
 
@@ -140,31 +136,27 @@ static void switchMetallic(int id)
     switchFlag(id);
 }
 
-// The mesh tools; what each leaves to be shown again.
-static void runTool(int id)
+// Weld's button runs weld-near while "Exact Weld" is off.
+static const MeshTool* toolOfButton(int id)
+{
+    return id == ID_WELD && !renderSettings.exactWeld ? findToolByName("weld-near") : findToolByButton(id);
+}
+
+// Returns 1, or 0 when there is no tool to run.
+static int runTool(const MeshTool* tool)
 {
     Mesh* mesh = currentMesh();
-    if (!mesh)
-        return;
-    switch (id)
-    {
-    case ID_INVERT: invertMesh(mesh); break;
-    case ID_FIX_NORMALS: fixNormals(mesh); break;
-    case ID_WELD:
-        weldVertices(mesh, renderSettings.exactWeld ? weldExact : weldNear);
+    if (!tool || !mesh)
+        return tool != nullptr;
+    tool->run(mesh);
+    if (tool->changesBounds)
         fitModelList(&modelList);
-        break;
-    case ID_DUP_FACES: removeDuplicateFaces(mesh); break;
-    case ID_TRI: makeTriangles(mesh); break;
-    case ID_QUAD: makeQuads(mesh); break;
-    case ID_SPLIT:
-        splitMesh(mesh);
+    if (tool->changesGroups)
         fillFilterList(mesh);
-        break;
-    }
-    if (id != ID_INVERT && id != ID_FIX_NORMALS)
+    if (tool->changesCounts)
         updateStatistics();
     askForRedraw();
+    return 1;
 }
 
 static void exportLux(int)
@@ -189,16 +181,10 @@ struct PanelCommand
 constexpr int idEnter = 1; // the default button, which only takes the focus
 
 static const PanelCommand panelCommands[] = {
-    { idEnter, focusPanel },       { ID_FILTER_LIST, selectFilter },
-    { ID_BY_GROUP, switchFilter }, { ID_WIREFRAME, switchFlag },
-    { ID_BACKCULLED, switchFlag }, { ID_TEXTURED, switchTextured },
-    { ID_SHADOWS, switchFlag },    { ID_VERTEX_COLOUR, switchFlag },
-    { ID_ROUGH, switchFlag },      { ID_METALLIC, switchMetallic },
-    { ID_MOON, switchFlag },       { ID_INVERT, runTool },
-    { ID_WELD, runTool },          { ID_FIX_NORMALS, runTool },
-    { ID_DUP_FACES, runTool },     { ID_TRI, runTool },
-    { ID_QUAD, runTool },          { ID_SPLIT, runTool },
-    { ID_LUX_EXPORT, exportLux },
+    { idEnter, focusPanel },         { ID_FILTER_LIST, selectFilter }, { ID_BY_GROUP, switchFilter },
+    { ID_WIREFRAME, switchFlag },    { ID_BACKCULLED, switchFlag },    { ID_TEXTURED, switchTextured },
+    { ID_SHADOWS, switchFlag },      { ID_VERTEX_COLOUR, switchFlag }, { ID_ROUGH, switchFlag },
+    { ID_METALLIC, switchMetallic }, { ID_MOON, switchFlag },          { ID_LUX_EXPORT, exportLux },
 };
 
 int runPanelCommand(int id)
@@ -211,5 +197,5 @@ int runPanelCommand(int id)
             return 1;
         }
     }
-    return 0;
+    return runTool(toolOfButton(id));
 }

@@ -172,6 +172,17 @@ TEST_F(PanelTest, ToolsReportAndRefreshTheStatistics)
     EXPECT_TRUE(redrawAsked());
 }
 
+TEST_F(PanelTest, WeldMergesNearVerticesWhileExactWeldIsOff)
+{
+    open("v 0 0 0\nv 1 0 0\nv 0 1 0\nv 1.000001 0 0\nv 9 1 0\nv 0 1 0\nf 1 2 3\nf 4 5 6\n");
+    EXPECT_TRUE(runPanelCommand(ID_WELD));
+    EXPECT_EQ(recorded.notices.back(), "Removed 1 vertices");
+    runCommand(ID_EXACT_WELD);
+    EXPECT_TRUE(runPanelCommand(ID_WELD));
+    EXPECT_EQ(recorded.notices.back(), "Removed 1 vertices");
+    EXPECT_EQ(recorded.panelTexts[ID_VERT_COUNT], "4");
+}
+
 TEST_F(PanelTest, InvertFlipsTheShownFaces)
 {
     open(threeGroups);
