@@ -146,7 +146,7 @@ BENCHMARK_CAPTURE(ours, poser, "-grid.pp2", makePoser, LoadPoserFile)
     ->Arg(350)
     ->Arg(900)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(ours, rkfRead, "-grid.rkf", makeRkf, loadRkfPath)->Arg(350)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ours, rkfRead, "-grid.rkf", makeRkf, LoadRkfFile)->Arg(350)->Arg(1000)->Unit(benchmark::kMillisecond);
 
 static void rkfWrite(benchmark::State& state)
 {

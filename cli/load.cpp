@@ -22,12 +22,11 @@ static bool isRkf(const std::string& path)
     return strcmp(extension, ".rkf") == 0;
 }
 
-static int readModel(Mesh* mesh, const std::string& path)
+static int readModel(Mesh* mesh, const std::string& path, const ReadOptions& options)
 {
     if (isRkf(path))
-        return loadRkfPath(mesh, path.c_str());
-    char shortName[shortNameRoom];
-    return readModelFile(mesh, path.c_str(), shortName, 1);
+        return LoadRkfFile(mesh, path.c_str());
+    return readModelFile(mesh, path.c_str(), options);
 }
 
 // A tool that did nothing is no failure; one that showed a box is.
@@ -58,12 +57,11 @@ static Mesh* repair(Mesh* mesh, const LoadArguments& load)
 
 Mesh* loadModel(const std::string& path, const LoadArguments& load)
 {
-    renderSettings.keyframes3ds = load.keyframes;
     int boxesBefore = terminalBoxCount();
     Mesh* mesh = createMesh("prop");
     if (!mesh)
         return nullptr;
-    if (!readModel(mesh, path))
+    if (!readModel(mesh, path, { load.keyframes }))
     {
         if (terminalBoxCount() == boxesBefore) // some readers fail without a word
             fprintf(stderr, "kbx: cannot read %s\n", path.c_str());

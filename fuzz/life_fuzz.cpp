@@ -110,14 +110,14 @@ static void write(const Mesh* mesh)
     if (frameBuffer.cells && writePropFiles(mesh, (folder() + "m.pp2").c_str(), &preview))
         readBack("m.pp2", LoadPoserFile);
     if (saveRkfPath(mesh, (folder() + "m.rkf").c_str(), 0))
-        readBack("m.rkf", loadRkfPath);
+        readBack("m.rkf", LoadRkfFile);
     writeLuxFiles(mesh, (folder() + "m.lxs").c_str());
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
 {
     static int (*const readers[])(Mesh*, const char*) = { LoadObjFile, LoadOffFile,   LoadPlyFile, Load3dsFile,
-                                                          LoadDxfFile, LoadPoserFile, loadRkfPath };
+                                                          LoadDxfFile, LoadPoserFile, LoadRkfFile };
     memoryTable = {};
     resetRecording();
     renderSettings = startSettings;

@@ -15,19 +15,31 @@
 struct Reader
 {
     char extension[4]; // upper case
-    int (*load)(Mesh* mesh, const char* path);
+    int (*load)(Mesh* mesh, const char* path, const ReadOptions& options);
 };
+
+// For the readers that have no options.
+template <int (*load)(Mesh* mesh, const char* path)>
+static int loadWithoutOptions(Mesh* mesh, const char* path, const ReadOptions&)
+{
+    return load(mesh, path);
+}
+
+static int load3ds(Mesh* mesh, const char* path, const ReadOptions& options)
+{
+    return Load3dsFile(mesh, path, options.keyframes3ds);
+}
 
 // clang-format off
 static constexpr Reader readers[] = {
-    { "OBJ", LoadObjFile },
-    { "3DS", Load3dsFile },
-    { "DXF", LoadDxfFile },
-    { "OFF", LoadOffFile },
-    { "PP2", LoadPoserFile },
-    { "HR2", LoadPoserFile },
-    { "CR2", LoadPoserFile },
-    { "PLY", LoadPlyFile },
+    { "OBJ", loadWithoutOptions<LoadObjFile> },
+    { "3DS", load3ds },
+    { "DXF", loadWithoutOptions<LoadDxfFile> },
+    { "OFF", loadWithoutOptions<LoadOffFile> },
+    { "PP2", loadWithoutOptions<LoadPoserFile> },
+    { "HR2", loadWithoutOptions<LoadPoserFile> },
+    { "CR2", loadWithoutOptions<LoadPoserFile> },
+    { "PLY", loadWithoutOptions<LoadPlyFile> },
 };
 // clang-format on
 
@@ -36,26 +48,19 @@ static char upperCase(char c)
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-int readModelFile(Mesh* mesh, const char* path, char (&shortName)[shortNameRoom], int reportErrors)
+int readModelFile(Mesh* mesh, const char* path, const ReadOptions& options)
 {
-    shortName[0] = 0;
     size_t length = strlen(path);
     if (length < 5 || path[length - 4] != '.')
         return 0;
-    const char* name = fileNameOf(path);
-    size_t nameLength = strnlen(name, shortNameRoom - 1);
-    memcpy(shortName, name, nameLength);
-    shortName[nameLength] = 0;
-
     char extension[4] = {};
     for (size_t i = 0; i < 3; ++i)
         extension[i] = upperCase(path[length - 3 + i]);
     for (const Reader& reader : readers)
     {
         if (strcmp(reader.extension, extension) == 0)
-            return reader.load(mesh, path);
+            return reader.load(mesh, path, options);
     }
-    if (reportErrors)
-        messageBox("Not supported file format", shortName, iconStop);
+    messageBox("Not supported file format", fileNameOf(path), iconStop);
     return 0;
 }

@@ -2,10 +2,14 @@
 #pragma once
 #include "model/mesh.h"
 
-constexpr size_t shortNameRoom = 256;
+// What the user can choose about reading.
+struct ReadOptions
+{
+    bool keyframes3ds = true; // the 3DS reader moves each object by its keyframer pivot
+};
 
-// Reads a file into a fresh mesh. shortName receives the path's file name, cut to fit.
+// Reads a file into a fresh mesh.
 // Returns the reader's result. 0 without a message for a path of fewer than 5 characters or without a '.' before its
-// last three; 0 for an unknown extension, after "Not supported file format" when reportErrors is set. Readers report
-// their own failures; the mesh is then only good for freeMesh.
-int readModelFile(Mesh* mesh, const char* path, char (&shortName)[shortNameRoom], int reportErrors);
+// last three; 0 for an unknown extension, after "Not supported file format" with the file name as the caption. Readers
+// report their own failures; the mesh is then only good for freeMesh.
+int readModelFile(Mesh* mesh, const char* path, const ReadOptions& options);

@@ -30,7 +30,7 @@ int WriteRkf(const Mesh* mesh, FILE* file, int omitMaterials);
 
 // The same with a file by its name. Return 1, or 0: silently when it does not open, else after "File Error". What
 // stands at the path stays when the mesh does not fit.
-int loadRkfPath(Mesh* mesh, const char* path);
+int LoadRkfFile(Mesh* mesh, const char* path);
 int saveRkfPath(const Mesh* mesh, const char* path, int omitMaterials);
 
 constexpr size_t rkfPathCharacters = 320;

@@ -12,7 +12,7 @@ static int reportFileError()
     return 0;
 }
 
-int loadRkfPath(Mesh* mesh, const char* path)
+int LoadRkfFile(Mesh* mesh, const char* path)
 {
     FILE* file = openFile(path, "rb");
     if (!file)
@@ -65,5 +65,5 @@ int RkfFileDialog(Mesh* mesh, char (&path)[rkfPathRoom], char (&title)[rkfPathRo
     };
     if (save)
         return chooseFileToSave(&dialog) && saveRkfPath(mesh, path, omitMaterials);
-    return chooseFileToOpen(&dialog) && loadRkfPath(mesh, path);
+    return chooseFileToOpen(&dialog) && LoadRkfFile(mesh, path);
 }

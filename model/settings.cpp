@@ -4,5 +4,4 @@
 RenderSettings renderSettings = startSettings;
 DisplayState displayState = startDisplay;
 int32_t usePlainKernels;
-int32_t vertexColoursPresent;
 char currentFileName[fileNameRoom];

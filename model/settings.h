@@ -81,5 +81,4 @@ constexpr int32_t fileNameRoom = 512;
 extern RenderSettings renderSettings;
 extern DisplayState displayState;
 extern int32_t usePlainKernels;            // forces the plain version of what has a fast one; for comparison
-extern int32_t vertexColoursPresent;       // a file with colours on its vertices has been read
 extern char currentFileName[fileNameRoom]; // name of the model shown, without its folder

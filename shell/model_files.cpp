@@ -8,6 +8,7 @@
 #include "model/settings.h"
 #include "platform/controls.h"
 #include "platform/dialogs.h"
+#include "platform/file_names.h"
 #include "render/materials.h"
 #include "resources/ids.h"
 #include "shell/scene.h"
@@ -24,7 +25,6 @@ int openMeshFile()
         return 0;
     char path[dialogBytes(openPathCharacters)] = "";
     char title[dialogBytes(openTitleCharacters)] = "";
-    char shortName[shortNameRoom];
     FileDialog dialog = {
         .filterText = "*.obj *.3ds *.dxf *.ply *.pp2 *.hr2 *.cr2 *.off",
         .filterPattern = "*.obj;*.3ds;*.dxf;*.ply;*.pp2;*.hr2;*.cr2;*.off",
@@ -36,12 +36,12 @@ int openMeshFile()
         .fileTitle = title,
         .fileTitleRoom = openTitleCharacters,
     };
-    if (!chooseFileToOpen(&dialog) || !readModelFile(mesh, path, shortName, 1))
+    if (!chooseFileToOpen(&dialog) || !readModelFile(mesh, path, { renderSettings.keyframes3ds != 0 }))
     {
         freeMesh(mesh);
         return 0;
     }
-    showLoadedMesh(mesh, shortName);
+    showLoadedMesh(mesh, fileNameOf(path));
     return 1;
 }
 

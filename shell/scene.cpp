@@ -7,6 +7,7 @@
 #include "model/settings.h"
 #include "platform/boxes.h"
 #include "platform/controls.h"
+#include "platform/file_names.h"
 #include "platform/processor.h"
 #include "render/materials.h"
 #include "render/view.h"
@@ -83,13 +84,12 @@ static void startSwitches()
 // reader has said why.
 static Mesh* readNamedModel(Mesh* mesh, const char* fileName)
 {
-    char shortName[shortNameRoom];
-    if (!readModelFile(mesh, fileName, shortName, 1))
+    if (!readModelFile(mesh, fileName, { renderSettings.keyframes3ds != 0 }))
     {
         freeMesh(mesh);
         return nullptr;
     }
-    nameModel(shortName);
+    nameModel(fileNameOf(fileName));
     return mesh;
 }
 

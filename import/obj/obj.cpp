@@ -3,7 +3,6 @@
 
 #include "import/common/corners.h"
 #include "import/obj/parts.h"
-#include "import/open_dialog.h"
 #include "import/common/paths.h"
 #include "import/common/sanitize.h"
 #include "model/normals.h"
@@ -306,9 +305,4 @@ int LoadObjFile(Mesh* mesh, const char* path)
     if (!ok)
         messageBox("Error: failed to open", path, iconStop);
     return ok;
-}
-
-int openObjFile(Mesh* mesh)
-{
-    return openByDialog(mesh, "Wavefront files *.obj", "*.obj", LoadObjFile);
 }

@@ -7,11 +7,9 @@
 #pragma once
 #include "model/mesh.h"
 
-// Cuts texture coordinates to 0..1 while reading. Off; nothing turns it on.
+// Cuts texture coordinates to 0..1 while reading. No command of the program sets it; a debugger or a test may, to see
+// how a model looks whose textures repeat without need.
 extern int32_t ClampTexCoords;
-
-// Asks for a file and reads it. Returns as LoadObjFile, 0 also when the user cancels.
-int openObjFile(Mesh* mesh);
 
 // Reads a file into a fresh mesh, with the progress box. Returns 1, or 0 after "Error: failed to open": the mesh is
 // then only good for freeMesh.

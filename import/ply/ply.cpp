@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <bit>
 
+int32_t vertexColoursPresent;
+
 constexpr int32_t progressInterval = 10000; // vertices, faces and strip steps
 constexpr int32_t spareFaces = 1024;
 

@@ -1,7 +1,6 @@
 // import/text/dxf.cpp - DXF: pairs of lines, a group code and its value; a code 0 starts the next entity
 #include "import/text/dxf.h"
 
-#include "import/open_dialog.h"
 #include "import/common/plain_lines.h"
 #include "import/common/sanitize.h"
 #include "model/memory.h"
@@ -396,9 +395,4 @@ int LoadDxfFile(Mesh* mesh, const char* path)
     computeNormals(mesh);
     computeBounds(mesh);
     return generateUvs(mesh) ? 1 : failUnreadable();
-}
-
-int openDxfFile(Mesh* mesh)
-{
-    return openByDialog(mesh, "dxf Files(*.dxf)", "*.dxf", LoadDxfFile);
 }

@@ -36,9 +36,6 @@ struct DxfWelder
 // "Error: failed to open, only 3DFACE supported" when there is no such entity.
 int LoadDxfFile(Mesh* mesh, const char* path);
 
-// Asks for the file first. 0 when the user cancels.
-int openDxfFile(Mesh* mesh);
-
 // Reads the group codes that follow a 3DFACE. Returns the corner count 3 or 4, -1 for an entity that is not to be read,
 // 0 at the end of the file. After -1, 3 and 4 the source holds the line that ended the entity.
 int ReadDxfFace(DxfSource* source, DxfFace* face);

@@ -4,7 +4,6 @@
 #include "import/common/corners.h"
 #include "import/common/names.h"
 #include "import/common/numbers.h"
-#include "import/open_dialog.h"
 #include "import/common/sanitize.h"
 #include "model/memory.h"
 #include "model/normals.h"
@@ -586,9 +585,4 @@ int LoadPoserFile(Mesh* mesh, const char* path)
     if (!ok)
         messageBox(failure, "Error", iconNone);
     return ok;
-}
-
-int openPoserFile(Mesh* mesh)
-{
-    return openByDialog(mesh, "Poser Files(*.pp2,*.hr2,*.cr2)", "*.pp2;*.hr2;*.cr2", LoadPoserFile);
 }

@@ -17,9 +17,6 @@ struct PoserSource
 // Returns 1, or 0: silently for a file that does not open, else after "No internal geometry" or "Unable to read file".
 int LoadPoserFile(Mesh* mesh, const char* path);
 
-// Asks for the file first. 0 when the user cancels.
-int openPoserFile(Mesh* mesh);
-
 // Reads a word and the rest of its line; a brace is a token by itself, and what follows it is the next one. Comments
 // from // to the line's end are skipped. The texts stay until the next call. Returns 1, or 0 at the end of the file,
 // also when it comes before the line's end, and for a word or a rest of poserTextRoom bytes.

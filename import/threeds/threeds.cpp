@@ -4,7 +4,6 @@
 #include "import/threeds/parts.h"
 #include "model/memory.h"
 #include "model/normals.h"
-#include "model/settings.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
 #include "tools/uvs.h"
@@ -64,7 +63,7 @@ static void turnUpright(Mesh* mesh)
     }
 }
 
-static int read3ds(ThreeDsReadContext* context)
+static int read3ds(ThreeDsReadContext* context, bool keyframes)
 {
     Mesh* mesh = context->mesh;
     if (!readChunks(context) || mesh->vertexCount == 0)
@@ -73,7 +72,7 @@ static int read3ds(ThreeDsReadContext* context)
     mesh->lineCount = 0;
     mesh->groupCount = std::max(mesh->groupCount, context->groupsUsed);
     mesh->materialCount = std::max(mesh->materialCount, context->slotsUsed);
-    if (context->objectCount > 0 && renderSettings.keyframes3ds)
+    if (keyframes && context->objectCount > 0)
         applyPivots(context);
     turnUpright(mesh);
     addFaceNormals(mesh, 0, mesh->faceCount);
@@ -82,7 +81,7 @@ static int read3ds(ThreeDsReadContext* context)
     return mesh->uvCount > 0 || addPlaceholderUv(mesh);
 }
 
-int Load3dsFile(Mesh* mesh, const char* path)
+int Load3dsFile(Mesh* mesh, const char* path, bool keyframes)
 {
     auto* context = static_cast<ThreeDsReadContext*>(tableAlloc(sizeof(ThreeDsReadContext)));
     FILE* file = context ? openFile(path, "rb") : nullptr;
@@ -93,7 +92,7 @@ int Load3dsFile(Mesh* mesh, const char* path)
         context->mesh = mesh;
         startBytes(&context->source, file, sizeBytes);
         showProgress("LOADING 3DS.....");
-        ok = read3ds(context);
+        ok = read3ds(context, keyframes);
         closeProgress();
     }
     if (file)

@@ -233,7 +233,7 @@ static void expectRkfRoundTrip(const std::string& path, const std::string& folde
     OutputFile output;
     ASSERT_EQ(openOutput(&output, (folder + "trip.rkf").c_str()), 1);
     ASSERT_EQ(commitOutput(&output, WriteRkf(first.get(), output.file, 0)), 1);
-    MeshPointer second = load(loadRkfPath, folder + "trip.rkf");
+    MeshPointer second = load(LoadRkfFile, folder + "trip.rkf");
     ASSERT_EQ(second->vertexCount, first->vertexCount);
     for (int32_t i = 0; i < first->vertexCount; ++i)
         ASSERT_EQ(memcmp(second->vertices[i].position, first->vertices[i].position, sizeof(float) * 3), 0);
@@ -259,7 +259,7 @@ TEST_F(RoundTrip, ObjToRkfToObj)
 {
     std::string path = writeSample(folder);
     expectRkfRoundTrip(path, folder);
-    MeshPointer mesh = load(loadRkfPath, folder + "trip.rkf");
+    MeshPointer mesh = load(LoadRkfFile, folder + "trip.rkf");
     EXPECT_EQ(mesh->materialCount, 3);
     EXPECT_STREQ(mesh->materialNames[2], "mat3");
     EXPECT_EQ(mesh->materials[0].shininess, 40);

@@ -64,8 +64,7 @@ protected:
 
 static int loadAny(Mesh* mesh, const char* path)
 {
-    char shortName[shortNameRoom];
-    return strstr(path, ".rkf") ? loadRkfPath(mesh, path) : readModelFile(mesh, path, shortName, 1);
+    return strstr(path, ".rkf") ? LoadRkfFile(mesh, path) : readModelFile(mesh, path, {});
 }
 
 // As for a file that ends there: a whole mesh, or a refusal that says so.

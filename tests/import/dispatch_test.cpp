@@ -1,12 +1,12 @@
 // tests/import/dispatch_test.cpp - which reader a file name chooses
 #include "import/dispatch.h"
 #include "tests/import/obj_loading.h"
+#include "tests/import/threeds_building.h"
 
 class Dispatch : public testing::Test
 {
 protected:
     Mesh* mesh = nullptr;
-    char shortName[shortNameRoom] = "before";
 
     void SetUp() override
     {
@@ -28,8 +28,7 @@ TEST_F(Dispatch, LetterCaseOfTheExtensionDoesNotMatter)
         std::string path = folder.write(name, "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
         freeMesh(mesh);
         mesh = createMesh("prop");
-        EXPECT_EQ(readModelFile(mesh, path.c_str(), shortName, 1), 1) << name;
-        EXPECT_STREQ(shortName, name);
+        EXPECT_EQ(readModelFile(mesh, path.c_str(), {}), 1) << name;
         EXPECT_EQ(mesh->vertexCount, 3);
     }
     EXPECT_TRUE(recorded.boxes.empty());
@@ -38,46 +37,47 @@ TEST_F(Dispatch, LetterCaseOfTheExtensionDoesNotMatter)
 TEST_F(Dispatch, NamesWithoutAnExtensionOfThreeLettersFailSilently)
 {
     for (const char* path : { "", "a", "a.b", ".obj", "x.ob", "file.ob", "file.objx", "fileobj", "dir.obj/file" })
-        EXPECT_EQ(readModelFile(mesh, path, shortName, 1), 0) << path;
+        EXPECT_EQ(readModelFile(mesh, path, {}), 0) << path;
     EXPECT_TRUE(recorded.boxes.empty());
     EXPECT_TRUE(recorded.progress.empty());
 }
 
-TEST_F(Dispatch, TheShortNameFollowsTheLastSeparator)
+TEST_F(Dispatch, OtherExtensionsAreReportedUnderTheFileName)
 {
-    const char* rows[][2] = { { "models/scene.xyz", "scene.xyz" },
-                              { "scene.xyz", "scene.xyz" },
-                              { "a\\b:c/d.xyz", "d.xyz" },
-                              { "/x/.xyz", ".xyz" } };
-    for (const auto& row : rows)
+    std::string longName = std::string(400, 'n') + ".xyz";
+    const std::pair<std::string, std::string> rows[] = {
+        { "models/thing.stl", "thing.stl" },
+        { "scene.xyz", "scene.xyz" },
+        { "a/b/d.xyz", "d.xyz" },
+        { "/x/.xyz", ".xyz" },
+        { "thing.\xEF\xE2\xEA", "thing.\xEF\xE2\xEA" }, // only a to z have a case
+        { "dir/" + longName, longName },
+    };
+    for (const auto& [path, name] : rows)
     {
-        EXPECT_EQ(readModelFile(mesh, row[0], shortName, 1), 0);
-        EXPECT_STREQ(shortName, row[1]) << row[0];
-        EXPECT_EQ(recorded.boxes.back(), (RecordedBox{ "Not supported file format", row[1], iconStop }));
+        resetRecording();
+        EXPECT_EQ(readModelFile(mesh, path.c_str(), {}), 0) << path;
+        EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ { "Not supported file format", name, iconStop } }));
     }
 }
 
-TEST_F(Dispatch, OtherExtensionsAreReportedOnlyWhenAsked)
+TEST_F(Dispatch, ReadersReportTheirOwnFailures)
 {
-    EXPECT_EQ(readModelFile(mesh, "models/thing.stl", shortName, 0), 0);
-    EXPECT_TRUE(recorded.boxes.empty());
-    EXPECT_EQ(readModelFile(mesh, "models/thing.stl", shortName, 1), 0);
-    ASSERT_EQ(recorded.boxes.size(), 1u);
-    EXPECT_EQ(recorded.boxes[0], (RecordedBox{ "Not supported file format", "thing.stl", iconStop }));
-    EXPECT_EQ(readModelFile(mesh, "thing.\xEF\xE2\xEA", shortName, 1), 0); // only a to z have a case
-    EXPECT_EQ(recorded.boxes.size(), 2u);
+    EXPECT_EQ(readModelFile(mesh, "no/such/file.obj", {}), 0);
+    EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ { "Error: failed to open", "no/such/file.obj", iconStop } }));
 }
 
-TEST_F(Dispatch, ReadersReportTheirOwnFailuresEvenWhenReportingIsOff)
+TEST_F(Dispatch, The3dsReaderGetsItsOption)
 {
-    EXPECT_EQ(readModelFile(mesh, "no/such/file.obj", shortName, 0), 0);
-    ASSERT_EQ(recorded.boxes.size(), 1u);
-    EXPECT_EQ(recorded.boxes[0], (RecordedBox{ "Error: failed to open", "no/such/file.obj", iconStop }));
-}
-
-TEST_F(Dispatch, AVeryLongNameIsCutToTheRoomForIt)
-{
-    std::string path = "dir/" + std::string(400, 'n') + ".xyz";
-    EXPECT_EQ(readModelFile(mesh, path.c_str(), shortName, 1), 0);
-    EXPECT_EQ(std::string(shortName), std::string(shortNameRoom - 1, 'n'));
+    using namespace threeds;
+    std::string bytes = file(object("o", vertices({ 0, 0, 0 })), node("o", 1, 0, 0));
+    TestFolder folder;
+    std::string path = folder.write("a.3ds", bytes);
+    for (bool keyframes : { true, false })
+    {
+        freeMesh(mesh);
+        mesh = createMesh("prop");
+        ASSERT_EQ(readModelFile(mesh, path.c_str(), { keyframes }), 1);
+        EXPECT_EQ(mesh->vertices[0].position[0], keyframes ? -1 : 0);
+    }
 }

@@ -330,11 +330,6 @@ TEST_F(DxfReader, RefusedGrowthFailsWithoutLeaks)
     loadWithRefusals(LoadDxfFile, text + finish);
 }
 
-TEST_F(DxfReader, DialogAsksForDxfFiles)
-{
-    expectOpenDialog(openDxfFile, start + face(quad) + finish, "dxf Files(*.dxf)", "*.dxf");
-}
-
 TEST_F(DxfReader, IsChosenByTheExtensionInAnyCase)
 {
     EXPECT_EQ(facesByExtension(start + face(quad) + finish, "DxF"), 1);

@@ -227,31 +227,9 @@ inline int32_t facesByExtension(const std::string& bytes, const std::string& ext
 {
     ScratchFile file(bytes, extension);
     Mesh* mesh = createMesh("prop");
-    char shortName[shortNameRoom];
-    int32_t faces = readModelFile(mesh, file.path.c_str(), shortName, 1) ? mesh->faceCount : -1;
+    int32_t faces = readModelFile(mesh, file.path.c_str(), {}) ? mesh->faceCount : -1;
     freeMesh(mesh);
     return faces;
-}
-
-// The command asks for files of this kind, reads the one chosen, which has one face, and gives up when none is.
-inline void expectOpenDialog(int (*open)(Mesh* mesh), const std::string& bytes, const std::string& filterText,
-                             const std::string& filterPattern)
-{
-    ScratchFile file(bytes);
-    recorded.dialogAnswers = { file.path };
-    Mesh* mesh = createMesh("prop");
-    EXPECT_EQ(open(mesh), 1);
-    EXPECT_EQ(mesh->faceCount, 1);
-    EXPECT_EQ(open(mesh), 0); // cancelled
-    freeMesh(mesh);
-    ASSERT_EQ(recorded.dialogs.size(), 2u);
-    const RecordedDialog& dialog = recorded.dialogs[0];
-    EXPECT_FALSE(dialog.save);
-    EXPECT_EQ(dialog.filterText, filterText);
-    EXPECT_EQ(dialog.filterPattern, filterPattern);
-    EXPECT_EQ(dialog.pathRoom, 128u);
-    EXPECT_EQ(dialog.fileTitleRoom, 32u);
-    EXPECT_TRUE(recorded.boxes.empty());
 }
 
 // The file cut at every length: each is read or refused, and nothing is left behind.

@@ -353,25 +353,3 @@ TEST_F(Obj, PeakMemoryStaysBelowThreeTimesTheFinalArrays)
                   static_cast<size_t>(mesh->faceCount) * 52;
     EXPECT_LT(recorded.peakBytes - sizeof(Mesh), 3 * used);
 }
-
-TEST_F(Obj, TheDialogAsksForWavefrontFiles)
-{
-    std::string path = folder.write("asked.obj", std::string(ten) + face);
-    Mesh* mesh = createMesh("prop");
-    EXPECT_EQ(openObjFile(mesh), 0); // cancelled
-    ASSERT_EQ(recorded.dialogs.size(), 1u);
-    const RecordedDialog& dialog = recorded.dialogs[0];
-    EXPECT_FALSE(dialog.save);
-    EXPECT_EQ(dialog.filterText, "Wavefront files *.obj");
-    EXPECT_EQ(dialog.filterPattern, "*.obj");
-    EXPECT_EQ(dialog.proposed, "");
-    EXPECT_EQ(dialog.pathRoom, 128u);
-    EXPECT_EQ(dialog.fileTitleRoom, 32u);
-    EXPECT_EQ(dialog.flags, 0u);
-    EXPECT_TRUE(recorded.progress.empty());
-    EXPECT_TRUE(recorded.boxes.empty());
-    recorded.dialogAnswers = { path };
-    EXPECT_EQ(openObjFile(mesh), 1);
-    EXPECT_EQ(mesh->vertexCount, 10);
-    freeMesh(mesh);
-}

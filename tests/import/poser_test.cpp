@@ -325,12 +325,6 @@ TEST_F(PoserFile, MissingFileFailsSilently)
     freeMesh(mesh);
 }
 
-TEST_F(PoserFile, DialogAsksForPoserFiles)
-{
-    expectOpenDialog(openPoserFile, propOf(squareVertices + squareFace), "Poser Files(*.pp2,*.hr2,*.cr2)",
-                     "*.pp2;*.hr2;*.cr2");
-}
-
 TEST_F(PoserFile, IsChosenByItsExtensionsInAnyCase)
 {
     for (const char* extension : { "pp2", "PP2", "hr2", "Hr2", "cr2", "cR2" })

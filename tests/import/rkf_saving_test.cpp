@@ -78,7 +78,7 @@ TEST_F(Rkf, MaterialsCanBeLeftOut)
 TEST_F(Rkf, RoundTripKeepsPositionsAndMaterialsAndNumbersTheNames)
 {
     Mesh* mesh = makeSample();
-    LoadedMesh loaded(loadRkfPath, savedBytes(mesh));
+    LoadedMesh loaded(LoadRkfFile, savedBytes(mesh));
     ASSERT_EQ(loaded.result, 1);
     expectSound(loaded.mesh);
     for (int i = 0; i < 4; ++i)
@@ -101,7 +101,7 @@ TEST_F(Rkf, CoordinatesAreQuantisedToTheStep)
     for (int i = 0; i <= 200; ++i)
     {
         mesh->uvs[3] = { static_cast<float>(i) / 200, 1 - static_cast<float>(i) / 200 };
-        LoadedMesh loaded(loadRkfPath, savedBytes(mesh));
+        LoadedMesh loaded(LoadRkfFile, savedBytes(mesh));
         ASSERT_EQ(loaded.result, 1);
         ASSERT_NEAR(loaded->uvs[0].u, mesh->uvs[3].u, 1.001 / 32767);
         ASSERT_NEAR(loaded->uvs[0].v, mesh->uvs[3].v, 1.001 / 32767);
@@ -115,7 +115,7 @@ TEST_F(Rkf, OneIsWrittenAs32767AndReadAsExactlyOne)
     Mesh* mesh = makeSample();
     std::string bytes = savedBytes(mesh);
     EXPECT_EQ(bytes.substr(100, 4), words({ 32767u << 16 }));
-    LoadedMesh loaded(loadRkfPath, bytes);
+    LoadedMesh loaded(LoadRkfFile, bytes);
     EXPECT_EQ(loaded->uvs[1].u, 1.0f);
     EXPECT_EQ(loaded->uvs[3].v, 1.0f);
     freeMesh(mesh);
@@ -127,7 +127,7 @@ TEST_F(Rkf, NegativeCoordinatesDoNotSurvive)
     mesh->uvs[3] = { -0.5f, -0.25f };
     std::string bytes = savedBytes(mesh);
     EXPECT_EQ(bytes.substr(96, 4), words({ coord(65536 - 16383, 65536 - 8191) }));
-    LoadedMesh loaded(loadRkfPath, bytes);
+    LoadedMesh loaded(LoadRkfFile, bytes);
     EXPECT_EQ(loaded->uvs[0].u, (65536 - 16383) * (1 / 32767.0f));
     EXPECT_GT(loaded->uvs[0].v, 1);
     freeMesh(mesh);
@@ -139,7 +139,7 @@ TEST_F(Rkf, CoordinatesBeyondTheRangeAreWrittenWithoutHarm)
     for (float value : { 3.0f, 1e6f, -1e6f, 1e30f, -1e30f, INFINITY, NAN })
     {
         mesh->uvs[3] = { value, value };
-        LoadedMesh loaded(loadRkfPath, savedBytes(mesh));
+        LoadedMesh loaded(LoadRkfFile, savedBytes(mesh));
         EXPECT_EQ(loaded.result, 1) << value;
         EXPECT_EQ(loaded->uvs[0].u, loaded->uvs[0].v) << value;
     }
@@ -150,7 +150,7 @@ TEST_F(Rkf, DeletedFacesAndPolylinesAreNotWritten)
 {
     Mesh* mesh = makeSample();
     mesh->faceAttributes[0] |= faceDeleted;
-    LoadedMesh loaded(loadRkfPath, savedBytes(mesh));
+    LoadedMesh loaded(LoadRkfFile, savedBytes(mesh));
     ASSERT_EQ(loaded.result, 1);
     EXPECT_EQ(facesOf(loaded.mesh), "2 1 0 -1");
     mesh->faceAttributes[1] |= faceLine;
@@ -165,7 +165,7 @@ TEST_F(Rkf, AFirstCornerWithoutRoomForTheMaterialIsRefused)
     mesh->vertexCount = (1 << 20) + 1;
     mesh->faces[1] = { (1u << 20) - 1, 1u << 20, 0, noCorner };
     {
-        LoadedMesh loaded(loadRkfPath, savedBytes(mesh));
+        LoadedMesh loaded(LoadRkfFile, savedBytes(mesh));
         EXPECT_EQ(loaded.result, 1);
         EXPECT_EQ(loaded->faces[1], mesh->faces[1]);
     }
@@ -196,7 +196,7 @@ TEST_F(Rkf, LargeMeshesSurviveTheBlocks)
         mesh->faceAttributes[i] = n % 7 == 0 ? faceDeleted : 0;
     }
     mesh->vertexCount = mesh->uvCount = mesh->faceCount = count;
-    LoadedMesh loaded(loadRkfPath, savedBytes(mesh));
+    LoadedMesh loaded(LoadRkfFile, savedBytes(mesh));
     ASSERT_EQ(loaded.result, 1);
     expectSound(loaded.mesh);
     ASSERT_EQ(loaded->faceCount, count - (count + 6) / 7);
@@ -230,7 +230,7 @@ TEST_F(Rkf, FilesThatDoNotOpenFailSilently)
 {
     Mesh* mesh = makeSample();
     EXPECT_EQ(saveRkfPath(mesh, "no such folder/x.rkf", 0), 0);
-    EXPECT_EQ(loadRkfPath(mesh, "no such folder/x.rkf"), 0);
+    EXPECT_EQ(LoadRkfFile(mesh, "no such folder/x.rkf"), 0);
     EXPECT_TRUE(recorded.boxes.empty());
     freeMesh(mesh);
 }

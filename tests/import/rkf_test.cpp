@@ -28,7 +28,7 @@ static const std::string sample = words({ 4, 2, 2, 96 }) + fourPositions + words
 static void expectRefused(const std::string& bytes, const char* why)
 {
     resetRecording();
-    LoadedMesh loaded(loadRkfPath, bytes);
+    LoadedMesh loaded(LoadRkfFile, bytes);
     EXPECT_EQ(loaded.result, 0) << why;
     ASSERT_EQ(recorded.boxes.size(), 1u) << why;
     EXPECT_EQ(recorded.boxes[0], (RecordedBox{ "File Error", "Error", iconNone })) << why;
@@ -37,7 +37,7 @@ static void expectRefused(const std::string& bytes, const char* why)
 
 TEST_F(Rkf, ReadsTheWholeLayout)
 {
-    LoadedMesh loaded(loadRkfPath, sample);
+    LoadedMesh loaded(LoadRkfFile, sample);
     ASSERT_EQ(loaded.result, 1);
     expectSound(loaded.mesh);
     EXPECT_TRUE(recorded.boxes.empty());
@@ -60,7 +60,7 @@ TEST_F(Rkf, ReadsTheWholeLayout)
 
 TEST_F(Rkf, TheLastCornerReadDecidesAVertexCoordinate)
 {
-    LoadedMesh loaded(loadRkfPath, sample);
+    LoadedMesh loaded(LoadRkfFile, sample);
     ASSERT_EQ(loaded.result, 1);
     EXPECT_EQ(loaded->uvs[0].u, 0);
     EXPECT_EQ(loaded->uvs[1].u, 16384 * (1 / 32767.0f)); // the triangle, not the quad
@@ -70,7 +70,7 @@ TEST_F(Rkf, TheLastCornerReadDecidesAVertexCoordinate)
 
 TEST_F(Rkf, MaterialsAreCopiedByteForByteAndNumbered)
 {
-    LoadedMesh loaded(loadRkfPath, sample);
+    LoadedMesh loaded(LoadRkfFile, sample);
     ASSERT_EQ(loaded.result, 1);
     ASSERT_EQ(loaded->materialCount, 2);
     EXPECT_STREQ(loaded->materialNames[0], "mat1");
@@ -86,7 +86,7 @@ TEST_F(Rkf, OtherMaterialSizesLoadWithoutMaterials)
     {
         std::string bytes = sample;
         bytes.replace(12, 4, words({ size }));
-        LoadedMesh loaded(loadRkfPath, bytes);
+        LoadedMesh loaded(LoadRkfFile, bytes);
         ASSERT_EQ(loaded.result, 1) << size;
         expectSound(loaded.mesh);
         EXPECT_EQ(loaded->materialCount, 0);
@@ -95,7 +95,7 @@ TEST_F(Rkf, OtherMaterialSizesLoadWithoutMaterials)
         EXPECT_STREQ(loaded->materialNames[0], "Preview");
     }
     std::string many = words({ 4, 1, 2000000000, 40 }) + fourPositions + words({ 0, 1, 2, 3 }) + noCoords;
-    LoadedMesh loaded(loadRkfPath, many);
+    LoadedMesh loaded(LoadRkfFile, many);
     EXPECT_EQ(loaded.result, 1);
 }
 
@@ -121,7 +121,7 @@ TEST_F(Rkf, AtMost512Materials)
     for (int i = 0; i < 513; ++i)
         materials += materialBytes(0, i);
     std::string faces = fourPositions + words({ 511u << 20, 1, 2, 3 }) + noCoords;
-    LoadedMesh loaded(loadRkfPath, words({ 4, 1, 512, 96 }) + faces + materials);
+    LoadedMesh loaded(LoadRkfFile, words({ 4, 1, 512, 96 }) + faces + materials);
     ASSERT_EQ(loaded.result, 1);
     expectSound(loaded.mesh);
     EXPECT_EQ(loaded->materialCount, 512);
@@ -144,13 +144,13 @@ TEST_F(Rkf, CornersMustBeVertices)
 
 TEST_F(Rkf, AbsentCornersStandInTheLastTwoSlots)
 {
-    LoadedMesh triangle(loadRkfPath, oneFace({ 0, 1, 2, noCorner }));
+    LoadedMesh triangle(LoadRkfFile, oneFace({ 0, 1, 2, noCorner }));
     ASSERT_EQ(triangle.result, 1);
     EXPECT_EQ(facesOf(triangle.mesh), "0 1 2 -1");
-    LoadedMesh segment(loadRkfPath, oneFace({ 0, 1, noCorner, noCorner }));
+    LoadedMesh segment(LoadRkfFile, oneFace({ 0, 1, noCorner, noCorner }));
     ASSERT_EQ(segment.result, 1);
     EXPECT_EQ(facesOf(segment.mesh), "0 1 -1 -1");
-    LoadedMesh gap(loadRkfPath, oneFace({ 0, 1, noCorner, 3 }));
+    LoadedMesh gap(LoadRkfFile, oneFace({ 0, 1, noCorner, 3 }));
     ASSERT_EQ(gap.result, 1);
     expectSound(gap.mesh);
     EXPECT_EQ(facesOf(gap.mesh), "0 1 -1 -1");
@@ -158,7 +158,7 @@ TEST_F(Rkf, AbsentCornersStandInTheLastTwoSlots)
 
 TEST_F(Rkf, GroupBitsOfTheFirstCornerAreIgnored)
 {
-    LoadedMesh loaded(loadRkfPath, oneFace({ 0xE0000000u | 2, 1, 0, 3 }));
+    LoadedMesh loaded(LoadRkfFile, oneFace({ 0xE0000000u | 2, 1, 0, 3 }));
     ASSERT_EQ(loaded.result, 1);
     EXPECT_EQ(facesOf(loaded.mesh), "2 1 0 3");
     EXPECT_EQ(loaded->faceAttributes[0], 0u);
@@ -166,7 +166,7 @@ TEST_F(Rkf, GroupBitsOfTheFirstCornerAreIgnored)
 
 TEST_F(Rkf, PositionsAreSanitized)
 {
-    LoadedMesh loaded(loadRkfPath, words({ 2, 0, 0, 96, bitsOf(NAN), bitsOf(3), bitsOf(INFINITY), bitsOf(1e30f),
+    LoadedMesh loaded(LoadRkfFile, words({ 2, 0, 0, 96, bitsOf(NAN), bitsOf(3), bitsOf(INFINITY), bitsOf(1e30f),
                                            bitsOf(-1048575), bitsOf(1e-40f) }));
     ASSERT_EQ(loaded.result, 1);
     EXPECT_EQ(positionOf(loaded.mesh, 0), "0 3 0");
@@ -177,7 +177,7 @@ TEST_F(Rkf, PositionsAreSanitized)
 
 TEST_F(Rkf, EmptyMeshLoads)
 {
-    LoadedMesh loaded(loadRkfPath, words({ 0, 0, 0, 96 }));
+    LoadedMesh loaded(LoadRkfFile, words({ 0, 0, 0, 96 }));
     EXPECT_EQ(loaded.result, 1);
     EXPECT_EQ(loaded->vertexCount, 0);
     expectRefused("", "no bytes");
@@ -200,17 +200,17 @@ TEST_F(Rkf, DialogReportsAFileThatIsNone)
 
 TEST_F(Rkf, CutAnywhereIsRefused)
 {
-    loadEveryCut(loadRkfPath, sample);
+    loadEveryCut(LoadRkfFile, sample);
     for (size_t length : { size_t{ 16 }, sample.size() - 192, sample.size() - 1 })
         expectRefused(sample.substr(0, length), "cut");
 }
 
 TEST_F(Rkf, DamageIsReadOrRefused)
 {
-    loadCorrupted(loadRkfPath, sample, std::string("\0\1\2\3\4\x7f\x80\xff", 8), 2000);
+    loadCorrupted(LoadRkfFile, sample, std::string("\0\1\2\3\4\x7f\x80\xff", 8), 2000);
 }
 
 TEST_F(Rkf, RefusedMemoryFailsWithoutLeaks)
 {
-    loadWithRefusals(loadRkfPath, sample);
+    loadWithRefusals(LoadRkfFile, sample);
 }

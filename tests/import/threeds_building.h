@@ -3,7 +3,6 @@
 #pragma once
 #include "import/threeds/threeds.h"
 #include "import/threeds/parts.h"
-#include "model/settings.h"
 #include "tests/import/loading.h"
 
 #include <math.h>
@@ -16,18 +15,12 @@ inline const RecordedBox refusal = { "Unable to read file", "Error", iconNone };
 
 class ThreeDsReader : public CleanTest
 {
-protected:
-    void SetUp() override
-    {
-        CleanTest::SetUp();
-        renderSettings.keyframes3ds = 1;
-    }
-    void TearDown() override
-    {
-        CleanTest::TearDown();
-        renderSettings.keyframes3ds = 1;
-    }
 };
+
+inline int loadWithoutKeyframes(Mesh* mesh, const char* path)
+{
+    return Load3dsFile(mesh, path, false);
+}
 
 // Building files
 

@@ -106,8 +106,7 @@ TEST_F(ThreeDsReader, PivotsMoveObjectsInTheirOwnFrame)
 
 TEST_F(ThreeDsReader, WithoutKeyframesTheVerticesAreThoseOfTheFile)
 {
-    renderSettings.keyframes3ds = 0;
-    LoadedMesh loaded(Load3dsFile, file(object("o", square), node("o", 1, 2, 3)));
+    LoadedMesh loaded(loadWithoutKeyframes, file(object("o", square), node("o", 1, 2, 3)));
     ASSERT_EQ(loaded.result, 1);
     EXPECT_EQ(positionInFile(loaded.mesh, 2), "1 1 0");
 }
@@ -137,8 +136,7 @@ TEST_F(ThreeDsReader, AnObjectWithoutAPivotKeepsItsVerticesBitForBitWhateverItsF
     std::string frame = matrixChunk({ 0.6f, 0.8f, 0, -0.8f, 0.6f, 0, 0, 0, 1, 1234.56f, 2345.67f, 34.5f });
     std::string body = object("o", vertices({ 1200.1f, 2000.3f, 0.7f, 1201.1f, 2000.3f, 0.7f }) + frame);
     LoadedMesh loaded(Load3dsFile, file(body, node("o", 0, 0, 0)));
-    renderSettings.keyframes3ds = 0;
-    LoadedMesh still(Load3dsFile, file(body));
+    LoadedMesh still(loadWithoutKeyframes, file(body));
     ASSERT_EQ(loaded.result + still.result, 2);
     for (int32_t i = 0; i < 2; ++i)
         EXPECT_EQ(memcmp(loaded->vertices[i].position, still->vertices[i].position, sizeof(float[3])), 0) << i;

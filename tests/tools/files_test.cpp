@@ -79,8 +79,7 @@ TEST(ToolsOnFiles, EveryToolLeavesEveryModelSoundAndTheSameToolHasNothingLeftToD
         resetRecording();
         int blocks = recorded.liveBlocks;
         MeshPointer mesh(createMesh("prop"));
-        char shortName[shortNameRoom];
-        if (!readModelFile(mesh.get(), file.c_str(), shortName, 0))
+        if (!readModelFile(mesh.get(), file.c_str(), {}))
             continue;
         ++opened;
         expectSound(mesh.get(), file);
