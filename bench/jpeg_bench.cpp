@@ -5,6 +5,7 @@
 // of low frequency.
 #include "image/jpeg.h"
 #include "jpeg_builder.h"
+#include "platform/processor.h"
 
 #include <benchmark/benchmark.h>
 #include <stdlib.h>
@@ -96,10 +97,10 @@ static void countPixels(benchmark::State& state, Kind kind, const Bytes& file)
     state.counters["bits/pixel"] = static_cast<double>(file.size()) * 8 / pixels;
 }
 
-static void decodeOurs(benchmark::State& state, Kind kind, int plain)
+static void decodeOurs(benchmark::State& state, Kind kind, KernelLevel highest)
 {
     const Bytes& file = picture(kind);
-    jpegPlainOnly = plain;
+    limitKernelLevel(highest);
     for (auto _ : state)
     {
         Image image;
@@ -108,7 +109,7 @@ static void decodeOurs(benchmark::State& state, Kind kind, int plain)
         benchmark::DoNotOptimize(image.pixels);
         free(image.pixels);
     }
-    jpegPlainOnly = 0;
+    limitKernelLevel(kernelsAvx512);
     countPixels(state, kind, file);
 }
 
@@ -156,18 +157,18 @@ static void decodeTurbo(benchmark::State& state, Kind kind)
 #define BESIDE_TURBO(name, kind) static_assert(true)
 #endif
 
-BENCHMARK_CAPTURE(decodeOurs, 420, kind420, 0)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(decodeOurs, 420_plain, kind420, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(decodeOurs, 420, kind420, kernelsAvx512)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(decodeOurs, 420_plain, kind420, kernelsPlain)->Unit(benchmark::kMillisecond);
 BESIDE_STB(420, kind420);
 BESIDE_TURBO(420, kind420);
-BENCHMARK_CAPTURE(decodeOurs, 420_large, kind420Large, 0)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(decodeOurs, 420_large, kind420Large, kernelsAvx512)->Unit(benchmark::kMillisecond);
 BESIDE_STB(420_large, kind420Large);
 BESIDE_TURBO(420_large, kind420Large);
-BENCHMARK_CAPTURE(decodeOurs, 444, kind444, 0)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(decodeOurs, 444_plain, kind444, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(decodeOurs, 444, kind444, kernelsAvx512)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(decodeOurs, 444_plain, kind444, kernelsPlain)->Unit(benchmark::kMillisecond);
 BESIDE_STB(444, kind444);
 BESIDE_TURBO(444, kind444);
-BENCHMARK_CAPTURE(decodeOurs, grey, kindGrey, 0)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(decodeOurs, grey_plain, kindGrey, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(decodeOurs, grey, kindGrey, kernelsAvx512)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(decodeOurs, grey_plain, kindGrey, kernelsPlain)->Unit(benchmark::kMillisecond);
 BESIDE_STB(grey, kindGrey);
 BESIDE_TURBO(grey, kindGrey);

@@ -12,7 +12,8 @@ int runDecode(const Arguments& arguments)
     const char* path = arguments.inputs[0].c_str();
     Image image = {};
     int opened = 0;
-    if (!loadTextureFile(path, &image, &opened))
+    JpegOutput described;
+    if (!loadTextureFile(path, &image, &opened, &described))
     {
         if (!opened)
             fprintf(stderr, "kbx: cannot read %s\n", path);
@@ -20,7 +21,7 @@ int runDecode(const Arguments& arguments)
     }
     OutputFile output = {};
     int ok = openOutput(&output, arguments.output.c_str()) &&
-             commitOutput(&output, writeDebugBmpTo(output.file, jpegOutput, image.pixels));
+             commitOutput(&output, writeDebugBmpTo(output.file, described, image.pixels));
     free(image.pixels);
     return ok ? 0 : 1;
 }

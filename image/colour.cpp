@@ -1,15 +1,18 @@
 // image/colour.cpp - component rows to words 0x00RRGGBB
 //
-// Chroma weights have 16 fractional bits: Cr to red 1.402, Cb to blue 1.772, Cr and Cb to green -0.71414 and -0.34414.
+// red = Y + 1.402 Cr, green = Y - 0.71414 Cr - 0.34414 Cb, blue = Y + 1.772 Cb, where Cr and Cb are samples - 128.
 #include "image/colour.h"
 
-#include "image/kernels.h"
+#include "image/vectors.h"
 
-#ifdef JPEG_SSE2
-#include <immintrin.h>
-#endif
+// A weight with 16 fractional bits.
+static constexpr int32_t weight(double x)
+{
+    return static_cast<int32_t>(x * 65536 + 0.5);
+}
 
-constexpr int32_t redFromCr = 91881, blueFromCb = 116130, greenFromCr = -46802, greenFromCb = -22554;
+constexpr int32_t redFromCr = weight(1.402), blueFromCb = weight(1.772);
+constexpr int32_t greenFromCr = -weight(0.71414), greenFromCb = -weight(0.34414);
 constexpr int32_t half = 32768;
 
 struct ColourTables
@@ -34,35 +37,35 @@ static constexpr ColourTables makeTables()
 
 static constexpr ColourTables tables = makeTables();
 
-ColourSpace fileColourSpace()
+ColourSpace fileColourSpace(const JpegState& state)
 {
-    const Component* c = jpeg.components;
-    switch (jpeg.componentCount)
+    const Component* c = state.components;
+    switch (state.componentCount)
     {
     case 1: return colourGrey;
     case 3:
-        if (jpeg.jfifSeen)
+        if (state.jfifSeen)
             return colourYcc;
-        if (jpeg.adobeSeen)
-            return jpeg.adobeTransform == 0 ? colourRgb : colourYcc;
+        if (state.adobeSeen)
+            return state.adobeTransform == 0 ? colourRgb : colourYcc;
         return c[0].id == 'R' && c[1].id == 'G' && c[2].id == 'B' ? colourRgb : colourYcc;
-    case 4: return jpeg.adobeSeen && jpeg.adobeTransform != 0 ? colourYcck : colourCmyk;
+    case 4: return state.adobeSeen && state.adobeTransform != 0 ? colourYcck : colourCmyk;
     default: return colourUnknown;
     }
 }
 
-int setUpColour()
+bool colourFits(const JpegState& state)
 {
-    switch (jpeg.colourSpace)
+    switch (state.colourSpace)
     {
-    case colourGrey: return jpeg.componentCount == 1;
+    case colourGrey: return state.componentCount == 1;
     case colourRgb:
-    case colourYcc: return jpeg.componentCount == 3;
+    case colourYcc: return state.componentCount == 3;
     case colourCmyk:
-    case colourYcck: return jpeg.componentCount == 4;
+    case colourYcck: return state.componentCount == 4;
     case colourUnknown: break;
     }
-    return 0;
+    return false;
 }
 
 static uint32_t clampByte(int32_t x)
@@ -93,7 +96,7 @@ void convertGrey(uint32_t* words, const uint8_t* grey, int32_t n)
         words[i] = grey[i] * 0x10101u;
 }
 
-// The key is added to the others, on purpose: files with four components are mostly stored inverted.
+// Samples are amounts of ink: the pixel keeps what the ink of its colour and the black ink leave of 255.
 static void convertCmyk(uint32_t* words, const uint8_t* const* rows, int32_t n)
 {
     for (int32_t i = 0; i < n; ++i)
@@ -104,13 +107,13 @@ static void convertCmyk(uint32_t* words, const uint8_t* const* rows, int32_t n)
     }
 }
 
-void convertRow(uint32_t* words, const uint8_t* const* rows)
+void convertRow(const JpegState& state, uint32_t* words, const uint8_t* const* rows)
 {
-    int32_t n = jpeg.width;
-    switch (jpeg.colourSpace)
+    int32_t n = state.width;
+    switch (state.colourSpace)
     {
-    case colourGrey: jpeg.kernels->grey(words, rows[0], n); break;
-    case colourYcc: jpeg.kernels->ycc(words, rows[0], rows[1], rows[2], n); break;
+    case colourGrey: state.kernels.grey(words, rows[0], n); break;
+    case colourYcc: state.kernels.ycc(words, rows[0], rows[1], rows[2], n); break;
     case colourRgb:
         for (int32_t i = 0; i < n; ++i)
             words[i] = packed(rows[0][i], rows[1][i], rows[2][i]);
@@ -126,32 +129,20 @@ void convertRow(uint32_t* words, const uint8_t* const* rows)
 
 #ifdef JPEG_SSE2
 
-#define SSE2 __attribute__((target("sse2")))
-
-SSE2 static inline __m128i widen8(const uint8_t* bytes)
-{
-    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes)), _mm_setzero_si128());
-}
-
-SSE2 static inline __m128i pair(int32_t a, int32_t b)
-{
-    return _mm_set1_epi32(static_cast<int32_t>(static_cast<uint32_t>(b) << 16 | (static_cast<uint32_t>(a) & 0xFFFF)));
-}
-
 // (a x + b y + half) >> 16 for eight lanes of interleaved pairs x y.
-SSE2 static inline __m128i weigh(__m128i low, __m128i high, __m128i weights)
+inlineSse2 __m128i weighSse2(__m128i low, __m128i high, __m128i weights)
 {
     const __m128i round = _mm_set1_epi32(half);
     return _mm_packs_epi32(_mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(low, weights), round), 16),
                            _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(high, weights), round), 16));
 }
 
-// The weights are out of a 16-bit factor's reach; whole multiples of 65536 are added outside the shift.
-SSE2 void convertYccSse2(uint32_t* words, const uint8_t* y, const uint8_t* cb, const uint8_t* cr, int32_t n)
+// The weights do not fit in a 16-bit factor; their whole multiples of 65536 are added outside the shift.
+withSse2 void convertYccSse2(uint32_t* words, const uint8_t* y, const uint8_t* cb, const uint8_t* cr, int32_t n)
 {
     const __m128i middle = _mm_set1_epi16(128), zero = _mm_setzero_si128();
-    const __m128i redWeight = pair(0, redFromCr - 65536), blueWeight = pair(blueFromCb - 2 * 65536, 0);
-    const __m128i greenWeight = pair(greenFromCb, greenFromCr + 65536);
+    const __m128i redWeight = pairSse2(0, redFromCr - 65536), blueWeight = pairSse2(blueFromCb - 2 * 65536, 0);
+    const __m128i greenWeight = pairSse2(greenFromCb, greenFromCr + 65536);
     int32_t i = 0;
     for (; i + 8 <= n; i += 8)
     {
@@ -159,9 +150,9 @@ SSE2 void convertYccSse2(uint32_t* words, const uint8_t* y, const uint8_t* cb, c
         __m128i b = _mm_sub_epi16(widen8(cb + i), middle);
         __m128i r = _mm_sub_epi16(widen8(cr + i), middle);
         __m128i low = _mm_unpacklo_epi16(b, r), high = _mm_unpackhi_epi16(b, r);
-        __m128i red = _mm_add_epi16(_mm_add_epi16(luma, r), weigh(low, high, redWeight));
-        __m128i green = _mm_add_epi16(_mm_sub_epi16(luma, r), weigh(low, high, greenWeight));
-        __m128i blue = _mm_add_epi16(_mm_add_epi16(luma, _mm_add_epi16(b, b)), weigh(low, high, blueWeight));
+        __m128i red = _mm_add_epi16(_mm_add_epi16(luma, r), weighSse2(low, high, redWeight));
+        __m128i green = _mm_add_epi16(_mm_sub_epi16(luma, r), weighSse2(low, high, greenWeight));
+        __m128i blue = _mm_add_epi16(_mm_add_epi16(luma, _mm_add_epi16(b, b)), weighSse2(low, high, blueWeight));
         __m128i blueGreen = _mm_unpacklo_epi8(_mm_packus_epi16(blue, blue), _mm_packus_epi16(green, green));
         __m128i redZero = _mm_unpacklo_epi8(_mm_packus_epi16(red, red), zero);
         _mm_storeu_si128(reinterpret_cast<__m128i*>(words + i), _mm_unpacklo_epi16(blueGreen, redZero));
@@ -170,7 +161,7 @@ SSE2 void convertYccSse2(uint32_t* words, const uint8_t* y, const uint8_t* cb, c
     convertYcc(words + i, y + i, cb + i, cr + i, n - i);
 }
 
-SSE2 void convertGreySse2(uint32_t* words, const uint8_t* grey, int32_t n)
+withSse2 void convertGreySse2(uint32_t* words, const uint8_t* grey, int32_t n)
 {
     const __m128i zero = _mm_setzero_si128();
     int32_t i = 0;
@@ -184,16 +175,14 @@ SSE2 void convertGreySse2(uint32_t* words, const uint8_t* grey, int32_t n)
     convertGrey(words + i, grey + i, n - i);
 }
 
-#define withAvx2 __attribute__((target("avx2")))
-
-withAvx2 static inline __m256i widen16(const uint8_t* bytes)
+inlineAvx2 __m256i widen16(const uint8_t* bytes)
 {
     return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)));
 }
 
-withAvx2 static inline __m256i weigh(__m256i low, __m256i high, int32_t cbWeight, int32_t crWeight)
+inlineAvx2 __m256i weighAvx2(__m256i low, __m256i high, int32_t cbWeight, int32_t crWeight)
 {
-    const __m256i round = _mm256_set1_epi32(half), weights = _mm256_broadcastsi128_si256(pair(cbWeight, crWeight));
+    const __m256i round = _mm256_set1_epi32(half), weights = _mm256_broadcastsi128_si256(pairSse2(cbWeight, crWeight));
     return _mm256_packs_epi32(_mm256_srai_epi32(_mm256_add_epi32(_mm256_madd_epi16(low, weights), round), 16),
                               _mm256_srai_epi32(_mm256_add_epi32(_mm256_madd_epi16(high, weights), round), 16));
 }
@@ -209,10 +198,11 @@ withAvx2 void convertYccAvx2(uint32_t* words, const uint8_t* y, const uint8_t* c
         __m256i b = _mm256_sub_epi16(widen16(cb + i), middle);
         __m256i r = _mm256_sub_epi16(widen16(cr + i), middle);
         __m256i low = _mm256_unpacklo_epi16(b, r), high = _mm256_unpackhi_epi16(b, r);
-        __m256i red = _mm256_add_epi16(_mm256_add_epi16(luma, r), weigh(low, high, 0, redFromCr - 65536));
-        __m256i green = _mm256_add_epi16(_mm256_sub_epi16(luma, r), weigh(low, high, greenFromCb, greenFromCr + 65536));
+        __m256i red = _mm256_add_epi16(_mm256_add_epi16(luma, r), weighAvx2(low, high, 0, redFromCr - 65536));
+        __m256i green =
+            _mm256_add_epi16(_mm256_sub_epi16(luma, r), weighAvx2(low, high, greenFromCb, greenFromCr + 65536));
         __m256i blue = _mm256_add_epi16(_mm256_add_epi16(luma, _mm256_add_epi16(b, b)),
-                                        weigh(low, high, blueFromCb - 2 * 65536, 0));
+                                        weighAvx2(low, high, blueFromCb - 2 * 65536, 0));
         __m256i blueGreen = _mm256_unpacklo_epi8(_mm256_packus_epi16(blue, blue), _mm256_packus_epi16(green, green));
         __m256i redZero = _mm256_unpacklo_epi8(_mm256_packus_epi16(red, red), zero);
         __m256i first = _mm256_unpacklo_epi16(blueGreen, redZero), second = _mm256_unpackhi_epi16(blueGreen, redZero);

@@ -1,98 +1,88 @@
-// image/decoder.cpp - one picture from its headers to its pixels
+// image/decoder.cpp - one image from its headers to its pixels
 //
-// Rows come from the top of the picture and go to the end of the block first. An output row asks for the iMCU row that
-// holds its samples; where a component needs the rows around, two iMCU rows are held and the next one is decoded
-// before the last row group of this one is used.
-#include "image/decoder.h"
+// The file stores rows from the top, and the first row goes to the end of the pixel block. An output row needs the iMCU
+// row that holds its samples. Where a component also needs the rows above and below, the decoder holds two iMCU rows
+// and decodes the next one before it uses the last row group of this one.
+#include "image/jpeg.h"
 
 #include "image/colour.h"
 #include "image/entropy.h"
-#include "image/kernels.h"
 #include "image/markers.h"
 #include "image/pool.h"
+#include "image/source.h"
 #include "image/upsample.h"
+#include "platform/large_blocks.h"
 #include "platform/processor.h"
 
 #include <stdlib.h>
-#include <string.h>
 
-JpegState jpeg;
-JpegOutput jpegOutput;
-int jpegPlainOnly;
+int progressiveRefused;
+const JpegHeap jpegSystemHeap = { calloc, allocateLarge };
 
 constexpr int32_t groupsPerImcuRow = 8;
 
-// What a header may announce. A byte of entropy-coded data makes up to 455 pixels (a scan's block takes two bits, and
-// at most 1024 pixels share 9 blocks); a picture beyond that is one whose data ends early. Up to 16 Mi pixels it is
-// made all the same, the missing part grey; beyond, memory must have some relation to the file.
-constexpr int64_t pixelsAlways = int64_t{ 1 } << 24;
-constexpr int64_t pixelsPerByte = 512;
+// What a header may announce. A byte of entropy-coded data makes up to 455 pixels: a block takes at least two bits, and
+// at most 1024 pixels share 9 blocks. The data of a larger image ends early. The decoder makes it all the same up to
+// 16 Mi pixels, with the missing part grey; beyond that the file must be large enough to justify the memory.
+constexpr int64_t alwaysPixelLimit = int64_t{ 1 } << 24;
+constexpr int64_t pixelsPerByteLimit = 512;
 
-JpegKernels chooseKernels(int plain)
+static bool allocatePixels(const JpegState& state, Image* image)
 {
-#ifdef JPEG_SSE2
-    static const uint32_t features = processorFeatures();
-    static const bool avx2 = processorHasAvx2() != 0;
-    if (!plain && (features & processorSse2))
-        return { inverseDctSse2,   avx2 ? inverseDctPairAvx2 : inverseDctPairSse2, triangleH2Sse2,
-                 triangleH2V2Sse2, avx2 ? convertYccAvx2 : convertYccSse2,         convertGreySse2 };
-#endif
-    (void)plain;
-    return { inverseDct, inverseDctPair, triangleH2, triangleH2V2, convertYcc, convertGrey };
-}
-
-static int allocatePixels(Image* image)
-{
-    int64_t pixels = int64_t{ jpeg.width } * jpeg.height;
-    int64_t fileBytes = jpegSource.totalBytes > 0 ? jpegSource.totalBytes : 0;
-    if (pixels > pixelsAlways && pixels / pixelsPerByte > fileBytes)
-        return 0;
+    int64_t pixels = int64_t{ state.width } * state.height;
+    int64_t fileBytes = state.source.totalBytes > 0 ? state.source.totalBytes : 0;
+    if (pixels > alwaysPixelLimit && pixels / pixelsPerByteLimit > fileBytes)
+        return false;
     if (static_cast<uint64_t>(pixels) > PTRDIFF_MAX / sizeof(uint32_t))
-        return 0;
-    image->pixels = static_cast<uint32_t*>(jpegPixelHeap(static_cast<size_t>(pixels) * sizeof(uint32_t)));
+        return false;
+    image->pixels = static_cast<uint32_t*>(state.heap.pixels(static_cast<size_t>(pixels) * sizeof(uint32_t)));
     if (!image->pixels)
-        return 0;
-    image->width = jpeg.width;
-    image->height = jpeg.height;
-    return 1;
+        return false;
+    image->width = state.width;
+    image->height = state.height;
+    return true;
 }
 
-static int allocateRows(Component* component)
+static bool allocateRows(JpegState* state, Component* component)
 {
-    component->rowStride = component->widthBlocks * 8 + rowLead + rowSlack;
-    component->rowsHeld = component->v * 8 * (jpeg.contextRows ? 2 : 1);
-    auto* rows = static_cast<uint8_t*>(
-        poolAlloc(static_cast<uint64_t>(int64_t{ component->rowStride } * component->rowsHeld + rowSlack)));
-    int32_t lineBytes = ceilDivide(jpeg.width, jpeg.maxH) * jpeg.maxH + rowSlack;
-    component->line = static_cast<uint8_t*>(poolAlloc(static_cast<uint64_t>(lineBytes)));
-    component->sums =
-        static_cast<int16_t*>(poolAlloc(sizeof(int16_t) * static_cast<uint64_t>(component->downWidth + rowSlack)));
-    if (!rows || !component->line || !component->sums)
-        return 0;
-    component->rows = rows + rowLead;
-    return 1;
+    component->rowStride = component->widthBlocks * 8 + rowPaddingBefore + rowPaddingAfter;
+    component->rowsHeld = component->v * 8 * (state->contextRows ? 2 : 1);
+    auto* rows = static_cast<uint8_t*>(poolAlloc(
+        state, static_cast<uint64_t>(int64_t{ component->rowStride } * component->rowsHeld + rowPaddingAfter)));
+    int32_t upsampledBytes = ceilDivide(state->width, state->maxH) * state->maxH + rowPaddingAfter;
+    component->upsampled = static_cast<uint8_t*>(poolAlloc(state, static_cast<uint64_t>(upsampledBytes)));
+    component->sums = static_cast<int16_t*>(
+        poolAlloc(state, sizeof(int16_t) * static_cast<uint64_t>(component->downWidth + rowPaddingAfter)));
+    if (!rows || !component->upsampled || !component->sums)
+        return false;
+    component->rows = rows + rowPaddingBefore;
+    return true;
 }
 
-static int setUpScan()
+// A scan of one component has one block in an MCU, whatever the component's factors.
+static void setUpLoneScan(JpegState* state)
 {
-    if (jpeg.scanCount == 1)
+    Component* component = state->scan[0];
+    state->mcusPerRow = component->widthBlocks;
+    component->mcuWidth = component->mcuHeight = component->lastColumnBlocks = 1;
+    int32_t rest = component->heightBlocks % component->v;
+    component->lastRowBlocks = rest ? rest : component->v;
+    state->mcuBlocks = 1;
+    state->blockOwner[0] = 0;
+}
+
+static bool setUpScan(JpegState* state)
+{
+    if (state->scanCount == 1)
     {
-        Component* component = jpeg.scan[0];
-        jpeg.mcusPerRow = component->widthBlocks;
-        jpeg.mcuRows = component->heightBlocks;
-        component->mcuWidth = component->mcuHeight = component->lastColumnBlocks = 1;
-        int32_t rest = component->heightBlocks % component->v;
-        component->lastRowBlocks = rest ? rest : component->v;
-        jpeg.mcuBlocks = 1;
-        jpeg.blockOwner[0] = 0;
-        return 1;
+        setUpLoneScan(state);
+        return true;
     }
-    jpeg.mcusPerRow = ceilDivide(jpeg.width, 8 * jpeg.maxH);
-    jpeg.mcuRows = ceilDivide(jpeg.height, 8 * jpeg.maxV);
-    jpeg.mcuBlocks = 0;
-    for (int32_t i = 0; i < jpeg.scanCount; ++i)
+    state->mcusPerRow = ceilDivide(state->width, 8 * state->maxH);
+    state->mcuBlocks = 0;
+    for (int32_t i = 0; i < state->scanCount; ++i)
     {
-        Component* component = jpeg.scan[i];
+        Component* component = state->scan[i];
         component->mcuWidth = component->h;
         component->mcuHeight = component->v;
         int32_t restAcross = component->widthBlocks % component->h;
@@ -100,98 +90,108 @@ static int setUpScan()
         component->lastColumnBlocks = restAcross ? restAcross : component->h;
         component->lastRowBlocks = restDown ? restDown : component->v;
         int32_t blocks = component->h * component->v;
-        if (jpeg.mcuBlocks + blocks > mcuBlocksMax)
-            return 0;
+        if (state->mcuBlocks + blocks > mcuBlockLimit)
+            return false;
         while (blocks-- > 0)
-            jpeg.blockOwner[jpeg.mcuBlocks++] = i;
+            state->blockOwner[state->mcuBlocks++] = i;
     }
-    return 1;
+    return true;
 }
 
-static int copyQuantTable(Component* component)
+static bool copyQuantTable(JpegState* state, Component* component)
 {
-    if (component->quantIndex < 0 || component->quantIndex > 3 || !jpeg.quantTables[component->quantIndex])
-        return 0;
-    component->quant = static_cast<QuantTable*>(poolAlloc(sizeof(QuantTable)));
+    if (component->quantIndex >= tableLimit || !state->quantTables[component->quantIndex])
+        return false;
+    component->quant = static_cast<QuantTable*>(poolAlloc(state, sizeof(QuantTable)));
     if (!component->quant)
-        return 0;
-    *component->quant = *jpeg.quantTables[component->quantIndex];
-    for (int32_t i = 0; i < blockSize; ++i)
+        return false;
+    *component->quant = *state->quantTables[component->quantIndex];
+    for (int32_t i = 0; i < blockCoefficients; ++i)
     {
         component->quant->low[i] = static_cast<int16_t>(component->quant->entries[i]);
-        component->quant->beyond16 |= i < 8 && component->quant->entries[i] > INT16_MAX;
+        if (i < 8 && component->quant->entries[i] > INT16_MAX)
+            component->quant->beyond16 = true;
     }
-    return 1;
+    return true;
 }
 
-static HuffmanTable* makeLookup(int isDc, int32_t number)
+// The table of a number (0-3) ready for decoding, or null when there is none, when it is bad, or without memory.
+static HuffmanTable* makeLookup(JpegState* state, bool isDc, int32_t number)
 {
-    auto* table = static_cast<HuffmanTable*>(poolAlloc(sizeof(HuffmanTable)));
-    return table && buildHuffmanTable(isDc, number, table) ? table : nullptr;
+    const StoredHuffman* stored = nullptr;
+    if (number < tableLimit)
+        stored = isDc ? state->dcTables[number] : state->acTables[number];
+    if (!stored)
+        return nullptr;
+    auto* table = static_cast<HuffmanTable*>(poolAlloc(state, sizeof(HuffmanTable)));
+    return table && buildHuffmanTable(isDc, *stored, table) ? table : nullptr;
 }
 
-static int setUpScanTables()
+static bool setUpScanTables(JpegState* state)
 {
-    for (int32_t i = 0; i < jpeg.scanCount; ++i)
-        if (!copyQuantTable(jpeg.scan[i]))
-            return 0;
-    for (int32_t i = 0; i < jpeg.scanCount; ++i)
+    for (int32_t i = 0; i < state->scanCount; ++i)
+        if (!copyQuantTable(state, state->scan[i]))
+            return false;
+    for (int32_t i = 0; i < state->scanCount; ++i)
     {
-        jpeg.dcLookup[i] = makeLookup(1, jpeg.scan[i]->dcIndex);
-        jpeg.acLookup[i] = makeLookup(0, jpeg.scan[i]->acIndex);
-        if (!jpeg.dcLookup[i] || !jpeg.acLookup[i])
-            return 0;
+        state->dcLookup[i] = makeLookup(state, true, state->scan[i]->dcIndex);
+        state->acLookup[i] = makeLookup(state, false, state->scan[i]->acIndex);
+        if (!state->dcLookup[i] || !state->acLookup[i])
+            return false;
     }
-    return 1;
+    return true;
 }
 
-static int startDecompression(Image* image)
+// Arithmetic coding is refused before progressive coding: progressiveRefused promises that the rest could be decoded.
+static bool startDecompression(JpegState* state, Image* image)
 {
-    jpeg.colourSpace = fileColourSpace();
-    jpeg.fancyUpsampling = 1;
-    if (!setUpColour() || !selectUpsamplers() || jpeg.arithmetic)
-        return 0;
-    if (jpeg.progressive)
+    state->colourSpace = fileColourSpace(*state);
+    if (!colourFits(*state) || !selectUpsamplers(state) || state->arithmetic)
+        return false;
+    if (state->progressive)
     {
         progressiveRefused = 1;
-        return 0;
+        return false;
     }
-    for (int32_t i = 0; i < jpeg.componentCount; ++i)
-        if (!allocateRows(&jpeg.components[i]))
-            return 0;
-    return setUpScan() && setUpScanTables() && startEntropy() && allocatePixels(image);
+    for (int32_t i = 0; i < state->componentCount; ++i)
+        if (!allocateRows(state, &state->components[i]))
+            return false;
+    return setUpScan(state) && setUpScanTables(state) && startEntropy(state) && allocatePixels(*state, image);
 }
 
-// Blocks go to the inverse DCT in pairs: the first of two waits here. They live until the next MCU is decoded.
+// Blocks go to the inverse DCT in pairs; the first of a pair waits here. A block stays in place until the next MCU.
 struct IdctQueue
 {
     IdctTask tasks[2];
-    int32_t waiting = 0;
-
-    void add(const IdctTask& task)
-    {
-        tasks[waiting++] = task;
-        if (waiting == 2)
-            jpeg.kernels->idctPair(tasks);
-        waiting &= 1;
-    }
-    void finish() const
-    {
-        if (waiting)
-            jpeg.kernels->idct(tasks[0].block, *tasks[0].quant, tasks[0].out, tasks[0].strideBytes);
-    }
+    int32_t waiting;
 };
 
-// Samples of the MCU just decoded. mcuRow counts within the iMCU row, to which bufferRow is the component's first row.
-static void placeMcu(int32_t imcuRow, int32_t mcuRow, int32_t mcuColumn)
+static void addTask(IdctQueue* queue, const JpegKernels& kernels, const IdctTask& task)
+{
+    queue->tasks[queue->waiting++] = task;
+    if (queue->waiting == 2)
+        kernels.idctPair(queue->tasks);
+    queue->waiting &= 1;
+}
+
+static void finishTasks(const IdctQueue& queue, const JpegKernels& kernels)
+{
+    const IdctTask& task = queue.tasks[0];
+    if (queue.waiting)
+        kernels.idct(task.block, *task.quant, task.out, task.strideBytes);
+}
+
+// Makes the samples of the MCU just decoded. mcuRow counts within the iMCU row.
+static void placeMcu(JpegState* state, int32_t imcuRow, int32_t mcuRow, int32_t mcuColumn)
 {
     int32_t b = 0;
     IdctQueue queue;
-    int lastRow = imcuRow == jpeg.imcuRows - 1;
-    int lastColumn = mcuColumn == jpeg.mcusPerRow - 1;
-    for (int32_t i = 0; i < jpeg.scanCount; ++i)
+    queue.waiting = 0;
+    bool lastRow = imcuRow == state->imcuRows - 1;
+    bool lastColumn = mcuColumn == state->mcusPerRow - 1;
+    for (int32_t i = 0; i < state->scanCount; ++i)
     {
-        Component* component = jpeg.scan[i];
+        Component* component = state->scan[i];
         int32_t blocksAcross = lastColumn ? component->lastColumnBlocks : component->mcuWidth;
         int32_t blocksDown = lastRow ? component->lastRowBlocks : component->v;
         int32_t firstRow = imcuRow * component->v * 8 % component->rowsHeld;
@@ -203,93 +203,92 @@ static void placeMcu(int32_t imcuRow, int32_t mcuRow, int32_t mcuColumn)
                 uint8_t* out = component->rows +
                                static_cast<ptrdiff_t>(firstRow + (mcuRow + y) * 8) * component->rowStride +
                                (mcuColumn * component->mcuWidth + x) * 8;
-                if (jpeg.lastIndex[b] == 0)
-                    inverseDctFlat(jpeg.blocks[b][0], *component->quant, out, component->rowStride);
+                if (state->lastIndex[b] == 0)
+                    inverseDctFlat(state->blocks[b][0], *component->quant, out, component->rowStride);
                 else
-                    queue.add({ jpeg.blocks[b], component->quant, out, component->rowStride });
+                    addTask(&queue, state->kernels, { state->blocks[b], component->quant, out, component->rowStride });
             }
     }
-    queue.finish();
+    finishTasks(queue, state->kernels);
 }
 
-static int decodeImcuRow(int32_t imcuRow)
+static bool decodeImcuRow(JpegState* state, int32_t imcuRow)
 {
     int32_t mcuRows = 1;
-    if (jpeg.scanCount == 1)
-        mcuRows = imcuRow == jpeg.imcuRows - 1 ? jpeg.scan[0]->lastRowBlocks : jpeg.scan[0]->v;
+    if (state->scanCount == 1)
+        mcuRows = imcuRow == state->imcuRows - 1 ? state->scan[0]->lastRowBlocks : state->scan[0]->v;
     for (int32_t row = 0; row < mcuRows; ++row)
-        for (int32_t column = 0; column < jpeg.mcusPerRow; ++column)
+        for (int32_t column = 0; column < state->mcusPerRow; ++column)
         {
-            if (!decodeMcu())
-                return 0;
-            placeMcu(imcuRow, row, column);
+            if (!decodeMcu(state))
+                return false;
+            placeMcu(state, imcuRow, row, column);
         }
-    return 1;
+    return true;
 }
 
-static int decodeUpTo(int32_t imcuRow)
+static bool decodeUpTo(JpegState* state, int32_t imcuRow)
 {
-    for (; jpeg.nextImcuRow <= imcuRow; ++jpeg.nextImcuRow)
-        if (!decodeImcuRow(jpeg.nextImcuRow))
-            return 0;
-    return 1;
+    for (; state->nextImcuRow <= imcuRow; ++state->nextImcuRow)
+        if (!decodeImcuRow(state, state->nextImcuRow))
+            return false;
+    return true;
 }
 
-static int produceRow(int32_t y, uint32_t* words)
+static bool produceRow(JpegState* state, int32_t y, uint32_t* words)
 {
-    int32_t group = y / jpeg.maxV;
+    int32_t group = y / state->maxV;
     int32_t imcuRow = group / groupsPerImcuRow;
-    int lookAhead = jpeg.contextRows && group % groupsPerImcuRow == groupsPerImcuRow - 1 && imcuRow + 1 < jpeg.imcuRows;
-    if (!decodeUpTo(lookAhead ? imcuRow + 1 : imcuRow))
-        return 0;
-    const uint8_t* rows[frameComponentsMax] = {};
-    for (int32_t i = 0; i < jpeg.componentCount; ++i)
-        rows[i] = upsampledRow(&jpeg.components[i], y);
-    convertRow(words, rows);
-    return 1;
+    bool lookAhead =
+        state->contextRows && group % groupsPerImcuRow == groupsPerImcuRow - 1 && imcuRow + 1 < state->imcuRows;
+    if (!decodeUpTo(state, lookAhead ? imcuRow + 1 : imcuRow))
+        return false;
+    const uint8_t* rows[frameComponentLimit] = {};
+    for (int32_t i = 0; i < state->componentCount; ++i)
+        rows[i] = upsampledRow(*state, &state->components[i], y);
+    convertRow(*state, words, rows);
+    return true;
 }
 
-static int decodePicture(Image* image)
+static bool decodeImage(JpegState* state, Image* image)
 {
-    if (!readHeaders() || !startDecompression(image))
-        return 0;
-    for (int32_t y = 0; y < jpeg.height; ++y)
-        if (!produceRow(y, image->pixels + static_cast<size_t>(jpeg.height - 1 - y) * static_cast<size_t>(jpeg.width)))
-            return 0;
-    return 1;
+    if (!readHeaders(state) || !startDecompression(state, image))
+        return false;
+    auto width = static_cast<size_t>(state->width);
+    for (int32_t y = 0; y < state->height; ++y)
+        if (!produceRow(state, y, image->pixels + static_cast<size_t>(state->height - 1 - y) * width))
+            return false;
+    return true;
 }
 
-int decodeJpeg(Image* image)
+int decodeJpeg(const JpegSource& source, Image* image, JpegOutput* output, const JpegHeap& heap)
 {
-    jpeg = {};
-    jpeg.inHeaders = 1;
+    JpegState state = {};
+    state.source = source;
+    state.heap = heap;
+    state.kernels = chooseKernels();
+    state.exactReader = kernelLevel() == kernelsPlain;
+    progressiveRefused = 0;
     *image = {};
-    JpegKernels kernels = chooseKernels(jpegPlainOnly);
-    jpeg.kernels = &kernels;
-    jpeg.plain = jpegPlainOnly;
-    int ok = decodePicture(image);
-    jpegOutput = { jpeg.width, jpeg.height, jpeg.densityUnit, jpeg.xDensity, jpeg.yDensity };
-    emptyJpegPool();
-    jpeg = {};
+    bool ok = decodeImage(&state, image);
+    if (output)
+        *output = { state.width, state.height, state.densityUnit, state.xDensity, state.yDensity };
+    emptyPool(&state);
     if (!ok)
     {
         free(image->pixels);
         *image = {};
     }
-    return ok;
+    return ok ? 1 : 0;
 }
 
-int decodeJpegMemory(const uint8_t* bytes, size_t size, Image* image)
+int decodeJpegMemory(const uint8_t* bytes, size_t size, Image* image, JpegOutput* output)
 {
-    setMemorySource(bytes, size);
-    return decodeJpeg(image);
+    return decodeJpeg(memorySource(bytes, size), image, output);
 }
 
-int decodeJpegFile(FILE* file, Image* image)
+int decodeJpegFile(FILE* file, Image* image, JpegOutput* output)
 {
-    uint8_t buffer[fileBufferBytes];
-    setFileSource(file, buffer);
-    int ok = decodeJpeg(image);
-    jpegSource = {};
-    return ok;
+    uint8_t buffer[fileBufferRoom];
+    return decodeJpeg(fileSource(file, buffer), image, output);
 }

@@ -1,146 +1,146 @@
 // image/entropy.cpp - from entropy-coded bytes to coefficients
 //
-// The bytes up to the next marker are first collected into a segment without their stuffing; then no reader looks for
-// markers. Two readers decode a segment and give the same coefficients:
+// The decoder first collects the bytes up to the next marker into a segment, without their stuffing, so that no reader
+// has to look for markers. Two readers decode a segment and give the same coefficients:
 //
-//   exact  holds up to 32 bits, refilled byte by byte to 25 when fewer than wanted are held; the meaning
+//   exact  holds up to 32 bits, and refills byte by byte to 25 when it holds fewer than it needs; the meaning
 //   wide   holds up to 64 bits, takes 8 bytes at a time, and gets code and value of most symbols from one look-up
 //
-// A segment that ends because the source does is always read by the exact one: whether the picture fails depends on
-// which bytes are asked for ahead of their use. Past a segment's end there are zero bits.
+// The exact reader always decodes a segment that ends because the source does: which bytes it requests before it uses
+// them decides whether the file fails. Behind the end of a segment there are zero bits.
 #include "image/entropy.h"
 
-#include "image/markers.h"
 #include "image/pool.h"
 #include "image/source.h"
 
 #include <string.h>
 
-// More zeros than the wide reader can get through in one MCU: 10 blocks of 64 symbols of up to 32 bits.
+// More zeros than the wide reader can consume in one MCU: 10 blocks of 64 symbols of up to 32 bits.
 constexpr size_t segmentPadding = 4096;
 constexpr int32_t exactBits = 25; // what a refill aims at
 constexpr uint32_t dcMask = 0xFFFF;
 
 // Room for n more bytes and the padding. The pool does not take blocks back, so the room doubles.
-static int growSegment(Segment* segment, size_t n)
+static bool growSegment(JpegState* state, size_t n)
 {
+    Segment* segment = &state->segment;
     uint64_t needed = uint64_t{ segment->size } + n + segmentPadding;
     if (needed <= segment->room)
-        return 1;
+        return true;
     uint64_t room = needed > uint64_t{ segment->room } * 2 ? needed : uint64_t{ segment->room } * 2;
-    auto* bytes = static_cast<uint8_t*>(poolAlloc(room));
+    auto* bytes = static_cast<uint8_t*>(poolAlloc(state, room));
     if (!bytes)
-        return 0;
+        return false;
     if (segment->size > 0)
         memcpy(bytes, segment->bytes, segment->size);
     segment->bytes = bytes;
     segment->room = static_cast<size_t>(room);
-    return 1;
+    return true;
 }
 
 // Bytes left in the source, after a refill where there are none. 0: it has ended.
-static size_t sourceBytes(Segment* segment)
+static size_t sourceBytes(JpegState* state)
 {
-    if (jpegSource.bytesLeft == 0 && !refillSource())
+    if (state->source.bytesLeft == 0 && !refillSource(&state->source))
     {
-        segment->exhausted = 1;
+        state->segment.exhausted = true;
         return 0;
     }
-    return jpegSource.bytesLeft;
+    return state->source.bytesLeft;
 }
 
-// Reads on after an FF: a zero makes it a data byte, any other code a pending marker. Returns 1 for a data byte.
-static int stuffedByte(Segment* segment)
+// Reads on after an FF: a zero makes it a data byte, any other code a pending marker. Returns true for a data byte.
+static bool stuffedByte(JpegState* state)
 {
     int32_t code = 0xFF;
     while (code == 0xFF)
     {
-        if (sourceBytes(segment) == 0)
-            return 0;
-        code = readByte();
+        if (sourceBytes(state) == 0)
+            return false;
+        code = readByte(&state->source);
     }
-    jpeg.pendingMarker = code;
+    state->pendingMarker = code;
     return code == 0;
 }
 
-static int collectSegment()
+static bool collectSegment(JpegState* state)
 {
-    Segment* segment = &jpeg.segment;
+    Segment* segment = &state->segment;
     segment->size = 0;
-    segment->exhausted = 0;
-    int more = jpeg.pendingMarker == 0;
+    segment->exhausted = false;
+    bool more = state->pendingMarker == 0;
     while (more)
     {
-        size_t left = sourceBytes(segment);
+        size_t left = sourceBytes(state);
         if (left == 0)
             break;
-        const auto* stop = static_cast<const uint8_t*>(memchr(jpegSource.next, 0xFF, left));
-        size_t plain = stop ? static_cast<size_t>(stop - jpegSource.next) : left;
-        if (!growSegment(segment, plain + 1))
-            return 0;
-        memcpy(segment->bytes + segment->size, jpegSource.next, plain);
+        const auto* stop = static_cast<const uint8_t*>(memchr(state->source.next, 0xFF, left));
+        size_t plain = stop ? static_cast<size_t>(stop - state->source.next) : left;
+        if (!growSegment(state, plain + 1))
+            return false;
+        memcpy(segment->bytes + segment->size, state->source.next, plain);
         segment->size += plain;
         size_t taken = plain + (stop ? 1 : 0);
-        jpegSource.next += taken;
-        jpegSource.bytesLeft -= taken;
+        state->source.next += taken;
+        state->source.bytesLeft -= taken;
         if (stop)
         {
-            more = stuffedByte(segment);
+            more = stuffedByte(state);
             if (more)
                 segment->bytes[segment->size++] = 0xFF;
         }
     }
-    if (!growSegment(segment, 0))
-        return 0;
+    if (!growSegment(state, 0))
+        return false;
     memset(segment->bytes + segment->size, 0, segmentPadding);
-    jpeg.reader = { 0, 0, segment->bytes };
-    jpeg.segmentOpen = 1;
-    return 1;
+    state->reader = { 0, 0, segment->bytes };
+    segment->open = true;
+    return true;
 }
 
 // ---- the exact reader ----
 
-// Returns 0 when the source has ended. Otherwise at least n bits are held, zeros for what is missing.
-static int refillExact(int32_t n)
+// Returns false when the source has ended. Otherwise at least n bits are held, zeros for what is missing.
+static bool refillExact(JpegState* state, int32_t n)
 {
-    BitReader* reader = &jpeg.reader;
-    const uint8_t* end = jpeg.segment.bytes + jpeg.segment.size;
+    BitReader* reader = &state->reader;
+    const uint8_t* end = state->segment.bytes + state->segment.size;
     while (reader->held < exactBits && reader->next < end)
     {
         reader->bits = reader->bits << 8 | *reader->next++;
         reader->held += 8;
     }
     if (reader->held >= exactBits)
-        return 1;
-    if (jpeg.segment.exhausted)
-        return 0;
+        return true;
+    if (state->segment.exhausted)
+        return false;
     if (reader->held < n)
     {
-        jpeg.insufficientData = 1;
+        state->insufficientData = true;
         reader->bits <<= exactBits - reader->held;
         reader->held = exactBits;
     }
-    return 1;
+    return true;
 }
 
 // Takes n bits, at most 16; the caller has seen to it that they are held.
-static int32_t takeExact(int32_t n)
+static int32_t takeExact(BitReader* reader, int32_t n)
 {
-    jpeg.reader.held -= n;
-    return static_cast<int32_t>(jpeg.reader.bits >> jpeg.reader.held) & ((1 << n) - 1);
+    reader->held -= n;
+    return static_cast<int32_t>(reader->bits >> reader->held) & ((1 << n) - 1);
 }
 
 // Finds the code of the next symbol, bit by bit from a length on. Returns the symbol, -1 when the source has ended.
-static int32_t searchExact(const HuffmanTable& table, int32_t length)
+static int32_t searchExact(JpegState* state, const HuffmanTable& table, int32_t length)
 {
-    if (jpeg.reader.held < length && !refillExact(length))
+    if (state->reader.held < length && !refillExact(state, length))
         return -1;
-    int32_t code = takeExact(length);
+    int32_t code = takeExact(&state->reader, length);
     while (code > table.maxCode[length])
     {
-        if (jpeg.reader.held < 1 && !refillExact(1))
+        if (state->reader.held < 1 && !refillExact(state, 1))
             return -1;
-        code = code << 1 | takeExact(1);
+        code = code << 1 | takeExact(&state->reader, 1);
         ++length;
     }
     if (length > 16)
@@ -148,49 +148,49 @@ static int32_t searchExact(const HuffmanTable& table, int32_t length)
     return table.stored->symbols[(code + table.valueOffset[length]) & 0xFF];
 }
 
-static int32_t symbolExact(const HuffmanTable& table)
+static int32_t symbolExact(JpegState* state, const HuffmanTable& table)
 {
-    BitReader* reader = &jpeg.reader;
+    BitReader* reader = &state->reader;
     if (reader->held < 8)
     {
-        if (!refillExact(0))
+        if (!refillExact(state, 0))
             return -1;
         if (reader->held < 8)
-            return searchExact(table, 1);
+            return searchExact(state, table, 1);
     }
     uint32_t prefix = static_cast<uint32_t>(reader->bits >> (reader->held - 8)) & 0xFF;
     int32_t length = static_cast<int32_t>(table.lookLength[prefix]);
     if (length == 0)
-        return searchExact(table, 9);
+        return searchExact(state, table, 9);
     reader->held -= length;
     return table.lookSymbol[prefix];
 }
 
-// A value of s bits, 1 to 15. Returns 0 when the source has ended.
-static int receiveExact(int32_t s, int32_t* value)
+// A value of s bits, 1 to 15. Returns false when the source has ended.
+static bool receiveExact(JpegState* state, int32_t s, int32_t* value)
 {
-    if (jpeg.reader.held < s && !refillExact(s))
-        return 0;
-    int32_t r = takeExact(s);
+    if (state->reader.held < s && !refillExact(state, s))
+        return false;
+    int32_t r = takeExact(&state->reader, s);
     *value = r < 1 << (s - 1) ? r + 1 - (1 << s) : r;
-    return 1;
+    return true;
 }
 
-static int decodeBlockExact(int32_t b)
+static bool decodeBlockExact(JpegState* state, int32_t b)
 {
-    int32_t owner = jpeg.blockOwner[b];
-    int16_t* block = jpeg.blocks[b];
+    int32_t owner = state->blockOwner[b];
+    int16_t* block = state->blocks[b];
     int32_t value = 0;
-    int32_t s = symbolExact(*jpeg.dcLookup[owner]);
-    if (s < 0 || (s > 0 && !receiveExact(s, &value)))
-        return 0;
-    jpeg.dcPrediction[owner] += static_cast<uint32_t>(value);
-    block[0] = static_cast<int16_t>(jpeg.dcPrediction[owner] & dcMask);
-    for (int32_t k = 1; k < blockSize; ++k)
+    int32_t s = symbolExact(state, *state->dcLookup[owner]);
+    if (s < 0 || (s > 0 && !receiveExact(state, s, &value)))
+        return false;
+    state->dcPrediction[owner] += static_cast<uint32_t>(value);
+    block[0] = static_cast<int16_t>(state->dcPrediction[owner] & dcMask);
+    for (int32_t k = 1; k < blockCoefficients; ++k)
     {
-        int32_t symbol = symbolExact(*jpeg.acLookup[owner]);
+        int32_t symbol = symbolExact(state, *state->acLookup[owner]);
         if (symbol < 0)
-            return 0;
+            return false;
         int32_t run = symbol >> 4;
         s = symbol & 15;
         if (s == 0 && run != 15)
@@ -198,12 +198,12 @@ static int decodeBlockExact(int32_t b)
         k += run;
         if (s == 0)
             continue;
-        if (!receiveExact(s, &value))
-            return 0;
+        if (!receiveExact(state, s, &value))
+            return false;
         block[zigzagOrder[k]] = static_cast<int16_t>(value);
-        jpeg.lastIndex[b] = static_cast<uint8_t>(k);
+        state->lastIndex[b] = static_cast<uint8_t>(k);
     }
-    return 1;
+    return true;
 }
 
 // ---- the wide reader ----
@@ -266,16 +266,16 @@ static inline int32_t dcDifferenceWide(const HuffmanTable& table, BitReader* rea
     return s > 0 ? receiveWide(reader, s) : 0;
 }
 
-static BitReader decodeBlockWide(int32_t b, BitReader reader)
+static BitReader decodeBlockWide(JpegState* state, int32_t b, BitReader reader)
 {
-    int32_t owner = jpeg.blockOwner[b];
-    int16_t* block = jpeg.blocks[b];
-    const HuffmanTable& ac = *jpeg.acLookup[owner];
+    int32_t owner = state->blockOwner[b];
+    int16_t* block = state->blocks[b];
+    const HuffmanTable& ac = *state->acLookup[owner];
     refillWide(&reader); // one symbol with its value is at most 32 bits
-    jpeg.dcPrediction[owner] += static_cast<uint32_t>(dcDifferenceWide(*jpeg.dcLookup[owner], &reader));
-    block[0] = static_cast<int16_t>(jpeg.dcPrediction[owner] & dcMask);
+    state->dcPrediction[owner] += static_cast<uint32_t>(dcDifferenceWide(*state->dcLookup[owner], &reader));
+    block[0] = static_cast<int16_t>(state->dcPrediction[owner] & dcMask);
     int32_t last = 0;
-    for (int32_t k = 1; k < blockSize; ++k)
+    for (int32_t k = 1; k < blockCoefficients; ++k)
     {
         if (reader.held < 32)
             refillWide(&reader);
@@ -308,98 +308,97 @@ static BitReader decodeBlockWide(int32_t b, BitReader reader)
         block[zigzagOrder[k]] = static_cast<int16_t>(receiveWide(&reader, s));
         last = k;
     }
-    jpeg.lastIndex[b] = static_cast<uint8_t>(last);
+    state->lastIndex[b] = static_cast<uint8_t>(last);
     return reader;
 }
 
-static void decodeBlocksWide()
+static void decodeBlocksWide(JpegState* state)
 {
-    BitReader reader = jpeg.reader;
-    for (int32_t b = 0; b < jpeg.mcuBlocks; ++b)
-        reader = decodeBlockWide(b, reader);
-    jpeg.reader = reader;
-    int64_t bitsUsed = (reader.next - jpeg.segment.bytes) * int64_t{ 8 } - reader.held;
-    if (bitsUsed > static_cast<int64_t>(jpeg.segment.size) * 8)
-        jpeg.insufficientData = 1;
+    BitReader reader = state->reader;
+    for (int32_t b = 0; b < state->mcuBlocks; ++b)
+        reader = decodeBlockWide(state, b, reader);
+    state->reader = reader;
+    int64_t bitsUsed = (reader.next - state->segment.bytes) * int64_t{ 8 } - reader.held;
+    if (bitsUsed > static_cast<int64_t>(state->segment.size) * 8)
+        state->insufficientData = true;
 }
 
 // ---- restarts and MCUs ----
 
 // Takes the restart marker that is due, or finds the way back into step: the next two of the cycle of eight are left
 // for when they are due, the last two are passed over, and a picture's other markers end the data.
-static void readRestartMarker()
+static void readRestartMarker(JpegState* state)
 {
-    if (jpeg.pendingMarker == 0)
-        jpeg.pendingMarker = findMarker();
+    if (state->pendingMarker == 0)
+        state->pendingMarker = findMarker(&state->source);
     for (;;)
     {
-        int32_t code = jpeg.pendingMarker;
-        int isRestart = code >= 0xD0 && code <= 0xD7;
+        int32_t code = state->pendingMarker;
+        bool isRestart = code >= 0xD0 && code <= 0xD7;
         if (code >= 0xC0 && !isRestart)
             break;
-        int32_t ahead = (code - 0xD0 - jpeg.nextRestart) & 7;
+        int32_t ahead = (code - 0xD0 - state->nextRestart) & 7;
         if (isRestart && (ahead == 1 || ahead == 2))
             break;
-        jpeg.pendingMarker = 0;
+        state->pendingMarker = 0;
         if (isRestart && ahead != 6 && ahead != 7)
             break;
-        jpeg.pendingMarker = findMarker();
+        state->pendingMarker = findMarker(&state->source);
     }
-    jpeg.nextRestart = (jpeg.nextRestart + 1) & 7;
+    state->nextRestart = (state->nextRestart + 1) & 7;
 }
 
-static void restart()
+static void restart(JpegState* state)
 {
-    readRestartMarker();
-    memset(jpeg.dcPrediction, 0, sizeof jpeg.dcPrediction);
-    jpeg.restartsLeft = jpeg.restartInterval;
-    jpeg.segmentOpen = 0;
-    if (jpeg.pendingMarker == 0)
-        jpeg.insufficientData = 0;
+    readRestartMarker(state);
+    memset(state->dcPrediction, 0, sizeof state->dcPrediction);
+    state->restartsLeft = state->restartInterval;
+    state->segment.open = false;
+    if (state->pendingMarker == 0)
+        state->insufficientData = false;
 }
 
-int startEntropy()
+bool startEntropy(JpegState* state)
 {
-    memset(jpeg.dcPrediction, 0, sizeof jpeg.dcPrediction);
-    jpeg.restartsLeft = jpeg.restartInterval;
-    jpeg.insufficientData = 0;
-    jpeg.pendingMarker = 0;
-    jpeg.segment = {};
-    jpeg.segmentOpen = 0;
+    memset(state->dcPrediction, 0, sizeof state->dcPrediction);
+    state->restartsLeft = state->restartInterval;
+    state->insufficientData = false;
+    state->pendingMarker = 0;
+    state->segment = {};
     // In memory no segment is longer than what is left; of a file that much is expected.
-    uint64_t expected = jpegSource.bytesLeft;
-    if (jpegSource.file && jpegSource.totalBytes > 0)
-        expected = static_cast<uint64_t>(jpegSource.totalBytes);
-    return expected < SIZE_MAX - segmentPadding && growSegment(&jpeg.segment, static_cast<size_t>(expected) + 1);
+    uint64_t expected = state->source.bytesLeft;
+    if (state->source.file && state->source.totalBytes > 0)
+        expected = static_cast<uint64_t>(state->source.totalBytes);
+    return expected < SIZE_MAX - segmentPadding && growSegment(state, static_cast<size_t>(expected) + 1);
 }
 
-static void clearBlocks()
+static void clearBlocks(JpegState* state)
 {
-    for (int32_t b = 0; b < jpeg.mcuBlocks; ++b)
+    for (int32_t b = 0; b < state->mcuBlocks; ++b)
     {
-        if (jpeg.lastIndex[b] > 0)
-            memset(jpeg.blocks[b], 0, sizeof jpeg.blocks[b]);
-        jpeg.blocks[b][0] = 0;
-        jpeg.lastIndex[b] = 0;
+        if (state->lastIndex[b] > 0)
+            memset(state->blocks[b], 0, sizeof state->blocks[b]);
+        state->blocks[b][0] = 0;
+        state->lastIndex[b] = 0;
     }
 }
 
-int decodeMcu()
+bool decodeMcu(JpegState* state)
 {
-    if (jpeg.restartInterval > 0 && jpeg.restartsLeft == 0)
-        restart();
-    clearBlocks();
-    int ok = 1;
-    if (!jpeg.insufficientData)
+    if (state->restartInterval > 0 && state->restartsLeft == 0)
+        restart(state);
+    clearBlocks(state);
+    bool ok = true;
+    if (!state->insufficientData)
     {
-        if (!jpeg.segmentOpen && !collectSegment())
-            return 0;
-        if (!jpeg.plain && !jpeg.segment.exhausted)
-            decodeBlocksWide();
+        if (!state->segment.open && !collectSegment(state))
+            return false;
+        if (!state->exactReader && !state->segment.exhausted)
+            decodeBlocksWide(state);
         else
-            for (int32_t b = 0; b < jpeg.mcuBlocks && ok; ++b)
-                ok = decodeBlockExact(b);
+            for (int32_t b = 0; b < state->mcuBlocks && ok; ++b)
+                ok = decodeBlockExact(state, b);
     }
-    --jpeg.restartsLeft;
+    --state->restartsLeft;
     return ok;
 }

@@ -1,9 +1,9 @@
 // image/huffman.cpp - Huffman tables ready for decoding
-#include "image/entropy.h"
+#include "image/huffman.h"
 
 #include <string.h>
 
-constexpr int32_t symbolsMax = 256;
+constexpr int32_t symbolLimit = 256;
 
 // The canonical codes in symbol order, with their lengths. Returns how many, or -1 when they do not fit: no code may be
 // all ones, so after each length the next code must still have that length.
@@ -13,7 +13,7 @@ static int32_t canonicalCodes(const StoredHuffman& stored, uint8_t* lengths, uin
     uint32_t code = 0;
     for (int32_t length = 1; length <= 16; ++length)
     {
-        if (count + stored.counts[length] > symbolsMax)
+        if (count + stored.counts[length] > symbolLimit)
             return -1;
         for (int32_t i = 0; i < stored.counts[length]; ++i)
         {
@@ -61,7 +61,7 @@ static void fillLookAhead(HuffmanTable* table, int32_t count, const uint8_t* len
 }
 
 // One entry of the wide look-ahead: the code at the top of wideBits bits, then rest, `free` bits long.
-static int32_t wideEntry(int isDc, int32_t symbol, int32_t length, uint32_t rest, int32_t free)
+static int32_t wideEntry(bool isDc, int32_t symbol, int32_t length, uint32_t rest, int32_t free)
 {
     int32_t size = symbol & 15;
     int32_t run = isDc ? 0 : symbol >> 4;
@@ -76,7 +76,7 @@ static int32_t wideEntry(int isDc, int32_t symbol, int32_t length, uint32_t rest
     return value * 65536 + (entry + size + wideValue);
 }
 
-static void fillWide(HuffmanTable* table, int isDc, int32_t count, const uint8_t* lengths, const uint32_t* codes)
+static void fillWide(HuffmanTable* table, bool isDc, int32_t count, const uint8_t* lengths, const uint32_t* codes)
 {
     memset(table->wide, 0, sizeof table->wide);
     for (int32_t i = 0; i < count && lengths[i] <= wideBits; ++i)
@@ -87,23 +87,19 @@ static void fillWide(HuffmanTable* table, int isDc, int32_t count, const uint8_t
     }
 }
 
-int buildHuffmanTable(int isDc, int32_t number, HuffmanTable* table)
+bool buildHuffmanTable(bool isDc, const StoredHuffman& stored, HuffmanTable* table)
 {
-    if (number < 0 || number > 3)
-        return 0;
-    table->stored = isDc ? jpeg.dcTables[number] : jpeg.acTables[number];
-    if (!table->stored)
-        return 0;
-    uint8_t lengths[symbolsMax];
-    uint32_t codes[symbolsMax];
-    int32_t count = canonicalCodes(*table->stored, lengths, codes);
+    table->stored = &stored;
+    uint8_t lengths[symbolLimit];
+    uint32_t codes[symbolLimit];
+    int32_t count = canonicalCodes(stored, lengths, codes);
     if (count < 0)
-        return 0;
+        return false;
     for (int32_t i = 0; isDc && i < count; ++i)
-        if (table->stored->symbols[i] > 15)
-            return 0;
+        if (stored.symbols[i] > 15)
+            return false;
     fillSearch(table, codes);
     fillLookAhead(table, count, lengths, codes);
     fillWide(table, isDc, count, lengths, codes);
-    return 1;
+    return true;
 }

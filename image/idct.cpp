@@ -1,10 +1,6 @@
 // image/idct.cpp - the inverse DCT
 #include "image/idct.h"
-#include "image/kernels.h"
-
-#ifdef JPEG_SSE2
-#include <emmintrin.h>
-#endif
+#include "image/vectors.h"
 
 static int16_t saturate16(int32_t x)
 {
@@ -107,30 +103,23 @@ void inverseDctFlat(int16_t first, const QuantTable& quant, uint8_t* out, ptrdif
 
 #ifdef JPEG_SSE2
 
-#define SSE2 __attribute__((target("sse2")))
-
-SSE2 static inline __m128i pair(int32_t a, int32_t b)
-{
-    return _mm_set1_epi32(static_cast<int32_t>(static_cast<uint32_t>(b) << 16 | (static_cast<uint32_t>(a) & 0xFFFF)));
-}
-
 // One half, four of the eight lanes: interleaved pairs of inputs (0 4, 2 6, 7 3 and 5 1 summed, 1 7, 3 5) to the eight
 // sums, rounded and shifted.
 template <int32_t shift>
-SSE2 static inline void butterflyHalf(__m128i p04, __m128i p26, __m128i pSum, __m128i p17, __m128i p35, __m128i* out)
+inlineSse2 void butterflyHalfSse2(__m128i p04, __m128i p26, __m128i pSum, __m128i p17, __m128i p35, __m128i* out)
 {
     const __m128i round = _mm_set1_epi32(1 << (shift - 1));
-    __m128i t0 = _mm_add_epi32(_mm_madd_epi16(p04, pair(one, one)), round);
-    __m128i t1 = _mm_add_epi32(_mm_madd_epi16(p04, pair(one, -one)), round);
-    __m128i t2 = _mm_madd_epi16(p26, pair(fix0541, even6));
-    __m128i t3 = _mm_madd_epi16(p26, pair(even2, fix0541));
-    __m128i z3 = _mm_madd_epi16(pSum, pair(odd3, fix1175));
-    __m128i z4 = _mm_madd_epi16(pSum, pair(fix1175, odd4));
+    __m128i t0 = _mm_add_epi32(_mm_madd_epi16(p04, pairSse2(one, one)), round);
+    __m128i t1 = _mm_add_epi32(_mm_madd_epi16(p04, pairSse2(one, -one)), round);
+    __m128i t2 = _mm_madd_epi16(p26, pairSse2(fix0541, even6));
+    __m128i t3 = _mm_madd_epi16(p26, pairSse2(even2, fix0541));
+    __m128i z3 = _mm_madd_epi16(pSum, pairSse2(odd3, fix1175));
+    __m128i z4 = _mm_madd_epi16(pSum, pairSse2(fix1175, odd4));
     __m128i even[4] = { _mm_add_epi32(t0, t3), _mm_add_epi32(t1, t2), _mm_sub_epi32(t1, t2), _mm_sub_epi32(t0, t3) };
-    __m128i odd[4] = { _mm_add_epi32(_mm_madd_epi16(p17, pair(odd1, -fix0899)), z4),
-                       _mm_add_epi32(_mm_madd_epi16(p35, pair(odd33, -fix2562)), z3),
-                       _mm_add_epi32(_mm_madd_epi16(p35, pair(-fix2562, odd5)), z4),
-                       _mm_add_epi32(_mm_madd_epi16(p17, pair(-fix0899, odd7)), z3) };
+    __m128i odd[4] = { _mm_add_epi32(_mm_madd_epi16(p17, pairSse2(odd1, -fix0899)), z4),
+                       _mm_add_epi32(_mm_madd_epi16(p35, pairSse2(odd33, -fix2562)), z3),
+                       _mm_add_epi32(_mm_madd_epi16(p35, pairSse2(-fix2562, odd5)), z4),
+                       _mm_add_epi32(_mm_madd_epi16(p17, pairSse2(-fix0899, odd7)), z3) };
     for (int i = 0; i < 4; ++i)
     {
         out[i] = _mm_srai_epi32(_mm_add_epi32(even[i], odd[i]), shift);
@@ -140,20 +129,22 @@ SSE2 static inline void butterflyHalf(__m128i p04, __m128i p26, __m128i pSum, __
 
 // butterfly on eight columns at once; results saturated to 16 bits.
 template <int32_t shift>
-SSE2 static inline void butterflyColumns(__m128i* r)
+inlineSse2 void butterflyColumnsSse2(__m128i* r)
 {
     __m128i sum3 = _mm_add_epi16(r[7], r[3]);
     __m128i sum4 = _mm_add_epi16(r[5], r[1]);
     __m128i low[8], high[8];
-    butterflyHalf<shift>(_mm_unpacklo_epi16(r[0], r[4]), _mm_unpacklo_epi16(r[2], r[6]), _mm_unpacklo_epi16(sum3, sum4),
-                         _mm_unpacklo_epi16(r[1], r[7]), _mm_unpacklo_epi16(r[3], r[5]), low);
-    butterflyHalf<shift>(_mm_unpackhi_epi16(r[0], r[4]), _mm_unpackhi_epi16(r[2], r[6]), _mm_unpackhi_epi16(sum3, sum4),
-                         _mm_unpackhi_epi16(r[1], r[7]), _mm_unpackhi_epi16(r[3], r[5]), high);
+    butterflyHalfSse2<shift>(_mm_unpacklo_epi16(r[0], r[4]), _mm_unpacklo_epi16(r[2], r[6]),
+                             _mm_unpacklo_epi16(sum3, sum4), _mm_unpacklo_epi16(r[1], r[7]),
+                             _mm_unpacklo_epi16(r[3], r[5]), low);
+    butterflyHalfSse2<shift>(_mm_unpackhi_epi16(r[0], r[4]), _mm_unpackhi_epi16(r[2], r[6]),
+                             _mm_unpackhi_epi16(sum3, sum4), _mm_unpackhi_epi16(r[1], r[7]),
+                             _mm_unpackhi_epi16(r[3], r[5]), high);
     for (int i = 0; i < 8; ++i)
         r[i] = _mm_packs_epi32(low[i], high[i]);
 }
 
-SSE2 static inline void transpose(__m128i* r)
+inlineSse2 void transposeSse2(__m128i* r)
 {
     __m128i a[8], b[8];
     for (int i = 0; i < 4; ++i)
@@ -173,7 +164,7 @@ SSE2 static inline void transpose(__m128i* r)
     }
 }
 
-SSE2 void inverseDctSse2(const int16_t* block, const QuantTable& quant, uint8_t* out, ptrdiff_t strideBytes)
+withSse2 void inverseDctSse2(const int16_t* block, const QuantTable& quant, uint8_t* out, ptrdiff_t strideBytes)
 {
     __m128i r[8];
     const auto* coefficients = reinterpret_cast<const __m128i*>(block);
@@ -190,10 +181,10 @@ SSE2 void inverseDctSse2(const int16_t* block, const QuantTable& quant, uint8_t*
     }
     for (int i = 1; i < 8; ++i)
         r[i] = _mm_mullo_epi16(_mm_loadu_si128(coefficients + i), _mm_loadu_si128(entries + i));
-    butterflyColumns<columnShift>(r);
-    transpose(r);
-    butterflyColumns<rowShift>(r);
-    transpose(r);
+    butterflyColumnsSse2<columnShift>(r);
+    transposeSse2(r);
+    butterflyColumnsSse2<rowShift>(r);
+    transposeSse2(r);
     const __m128i middle = _mm_set1_epi8(-128);
     for (int i = 0; i < 8; i += 2)
     {
@@ -203,7 +194,7 @@ SSE2 void inverseDctSse2(const int16_t* block, const QuantTable& quant, uint8_t*
     }
 }
 
-SSE2 void inverseDctPairSse2(const IdctTask* tasks)
+withSse2 void inverseDctPairSse2(const IdctTask* tasks)
 {
     for (int i = 0; i < 2; ++i)
         inverseDctSse2(tasks[i].block, *tasks[i].quant, tasks[i].out, tasks[i].strideBytes);

@@ -1,38 +1,27 @@
 // image/idct_avx2.cpp - the inverse DCT of idct.cpp on two blocks at once, same bits: one in each half of a register
-#include "image/kernels.h"
+#include "image/idct.h"
+#include "image/vectors.h"
 
 #ifdef JPEG_SSE2
-#include "image/idct.h"
-
-#include <immintrin.h>
-
-#define withAvx2 __attribute__((target("avx2")))
-#define inlineAvx2 __attribute__((target("avx2"), always_inline)) static inline
-
-inlineAvx2 __m256i pair(int32_t a, int32_t b)
-{
-    return _mm256_set1_epi32(
-        static_cast<int32_t>(static_cast<uint32_t>(b) << 16 | (static_cast<uint32_t>(a) & 0xFFFF)));
-}
 
 // Four of the eight columns of each block: interleaved pairs of inputs (0 4, 2 6, 7 3 and 5 1 summed, 1 7, 3 5) to the
 // eight sums, rounded and shifted.
 template <int32_t shift>
-inlineAvx2 void butterflyHalf(__m256i p04, __m256i p26, __m256i pSum, __m256i p17, __m256i p35, __m256i* out)
+inlineAvx2 void butterflyHalfAvx2(__m256i p04, __m256i p26, __m256i pSum, __m256i p17, __m256i p35, __m256i* out)
 {
     const __m256i round = _mm256_set1_epi32(1 << (shift - 1));
-    __m256i t0 = _mm256_add_epi32(_mm256_madd_epi16(p04, pair(one, one)), round);
-    __m256i t1 = _mm256_add_epi32(_mm256_madd_epi16(p04, pair(one, -one)), round);
-    __m256i t2 = _mm256_madd_epi16(p26, pair(fix0541, even6));
-    __m256i t3 = _mm256_madd_epi16(p26, pair(even2, fix0541));
-    __m256i z3 = _mm256_madd_epi16(pSum, pair(odd3, fix1175));
-    __m256i z4 = _mm256_madd_epi16(pSum, pair(fix1175, odd4));
+    __m256i t0 = _mm256_add_epi32(_mm256_madd_epi16(p04, pairAvx2(one, one)), round);
+    __m256i t1 = _mm256_add_epi32(_mm256_madd_epi16(p04, pairAvx2(one, -one)), round);
+    __m256i t2 = _mm256_madd_epi16(p26, pairAvx2(fix0541, even6));
+    __m256i t3 = _mm256_madd_epi16(p26, pairAvx2(even2, fix0541));
+    __m256i z3 = _mm256_madd_epi16(pSum, pairAvx2(odd3, fix1175));
+    __m256i z4 = _mm256_madd_epi16(pSum, pairAvx2(fix1175, odd4));
     __m256i even[4] = { _mm256_add_epi32(t0, t3), _mm256_add_epi32(t1, t2), _mm256_sub_epi32(t1, t2),
                         _mm256_sub_epi32(t0, t3) };
-    __m256i odd[4] = { _mm256_add_epi32(_mm256_madd_epi16(p17, pair(odd1, -fix0899)), z4),
-                       _mm256_add_epi32(_mm256_madd_epi16(p35, pair(odd33, -fix2562)), z3),
-                       _mm256_add_epi32(_mm256_madd_epi16(p35, pair(-fix2562, odd5)), z4),
-                       _mm256_add_epi32(_mm256_madd_epi16(p17, pair(-fix0899, odd7)), z3) };
+    __m256i odd[4] = { _mm256_add_epi32(_mm256_madd_epi16(p17, pairAvx2(odd1, -fix0899)), z4),
+                       _mm256_add_epi32(_mm256_madd_epi16(p35, pairAvx2(odd33, -fix2562)), z3),
+                       _mm256_add_epi32(_mm256_madd_epi16(p35, pairAvx2(-fix2562, odd5)), z4),
+                       _mm256_add_epi32(_mm256_madd_epi16(p17, pairAvx2(-fix0899, odd7)), z3) };
     for (int i = 0; i < 4; ++i)
     {
         out[i] = _mm256_srai_epi32(_mm256_add_epi32(even[i], odd[i]), shift);
@@ -41,22 +30,22 @@ inlineAvx2 void butterflyHalf(__m256i p04, __m256i p26, __m256i pSum, __m256i p1
 }
 
 template <int32_t shift>
-inlineAvx2 void butterflyColumns(__m256i* r)
+inlineAvx2 void butterflyColumnsAvx2(__m256i* r)
 {
     __m256i sum3 = _mm256_add_epi16(r[7], r[3]);
     __m256i sum4 = _mm256_add_epi16(r[5], r[1]);
     __m256i low[8], high[8];
-    butterflyHalf<shift>(_mm256_unpacklo_epi16(r[0], r[4]), _mm256_unpacklo_epi16(r[2], r[6]),
-                         _mm256_unpacklo_epi16(sum3, sum4), _mm256_unpacklo_epi16(r[1], r[7]),
-                         _mm256_unpacklo_epi16(r[3], r[5]), low);
-    butterflyHalf<shift>(_mm256_unpackhi_epi16(r[0], r[4]), _mm256_unpackhi_epi16(r[2], r[6]),
-                         _mm256_unpackhi_epi16(sum3, sum4), _mm256_unpackhi_epi16(r[1], r[7]),
-                         _mm256_unpackhi_epi16(r[3], r[5]), high);
+    butterflyHalfAvx2<shift>(_mm256_unpacklo_epi16(r[0], r[4]), _mm256_unpacklo_epi16(r[2], r[6]),
+                             _mm256_unpacklo_epi16(sum3, sum4), _mm256_unpacklo_epi16(r[1], r[7]),
+                             _mm256_unpacklo_epi16(r[3], r[5]), low);
+    butterflyHalfAvx2<shift>(_mm256_unpackhi_epi16(r[0], r[4]), _mm256_unpackhi_epi16(r[2], r[6]),
+                             _mm256_unpackhi_epi16(sum3, sum4), _mm256_unpackhi_epi16(r[1], r[7]),
+                             _mm256_unpackhi_epi16(r[3], r[5]), high);
     for (int i = 0; i < 8; ++i)
         r[i] = _mm256_packs_epi32(low[i], high[i]);
 }
 
-inlineAvx2 void transpose(__m256i* r)
+inlineAvx2 void transposeAvx2(__m256i* r)
 {
     __m256i a[8], b[8];
     for (int i = 0; i < 4; ++i)
@@ -104,10 +93,10 @@ withAvx2 void inverseDctPairAvx2(const IdctTask* tasks)
     }
     for (int i = 1; i < 8; ++i)
         r[i] = _mm256_mullo_epi16(loadRows(a.block, b.block, i), loadRows(a.quant->low, b.quant->low, i));
-    butterflyColumns<columnShift>(r);
-    transpose(r);
-    butterflyColumns<rowShift>(r);
-    transpose(r);
+    butterflyColumnsAvx2<columnShift>(r);
+    transposeAvx2(r);
+    butterflyColumnsAvx2<rowShift>(r);
+    transposeAvx2(r);
     const __m256i middle = _mm256_set1_epi8(-128);
     for (int i = 0; i < 8; i += 2)
     {

@@ -1,7 +1,7 @@
-// image/jpeg.h - the decoder of baseline JPEG pictures
+// image/jpeg.h - the decoder of baseline JPEG files
 //
-// Sequential Huffman-coded files with 8-bit samples are decoded; progressive and arithmetic-coded ones are refused. The
-// decoder keeps its state in one place of its own, so one picture is decoded at a time:
+// The decoder reads sequential Huffman-coded files with 8-bit samples and refuses progressive and arithmetic-coded
+// ones. All state of a decode is one record (jpeg_state.h), which lives as long as the call:
 //
 //   source -> markers (tables, frame, scan) -> entropy (coefficients) -> idct (samples) -> upsample -> colour -> Image
 //
@@ -13,23 +13,25 @@
 #include <stdint.h>
 #include <stdio.h>
 
-constexpr size_t fileBufferBytes = 4096;
+constexpr size_t fileBufferRoom = 4096;
 
-// Where the bytes come from: a block of memory, or a file read through a buffer. Once it has no more bytes it gives
-// FF D9, the end-of-image marker, for ever.
+// Where the bytes come from: a block of memory, or a file that is read through a buffer. A source without more bytes
+// gives FF D9, the end-of-image marker, over and over.
 struct JpegSource
 {
-    const uint8_t* next;   // the next unread byte
-    size_t bytesLeft;      // unread bytes from there on
-    FILE* file;            // null: memory
-    const uint8_t* buffer; // the block of memory, or the file's buffer; the caller's
-    size_t bufferBytes;
-    int64_t totalBytes; // of the whole file or block, for judging what a header announces; -1 when unknown
+    const uint8_t* next; // the next unread byte
+    size_t bytesLeft;    // unread bytes from there on
+    FILE* file;          // null: memory
+    uint8_t* buffer;     // of the file, fileBufferRoom bytes
+    int64_t totalBytes;  // of the whole file or block, to judge what a header announces; -1 when unknown
 };
 
-extern JpegSource jpegSource;
+// The block, or the file and its buffer of fileBufferRoom bytes, stay the caller's and must outlive the decode. A file
+// is read from its start.
+JpegSource memorySource(const uint8_t* bytes, size_t size);
+JpegSource fileSource(FILE* file, uint8_t* buffer);
 
-// What is known of the picture decoded last beside its pixels.
+// What a file says about its image beside the pixels.
 struct JpegOutput
 {
     int32_t width, height; // pixels
@@ -37,31 +39,28 @@ struct JpegOutput
     int32_t xDensity, yDensity;
 };
 
-extern JpegOutput jpegOutput;
+// Where the decoder gets memory, in blocks that free() releases. A test gives functions of its own to refuse requests.
+struct JpegHeap
+{
+    void* (*zeroed)(size_t count, size_t size); // tables and sample rows
+    void* (*pixels)(size_t sizeBytes);          // the image; every pixel is written before anybody reads it
+};
+extern const JpegHeap jpegSystemHeap;
 
-// 1 when the last picture was refused for being progressive; set to 0 by the set-up of a source.
+// 1 when the last decode refused its file because it is progressive; each decode starts with 0.
 extern int progressiveRefused;
 
-// 1: only the plain kernels and the bit reader of four bytes are used. The pictures are the same.
-extern int jpegPlainOnly;
-
-// Start a decode: the byte source, progressiveRefused = 0, an empty pool. The block, the file and its buffer of
-// fileBufferBytes stay the caller's and must outlive the decode.
-void setMemorySource(const uint8_t* bytes, size_t size);
-void setFileSource(FILE* file, uint8_t* buffer);
-
-// Decodes the picture of the source.
+// Decodes the image of the source.
 //
-// Out:    image, whatever was in it: pixels in a new block from malloc, which the caller frees
+// In:     a source at its first byte; output may be null
+// Out:    image, whatever was in it: pixels in a new block from malloc, which the caller frees; output
 // Errors: returns 0 and shows nothing; the image is then cleared and nothing is left to free
 //
-// A picture whose entropy-coded data stops at a marker is complete all the same: what is missing is as if all its
-// coefficients were 0. A source that ends without a marker there fails.
-int decodeJpeg(Image* image);
+// An image whose entropy-coded data stops at a marker is complete all the same: all coefficients that are missing count
+// as 0. A source that ends there without a marker fails.
+int decodeJpeg(const JpegSource& source, Image* image, JpegOutput* output = nullptr,
+               const JpegHeap& heap = jpegSystemHeap);
 
-// Set-up, decode and clean-up in one step. The file is read from its start and stays open.
-int decodeJpegMemory(const uint8_t* bytes, size_t size, Image* image);
-int decodeJpegFile(FILE* file, Image* image);
-
-// Frees what a decode took for its tables and buffers; decodeJpeg ends with it, success or not.
-void emptyJpegPool();
+// decodeJpeg of a block of memory, and of a file, which stays open.
+int decodeJpegMemory(const uint8_t* bytes, size_t size, Image* image, JpegOutput* output = nullptr);
+int decodeJpegFile(FILE* file, Image* image, JpegOutput* output = nullptr);

@@ -1,7 +1,5 @@
-// image/pool.cpp - a chain of blocks, each after a link word of 8 bytes
+// image/pool.cpp - a chain of blocks, each behind a link word of 8 bytes
 #include "image/pool.h"
-
-#include "platform/large_blocks.h"
 
 #include <stdlib.h>
 
@@ -14,30 +12,25 @@ union PoolLink
 };
 static_assert(sizeof(PoolLink) == linkBytes);
 
-void* (*jpegHeap)(size_t count, size_t size) = calloc;
-void* (*jpegPixelHeap)(size_t size) = allocateLarge;
-
-static PoolLink* firstBlock;
-
-void* poolAlloc(uint64_t sizeBytes)
+void* poolAlloc(JpegState* state, uint64_t sizeBytes)
 {
     if (sizeBytes > PTRDIFF_MAX - 2 * linkBytes)
         return nullptr;
     uint64_t rounded = (sizeBytes + 7) & ~uint64_t{ 7 };
-    auto* block = static_cast<PoolLink*>(jpegHeap(1, static_cast<size_t>(rounded + linkBytes)));
+    auto* block = static_cast<PoolLink*>(state->heap.zeroed(1, static_cast<size_t>(rounded + linkBytes)));
     if (!block)
         return nullptr;
-    block->next = firstBlock;
-    firstBlock = block;
+    block->next = state->pool;
+    state->pool = block;
     return block + 1;
 }
 
-void emptyJpegPool()
+void emptyPool(JpegState* state)
 {
-    while (firstBlock)
+    while (state->pool)
     {
-        PoolLink* next = firstBlock->next;
-        free(firstBlock);
-        firstBlock = next;
+        PoolLink* next = state->pool->next;
+        free(state->pool);
+        state->pool = next;
     }
 }

@@ -1,13 +1,9 @@
-// image/pool.h - the memory of one decode: taken piece by piece, given back at once
+// image/pool.h - the memory of one decode: taken block by block, released together
 #pragma once
-#include "image/jpeg.h"
+#include "image/jpeg_state.h"
 
-#include <stddef.h>
+// A block of sizeBytes, rounded up to a multiple of 8, filled with zeros; null when there is no memory. emptyPool
+// releases it.
+void* poolAlloc(JpegState* state, uint64_t sizeBytes);
 
-// The heap behind the pool, zero-filled, and behind the pixels, which are all written before anybody reads them: here
-// so that a test can refuse a request. Freed by free().
-extern void* (*jpegHeap)(size_t count, size_t size);
-extern void* (*jpegPixelHeap)(size_t size);
-
-// sizeBytes of zero-filled memory, a multiple of 8 taken for it; null when there is none. Freed by emptyJpegPool.
-void* poolAlloc(uint64_t sizeBytes);
+void emptyPool(JpegState* state);

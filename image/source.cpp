@@ -1,70 +1,69 @@
-// image/source.cpp - the byte source: a block of memory or a file behind a buffer
+// image/source.cpp - the byte source: a block of memory, or a file behind a buffer
 #include "image/source.h"
 
 #include "platform/files.h"
 
-JpegSource jpegSource;
-int progressiveRefused;
-
-// What an exhausted source reads as. It has its own place: the block of memory may be read-only.
+// What an exhausted source reads as. It has its own place because the block of memory may be read-only.
 static const uint8_t endOfImage[2] = { 0xFF, 0xD9 };
 
-void setMemorySource(const uint8_t* bytes, size_t size)
+JpegSource memorySource(const uint8_t* bytes, size_t size)
 {
-    jpegSource = { bytes, size, nullptr, bytes, size, static_cast<int64_t>(size) };
-    progressiveRefused = 0;
-    emptyJpegPool();
+    return { bytes, size, nullptr, nullptr, static_cast<int64_t>(size) };
 }
 
-void setFileSource(FILE* file, uint8_t* buffer)
+JpegSource fileSource(FILE* file, uint8_t* buffer)
 {
-    jpegSource = { nullptr, 0, file, buffer, fileBufferBytes, measureFile(file) };
-    progressiveRefused = 0;
-    emptyJpegPool();
+    return { nullptr, 0, file, buffer, measureFile(file) };
 }
 
-int refillSource()
+bool refillSource(JpegSource* source)
 {
-    size_t got = 0;
-    if (jpegSource.file)
-        got = fread(const_cast<uint8_t*>(jpegSource.buffer), 1, jpegSource.bufferBytes, jpegSource.file);
-    if (got == 0)
-    {
-        jpegSource.next = endOfImage;
-        jpegSource.bytesLeft = sizeof endOfImage;
-        return 0;
-    }
-    jpegSource.next = jpegSource.buffer;
-    jpegSource.bytesLeft = got;
-    return 1;
+    size_t got = source->file ? fread(source->buffer, 1, fileBufferRoom, source->file) : 0;
+    source->next = got > 0 ? source->buffer : endOfImage;
+    source->bytesLeft = got > 0 ? got : sizeof endOfImage;
+    return got > 0;
 }
 
-int32_t readByte()
+int32_t readByte(JpegSource* source)
 {
-    if (jpegSource.bytesLeft == 0)
-        refillSource();
-    --jpegSource.bytesLeft;
-    return *jpegSource.next++;
+    if (source->bytesLeft == 0)
+        refillSource(source);
+    --source->bytesLeft;
+    return *source->next++;
 }
 
-int32_t readWord()
+int32_t readWord(JpegSource* source)
 {
-    int32_t high = readByte();
-    return high << 8 | readByte();
+    int32_t high = readByte(source);
+    return high << 8 | readByte(source);
 }
 
-int skipBytes(int32_t n)
+bool skipBytes(JpegSource* source, int32_t n)
 {
     if (n < 1)
-        return 1;
+        return true;
     size_t toSkip = static_cast<size_t>(n);
-    while (toSkip > jpegSource.bytesLeft)
+    while (toSkip > source->bytesLeft)
     {
-        toSkip -= jpegSource.bytesLeft;
-        if (!refillSource())
-            return 0;
+        toSkip -= source->bytesLeft;
+        if (!refillSource(source))
+            return false;
     }
-    jpegSource.next += toSkip;
-    jpegSource.bytesLeft -= toSkip;
-    return 1;
+    source->next += toSkip;
+    source->bytesLeft -= toSkip;
+    return true;
+}
+
+int32_t findMarker(JpegSource* source)
+{
+    for (;;)
+    {
+        while (readByte(source) != 0xFF)
+            ;
+        int32_t code = readByte(source);
+        while (code == 0xFF)
+            code = readByte(source);
+        if (code != 0)
+            return code;
+    }
 }

@@ -1,13 +1,16 @@
-// image/source.h - bytes of the source, one by one
+// image/source.h - the bytes of the source, one by one
 #pragma once
 #include "image/jpeg.h"
 
-// Gets more bytes when none are left. Returns 1, or 0 when the source has ended; it then holds FF D9.
-int refillSource();
+// Gets more bytes when none are left. Returns false when the source has ended; it then holds FF D9.
+bool refillSource(JpegSource* source);
 
 // The next byte; two bytes, high one first. Past the end of the source they give FF D9 over and over.
-int32_t readByte();
-int32_t readWord();
+int32_t readByte(JpegSource* source);
+int32_t readWord(JpegSource* source);
 
-// Passes over n bytes; n below 1 is none. Returns 0 when the source ends first.
-int skipBytes(int32_t n);
+// Skips n bytes; n below 1 is none. Returns false when the source ends first.
+bool skipBytes(JpegSource* source, int32_t n);
+
+// Reads up to and with the next marker and returns its code; fill bytes and stuffed zeros are skipped.
+int32_t findMarker(JpegSource* source);

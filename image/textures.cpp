@@ -35,7 +35,7 @@ void loadBuiltInTextures()
     renderSettings.currentTexture = &TextureSlots[textureWood];
 }
 
-int loadTextureFile(const char* path, Image* image, int* opened)
+int loadTextureFile(const char* path, Image* image, int* opened, JpegOutput* output)
 {
     FILE* file = openFile(path, "rb");
     if (opened)
@@ -43,7 +43,7 @@ int loadTextureFile(const char* path, Image* image, int* opened)
     if (!file)
         return 0;
     Image fresh;
-    int ok = decodeJpegFile(file, &fresh);
+    int ok = decodeJpegFile(file, &fresh, output);
     fclose(file);
     if (!ok)
     {

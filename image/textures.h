@@ -1,6 +1,6 @@
 // image/textures.h - the pictures that models are covered with
 #pragma once
-#include "model/image.h"
+#include "image/jpeg.h"
 #include "platform/dialogs.h"
 
 #include <stddef.h>
@@ -29,8 +29,9 @@ void loadBuiltInTextures();
 // with a message. The image is then as it was.
 int loadUserTexture(Image* image, char* title);
 
-// The same for a file that is known. *opened, where wanted, tells the silent failure from the other.
-int loadTextureFile(const char* path, Image* image, int* opened = nullptr);
+// The same for a file that is known. *opened, where given, tells the silent failure from the other; *output gets what
+// the file says beside its pixels.
+int loadTextureFile(const char* path, Image* image, int* opened = nullptr, JpegOutput* output = nullptr);
 
 // Frees the pixels of all slots and of the reflection picture.
 void freeTextures();

@@ -1,9 +1,5 @@
 // image/triangle.cpp - the triangle filters
-#include "image/kernels.h"
-
-#ifdef JPEG_SSE2
-#include <emmintrin.h>
-#endif
+#include "image/vectors.h"
 
 constexpr int32_t sumsLead = 8; // entries before the first column sum
 
@@ -34,24 +30,17 @@ void triangleH2V2(uint8_t* out, const uint8_t* in, const uint8_t* near, int16_t*
 
 #ifdef JPEG_SSE2
 
-#define SSE2 __attribute__((target("sse2")))
-
-SSE2 static inline __m128i widen8(const uint8_t* bytes)
-{
-    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes)), _mm_setzero_si128());
-}
-
-SSE2 static inline __m128i load(const int16_t* words)
+inlineSse2 __m128i load(const int16_t* words)
 {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(words));
 }
 
-SSE2 static inline void storePairs(uint8_t* out, __m128i even, __m128i odd)
+inlineSse2 void storePairs(uint8_t* out, __m128i even, __m128i odd)
 {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_or_si128(even, _mm_slli_epi16(odd, 8)));
 }
 
-SSE2 void triangleH2Sse2(uint8_t* out, uint8_t* in, int32_t n)
+withSse2 void triangleH2Sse2(uint8_t* out, uint8_t* in, int32_t n)
 {
     in[-1] = in[0];
     in[n] = in[n - 1];
@@ -66,7 +55,7 @@ SSE2 void triangleH2Sse2(uint8_t* out, uint8_t* in, int32_t n)
     }
 }
 
-SSE2 void triangleH2V2Sse2(uint8_t* out, const uint8_t* in, const uint8_t* near, int16_t* sums, int32_t n)
+withSse2 void triangleH2V2Sse2(uint8_t* out, const uint8_t* in, const uint8_t* near, int16_t* sums, int32_t n)
 {
     int16_t* c = sums + sumsLead;
     for (int32_t i = 0; i < n; i += 8)

@@ -3,40 +3,39 @@
 // Output rows come in groups of maxV; a group is made from the v rows of the component's row group of the same number.
 #include "image/upsample.h"
 
-#include "image/kernels.h"
-
 #include <string.h>
 
-static int selectUpsampler(Component* component)
+static bool selectUpsampler(const JpegState& state, Component* component)
 {
     int32_t h = component->h, v = component->v;
-    int triangle = jpeg.fancyUpsampling && component->downWidth >= 3;
-    if (h == jpeg.maxH && v == jpeg.maxV)
+    bool triangle = component->downWidth >= 3;
+    if (h == state.maxH && v == state.maxV)
         component->method = upsampleDirect;
-    else if (h * 2 == jpeg.maxH && v == jpeg.maxV)
+    else if (h * 2 == state.maxH && v == state.maxV)
         component->method = triangle ? upsampleH2Triangle : upsampleH2Copy;
-    else if (h * 2 == jpeg.maxH && v * 2 == jpeg.maxV)
+    else if (h * 2 == state.maxH && v * 2 == state.maxV)
         component->method = triangle ? upsampleH2V2Triangle : upsampleH2V2Copy;
-    else if (jpeg.maxH % h == 0 && jpeg.maxV % v == 0)
+    else if (state.maxH % h == 0 && state.maxV % v == 0)
         component->method = upsampleReplicate;
     else
-        return 0;
-    component->acrossBy = jpeg.maxH / h;
-    component->downBy = jpeg.maxV / v;
-    component->lineFrom = -1;
-    return 1;
+        return false;
+    component->acrossBy = state.maxH / h;
+    component->downBy = state.maxV / v;
+    component->upsampledFrom = -1;
+    return true;
 }
 
-int selectUpsamplers()
+bool selectUpsamplers(JpegState* state)
 {
-    jpeg.contextRows = 0;
-    for (int32_t i = 0; i < jpeg.componentCount; ++i)
+    state->contextRows = false;
+    for (int32_t i = 0; i < state->componentCount; ++i)
     {
-        if (!selectUpsampler(&jpeg.components[i]))
-            return 0;
-        jpeg.contextRows |= jpeg.components[i].method == upsampleH2V2Triangle;
+        if (!selectUpsampler(*state, &state->components[i]))
+            return false;
+        if (state->components[i].method == upsampleH2V2Triangle)
+            state->contextRows = true;
     }
-    return 1;
+    return true;
 }
 
 static uint8_t* sampleRow(const Component& component, int32_t row)
@@ -62,30 +61,29 @@ static void replicate(uint8_t* out, const uint8_t* in, int32_t n, int32_t by)
             *out++ = in[i];
 }
 
-const uint8_t* upsampledRow(Component* component, int32_t y)
+const uint8_t* upsampledRow(const JpegState& state, Component* component, int32_t y)
 {
-    const JpegKernels& kernels = *jpeg.kernels;
-    int32_t group = y / jpeg.maxV;
-    int32_t within = y % jpeg.maxV;
+    const JpegKernels& kernels = state.kernels;
+    int32_t group = y / state.maxV;
+    int32_t within = y % state.maxV;
     int32_t row = group * component->v + within / component->downBy;
     uint8_t* in = sampleRow(*component, row);
     int32_t n = component->downWidth;
     switch (component->method)
     {
-    case upsampleNone: break;
     case upsampleDirect: return in;
-    case upsampleH2Triangle: kernels.triangle(component->line, in, n); break;
+    case upsampleH2Triangle: kernels.triangle(component->upsampled, in, n); break;
     case upsampleH2V2Triangle:
-        kernels.triangle2(component->line, in, neighbourRow(*component, row, within % 2 == 0 ? -1 : 1), component->sums,
-                          n);
+        kernels.triangleTwoWay(component->upsampled, in, neighbourRow(*component, row, within % 2 == 0 ? -1 : 1),
+                               component->sums, n);
         break;
     case upsampleH2Copy:
     case upsampleH2V2Copy:
     case upsampleReplicate:
-        if (component->lineFrom != row)
-            replicate(component->line, in, n, component->acrossBy);
-        component->lineFrom = row;
+        if (component->upsampledFrom != row)
+            replicate(component->upsampled, in, n, component->acrossBy);
+        component->upsampledFrom = row;
         break;
     }
-    return component->line;
+    return component->upsampled;
 }

@@ -1,7 +1,8 @@
-// tests/image/decoding.cpp
+// tests/image/decoding.cpp - the decoder and djpeg run on a block of bytes
 #include "decoding.h"
 
 #include "image/jpeg.h"
+#include "platform/processor.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
@@ -10,12 +11,12 @@
 
 #include <memory>
 
-std::optional<Decoded> decode(const Bytes& file)
+std::optional<Decoded> decode(const Bytes& file, JpegOutput* output, const JpegHeap& heap)
 {
     auto exact = std::make_unique<uint8_t[]>(file.size());
     std::copy(file.begin(), file.end(), exact.get());
     Image image;
-    int ok = decodeJpegMemory(exact.get(), file.size(), &image);
+    int ok = decodeJpeg(memorySource(exact.get(), file.size()), &image, output, heap);
     if (!ok)
     {
         EXPECT_EQ(image.pixels, nullptr);
@@ -33,15 +34,15 @@ std::optional<Decoded> decode(const Bytes& file)
 
 std::optional<Decoded> decodePlain(const Bytes& file)
 {
-    jpegPlainOnly = 1;
+    limitKernelLevel(kernelsPlain);
     std::optional<Decoded> decoded = decode(file);
-    jpegPlainOnly = 0;
+    limitKernelLevel(kernelsAvx512);
     return decoded;
 }
 
-bool refused(const Bytes& file)
+bool refused(const Bytes& file, const JpegHeap& heap)
 {
-    return !decode(file).has_value();
+    return !decode(file, nullptr, heap).has_value();
 }
 
 Bytes readFile(const std::string& path)

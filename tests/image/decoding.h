@@ -1,5 +1,6 @@
 // tests/image/decoding.h - decoding in one line, and another decoder's opinion
 #pragma once
+#include "image/jpeg.h"
 #include "jpeg_builder.h"
 
 #include <algorithm>
@@ -16,10 +17,10 @@ struct Decoded
     bool operator==(const Decoded&) const = default;
 };
 
-// From a block of exactly the file's size. Nothing when it is refused; the image must then be cleared.
-std::optional<Decoded> decode(const Bytes& file);
-std::optional<Decoded> decodePlain(const Bytes& file);
-bool refused(const Bytes& file);
+// Decodes a block of exactly the file's size. Nothing when the decoder refuses it; the image must then be cleared.
+std::optional<Decoded> decode(const Bytes& file, JpegOutput* output = nullptr, const JpegHeap& heap = jpegSystemHeap);
+std::optional<Decoded> decodePlain(const Bytes& file); // with the plain kernels and the exact bit reader
+bool refused(const Bytes& file, const JpegHeap& heap = jpegSystemHeap);
 
 Bytes readFile(const std::string& path);
 void writeFile(const std::string& path, const Bytes& bytes);

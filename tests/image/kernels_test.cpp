@@ -15,7 +15,14 @@ protected:
         if (fast.idct == plain.idct)
             GTEST_SKIP() << "this processor has the plain kernels only";
     }
-    JpegKernels plain = chooseKernels(1), fast = chooseKernels(0);
+    static JpegKernels kernelsOf(KernelLevel level)
+    {
+        limitKernelLevel(level);
+        JpegKernels kernels = chooseKernels();
+        limitKernelLevel(kernelsAvx512);
+        return kernels;
+    }
+    JpegKernels plain = kernelsOf(kernelsPlain), fast = kernelsOf(kernelsAvx512);
     std::mt19937 random{ 5 };
 };
 
@@ -34,7 +41,7 @@ TEST_F(JpegKernelsTest, InverseDct)
                 static_cast<int16_t>(set ? static_cast<int>(random() % static_cast<unsigned>(range)) - range / 2 : 0);
             quant.entries[i] = static_cast<int32_t>(kind == 1 || kind == 4 ? random() % 65536 : 1 + random() % 255);
             quant.low[i] = static_cast<int16_t>(quant.entries[i]);
-            quant.beyond16 |= i < 8 && quant.entries[i] > 32767;
+            quant.beyond16 = quant.beyond16 || (i < 8 && quant.entries[i] > 32767);
         }
         if (kind == 4)
             block[random() % 8] = static_cast<int16_t>(random());
@@ -65,7 +72,7 @@ TEST_F(JpegKernelsTest, InverseDctOfTwoBlocksIsThatOfEach)
                 blocks[side][i] = static_cast<int16_t>(random() % 4 ? 0 : static_cast<int>(random() % 512) - 256);
                 quants[side].entries[i] = static_cast<int32_t>(large ? random() % 65536 : 1 + random() % 255);
                 quants[side].low[i] = static_cast<int16_t>(quants[side].entries[i]);
-                quants[side].beyond16 |= i < 8 && quants[side].entries[i] > 32767;
+                quants[side].beyond16 = quants[side].beyond16 || (i < 8 && quants[side].entries[i] > 32767);
             }
         uint8_t expected[2][8 * 11], found[2][8 * 11];
         memset(expected, 0xAA, sizeof expected);
@@ -91,12 +98,12 @@ TEST_F(JpegKernelsTest, TriangleFilters)
                 in[i] = other[i] = static_cast<uint8_t>(round % 3 ? random() : random() % 2 * 255);
                 near[i] = static_cast<uint8_t>(random());
             }
-            plain.triangle(a, in + rowLead, n);
-            fast.triangle(b, other + rowLead, n);
+            plain.triangle(a, in + rowPaddingBefore, n);
+            fast.triangle(b, other + rowPaddingBefore, n);
             ASSERT_EQ(memcmp(a, b, static_cast<size_t>(2 * n)), 0) << n;
             ASSERT_EQ(memcmp(in, other, sizeof in), 0) << n;
-            plain.triangle2(a, in + rowLead, near + rowLead, sums, n);
-            fast.triangle2(b, in + rowLead, near + rowLead, sums, n);
+            plain.triangleTwoWay(a, in + rowPaddingBefore, near + rowPaddingBefore, sums, n);
+            fast.triangleTwoWay(b, in + rowPaddingBefore, near + rowPaddingBefore, sums, n);
             ASSERT_EQ(memcmp(a, b, static_cast<size_t>(2 * n)), 0) << n;
         }
 }
@@ -127,7 +134,7 @@ TEST_F(JpegKernelsTest, EveryChromaPair)
 
 TEST_F(JpegKernelsTest, ColourTails)
 {
-    uint8_t rows[3][64 + rowSlack];
+    uint8_t rows[3][64 + rowPaddingAfter];
     for (auto& row : rows)
         for (uint8_t& sample : row)
             sample = static_cast<uint8_t>(random());

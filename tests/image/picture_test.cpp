@@ -225,10 +225,11 @@ TEST(JpegPicture, ApplicationSegmentsTooShortAreIgnored)
     {
         JpegPlan plan = flatPlan({ { 'R', 1, 1 }, { 'G', 1, 1 }, { 'B', 1, 1 } }, { { 30 }, { -40 }, { 50 } });
         plan.application = application;
-        auto decoded = decode(buildJpeg(plan));
+        JpegOutput output;
+        auto decoded = decode(buildJpeg(plan), &output);
         ASSERT_TRUE(decoded.has_value());
         EXPECT_EQ(decoded->at(0, 0), word(158, 88, 178));
-        EXPECT_EQ(jpegOutput.xDensity, 1);
+        EXPECT_EQ(output.xDensity, 1);
     }
 }
 
@@ -258,9 +259,9 @@ TEST(JpegPicture, FileAndMemoryGiveTheSame)
     {
         plan.restartInterval = interval;
         Bytes bytes = buildJpeg(plan);
-        ASSERT_GT(bytes.size(), 3 * fileBufferBytes);
+        ASSERT_GT(bytes.size(), 3 * fileBufferRoom);
         std::string path = temporary("file.jpg");
-        for (size_t size : { bytes.size(), bytes.size() / 2, size_t{ 2 * fileBufferBytes }, size_t{ 300 } })
+        for (size_t size : { bytes.size(), bytes.size() / 2, size_t{ 2 * fileBufferRoom }, size_t{ 300 } })
         {
             writeFile(path, Bytes(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(size)));
             FILE* file = fopen(path.c_str(), "rb");

@@ -2,8 +2,6 @@
 #include "decoding.h"
 
 #include "image/jpeg.h"
-#include "image/pool.h"
-#include "platform/large_blocks.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
@@ -191,19 +189,17 @@ TEST(JpegRefusals, HugePictureInTinyFileTakesNoMemory)
     parts.frame[6] = parts.frame[8] = 0xDC; // 65500
     static size_t largest;
     largest = 0;
-    jpegHeap = [](size_t count, size_t size)
-    {
-        largest = std::max(largest, count * size);
-        return calloc(count, size);
-    };
-    jpegPixelHeap = [](size_t size)
-    {
-        largest = std::max(largest, size);
-        return malloc(size);
-    };
-    EXPECT_TRUE(refused(joinParts(parts)));
-    jpegHeap = calloc;
-    jpegPixelHeap = allocateLarge;
+    const JpegHeap heap = { [](size_t count, size_t size)
+                            {
+                                largest = std::max(largest, count * size);
+                                return calloc(count, size);
+                            },
+                            [](size_t size)
+                            {
+                                largest = std::max(largest, size);
+                                return malloc(size);
+                            } };
+    EXPECT_TRUE(refused(joinParts(parts), heap));
     EXPECT_LT(largest, size_t{ 8 } << 20);
 }
 
@@ -328,17 +324,10 @@ TEST(JpegRefusals, EveryAllocationThatFails)
     static int left;
     int needed = 0;
     Bytes file = buildJpeg(goodPlan());
-    for (;; ++needed)
-    {
-        left = needed;
-        jpegHeap = [](size_t count, size_t size) { return left-- > 0 ? calloc(count, size) : nullptr; };
-        jpegPixelHeap = [](size_t size) { return left-- > 0 ? malloc(size) : nullptr; };
-        bool failed = refused(file);
-        jpegHeap = calloc;
-        jpegPixelHeap = allocateLarge;
-        if (!failed)
-            break;
-    }
+    const JpegHeap heap = { [](size_t count, size_t size) { return left-- > 0 ? calloc(count, size) : nullptr; },
+                            [](size_t size) { return left-- > 0 ? malloc(size) : nullptr; } };
+    for (left = 0; refused(file, heap); left = needed)
+        ++needed;
     EXPECT_GT(needed, 10);
 }
 

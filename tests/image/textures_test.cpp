@@ -198,12 +198,13 @@ TEST_F(TexturesTest, DumpIsCalledTestBmpAndTellsTheDecodedPicture)
     plan.application = jfifSegment(2, 28, 29);
     Bytes file = buildJpeg(plan);
     Image image;
-    ASSERT_EQ(decodeJpegMemory(file.data(), file.size(), &image), 1);
+    JpegOutput output;
+    ASSERT_EQ(decodeJpegMemory(file.data(), file.size(), &image, &output), 1);
     auto folder = std::filesystem::current_path();
     std::string own = temporary("folder");
     std::filesystem::create_directory(own);
     std::filesystem::current_path(own);
-    EXPECT_EQ(writeDebugBmp(jpegOutput, image.pixels), 1);
+    EXPECT_EQ(writeDebugBmp(output, image.pixels), 1);
     Bytes bmp = readFile("test.bmp");
     std::filesystem::current_path(folder);
     std::filesystem::remove_all(own);
