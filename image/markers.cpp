@@ -237,7 +237,8 @@ static bool setUpFrame(JpegState* state)
         component->downHeight = ceilDivide(samplesDown, state->maxV);
     }
     state->imcuRows = ceilDivide(state->height, 8 * state->maxV);
-    return state->scanCount >= state->componentCount; // one scan is all that is decoded
+    // A sequential file must have everything in its one scan. A progressive one is refused later, with a flag of its own.
+    return state->scanCount >= state->componentCount || state->progressive;
 }
 
 bool readHeaders(JpegState* state)

@@ -331,19 +331,34 @@ TEST(JpegRefusals, EveryAllocationThatFails)
     EXPECT_GT(needed, 10);
 }
 
-static Bytes progressiveOf(int n)
+static Bytes progressiveOf(int componentCount)
 {
     JpegPlan plan = goodPlan();
     plan.frameCode = 0xC2;
-    if (n == 2)
-        plan.components.pop_back();
+    plan.components.resize(static_cast<size_t>(componentCount));
     return buildJpeg(plan);
 }
 
-TEST(JpegRefusals, ProgressiveIsOnlyToldOfPicturesFitOtherwise)
+TEST(JpegRefusals, OnlyAProgressiveFileThatIsFitOtherwiseSaysSo)
 {
     EXPECT_TRUE(refused(progressiveOf(3)));
     EXPECT_EQ(progressiveRefused, 1);
     EXPECT_TRUE(refused(progressiveOf(2)));
     EXPECT_EQ(progressiveRefused, 0);
+}
+
+// Encoders write the scans of a progressive file component by component as well as all together.
+TEST(JpegRefusals, ProgressiveFileWhoseFirstScanHasOneComponentSaysSo)
+{
+    for (int code : { 0xC0, 0xC2, 0xCA })
+    {
+        Bytes file = altered(
+            [&](JpegParts& p)
+            {
+                p.frame[1] = static_cast<uint8_t>(code);
+                p.scan = segmentOf(0xDA, { 1, 1, 0, 0, 0, 0 });
+            });
+        EXPECT_TRUE(refused(file)) << code;
+        EXPECT_EQ(progressiveRefused, code == 0xC2 ? 1 : 0) << code;
+    }
 }
