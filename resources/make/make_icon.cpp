@@ -2,11 +2,11 @@
 //
 //   make_icon FOLDER
 //
-// kestrelbox.ico holds the sign in four sizes: 16, 32 and 48 pixels as bitmaps of 32 bits with a mask, 256 as PNG.
+// kestrelbox.ico holds the emblem in four sizes: 16, 32 and 48 pixels as bitmaps of 32 bits with a mask, 256 as PNG.
 // kestrelbox.png is the largest alone, for desktops that take icons as files. about.bmp is a bitmap of 24 bits.
 #include "output.h"
 #include "paint.h"
-#include "png_encoder.h"
+#include "png_file.h"
 
 #include <math.h>
 #include <stdio.h>
@@ -19,7 +19,8 @@ static uint8_t channelByte(double channel)
 
 // ---- the icon ----
 
-constexpr int iconSides[] = { 16, 32, 48, 256 };
+constexpr int pngSide = 256;
+constexpr int iconSides[] = { 16, 32, 48, pngSide };
 
 // Red, green, blue, alpha; rows from the top.
 static std::vector<uint8_t> emblemPixels(int side)
@@ -87,7 +88,7 @@ static std::string iconBitmap(int side, const std::vector<uint8_t>& rgba)
     return bitmap;
 }
 
-static std::string iconFile()
+static std::string iconFile(const std::string& png)
 {
     std::string file, pictures;
     constexpr uint32_t count = std::size(iconSides);
@@ -96,8 +97,7 @@ static std::string iconFile()
     putHalf(&file, count);
     for (int side : iconSides)
     {
-        std::vector<uint8_t> rgba = emblemPixels(side);
-        std::string picture = side > 255 ? encodePng(side, side, rgba) : iconBitmap(side, rgba);
+        std::string picture = side == pngSide ? png : iconBitmap(side, emblemPixels(side));
         file.push_back(static_cast<char>(side & 0xFF)); // 0 is 256
         file.push_back(static_cast<char>(side & 0xFF));
         putHalf(&file, 0);
@@ -365,8 +365,8 @@ int main(int argumentCount, char** arguments)
         fprintf(stderr, "usage: make_icon FOLDER\n");
         return 2;
     }
-    bool ok = writeFile(arguments[1], "kestrelbox.ico", iconFile()) &&
-              writeFile(arguments[1], "kestrelbox.png", encodePng(256, 256, emblemPixels(256))) &&
-              writeFile(arguments[1], "about.bmp", aboutFile());
+    std::string png = pngFile(pngSide, pngSide, emblemPixels(pngSide));
+    bool ok = !png.empty() && writeFile(arguments[1], "kestrelbox.ico", iconFile(png)) &&
+              writeFile(arguments[1], "kestrelbox.png", png) && writeFile(arguments[1], "about.bmp", aboutFile());
     return ok ? 0 : 1;
 }

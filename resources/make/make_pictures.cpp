@@ -5,7 +5,7 @@
 // wood.jpg, metal.jpg and pattern.jpg tile: everything in them repeats with the unit square of their coordinates, u to
 // the right and v upward. One period is a square on a model whatever the picture's own proportions, so they are drawn
 // in u and v, not in pixels. reflect.jpg is a studio, as a mirror shows it; how it is laid out stands with it below.
-#include "jpeg_encoder.h"
+#include "jpeg_file.h"
 #include "noise.h"
 #include "output.h"
 #include "sweep.h"
@@ -271,7 +271,7 @@ int main(int argumentCount, char** arguments)
         { "reflect.jpg", 800, 736, false, studioAt, 93 },
     };
     for (const auto& p : pictures)
-        if (!writeFile(arguments[1], p.name, encodeJpeg(draw(p.width, p.height, p.tiles, p.colourAt), p.quality)))
+        if (!writeFile(arguments[1], p.name, jpegFile(draw(p.width, p.height, p.tiles, p.colourAt), p.quality)))
             return 1;
     return 0;
 }

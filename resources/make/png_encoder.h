@@ -1,8 +1,0 @@
-// resources/make/png_encoder.h - writing PNG files, for the large picture of an icon
-#pragma once
-#include <stdint.h>
-#include <string>
-#include <vector>
-
-// A PNG file of 8-bit red, green, blue and alpha, rows from the top, four bytes a pixel.
-std::string encodePng(int width, int height, const std::vector<uint8_t>& rgba);
