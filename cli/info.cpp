@@ -26,8 +26,8 @@ struct Facts
 static void countFaces(const Mesh* mesh, Facts* counted)
 {
     Facts& facts = *counted;
-    facts.groupFaces.resize(slotCount);
-    facts.materialFaces.resize(slotCount);
+    facts.groupFaces.resize(groupLimit);
+    facts.materialFaces.resize(materialLimit);
     for (int32_t f = 0; f < mesh->faceCount; ++f)
     {
         uint32_t attributes = mesh->faceAttributes[f];

@@ -5,11 +5,11 @@
 
 struct FaceOrder
 {
-    int32_t groups;         // at least 1
-    int32_t materials;      // at least 1
-    int32_t* pairEnds;      // [groups * materials + 1]: entry p + 1 is the end of pair p in faces, entry p its start
-    int32_t* faces;         // live faces by pair = group * materials + material; null: no memory for it
-    uint8_t met[slotCount]; // groups with a live face of any material
+    int32_t groups;          // at least 1
+    int32_t materials;       // at least 1
+    int32_t* pairEnds;       // [groups * materials + 1]: entry p + 1 is the end of pair p in faces, entry p its start
+    int32_t* faces;          // live faces by pair = group * materials + material; null: no memory for it
+    uint8_t met[groupLimit]; // groups with a live face of any material
 };
 
 // The pair of a face, -1 when it is not to be written.

@@ -19,7 +19,7 @@ static int32_t slotOf(const LuxScene* scene, int32_t f)
 
 static void sortFaces(LuxScene* scene)
 {
-    int32_t next[slotCount] = {};
+    int32_t next[materialLimit] = {};
     for (int32_t f = 0; f < scene->mesh->faceCount; ++f)
         if (slotOf(scene, f) >= 0)
             ++next[slotOf(scene, f)];

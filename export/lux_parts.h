@@ -19,11 +19,11 @@ struct LuxScene
     int32_t materials; // slots written, at least 1
 
     // Work memory of the geometry
-    int32_t slotEnds[slotCount + 1]; // faces of slot m: slotFaces[slotEnds[m]] up to slotEnds[m + 1]
-    int32_t* slotFaces;              // faces by material slot, in record order
-    int32_t* newIndex;               // of a mesh vertex among the slot's vertices, -1: not met
-    LuxVertex* vertices;             // of the slot: those met, by order of first use, then the ones made for other uvs
-    int32_t* others;                 // hash table of the latter: index + 1, 0: free; null without texture coordinates
+    int32_t slotEnds[materialLimit + 1]; // faces of slot m: slotFaces[slotEnds[m]] up to slotEnds[m + 1]
+    int32_t* slotFaces;                  // faces by material slot, in record order
+    int32_t* newIndex;                   // of a mesh vertex among the slot's vertices, -1: not met
+    LuxVertex* vertices; // of the slot: those met, by order of first use, then the ones made for other uvs
+    int32_t* others;     // hash table of the latter: index + 1, 0: free; null without texture coordinates
 };
 
 // Sorts the faces and takes the work memory. Returns 1, or 0 when memory was refused; closeLuxScene in either case.

@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
     memoryTable = {};
     resetRecording();
     Mesh* mesh = createMesh("prop");
-    mesh->materialCount = bytes && size % 5 == 0 ? slotCount : 3; // at times all slots have names
+    mesh->materialCount = bytes && size % 5 == 0 ? materialLimit : 3; // at times all slots have names
     for (int32_t i = 0; i < mesh->materialCount; ++i)
         copyName(mesh->materialNames[i], i == 0 ? "red" : i == 1 ? "a b" : "blue");
     ReadMtlFile(mesh, memoryFile(bytes, size));

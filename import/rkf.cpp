@@ -52,7 +52,7 @@ static int readHeader(FILE* file, RkfHeader* header)
     if (header->materialBytes == static_cast<int32_t>(sizeof(Material)))
     {
         needed += header->materialCount * static_cast<int64_t>(sizeof(Material));
-        if (header->materialCount > slotCount)
+        if (header->materialCount > materialLimit)
             return 0;
     }
     return needed <= sizeBytes;

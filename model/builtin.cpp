@@ -35,7 +35,7 @@ static bool headerUsable(const ModelHeader& header, size_t size)
         headerBytes + 12 * static_cast<uint64_t>(header.vertexCount) + 32 * static_cast<uint64_t>(header.faceCount);
     if (bringsMaterials(header))
     {
-        if (header.materialCount > slotCount)
+        if (header.materialCount > materialLimit)
             return false;
         needed += sizeof(Material) * static_cast<uint64_t>(header.materialCount);
     }

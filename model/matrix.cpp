@@ -32,11 +32,6 @@ void multiplyMatrices(Matrix* out, const Matrix* a, const Matrix* b)
     *out = product;
 }
 
-void copyMatrix(Matrix* out, const Matrix* matrix)
-{
-    *out = *matrix;
-}
-
 void transposeMatrix(Matrix* matrix)
 {
     for (int row = 0; row < 4; ++row)

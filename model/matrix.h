@@ -20,7 +20,6 @@ void setTranslation(Matrix* matrix, float x, float y, float z);
 // out = a x b; out may be either of them.
 void multiplyMatrices(Matrix* out, const Matrix* a, const Matrix* b);
 
-void copyMatrix(Matrix* out, const Matrix* matrix);
 void transposeMatrix(Matrix* matrix);
 
 // Of the leading 2 x 2 and 3 x 3 elements, and of the whole, expanded along the first column.

@@ -2,7 +2,7 @@
 #include "model/mesh.h"
 
 #include "model/memory.h"
-#include "model/settings.h"
+#include "platform/processor.h"
 
 #include <math.h>
 #include <string.h>
@@ -194,7 +194,7 @@ int computeBounds(Mesh* mesh)
 {
     if (mesh->vertexCount == 0)
         return 0;
-    auto* boxOf = usePlainKernels ? boxOfVertices : boxOfVerticesSse;
+    auto* boxOf = kernelLevel() >= kernelsSse ? boxOfVerticesSse : boxOfVertices;
     storeBounds(mesh, boxOf(mesh->vertices, mesh->vertexCount));
     return 1;
 }

@@ -8,7 +8,8 @@
 #include <array>
 
 constexpr uint32_t noCorner = 0xFFFFFFFFu; // an absent corner
-constexpr int32_t slotCount = 512;         // materials, groups and texture names of one mesh
+constexpr int32_t materialLimit = 512;     // materials of one mesh, with their names and texture names
+constexpr int32_t groupLimit = 512;        // groups of one mesh
 constexpr int32_t nameRoom = 64;           // bytes of a name, its terminator included
 constexpr uint32_t opaqueWhite = 0xFFFFFFFFu;
 
@@ -22,6 +23,8 @@ constexpr uint32_t faceDeleted = 1u << 28;   // ignored by every operation
 constexpr uint32_t faceLine = 1u << 29;      // belongs to a polyline, not to a surface
 constexpr uint32_t faceLit = 1u << 30;       // rewritten by every frame: turned toward the light, or nearly
 constexpr uint32_t faceEyeFacing = 1u << 31; // rewritten by every frame
+
+static_assert(materialLimit == faceMaterialMask + 1 && groupLimit == (faceGroupMask >> faceGroupShift) + 1);
 
 using Corners = std::array<uint32_t, 4>; // indices into vertices (faces) or uvs (faceUvs)
 
@@ -94,16 +97,16 @@ struct Mesh
     Corners* faces;   // a slot beyond the corner count holds noCorner
     Plane* facePlanes;
     uint32_t* faceAttributes;
-    Material materials[slotCount];
+    Material materials[materialLimit];
     float boundsMin[3];
     float boundsMax[3];
     float centre[3];
     float radius;          // half the diagonal of the bounds
     int32_t screenRect[4]; // smallest x, y and largest x, y of the last frame
-    char groupNames[slotCount][nameRoom];
-    char materialNames[slotCount][nameRoom];
-    char textureNames[slotCount][nameRoom]; // per material, empty when none
-    char opacityNames[slotCount][nameRoom];
+    char groupNames[groupLimit][nameRoom];
+    char materialNames[materialLimit][nameRoom];
+    char textureNames[materialLimit][nameRoom]; // per material, empty when none
+    char opacityNames[materialLimit][nameRoom];
     char name[nameRoom];
 };
 

@@ -4,7 +4,7 @@
 // the vertices in the order of the plain one: every sum has the same terms in the same order, so all bits are the same.
 #include "model/normals.h"
 
-#include "model/settings.h"
+#include "model/matrix.h"
 #include "platform/processor.h"
 
 #include <float.h>
@@ -24,7 +24,7 @@
 // one whose square is too small for the estimate, which would give an infinity.
 static void normaliseEstimated(float* v)
 {
-    float squared = (v[0] * v[0] + v[1] * v[1]) + v[2] * v[2];
+    float squared = dotProduct(v, v);
     if (!(squared >= FLT_MIN))
         return;
     float scale = _mm_cvtss_f32(_mm_rsqrt_ss(_mm_set_ss(squared)));
@@ -46,8 +46,7 @@ static Plane newellPlane(const MeshVertex* vertices, const Corners& corners, int
         a = b;
     }
     normaliseEstimated(plane.normal);
-    const float* first = vertices[corners[0]].position;
-    plane.distance = (plane.normal[0] * first[0] + plane.normal[1] * first[1]) + plane.normal[2] * first[2];
+    plane.distance = dotProduct(plane.normal, vertices[corners[0]].position);
     return plane;
 }
 
@@ -267,30 +266,31 @@ void computeNormalsAvx2(Mesh* mesh)
     computeNormalsFast(mesh, addFaceNormalsAvx2);
 }
 
-static FaceNormalAdder fastestAdder()
+static FaceNormalAdder fastAdder(KernelLevel level)
 {
-    static const bool avx2 = processorHasAvx2() != 0;
-    return avx2 ? addFaceNormalsAvx2 : addFaceNormalsSse;
+    return level >= kernelsAvx2 ? addFaceNormalsAvx2 : addFaceNormalsSse;
 }
 
 void computeNormals(Mesh* mesh)
 {
-    if (usePlainKernels)
-        computeNormalsPlain(mesh);
+    KernelLevel level = kernelLevel();
+    if (level >= kernelsSse)
+        computeNormalsFast(mesh, fastAdder(level));
     else
-        computeNormalsFast(mesh, fastestAdder());
+        computeNormalsPlain(mesh);
 }
 
 void addFaceNormals(Mesh* mesh, int32_t from, int32_t to)
 {
-    FaceNormalAdder add = usePlainKernels ? addFaceNormalsPlain : fastestAdder();
+    KernelLevel level = kernelLevel();
+    FaceNormalAdder add = level >= kernelsSse ? fastAdder(level) : addFaceNormalsPlain;
     add(mesh, from, to);
 }
 
 void finishNormals(Mesh* mesh)
 {
-    if (usePlainKernels)
-        normaliseVerticesPlain(mesh);
-    else
+    if (kernelLevel() >= kernelsSse)
         normaliseVerticesSse(mesh);
+    else
+        normaliseVerticesPlain(mesh);
 }

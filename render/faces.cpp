@@ -30,7 +30,7 @@ struct FaceDrawer
     RasterKernels kernels;
     FaceBlockSorter sortBlock; // null where there is none
     FillState fill;
-    uint32_t transparent[2 * slotCount]; // of a FacePass
+    uint32_t transparent[2 * materialLimit]; // of a FacePass
 };
 
 // A material as a pass uses it.
@@ -280,10 +280,10 @@ static int drawFaces(FaceDrawer* drawer, uint32_t side, bool opaque)
 // All ones for the transparent materials, by side and index.
 static void findTransparent(FaceDrawer* drawer)
 {
-    for (uint32_t index = 0; index < 2 * slotCount; ++index)
+    for (uint32_t index = 0; index < 2 * materialLimit; ++index)
     {
-        uint32_t side = index & slotCount ? faceEyeFacing : 0;
-        bool transparent = materialOf(drawer, side | index % slotCount).material->transparency > 0;
+        uint32_t side = index & materialLimit ? faceEyeFacing : 0;
+        bool transparent = materialOf(drawer, side | index % materialLimit).material->transparency > 0;
         drawer->transparent[index] = transparent ? ~0u : 0;
     }
 }

@@ -4,12 +4,12 @@
 
 #include <string>
 
-// Slot 0 serves without being counted, and a 3DS file's last slot may hold more than its count, which stays at 511,
-// tells.
-inline uint32_t usableSlots(int32_t count)
+// Material and group slot 0 may be used without being counted, and so may the last one of a 3DS file, whose counts stop
+// one below the limit.
+inline uint32_t usableSlots(int32_t count, int32_t limit)
 {
-    if (count == slotCount - 1)
-        return slotCount;
+    if (count == limit - 1)
+        return static_cast<uint32_t>(limit);
     return count > 0 ? static_cast<uint32_t>(count) : 1;
 }
 
@@ -24,9 +24,9 @@ inline std::string brokenPromise(const Mesh* mesh)
         return at("uvCount", mesh->uvCount);
     if (mesh->faceCount < 0 || mesh->faceCount > mesh->faceCapacity)
         return at("faceCount", mesh->faceCount);
-    if (mesh->materialCount < 0 || mesh->materialCount > slotCount)
+    if (mesh->materialCount < 0 || mesh->materialCount > materialLimit)
         return at("materialCount", mesh->materialCount);
-    if (mesh->groupCount < 0 || mesh->groupCount > slotCount)
+    if (mesh->groupCount < 0 || mesh->groupCount > groupLimit)
         return at("groupCount", mesh->groupCount);
     // A Poser file's triangles are not counted, and a tool that deletes some takes the count below 0.
     if (mesh->liveFaceCount < -mesh->faceCount || mesh->liveFaceCount > mesh->faceCount)
@@ -37,9 +37,9 @@ inline std::string brokenPromise(const Mesh* mesh)
         uint32_t attributes = mesh->faceAttributes[f];
         if (attributes & faceDeleted)
             continue;
-        if (faceMaterial(attributes) >= usableSlots(mesh->materialCount))
+        if (faceMaterial(attributes) >= usableSlots(mesh->materialCount, materialLimit))
             return at("material of face", f);
-        if (faceGroup(attributes) >= usableSlots(mesh->groupCount))
+        if (faceGroup(attributes) >= usableSlots(mesh->groupCount, groupLimit))
             return at("group of face", f);
         for (size_t k = 0; k < 4; ++k)
         {

@@ -15,7 +15,7 @@ static size_t findPlace(const NameTable* table, const char* name)
     uint32_t hash = 2166136261u; // FNV-1a (Fowler, Noll, Vo)
     for (const char* c = name; *c; ++c)
         hash = (hash ^ static_cast<uint8_t>(*c)) * 16777619u;
-    constexpr size_t mask = 2 * slotCount - 1;
+    constexpr size_t mask = 2 * nameLimit - 1;
     size_t place = (hash ^ hash >> 16) & mask;
     while (table->places[place] && strcmp(table->names[table->places[place] - 1], name) != 0)
         place = (place + 1) & mask;
@@ -34,7 +34,7 @@ int32_t findOrAddName(NameTable* table, const char* text)
     size_t place = findPlace(table, name);
     if (table->places[place] == 0)
     {
-        if (table->count == slotCount)
+        if (table->count == nameLimit)
             return -1;
         memcpy(table->names[table->count], name, sizeof name);
         table->places[place] = static_cast<int16_t>(++table->count);

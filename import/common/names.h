@@ -2,12 +2,16 @@
 #pragma once
 #include "model/mesh.h"
 
+// Groups and materials have as many slots, so that one table serves both.
+constexpr int32_t nameLimit = groupLimit;
+static_assert(nameLimit == materialLimit);
+
 // Finds names without comparing them all: files change group or material with every face.
 struct NameTable
 {
     char (*names)[nameRoom];       // the mesh's own slots
     int32_t count;                 // of them in use
-    int16_t places[2 * slotCount]; // by hash, then the next free place; the slot's index + 1, 0: free
+    int16_t places[2 * nameLimit]; // by hash, then the next free place; the slot's index + 1, 0: free
 };
 
 // An empty table over the slots of a mesh. What the slots hold is overwritten by the names that are added.

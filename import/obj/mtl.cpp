@@ -29,7 +29,7 @@ struct MtlScratch
 
 static MtlTarget targetOf(Mesh* mesh, int32_t slot, MtlScratch* scratch)
 {
-    if (slot >= slotCount)
+    if (slot >= materialLimit)
         return { &scratch->material, &scratch->texture, &scratch->opacity };
     return { &mesh->materials[slot], &mesh->textureNames[slot], &mesh->opacityNames[slot] };
 }

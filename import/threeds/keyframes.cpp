@@ -86,7 +86,7 @@ static void applyPivot(Mesh* mesh, const ThreeDsObject& object)
 void applyPivots(ThreeDsReadContext* context)
 {
     int32_t count = context->objectCount;
-    if (count == slotCount - 1)
+    if (count == groupLimit - 1)
         --count; // a full table's last record stays out, on purpose
     for (int32_t i = 0; i < count; ++i)
         applyPivot(context->mesh, context->objects[i]);

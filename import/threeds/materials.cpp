@@ -126,7 +126,7 @@ int readMaterial(ThreeDsReadContext* context, const Chunk& chunk)
     ThreeDsMaterial* entry = &context->materials[context->materialCount];
     if (context->materialsUsed == context->materialCount)
         ++context->materialsUsed;
-    context->materialCount += context->materialCount < slotCount - 1;
+    context->materialCount += context->materialCount < materialLimit - 1;
     *entry = { -1, chunkMaterialDefaults, "", "" };
     context->material = entry;
     context->shading = shadingPhong;
@@ -164,7 +164,7 @@ int32_t placeMaterial(ThreeDsReadContext* context, const char* name)
         memcpy(mesh->textureNames[slot], entry->texture, nameRoom);
         entry->slotIndex = slot;
         context->slotsUsed = slot + 1;
-        mesh->materialCount += slot < slotCount - 1;
+        mesh->materialCount += slot < materialLimit - 1;
     }
     return entry->slotIndex;
 }

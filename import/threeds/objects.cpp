@@ -225,8 +225,8 @@ static int readTrimesh(ThreeDsReadContext* context, const Chunk& chunk)
     if (object->endVertex == object->firstVertex)
         return 1;
     context->groupsUsed = mesh->groupCount + 1;
-    mesh->groupCount += mesh->groupCount < slotCount - 1;
-    context->objectCount += context->objectCount < slotCount - 1;
+    mesh->groupCount += mesh->groupCount < groupLimit - 1;
+    context->objectCount += context->objectCount < groupLimit - 1;
     return 1;
 }
 

@@ -67,14 +67,14 @@ struct ThreeDsMaterial
     char texture[nameRoom];
 };
 
-// All that is kept while a file is read. The counts, the mesh's own too, stop at slotCount - 1: what comes after shares
-// the last entry, which the mesh counts in the end.
+// All that is kept while a file is read. The counts, the mesh's own too, stop one below their limits: what comes after
+// shares the last entry, which the mesh counts in the end.
 struct ThreeDsReadContext
 {
     int32_t objectCount;
     int32_t materialCount;
-    ThreeDsObject objects[slotCount];
-    ThreeDsMaterial materials[slotCount];
+    ThreeDsObject objects[groupLimit];
+    ThreeDsMaterial materials[materialLimit];
 
     Mesh* mesh;
     ThreeDsObject* object;     // being read

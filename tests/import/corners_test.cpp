@@ -232,7 +232,7 @@ TEST(FaceRecords, PolylinesAreChains)
 
 TEST(Names, FoundExactlyOrAddedOrRefusedWhenFull)
 {
-    static char slots[slotCount][nameRoom];
+    static char slots[nameLimit][nameRoom];
     memset(slots, 'z', sizeof slots);
     NameTable table;
     startNames(&table, slots);
@@ -247,7 +247,7 @@ TEST(Names, FoundExactlyOrAddedOrRefusedWhenFull)
     EXPECT_STREQ(slots[3], longName.substr(0, 63).c_str());
     EXPECT_EQ(findOrAddName(&table, longName.substr(0, 63).c_str()), 3);
     EXPECT_EQ(findName(&table, longName.c_str()), -1);
-    for (int i = 4; i < slotCount; ++i)
+    for (int i = 4; i < nameLimit; ++i)
         EXPECT_EQ(findOrAddName(&table, std::to_string(i).c_str()), i);
     EXPECT_EQ(findOrAddName(&table, "one more"), -1);
     EXPECT_EQ(findOrAddName(&table, "511"), 511);

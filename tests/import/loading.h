@@ -165,8 +165,8 @@ inline void expectSound(const Mesh* mesh)
     ASSERT_LE(mesh->uvCount, mesh->uvCapacity);
     ASSERT_LE(0, mesh->faceCount);
     ASSERT_LE(mesh->faceCount, mesh->faceCapacity);
-    ASSERT_LE(mesh->materialCount, slotCount);
-    ASSERT_LE(mesh->groupCount, slotCount);
+    ASSERT_LE(mesh->materialCount, materialLimit);
+    ASSERT_LE(mesh->groupCount, groupLimit);
     auto vertexCount = static_cast<uint32_t>(mesh->vertexCount), uvCount = static_cast<uint32_t>(mesh->uvCount);
     for (int32_t i = 0; i < mesh->vertexCount; ++i)
     {

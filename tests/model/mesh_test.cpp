@@ -1,7 +1,7 @@
 // tests/model/mesh_test.cpp - creating, growing, measuring and freeing meshes
 #include "model/mesh.h"
 
-#include "model/settings.h"
+#include "platform/processor.h"
 #include "tests/clean_test.h"
 
 #include <math.h>
@@ -67,7 +67,7 @@ TEST_F(MeshTest, AFreshMeshHasItsNamesAndNothingElse)
     EXPECT_STREQ(mesh->name, "prop");
     EXPECT_STREQ(mesh->materialNames[0], "Preview");
     EXPECT_STREQ(mesh->groupNames[0], "default");
-    for (int i = 1; i < slotCount; ++i)
+    for (int i = 1; i < groupLimit; ++i)
         EXPECT_EQ(mesh->materialNames[i][0] | mesh->groupNames[i][0] | mesh->textureNames[i][0] |
                       mesh->opacityNames[i][0],
                   0);
@@ -304,14 +304,14 @@ TEST_F(MeshTest, FastBoundsHaveTheBitsOfThePlainOnes)
         float found[2][6];
         for (int fast = 0; fast < 2; ++fast)
         {
-            usePlainKernels = !fast;
+            limitKernelLevel(fast ? kernelsSse : kernelsPlain);
             computeBounds(mesh);
             memcpy(found[fast], mesh->boundsMin, 3 * sizeof(float));
             memcpy(found[fast] + 3, mesh->boundsMax, 3 * sizeof(float));
         }
         ASSERT_EQ(memcmp(found[0], found[1], sizeof found[0]), 0) << round;
     }
-    usePlainKernels = 0;
+    limitKernelLevel(kernelsAvx512);
 }
 
 TEST_F(MeshTest, VisibleBoundsLeaveOutHiddenAndDeletedFaces)

@@ -19,7 +19,7 @@
 constexpr const char* noAvx2 = "this processor has no AVX2";
 constexpr int32_t gridSide = 5;
 
-static uint32_t noneTransparent[2 * slotCount];
+static uint32_t noneTransparent[2 * materialLimit];
 
 // The cells of a grid with one triangle on it.
 struct SmallGrid
@@ -104,8 +104,8 @@ TEST(FaceBlocks, OnlyFacesOfThePassAreTakenAndOnlyTrianglesPassedOver)
                                           { 90 << 16 | 10, 50, 0, 0 },
                                           { 50 << 16 | 90, 50, 0, 0 },
                                           { 0, vertexOffScreen, 0, 0 } };
-    static uint32_t transparent[2 * slotCount];
-    transparent[3] = transparent[slotCount + 4] = ~0u;
+    static uint32_t transparent[2 * materialLimit];
+    transparent[3] = transparent[materialLimit + 4] = ~0u;
     const Corners triangle = { 0, 1, 2, noCorner };
     const Corners faces[8] = { triangle,
                                triangle,

@@ -48,7 +48,7 @@ static void expectSound(const Mesh* mesh, const std::string& what)
         lines += (mesh->faceAttributes[f] & faceLine) != 0;
     }
     ASSERT_TRUE(mesh->liveFaceCount == live || mesh->liveFaceCount == live - lines) << what;
-    ASSERT_LE(mesh->groupCount, slotCount) << what;
+    ASSERT_LE(mesh->groupCount, groupLimit) << what;
 }
 
 struct NamedTool
