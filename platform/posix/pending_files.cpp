@@ -1,0 +1,279 @@
+// platform/posix/pending_files.cpp - files without a name where the file system has them, else files under a lock
+//
+// Whoever writes a pending file holds a lock on it, and locks end with their process. A temporary name whose file is
+// not locked therefore belongs to a process that is gone.
+#include "platform/pending_files.h"
+
+#include "platform/file_names.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <string.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <time.h>
+#include <unistd.h>
+
+// Names of this process's files, for the signal handler: a handler must not allocate, so the room for them is fixed. A
+// file for which there is no room stays behind when a signal comes, until the next writer takes it over.
+constexpr int namedLimit = 8;
+constexpr size_t namedPathRoom = 4096;
+static char namedPaths[namedLimit][namedPathRoom];
+static bool namedAtOnce;
+
+static void rememberName(const std::string& name)
+{
+    for (auto& path : namedPaths)
+    {
+        if (*path || name.size() >= namedPathRoom)
+            continue;
+        memcpy(path + 1, name.c_str() + 1, name.size()); // the first byte last: the handler sees the whole or nothing
+        *path = name[0];
+        return;
+    }
+}
+
+static void forgetName(const std::string& name)
+{
+    for (auto& path : namedPaths)
+        if (name == path)
+            *path = 0;
+}
+
+extern "C" void removeNamedFiles(int signalNumber)
+{
+    for (const auto& path : namedPaths)
+        if (*path)
+            unlink(path);
+    raise(signalNumber); // comes when the handler has returned, and then has its default effect
+}
+
+void removePendingFilesOnSignals()
+{
+    struct sigaction action = {};
+    action.sa_handler = removeNamedFiles;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    for (int signalNumber : { SIGINT, SIGTERM, SIGHUP })
+    {
+        struct sigaction present;
+        if (sigaction(signalNumber, nullptr, &present) == 0 && present.sa_handler == SIG_DFL)
+            sigaction(signalNumber, &action, nullptr); // one that is ignored, as under nohup, stays so
+    }
+}
+
+void namePendingFilesAtOnce(bool on)
+{
+    namedAtOnce = on;
+}
+
+static std::string folderForOpening(const std::string& place)
+{
+    std::string folder = folderOf(place);
+    return folder.empty() ? "." : folder;
+}
+
+static std::string temporaryName(const std::string& place, int number)
+{
+    return folderOf(place) + ".kestrelbox-" + std::to_string(number) + ".part";
+}
+
+// Whether the descriptor is still the file of that name: another writer may have taken it over and placed it.
+static bool hasName(int file, const std::string& name)
+{
+    struct stat opened, named;
+    return fstat(file, &opened) == 0 && lstat(name.c_str(), &named) == 0 && named.st_ino == opened.st_ino &&
+           named.st_dev == opened.st_dev;
+}
+
+static int closeUnlessGood(int file, bool good)
+{
+    if (!good)
+        close(file);
+    return good ? file : -1;
+}
+
+// Locks a file that was just created. Returns -1 when another writer was faster. A file system without locks has files
+// that nobody takes over.
+static int lockFresh(int file, const std::string& name)
+{
+    bool locked = flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+    return closeUnlessGood(file, locked && hasName(file, name));
+}
+
+// What a dead process of this user left under a temporary name, locked and emptied. Returns its descriptor, or -1 when
+// it is in use or somebody else's.
+static int openAbandoned(const std::string& name)
+{
+    int file = open(name.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0)
+        return -1;
+    struct stat facts;
+    bool ours = flock(file, LOCK_EX | LOCK_NB) == 0 && fstat(file, &facts) == 0 && S_ISREG(facts.st_mode) &&
+                facts.st_uid == geteuid() && facts.st_nlink == 1 && hasName(file, name);
+    return closeUnlessGood(file, ours && ftruncate(file, 0) == 0);
+}
+
+// A file under the first temporary name that is free or abandoned.
+static int openNamed(PendingFile* pending)
+{
+    for (int number = 0;; ++number)
+    {
+        std::string name = temporaryName(pending->place, number);
+        int file = open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (file < 0 && errno != EEXIST)
+            return -1;
+        file = file < 0 ? openAbandoned(name) : lockFresh(file, name);
+        if (file < 0)
+            continue;
+        pending->temporary = name;
+        rememberName(name);
+        return file;
+    }
+}
+
+static std::string pathOfDescriptor(int file)
+{
+    return "/proc/self/fd/" + std::to_string(file);
+}
+
+// A file that gets its name when it is whole. Returns its descriptor, or -1 where there is no such thing.
+static int openUnnamed(const std::string& place)
+{
+#ifdef O_TMPFILE
+    int file = open(folderForOpening(place).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
+    if (file >= 0 && access(pathOfDescriptor(file).c_str(), F_OK) == 0) // by which it is named later
+    {
+        flock(file, LOCK_EX | LOCK_NB);
+        return file;
+    }
+    if (file >= 0)
+        close(file);
+#endif
+    return -1;
+}
+
+int createPendingFile(PendingFile* pending, const char* place)
+{
+    *pending = { nullptr, place, "" };
+    signal(SIGXFSZ, SIG_IGN); // a write past the limit of a file's size is to fail as on a full disk
+    int file = namedAtOnce ? -1 : openUnnamed(pending->place);
+    if (file < 0)
+        file = openNamed(pending);
+    if (file < 0)
+        return 0;
+    pending->file = fdopen(file, "wb");
+    if (pending->file)
+        return 1;
+    int reason = errno;
+    close(file);
+    dropPendingFile(pending);
+    errno = reason;
+    return 0;
+}
+
+// Some file systems report a failed write only when a descriptor is closed: one is closed on trial.
+int finishPendingFile(PendingFile* pending)
+{
+    if (ferror(pending->file) || fflush(pending->file) != 0)
+        return 0;
+    int copy = dup(fileno(pending->file));
+    return copy >= 0 && close(copy) == 0;
+}
+
+// Gives an unnamed file the first temporary name that is free; what a dead process left under one goes.
+static int nameFile(PendingFile* pending)
+{
+    std::string self = pathOfDescriptor(fileno(pending->file));
+    for (int number = 0;; ++number)
+    {
+        std::string name = temporaryName(pending->place, number);
+        if (linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
+        {
+            pending->temporary = name;
+            rememberName(name);
+            return 1;
+        }
+        if (errno != EEXIST)
+            return 0;
+        int abandoned = openAbandoned(name);
+        if (abandoned < 0)
+            continue;
+        unlink(name.c_str());
+        close(abandoned);
+        --number; // the name is free now
+    }
+}
+
+static void keepPermissions(const PendingFile* pending)
+{
+    struct stat old, fresh;
+    if (stat(pending->place.c_str(), &old) != 0 || !S_ISREG(old.st_mode) || fstat(fileno(pending->file), &fresh) != 0)
+        return;
+    bool sameOwner = old.st_uid == fresh.st_uid && old.st_gid == fresh.st_gid;
+    (void)!fchmod(fileno(pending->file), old.st_mode & (sameOwner ? 07777u : 0777u)); // some file systems keep none
+}
+
+// Last but for the renaming, which hardly ever fails: then all files of a set have a name in the folder.
+static int prepareToPlace(PendingFile* pending)
+{
+    keepPermissions(pending);
+    return !pending->temporary.empty() || nameFile(pending);
+}
+
+static int placeFile(PendingFile* pending)
+{
+    if (rename(pending->temporary.c_str(), pending->place.c_str()) != 0)
+        return 0;
+    forgetName(pending->temporary);
+    pending->temporary.clear();
+    fclose(pending->file);
+    pending->file = nullptr;
+    return 1;
+}
+
+// Waits for other writers in the folder, but not for ever: a lock of somebody who keeps it must not hang the program.
+static int lockFolder(const std::string& place)
+{
+    constexpr int attempts = 400;
+    constexpr timespec pause = { 0, 5000000 };
+    int folder = open(folderForOpening(place).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    for (int i = 0; folder >= 0 && i < attempts && flock(folder, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK; ++i)
+        nanosleep(&pause, nullptr);
+    return folder;
+}
+
+static int placeInTurn(PendingFile* pending, int count)
+{
+    int placed = 0;
+    for (int i = 0; i < count; ++i)
+        if (!prepareToPlace(&pending[i]))
+            return 0;
+    while (placed < count && placeFile(&pending[placed]))
+        ++placed;
+    return placed;
+}
+
+int placePendingFiles(PendingFile* pending, int count)
+{
+    int folder = count > 1 ? lockFolder(pending[0].place) : -1;
+    int placed = placeInTurn(pending, count);
+    int reason = errno;
+    if (folder >= 0)
+        close(folder);
+    errno = reason;
+    return placed;
+}
+
+void dropPendingFile(PendingFile* pending)
+{
+    if (!pending->temporary.empty())
+    {
+        unlink(pending->temporary.c_str());
+        forgetName(pending->temporary);
+    }
+    if (pending->file)
+        fclose(pending->file);
+    pending->file = nullptr;
+    pending->temporary.clear();
+}
