@@ -1,6 +1,5 @@
 // bench/render_bench.cpp - whole frames and their steps: a sphere of 4,096 triangles, one of 1,048,576, and triangles
 // that fill the display, plain, textured and with shadows
-#include "model/settings.h"
 #include "render/kernels.h"
 #include "render/faces.h"
 #include "render/frame.h"
@@ -21,29 +20,27 @@ struct Scene
     ModelList list = {};
     std::vector<uint32_t> pixels;
     Image image = {};
+    RenderSettings settings = startRenderSettings;
+    FrameState state = startFrameState;
     FrameTransforms transforms = {};
 };
 
 // The sphere fills the display's height: its radius is that of its box by default, half the diagonal.
 static void openScene(Scene* scene, int32_t rings, uint32_t extraFlags)
 {
-    renderSettings = startSettings;
-    displayState = startDisplay;
-    displayState.useSse2 = CpuFeatures() >> 26 & 1;
-    renderSettings.renderFlags |= extraFlags;
-    ApplyPreset(presetProp, 0);
-    SetLight(0, 1);
-    resetView();
-    rotationAboutScreenAxes(&viewState.rotation, 25, 20, 0);
-    createFrameBuffer(&scene->target);
+    scene->settings.renderFlags |= extraFlags;
+    ApplyPreset(&scene->settings, presetProp, 0);
+    SetLight(&scene->settings, 0, 1);
+    rotationAboutScreenAxes(&scene->state.view.rotation, 25, 20, 0);
+    createFrameBuffer(&scene->target, 620, 520);
     scene->pixels.assign(512 * 512, 0);
     for (size_t i = 0; i < scene->pixels.size(); ++i)
         scene->pixels[i] = static_cast<uint32_t>(i * 2654435761u >> 8);
     scene->image = { scene->pixels.data(), 512, 512 };
-    renderSettings.currentTexture = &scene->image;
+    scene->settings.currentTexture = &scene->image;
     installMesh(&scene->list, makeSphere(rings, rings * 2));
     scene->list.radius = 1;
-    setUpCamera(&scene->transforms, scene->list.centre, scene->list.radius, 620, 520);
+    setUpCamera(&scene->transforms, &scene->state.view, scene->list.centre, scene->list.radius, 620, 520);
 }
 
 static void closeScene(Scene* scene)
@@ -59,8 +56,8 @@ static void drawFrames(benchmark::State& state, uint32_t extraFlags)
     double triangles = scene.list.meshes[0]->faceCount;
     for (auto _ : state)
     {
-        displayState.fullRedraw = 1;
-        RenderFrame(&scene.target, &scene.list);
+        scene.state.fullRedraw = 1;
+        RenderFrame(&scene.target, &scene.list, &scene.settings, &scene.state);
     }
     state.counters["Mtri/s"] = benchmark::Counter(triangles * 1e-6, benchmark::Counter::kIsIterationInvariantRate);
     closeScene(&scene);
@@ -87,7 +84,7 @@ static void timeStep(benchmark::State& state, uint32_t extraFlags, Step step)
 {
     Scene scene;
     openScene(&scene, static_cast<int32_t>(state.range(0)), extraFlags);
-    RenderFrame(&scene.target, &scene.list);
+    RenderFrame(&scene.target, &scene.list, &scene.settings, &scene.state);
     for (auto _ : state)
     {
         step(&scene, scene.list.meshes[0]);
@@ -116,8 +113,8 @@ static void StepShade(benchmark::State& state)
                  {
                      float normal[3];
                      transformDirection(normal, &scene->transforms.normal, mesh->vertices[i].normal);
-                     mesh->projected[i].colour =
-                         shadeVertex(&mesh->materials[0], normal, 0, renderSettings.renderFlags, ~0u);
+                     mesh->projected[i].colour = shadeVertex(&mesh->materials[0], scene->settings.lights, normal, 0,
+                                                             scene->settings.renderFlags, ~0u);
                  }
              });
 }
@@ -128,7 +125,7 @@ static void StepFill(benchmark::State& state)
              [](Scene* scene, Mesh* mesh)
              {
                  ClearRect(scene->target.cells, 0, 0, 619, 519, scene->target.pitch * 4, 0x528A);
-                 drawMesh(&scene->target, mesh, &scene->transforms);
+                 drawMesh(&scene->target, mesh, &scene->transforms, &scene->settings, &scene->state.statistics);
              });
 }
 

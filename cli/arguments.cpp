@@ -1,6 +1,7 @@
 // cli/arguments.cpp - every command and option of kbx, once
 #include "cli/arguments.h"
 #include "cli/usage.h"
+#include "image/textures.h"
 
 #include <CLI/CLI.hpp>
 #include <math.h>
@@ -16,8 +17,6 @@ static const char* const backgroundNames[] = { "grey1", "grey2", "black" };
 
 constexpr int32_t smallestSide = 10; // what the display window is never below
 constexpr int32_t largestSide = 16384;
-
-static const char* const textureNames[] = { "wood", "metal", "pattern" };
 
 constexpr char footerEnd[] = "\n"
                              "Exit status:\n"
@@ -260,7 +259,7 @@ std::vector<std::string> valuesOf(const std::string& option)
     else if (option == "background")
         values.assign(std::begin(backgroundNames), std::end(backgroundNames));
     else if (option == "texture")
-        values.assign(std::begin(textureNames), std::end(textureNames));
+        values.assign(std::begin(builtInTextures), std::end(builtInTextures));
     else if (option == "lights")
         values = { "none", "1", "2", "3", "1,2", "1,3", "2,3", "1,2,3" };
     for (std::string& value : values)

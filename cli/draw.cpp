@@ -1,113 +1,91 @@
-// cli/draw.cpp - the window's choices, made by options
+// cli/draw.cpp - the choices of the window, made by options, and the frames drawn with them
 #include "cli/draw.h"
 
 #include "image/textures.h"
-#include "model/settings.h"
-#include "platform/processor.h"
-#include "render/frame.h"
-#include "render/materials.h"
-#include "render/view.h"
+#include "shell/choices.h"
 #include "shell/scene.h"
 
 #include <stdio.h>
-#include <string.h>
 #include <chrono>
 
-static const char* const textureNames[] = { "wood", "metal", "pattern" };
-
-// What the Texture menu does: the picture on a white front and a brick back.
-static int chooseTexture(const std::string& name)
+// Loads a built-in texture or a JPEG file into its slot. Returns the slot, or -1 after a message.
+static int32_t loadTexture(const std::string& name)
 {
-    int32_t index = 0;
-    while (index < textureUser && name != textureNames[index])
-        ++index;
-    Image* slot = &TextureSlots[index];
+    int32_t slot = 0;
+    while (slot < textureUser && name != builtInTextures[slot])
+        ++slot;
+    Image* image = &TextureSlots[slot];
     int opened = 1;
-    int ok = index < textureUser ? loadTextureResource(slot, textureNames[index])
-                                 : loadTextureFile(name.c_str(), slot, &opened);
+    int ok = slot < textureUser ? loadTextureResource(image, builtInTextures[slot])
+                                : loadTextureFile(name.c_str(), image, &opened);
     if (!opened)
         fprintf(stderr, "kbx: cannot read %s\n", name.c_str());
-    if (!ok)
-        return 0;
-    renderSettings.textureIndex = index;
-    renderSettings.currentTexture = slot;
-    renderSettings.renderFlags |= renderTextured;
-    renderSettings.materialPreset = presetWhite;
-    ApplyPreset(presetWhite, presetBrick);
-    return 1;
+    return ok ? slot : -1;
 }
 
-static int chooseMetallic()
+static void chooseFlags(Choices* chosen, const ViewArguments& view)
 {
-    if (!loadTextureResource(&ReflectionImage, "reflect"))
-        return 0;
-    renderSettings.currentTexture = &ReflectionImage;
-    renderSettings.renderFlags |= renderMetallic;
-    ApplyPreset(presetWhite, presetBrick);
-    return 1;
+    chooseRenderFlag(chosen, renderBackCulled, view.backCulled);
+    chooseRenderFlag(chosen, renderVertexColour, view.vertexColour);
+    chooseRenderFlag(chosen, renderWireframe, view.wireframe);
+    chooseRenderFlag(chosen, renderShadows, view.shadows);
+    chooseRenderFlag(chosen, renderRough, view.rough);
+    chooseRenderFlag(chosen, renderMoon, view.moon);
 }
 
-static void chooseFlags(const ViewArguments& view)
+// The flags come last, because choosing a texture or a preset switches wireframe off.
+static int choose(Choices* chosen, const ViewArguments& view, bool builtIn)
 {
-    uint32_t flags = renderSettings.renderFlags & ~(renderBackCulled | renderVertexColour);
-    flags |= view.backCulled ? renderBackCulled : 0;
-    flags |= view.vertexColour ? renderVertexColour : 0;
-    flags |= view.wireframe ? renderWireframe : 0;
-    flags |= view.shadows ? renderShadows : 0;
-    flags |= view.rough ? renderRough : 0;
-    flags |= view.moon ? renderMoon : 0;
-    renderSettings.renderFlags = flags;
-}
-
-static int chooseSurface(const ViewArguments& view, bool builtIn)
-{
-    renderSettings.materialPreset = builtIn ? presetBrass : presetProp;
-    ApplyPreset(renderSettings.materialPreset, renderSettings.backPreset);
-    if (view.texture && !chooseTexture(*view.texture))
-        return 0;
-    if (view.metallic && !chooseMetallic())
-        return 0;
-    if (view.preset)
+    chooseBackground(chosen, view.background);
+    choosePreset(chosen, builtIn ? presetBrass : presetProp);
+    if (view.texture)
     {
-        renderSettings.materialPreset = *view.preset;
-        ApplyPreset(*view.preset, renderSettings.backPreset);
+        int32_t slot = loadTexture(*view.texture);
+        if (slot < 0)
+            return 0;
+        chooseTexture(chosen, slot);
     }
-    chooseFlags(view);
+    if (view.metallic)
+    {
+        if (!loadTextureResource(&ReflectionImage, "reflect"))
+            return 0;
+        chooseMetallic(chosen, true);
+    }
+    if (view.preset)
+        choosePreset(chosen, *view.preset);
+    for (int32_t light = 0; light < lightCount; ++light)
+        chooseLight(chosen, light, view.lightMask & (1u << light));
+    chooseFlags(chosen, view);
     return 1;
 }
 
-static void chooseLights(uint32_t mask)
+static ViewState viewOf(const ViewArguments& arguments)
 {
-    renderSettings.lightMask = mask;
-    for (int32_t light = 0; light < lightCount; ++light)
-        SetLight(light, mask & (1u << light));
-}
-
-static void chooseView(const ViewArguments& view)
-{
-    resetView();
-    if (view.view)
+    ViewState view = startView;
+    if (arguments.view)
     {
         for (size_t i = 0; i < 9; ++i)
-            viewState.rotation.m[i / 3 * 4 + i % 3] = (*view.view)[i];
+            view.rotation.m[i / 3 * 4 + i % 3] = (*arguments.view)[i];
     }
+    const auto& degrees = arguments.rotateDegrees;
     Matrix turn;
-    rotationAboutScreenAxes(&turn, view.rotateDegrees[0], view.rotateDegrees[1], view.rotateDegrees[2]);
-    multiplyMatrices(&viewState.rotation, &turn, &viewState.rotation);
-    renderSettings.zoom = view.zoom;
+    rotationAboutScreenAxes(&turn, degrees[0], degrees[1], degrees[2]);
+    multiplyMatrices(&view.rotation, &turn, &view.rotation);
+    rotationAboutScreenAxes(&view.step, 0, 1, 0);
+    view.zoom = arguments.zoom;
+    return view;
 }
 
-// Each frame but the first turns the model by one degree first, as a flung one would.
-static void drawFrames(int32_t count, bool report)
+// Each frame but the first turns the model by one degree first, as it turns after a flick of the mouse.
+static void drawFrames(const RenderSettings* settings, FrameState* state, int32_t count, bool report)
 {
     auto start = std::chrono::steady_clock::now();
     uint64_t polygons = 0;
-    rotationAboutScreenAxes(&viewState.step, 0, 1, 0);
     for (int32_t i = 0; i < count; ++i)
     {
-        displayState.continuousRedraw = i > 0;
-        RenderFrame(&frameBuffer, &modelList);
-        polygons += frameStatistics.framePolygons;
+        state->continuousRedraw = i > 0;
+        RenderFrame(&frameBuffer, &modelList, settings, state);
+        polygons += state->statistics.framePolygons;
     }
     if (!report)
         return;
@@ -119,21 +97,19 @@ static void drawFrames(int32_t count, bool report)
 int drawModel(Mesh* mesh, bool builtIn, const ViewArguments& view)
 {
     installMesh(&modelList, mesh);
-    displayState.useSse2 = (CpuFeatures() & processorSse2) != 0;
-    displayState.displayWidth = view.width;
-    displayState.displayHeight = view.height;
-    renderSettings.backgroundIndex = view.background;
-    renderSettings.backgroundColour = backgroundColours[view.background];
-    if (!chooseSurface(view, builtIn))
+    Choices chosen = startChoices;
+    if (!choose(&chosen, view, builtIn))
         return 0;
-    chooseLights(view.lightMask);
-    chooseView(view);
-    if (!createFrameBuffer(&frameBuffer))
+    FrameState state = startFrameState;
+    state.displayWidth = view.width;
+    state.displayHeight = view.height;
+    state.view = viewOf(view);
+    if (!createFrameBuffer(&frameBuffer, view.width, view.height))
     {
         fputs("kbx: there is no memory for a picture of this size\n", stderr);
         return 0;
     }
-    drawFrames(view.frames.value_or(1), view.frames.has_value());
+    drawFrames(&chosen.render, &state, view.frames.value_or(1), view.frames.has_value());
     return 1;
 }
 

@@ -14,10 +14,9 @@
 #include "import/rkf.h"
 #include "import/threeds/threeds.h"
 #include "model/memory.h"
-#include "model/settings.h"
+#include "platform/processor.h"
 #include "render/frame.h"
 #include "render/materials.h"
-#include "render/view.h"
 #include "shell/scene.h"
 #include "tests/check_mesh.h"
 #include "tests/recording/recording.h"
@@ -30,13 +29,13 @@
 #include <filesystem>
 #include <string>
 
-struct Choices
+struct ChoiceBytes
 {
     const uint8_t* bytes;
     size_t size;
 };
 
-static uint32_t choose(Choices* choices, uint32_t count)
+static uint32_t choose(ChoiceBytes* choices, uint32_t count)
 {
     if (choices->size == 0)
         return 0;
@@ -59,27 +58,34 @@ static void runTool(Mesh* mesh, const MeshTool& tool)
     check(mesh, tool.name);
 }
 
-static void draw(Choices* choices)
+static RenderSettings chooseSettings(ChoiceBytes* choices)
 {
-    constexpr uint32_t flags[] = { 0x1, 0x10, 0x20, 0x80, 0x100, 0x400 };
-    renderSettings.renderFlags = 0;
+    constexpr uint32_t flags[] = { renderBackCulled, renderWireframe, renderVertexColour,
+                                   renderShadows,    renderRough,     renderMoon };
+    RenderSettings settings = startRenderSettings;
+    settings.renderFlags = 0;
     uint32_t wanted = choose(choices, 64);
     for (uint32_t i = 0; i < 6; ++i)
-        renderSettings.renderFlags |= wanted & (1u << i) ? flags[i] : 0;
-    ApplyPreset(static_cast<int32_t>(choose(choices, 11)), 0);
+        settings.renderFlags |= wanted & (1u << i) ? flags[i] : 0;
+    ApplyPreset(&settings, static_cast<int32_t>(choose(choices, 11)), 0);
     for (int32_t light = 0; light < lightCount; ++light)
-        SetLight(light, choose(choices, 2));
-    resetView();
-    rotationAboutScreenAxes(&viewState.rotation, static_cast<float>(choose(choices, 256)),
+        SetLight(&settings, light, choose(choices, 2));
+    return settings;
+}
+
+static void draw(ChoiceBytes* choices, FrameState* state)
+{
+    RenderSettings settings = chooseSettings(choices);
+    rotationAboutScreenAxes(&state->view.rotation, static_cast<float>(choose(choices, 256)),
                             static_cast<float>(choose(choices, 256)), 0);
     constexpr float zooms[] = { 1, 1.5f, 10, 1e4f, 1e9f };
-    renderSettings.zoom = zooms[choose(choices, 5)];
-    displayState.displayWidth = 10 + static_cast<int32_t>(choose(choices, 90));
-    displayState.displayHeight = 10 + static_cast<int32_t>(choose(choices, 90));
-    displayState.useSse2 = static_cast<int32_t>(choose(choices, 2));
-    displayState.fullRedraw = 1;
-    if (createFrameBuffer(&frameBuffer))
-        RenderFrame(&frameBuffer, &modelList);
+    state->view.zoom = zooms[choose(choices, 5)];
+    state->displayWidth = 10 + static_cast<int32_t>(choose(choices, 90));
+    state->displayHeight = 10 + static_cast<int32_t>(choose(choices, 90));
+    limitKernelLevel(choose(choices, 2) ? kernelsAvx512 : kernelsPlain);
+    if (createFrameBuffer(&frameBuffer, state->displayWidth, state->displayHeight))
+        RenderFrame(&frameBuffer, &modelList, &settings, state);
+    limitKernelLevel(kernelsAvx512);
 }
 
 static const std::string& folder()
@@ -101,11 +107,11 @@ static void readBack(const char* name, int (*load)(Mesh*, const char*))
     freeMesh(mesh);
 }
 
-static void write(const Mesh* mesh)
+static void write(const Mesh* mesh, const FrameState& state)
 {
     if (writeObjFiles(mesh, (folder() + "m.obj").c_str(), "m.obj"))
         readBack("m.obj", LoadObjFile);
-    PreviewSource preview = { frameBuffer.picture.bits, displayState.displayWidth, displayState.displayHeight,
+    PreviewSource preview = { frameBuffer.picture.bits, state.displayWidth, state.displayHeight,
                               frameBuffer.pitch * 3 };
     if (frameBuffer.cells && writePropFiles(mesh, (folder() + "m.pp2").c_str(), &preview))
         readBack("m.pp2", LoadPoserFile);
@@ -120,9 +126,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
                                                           LoadDxfFile, LoadPoserFile, LoadRkfFile };
     memoryTable = {};
     resetRecording();
-    renderSettings = startSettings;
-    displayState = startDisplay;
-    Choices choices = { bytes, size };
+    ChoiceBytes choices = { bytes, size };
     auto reader = readers[choose(&choices, 7)];
     uint8_t plan[24] = {};
     for (uint8_t& step : plan)
@@ -134,13 +138,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
         return recorded.liveBlocks ? (abort(), 0) : 0;
     }
     check(mesh, "reader");
-    Choices steps = { plan, sizeof plan };
+    ChoiceBytes steps = { plan, sizeof plan };
     for (uint32_t tools = choose(&steps, 6); tools > 0; --tools)
         runTool(mesh, meshTools[choose(&steps, static_cast<uint32_t>(meshTools.size()))]);
     applyFilter(mesh, static_cast<int32_t>(choose(&steps, 8)));
     installMesh(&modelList, mesh);
-    draw(&steps);
-    write(mesh);
+    FrameState state = startFrameState;
+    draw(&steps, &state);
+    write(mesh, state);
     destroyFrameBuffer(&frameBuffer);
     releaseModels();
     if (recorded.liveBlocks != 0)

@@ -3,7 +3,6 @@
 
 #include "image/jpeg.h"
 #include "model/ascii.h"
-#include "model/settings.h"
 #include "platform/boxes.h"
 #include "platform/dialogs.h"
 #include "platform/files.h"
@@ -28,11 +27,9 @@ int loadTextureResource(Image* image, const char* name)
 
 void loadBuiltInTextures()
 {
-    loadTextureResource(&TextureSlots[textureWood], "wood");
-    loadTextureResource(&TextureSlots[textureMetal], "metal");
-    loadTextureResource(&TextureSlots[texturePattern], "pattern");
+    for (int slot = 0; slot < textureUser; ++slot)
+        loadTextureResource(&TextureSlots[slot], builtInTextures[slot]);
     loadTextureResource(&ReflectionImage, "reflect");
-    renderSettings.currentTexture = &TextureSlots[textureWood];
 }
 
 int loadTextureFile(const char* path, Image* image, int* opened, JpegOutput* output)

@@ -10,6 +10,7 @@ constexpr int textureMetal = 1;
 constexpr int texturePattern = 2;
 constexpr int textureUser = 3;
 constexpr int textureCount = 4;
+inline constexpr const char* builtInTextures[textureUser] = { "wood", "metal", "pattern" }; // by slot
 constexpr size_t textureTitleCharacters = 32;
 constexpr size_t textureTitleRoom = dialogBytes(textureTitleCharacters);
 
@@ -20,8 +21,7 @@ extern Image ReflectionImage;
 // freed.
 int loadTextureResource(Image* image, const char* name);
 
-// Loads the four embedded pictures into their slots and makes wood the current texture. A picture that fails leaves its
-// slot empty.
+// Loads the four embedded pictures into their slots. A picture that fails leaves its slot empty.
 void loadBuiltInTextures();
 
 // Asks for a JPEG file and decodes it into the image, whose old pixels are freed then. Title, of textureTitleRoom

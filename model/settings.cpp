@@ -1,7 +1,5 @@
-// model/settings.cpp - the switches as the program starts
+// model/settings.cpp
 #include "model/settings.h"
 
-RenderSettings renderSettings = startSettings;
-DisplayState displayState = startDisplay;
 int32_t usePlainKernels;
 char currentFileName[fileNameRoom];

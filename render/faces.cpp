@@ -1,7 +1,6 @@
 // render/faces.cpp - the face drawer: which faces a pass draws, and how a corner gets its colour and its texture place
 #include "render/faces.h"
 
-#include "model/settings.h"
 #include "render/edges.h"
 #include "render/face_blocks.h"
 #include "render/kernels.h"
@@ -25,11 +24,14 @@ struct FaceDrawer
 {
     Mesh* mesh;
     const FrameTransforms* transforms;
-    uint32_t flags; // renderSettings.renderFlags
+    const RenderSettings* settings;
+    uint32_t flags; // of the settings
     TextureKind texture;
     RasterKernels kernels;
     FaceBlockSorter sortBlock; // null where there is none
     FillState fill;
+    uint32_t polygons;                       // drawn so far
+    int32_t shadings;                        // of a vertex so far
     uint32_t transparent[2 * materialLimit]; // of a FacePass
 };
 
@@ -40,27 +42,27 @@ struct FaceMaterial
     uint32_t key; // of the vertices shaded with it, on the side of the pass
 };
 
-static TextureKind textureKindOf(const Mesh* mesh, uint32_t flags)
+static TextureKind textureKindOf(const Mesh* mesh, const RenderSettings* settings)
 {
-    const Image* image = renderSettings.currentTexture;
+    const Image* image = settings->currentTexture;
     if (!image || !image->pixels || image->width <= 0 || image->height <= 0)
         return textureNone;
-    if (flags & renderMetallic)
+    if (settings->renderFlags & renderMetallic)
         return textureReflection;
     // One coordinate is the placeholder of files that have none.
-    return flags & renderTextured && mesh->uvCount > 1 ? textureCoordinates : textureNone;
+    return settings->renderFlags & renderTextured && mesh->uvCount > 1 ? textureCoordinates : textureNone;
 }
 
-static FillState fillStateOf(const FrameBuffer* target, uint32_t flags)
+static FillState fillStateOf(const FrameBuffer* target, const RenderSettings* settings)
 {
     FillState fill = {};
     fill.cells = target->cells;
     fill.pitch = target->pitch;
-    fill.texture = renderSettings.currentTexture;
+    fill.texture = settings->currentTexture;
     constexpr int32_t fieldStep[4] = { 2048, 1024, 2048, 0 }; // one step of a cell's field in a 16-bit lane
     constexpr int32_t roughness = 4096;
     for (int k = 0; k < 4; ++k)
-        fill.noiseAmplitude[k] = fieldStep[k] + (flags & renderRough ? roughness : 0);
+        fill.noiseAmplitude[k] = fieldStep[k] + (settings->renderFlags & renderRough ? roughness : 0);
     return fill;
 }
 
@@ -68,8 +70,9 @@ static FaceMaterial materialOf(const FaceDrawer* drawer, uint32_t attributes)
 {
     uint32_t eyeFacing = attributes & faceEyeFacing;
     uint32_t key = vertexShaded | (eyeFacing ? vertexEyeFacing : 0);
-    if (!renderSettings.propMaterial)
-        return { eyeFacing ? &rendererMaterials.front : &rendererMaterials.behind, key };
+    const RenderSettings* settings = drawer->settings;
+    if (!settings->propMaterial)
+        return { eyeFacing ? &settings->front : &settings->behind, key };
     uint32_t index = faceMaterial(attributes);
     return { &drawer->mesh->materials[index], key | index << vertexMaterialShift };
 }
@@ -85,11 +88,12 @@ static void shadeProjected(FaceDrawer* drawer, uint32_t index, const FaceMateria
         for (float& n : normal)
             n = -n;
     int inShadow = drawer->flags & renderShadows && projected->flags & vertexShadowed;
-    projected->colour = shadeVertex(face.material, normal, inShadow, drawer->flags, vertex.colour);
+    projected->colour =
+        shadeVertex(face.material, drawer->settings->lights, normal, inShadow, drawer->flags, vertex.colour);
     if (drawer->texture == textureReflection)
         projected->texture = reflectionOf(normal);
     projected->flags = (projected->flags & ~vertexKeyMask) | face.key;
-    ++frameStatistics.litVertices;
+    ++drawer->shadings;
 }
 
 // Places and depths of the corners of a face that is wholly on the screen. Returns their number, or 0 when a corner is
@@ -155,7 +159,7 @@ static void fillFace(FaceDrawer* drawer, const TriangleCorner* corners)
 // A polyline's points, or a polygon's outline when closed.
 static void drawOutline(FaceDrawer* drawer, const TriangleCorner* corners, int count, bool closed)
 {
-    ++frameStatistics.framePolygons;
+    ++drawer->polygons;
     for (int k = 0; k + 1 < count; ++k)
         drawLine(&drawer->fill, corners[k], corners[k + 1]);
     if (closed)
@@ -184,7 +188,7 @@ static void drawFace(FaceDrawer* drawer, int32_t index, const FaceMaterial& face
         shadeCorners(drawer, corner, count, index, face);
         return drawOutline(drawer, corner, count, !isLine);
     }
-    frameStatistics.framePolygons += static_cast<uint32_t>(count - 2);
+    drawer->polygons += static_cast<uint32_t>(count - 2);
     TriangleCorner half[3];
     bool secondHalf = count == 4 && mayCoverPixels(secondHalfOf(half, corner));
     bool firstHalf = (sorted && count == 3) || mayCoverPixels(corner);
@@ -201,7 +205,7 @@ static void drawFace(FaceDrawer* drawer, int32_t index, const FaceMaterial& face
 // A triangle of one pixel, a corner's, in an opaque pass without a texture.
 static void drawSingle(FaceDrawer* drawer, int32_t faceIndex, uint32_t vertexIndex)
 {
-    ++frameStatistics.framePolygons;
+    ++drawer->polygons;
     const ProjectedVertex& vertex = drawer->mesh->projected[vertexIndex];
     FillState* fill = &drawer->fill;
     uint32_t* cell = fill->cells + static_cast<ptrdiff_t>(projectedY(vertex)) * fill->pitch + projectedX(vertex);
@@ -248,7 +252,7 @@ static int drawFaceBlocks(FaceDrawer* drawer, const FacePass* pass)
         FaceBlock block;
         drawer->sortBlock(&block, pass, i);
         anyTransparent |= block.transparent ? 1 : 0;
-        frameStatistics.framePolygons += static_cast<uint32_t>(std::popcount(block.empty));
+        drawer->polygons += static_cast<uint32_t>(std::popcount(block.empty));
         for (uint32_t left = block.drawn | block.single; left; left &= left - 1)
         {
             int32_t k = std::countr_zero(left);
@@ -288,21 +292,36 @@ static void findTransparent(FaceDrawer* drawer)
     }
 }
 
-void drawMesh(FrameBuffer* target, Mesh* mesh, const FrameTransforms* transforms)
+static void drawPasses(FaceDrawer* drawer, bool drawAway)
 {
-    uint32_t flags = renderSettings.renderFlags;
-    FaceDrawer drawer = {
-        mesh, transforms, flags, textureKindOf(mesh, flags), rasterKernels(), faceSorter(), fillStateOf(target, flags),
-        {}
-    };
-    findTransparent(&drawer);
-    bool drawAway = !(flags & renderBackCulled);
-    int anyTransparent = drawFaces(&drawer, faceEyeFacing, true);
+    int anyTransparent = drawFaces(drawer, faceEyeFacing, true);
     if (drawAway)
-        drawFaces(&drawer, 0, true);
+        drawFaces(drawer, 0, true);
     if (!anyTransparent)
         return;
     if (drawAway)
-        drawFaces(&drawer, 0, false);
-    drawFaces(&drawer, faceEyeFacing, false);
+        drawFaces(drawer, 0, false);
+    drawFaces(drawer, faceEyeFacing, false);
+}
+
+void drawMesh(FrameBuffer* target, Mesh* mesh, const FrameTransforms* transforms, const RenderSettings* settings,
+              FrameStatistics* statistics)
+{
+    FaceDrawer drawer = {
+        .mesh = mesh,
+        .transforms = transforms,
+        .settings = settings,
+        .flags = settings->renderFlags,
+        .texture = textureKindOf(mesh, settings),
+        .kernels = rasterKernels(),
+        .sortBlock = faceSorter(),
+        .fill = fillStateOf(target, settings),
+        .polygons = 0,
+        .shadings = 0,
+        .transparent = {},
+    };
+    findTransparent(&drawer);
+    drawPasses(&drawer, !(settings->renderFlags & renderBackCulled));
+    statistics->framePolygons += drawer.polygons;
+    statistics->litVertices += drawer.shadings;
 }

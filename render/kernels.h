@@ -1,6 +1,6 @@
-// render/kernels.h - which version of each kernel this processor runs
+// render/kernels.h - the version of each kernel that kernelLevel() (platform/processor.h) chooses
 //
-// displayState.useSse2 off forces the plain versions, whatever the processor has; all versions give the same bits.
+// All versions of a kernel give the same bits.
 #pragma once
 #include "render/expand.h"
 #include "render/face_blocks.h"
@@ -17,7 +17,7 @@ struct RasterKernels
 struct VertexKernels
 {
     void (*project)(Mesh* mesh, const FrameTransforms* transforms, int32_t width, int32_t height);
-    void (*projectToLight)(Mesh* mesh, const FrameTransforms* transforms);
+    void (*projectLight)(Mesh* mesh, const FrameTransforms* transforms);
     void (*classify)(Mesh* mesh, const FaceDirections* directions, int32_t first, int32_t end);
 };
 
@@ -27,6 +27,6 @@ using ShadowFiller = void (*)(uint16_t* map, int32_t side, const ShadowTriangle*
 
 RasterKernels rasterKernels();
 VertexKernels vertexKernels();
-FaceBlockSorter faceSorter(); // null: there is no plain one, faces are drawn one by one
+FaceBlockSorter faceSorter(); // null without AVX2: there is no plain sorter, faces are then drawn one by one
 CellExpander cellExpander();
 ShadowFiller shadowFiller();

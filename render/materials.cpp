@@ -1,4 +1,4 @@
-// render/materials.cpp - the tables of lights and presets, and the materials they are turned into
+// render/materials.cpp - the table of presets, and the materials they become
 #include "render/materials.h"
 
 #include "model/matrix.h"
@@ -7,12 +7,6 @@
 #include <algorithm>
 
 // clang-format off
-Light lights[lightCount] = {
-    { { -1,  1, 1 }, { 1, 1, 1 }, 1 },
-    { {  2,  2, 1 }, { 1, 1, 1 }, 0 },
-    { {  0, -1, 0 }, { 1, 1, 1 }, 0 },
-};
-
 // ambient, diffuse, specular level; colour; specular colour; shading mode, shininess; transparency
 const MaterialPreset materialPresets[presetCount] = {
     { 0.1f,  0.4f, 0.5f, { 0.8f,  0.4f,  0.1f  }, { 1.0f, 0.8f, 0.4f }, 0, 0, 0    }, // Brass
@@ -29,17 +23,15 @@ const MaterialPreset materialPresets[presetCount] = {
 };
 // clang-format on
 
-RendererMaterials rendererMaterials;
-
-void SetLight(int32_t index, uint32_t on)
+void SetLight(RenderSettings* settings, int32_t index, uint32_t on)
 {
     if (index < 0 || index >= lightCount)
         return;
-    normalise(lights[index].direction);
-    lights[index].on = on;
+    normalise(settings->lights[index].direction);
+    settings->lights[index].on = on;
 }
 
-// reserved2 and reserved4 stay as they were.
+// reserved2 and reserved4 keep their values: no preset has any for them.
 static void fillMaterial(Material* material, const MaterialPreset& preset)
 {
     for (int k = 0; k < 3; ++k)
@@ -58,13 +50,13 @@ static void fillMaterial(Material* material, const MaterialPreset& preset)
     material->transparency = preset.transparency;
 }
 
-void ApplyPreset(int32_t preset, int32_t secondPreset)
+void ApplyPreset(RenderSettings* settings, int32_t preset, int32_t secondPreset)
 {
     if (preset < 0 || preset >= presetCount || secondPreset < 0 || secondPreset >= presetCount)
         return;
-    renderSettings.propMaterial = preset == presetProp;
-    fillMaterial(&rendererMaterials.front, materialPresets[preset]);
-    fillMaterial(&rendererMaterials.behind, materialPresets[secondPreset]);
+    settings->propMaterial = preset == presetProp;
+    fillMaterial(&settings->front, materialPresets[preset]);
+    fillMaterial(&settings->behind, materialPresets[secondPreset]);
 }
 
 uint32_t transparencyByte(const Material* material)

@@ -1,7 +1,7 @@
 // render/project.cpp - face classification and projection
 #include "render/project.h"
 
-#include "render/frame.h"
+#include "render/frame_buffer.h"
 #include "render/kernels.h"
 
 #include <emmintrin.h>
@@ -79,7 +79,7 @@ void projectVertices(Mesh* mesh, const FrameTransforms* transforms, int32_t widt
     std::copy_n(rect, 4, mesh->screenRect);
 }
 
-void projectToLight(Mesh* mesh, const FrameTransforms* transforms)
+void projectVerticesToLight(Mesh* mesh, const FrameTransforms* transforms)
 {
     const Matrix light = transforms->light;
     for (int32_t i = 0; i < mesh->vertexCount; ++i)
@@ -152,7 +152,7 @@ withSse2 void projectVerticesSse2(Mesh* mesh, const FrameTransforms* transforms,
     rect[3] = _mm_extract_epi16(highest, 1);
 }
 
-withSse2 void projectToLightSse2(Mesh* mesh, const FrameTransforms* transforms)
+withSse2 void projectVerticesToLightSse2(Mesh* mesh, const FrameTransforms* transforms)
 {
     const TransformColumns columns = columnsOf(transforms->light);
     const __m128i below = _mm_set1_epi32(-1);

@@ -41,9 +41,9 @@ void projectVerticesSse2(Mesh* mesh, const FrameTransforms* transforms, int32_t 
 void projectVerticesAvx2(Mesh* mesh, const FrameTransforms* transforms, int32_t width, int32_t height); // equal values
 
 // Map places and light depths, no shadow marks; off the map is marked as off the screen is (render/shadows.h).
-void projectToLight(Mesh* mesh, const FrameTransforms* transforms);
-void projectToLightSse2(Mesh* mesh, const FrameTransforms* transforms); // equal values
-void projectToLightAvx2(Mesh* mesh, const FrameTransforms* transforms); // equal values
+void projectVerticesToLight(Mesh* mesh, const FrameTransforms* transforms);
+void projectVerticesToLightSse2(Mesh* mesh, const FrameTransforms* transforms); // equal values
+void projectVerticesToLightAvx2(Mesh* mesh, const FrameTransforms* transforms); // equal values
 
 inline int32_t projectedX(const ProjectedVertex& vertex)
 {

@@ -4,7 +4,7 @@
 // to 3 and 4 to 7, so that lanes are in the records' order.
 #include "render/project.h"
 
-#include "render/frame.h"
+#include "render/frame_buffer.h"
 
 #include <immintrin.h>
 #include <algorithm>
@@ -215,7 +215,7 @@ withAvx2 void projectVerticesAvx2(Mesh* mesh, const FrameTransforms* transforms,
     std::copy_n(rect, 4, mesh->screenRect);
 }
 
-withAvx2 void projectToLightAvx2(Mesh* mesh, const FrameTransforms* transforms)
+withAvx2 void projectVerticesToLightAvx2(Mesh* mesh, const FrameTransforms* transforms)
 {
     const Matrix matrix = transforms->light;
     int32_t i = 0;

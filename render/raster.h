@@ -12,7 +12,7 @@
 // triangle's own depths and within the bytes of a colour.
 #pragma once
 #include "model/image.h"
-#include "render/frame.h"
+#include "render/frame_buffer.h"
 
 #include <stddef.h>
 #include <stdint.h>

@@ -60,7 +60,8 @@ static uint32_t multiplyByte(uint32_t value, uint32_t colour, int shift)
     return value * (colour >> shift & 0xFF) / 255 << shift;
 }
 
-uint32_t shadeVertex(const Material* material, const float* normal, int inShadow, uint32_t flags, uint32_t vertexColour)
+uint32_t shadeVertex(const Material* material, const Light* lights, const float* normal, int inShadow, uint32_t flags,
+                     uint32_t vertexColour)
 {
     float k = material->transparency > 0 ? 1 - material->transparency : 1;
     float colour[3];

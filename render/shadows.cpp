@@ -24,7 +24,7 @@ constexpr float ownReach = 2;
 
 void ProjectToLight(Mesh* mesh, const FrameTransforms* transforms)
 {
-    vertexKernels().projectToLight(mesh, transforms);
+    vertexKernels().projectLight(mesh, transforms);
 }
 
 constexpr int64_t steepestStep = int64_t{ 1 } << 29; // of 16.16 depths that 32 bits are enough for

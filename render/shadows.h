@@ -6,7 +6,8 @@
 //
 // Source: Lance Williams, "Casting Curved Shadows on Curved Surfaces", 1978
 #pragma once
-#include "render/frame.h"
+#include "model/mesh.h"
+#include "render/frame_buffer.h"
 #include "render/raster.h"
 #include "render/view.h"
 

@@ -1,29 +1,19 @@
 // render/view.cpp - the view state, rotations and the camera
 #include "render/view.h"
 
-#include "model/settings.h"
-#include "render/frame.h"
+#include "render/frame_buffer.h"
 
 #include <math.h>
 #include <algorithm>
 
-ViewState viewState = { identityMatrix, identityMatrix };
-
-void resetViewRotations()
+void resetViewRotations(ViewState* view)
 {
-    viewState = { identityMatrix, identityMatrix };
+    view->rotation = view->step = identityMatrix;
 }
 
-void resetView()
+void spinView(ViewState* view)
 {
-    resetViewRotations();
-    displayState.continuousRedraw = 0;
-    renderSettings.zoom = 1.0f;
-}
-
-void spinView()
-{
-    multiplyMatrices(&viewState.rotation, &viewState.step, &viewState.rotation);
+    multiplyMatrices(&view->rotation, &view->step, &view->rotation);
 }
 
 void rotationAboutAxis(Matrix* out, float angle, const float* axis)
@@ -105,18 +95,19 @@ static void setUpNormalMatrix(Matrix* out, const Matrix* rotation)
             out->m[row * 4 + k] = cofactors[row][k] * factor;
 }
 
-void setUpCamera(FrameTransforms* out, const float* centre, float radius, int32_t width, int32_t height)
+void setUpCamera(FrameTransforms* out, const ViewState* view, const float* centre, float radius, int32_t width,
+                 int32_t height)
 {
     Matrix model;
     setTranslation(&model, -centre[0], -centre[1], -centre[2]);
     float k = radius > 0 ? 1 / radius : 1;
     scaleAfter(&model, k, k, k);
-    multiplyMatrices(&model, &viewState.rotation, &model);
+    multiplyMatrices(&model, &view->rotation, &model);
 
     setUpLightView(&out->light, shadowLightDirection);
     multiplyMatrices(&out->light, &out->light, &model);
 
-    setUpNormalMatrix(&out->normal, &viewState.rotation);
+    setUpNormalMatrix(&out->normal, &view->rotation);
     out->normalTransposed = out->normal;
     transposeMatrix(&out->normalTransposed);
 
@@ -124,6 +115,6 @@ void setUpCamera(FrameTransforms* out, const float* centre, float radius, int32_
     float halfWidth = static_cast<float>(width / 2), halfHeight = static_cast<float>(height / 2);
     constexpr float halfDepth = depthLimit / 2;
     Matrix projection = { { f, 0, 0, halfWidth, 0, -f, 0, halfHeight, 0, 0, halfDepth, halfDepth, 0, 0, 0, 1 } };
-    scaleAfter(&model, renderSettings.zoom, renderSettings.zoom, renderSettings.zoom);
+    scaleAfter(&model, view->zoom, view->zoom, view->zoom);
     multiplyMatrices(&out->screen, &projection, &model);
 }

@@ -11,10 +11,12 @@
 struct ViewState
 {
     Matrix rotation; // turns the model before it is projected
-    Matrix step;     // multiplied onto it before every frame while continuousRedraw is set
+    Matrix step;     // multiplied onto it before every frame of a spinning model
+    float zoom;      // never below 1
 };
 
-extern ViewState viewState;
+// The view that the program starts with: identities, zoom 1.
+constexpr ViewState startView = { identityMatrix, identityMatrix, 1.0f };
 
 struct FrameTransforms
 {
@@ -28,14 +30,11 @@ struct FrameTransforms
 constexpr float shadowLightDirection[3] = { -1, 1, 1 };
 constexpr float eyeDirection[3] = { 0, 0, 1 };
 
-// The view as it was before anybody touched it: identities, no spin, zoom 1.
-void resetView();
-
-// The rotations alone, as opening a model does.
-void resetViewRotations();
+// Sets both rotations to the identity and keeps the zoom, as opening a model does.
+void resetViewRotations(ViewState* view);
 
 // One frame of spin: rotation = step x rotation.
-void spinView();
+void spinView(ViewState* view);
 
 // The rotation by an angle in radians about a unit axis, turning clockwise for one who looks against the axis: about
 // current x reference it takes the reference point of a drag to the current one.
@@ -45,8 +44,10 @@ void rotationAboutAxis(Matrix* out, float angle, const float* axis);
 // to y, so that the front of the model moves down, to the right, and counter-clockwise.
 void rotationAboutScreenAxes(Matrix* out, float degreesX, float degreesY, float degreesZ);
 
-// The frame's transforms for a model of that centre and radius (not above 0: drawn unscaled) on a display of that size.
-void setUpCamera(FrameTransforms* out, const float* centre, float radius, int32_t width, int32_t height);
+// The frame's transforms for a view of a model with that centre and radius, on a display of width x height pixels. A
+// radius that is not above 0 leaves the model unscaled.
+void setUpCamera(FrameTransforms* out, const ViewState* view, const float* centre, float radius, int32_t width,
+                 int32_t height);
 
 // The rotation and offset into the shadow map for a light direction of any length; parallel to the y axis is fine.
 void setUpLightView(Matrix* out, const float* direction);

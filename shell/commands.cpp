@@ -2,43 +2,34 @@
 #include "shell/commands.h"
 
 #include "image/textures.h"
-#include "model/settings.h"
 #include "platform/controls.h"
-#include "render/materials.h"
-#include "render/view.h"
 #include "resources/ids.h"
+#include "shell/choices.h"
 #include "shell/display.h"
+#include "shell/loop.h"
 #include "shell/model_files.h"
 #include "shell/picture_file.h"
 #include "shell/scene.h"
 
-static void wireframeOff()
+// Moves the tick of a group of menu entries; first is the group's first entry.
+static void moveTick(int first, int32_t from, int32_t to)
 {
-    renderSettings.renderFlags &= ~renderWireframe;
+    checkMenuItem(first + from, 0);
+    checkMenuItem(first + to, 1);
+}
+
+static void showPresetChoice(int32_t preset)
+{
+    moveTick(ID_PRESET_BRASS, choices.materialPreset, preset);
     checkPanelBox(ID_WIREFRAME, 0);
+    choosePreset(&choices, preset);
 }
 
-static void texturedOn()
+static void showTextureChoice(int32_t slot)
 {
-    renderSettings.renderFlags |= renderTextured;
+    moveTick(ID_TEXTURE_WOOD, choices.textureIndex, slot);
     checkPanelBox(ID_TEXTURED, 1);
-    wireframeOff();
-}
-
-static void markPreset(int32_t preset)
-{
-    checkMenuItem(ID_PRESET_BRASS + renderSettings.materialPreset, 0);
-    checkMenuItem(ID_PRESET_BRASS + preset, 1);
-    renderSettings.materialPreset = preset;
-}
-
-static void selectTexture(int32_t index)
-{
-    checkMenuItem(ID_TEXTURE_WOOD + renderSettings.textureIndex, 0);
-    checkMenuItem(ID_TEXTURE_WOOD + index, 1);
-    renderSettings.textureIndex = index;
-    renderSettings.currentTexture = &TextureSlots[index];
-    texturedOn();
+    checkPanelBox(ID_WIREFRAME, 0);
 }
 
 static void endProgram(int)
@@ -49,20 +40,16 @@ static void endProgram(int)
 // The model stands still while the box is open and spins on afterwards.
 static void showAbout(int)
 {
-    int spinning = displayState.continuousRedraw;
+    int spinning = frameState.continuousRedraw;
     runAboutBox();
-    displayState.continuousRedraw = spinning;
+    frameState.continuousRedraw = spinning;
     askForRedraw();
 }
 
 static void openMesh(int)
 {
     if (openMeshFile())
-    {
-        markPreset(presetProp);
-        wireframeOff();
-        ApplyPreset(presetProp, renderSettings.backPreset);
-    }
+        showPresetChoice(presetProp);
     askForRedraw();
 }
 
@@ -75,11 +62,12 @@ static void exportModel(int id)
 static void loadTexture(int)
 {
     char title[textureTitleRoom];
-    if (!loadUserTexture(&TextureSlots[3], title))
+    if (!loadUserTexture(&TextureSlots[textureUser], title))
         return;
     renameMenuItem(ID_TEXTURE_USER, title);
     enableMenuItem(ID_TEXTURE_USER, 1);
-    selectTexture(3);
+    showTextureChoice(textureUser);
+    showTexture(&choices, textureUser);
     askForRedraw();
 }
 
@@ -92,7 +80,10 @@ static void savePicture(int)
 static void readRkf(int)
 {
     if (readRkfFile())
-        wireframeOff();
+    {
+        chooseRenderFlag(&choices, renderWireframe, false);
+        checkPanelBox(ID_WIREFRAME, 0);
+    }
     askForRedraw();
 }
 
@@ -104,50 +95,54 @@ static void saveRkf(int)
 
 static void resetWholeView(int)
 {
-    resetView();
+    frameState.view = startView;
+    frameState.continuousRedraw = 0;
     askForRedraw();
 }
 
-static void chooseTexture(int id)
+static void runTexture(int id)
 {
-    selectTexture(id - ID_TEXTURE_WOOD);
-    markPreset(presetWhite);
-    ApplyPreset(presetWhite, presetBrick);
+    int32_t slot = id - ID_TEXTURE_WOOD;
+    showTextureChoice(slot);
+    moveTick(ID_PRESET_BRASS, choices.materialPreset, presetWhite);
+    chooseTexture(&choices, slot);
     askForRedraw();
 }
 
 static void toggleLight(int id)
 {
     int32_t light = id - ID_LIGHT_1;
-    renderSettings.lightMask ^= 1u << light;
-    uint32_t on = renderSettings.lightMask & (1u << light);
-    checkMenuItem(id, on != 0);
-    SetLight(light, on);
+    bool on = !(choices.lightMask & (1u << light));
+    checkMenuItem(id, on);
+    chooseLight(&choices, light, on);
     askForRedraw();
 }
 
-static void choosePreset(int id)
+static void runPreset(int id)
 {
-    markPreset(id - ID_PRESET_BRASS);
-    wireframeOff();
-    ApplyPreset(renderSettings.materialPreset, renderSettings.backPreset);
+    showPresetChoice(id - ID_PRESET_BRASS);
     askForRedraw();
 }
 
-static void chooseBackground(int id)
+static void runBackground(int id)
 {
-    checkMenuItem(ID_BACKGROUND_GREY1 + renderSettings.backgroundIndex, 0);
-    checkMenuItem(id, 1);
-    renderSettings.backgroundIndex = id - ID_BACKGROUND_GREY1;
-    renderSettings.backgroundColour = backgroundColours[renderSettings.backgroundIndex];
+    int32_t index = id - ID_BACKGROUND_GREY1;
+    moveTick(ID_BACKGROUND_GREY1, choices.backgroundIndex, index);
+    chooseBackground(&choices, index);
     askForRedraw();
 }
 
-static void toggleOption(int id)
+static void toggleKeyframes3ds(int id)
 {
-    int32_t* option = id == ID_KEYFRAMES_3DS ? &renderSettings.keyframes3ds : &renderSettings.exactWeld;
-    *option = !*option;
-    checkMenuItem(id, *option);
+    chooseKeyframes3ds(&choices, !choices.keyframes3ds);
+    checkMenuItem(id, choices.keyframes3ds);
+    askForRedraw();
+}
+
+static void toggleExactWeld(int id)
+{
+    chooseExactWeld(&choices, !choices.exactWeld);
+    checkMenuItem(id, choices.exactWeld);
     askForRedraw();
 }
 
@@ -167,11 +162,12 @@ static const MenuCommand menuCommands[] = {
     { ID_READ_RKF, ID_READ_RKF, readRkf },
     { ID_SAVE_RKF, ID_SAVE_RKF, saveRkf },
     { ID_RESET_VIEW, ID_RESET_VIEW, resetWholeView },
-    { ID_TEXTURE_WOOD, ID_TEXTURE_USER, chooseTexture },
+    { ID_TEXTURE_WOOD, ID_TEXTURE_USER, runTexture },
     { ID_LIGHT_1, ID_LIGHT_3, toggleLight },
-    { ID_PRESET_BRASS, ID_PRESET_PROP, choosePreset },
-    { ID_BACKGROUND_GREY1, ID_BACKGROUND_BLACK, chooseBackground },
-    { ID_KEYFRAMES_3DS, ID_EXACT_WELD, toggleOption },
+    { ID_PRESET_BRASS, ID_PRESET_PROP, runPreset },
+    { ID_BACKGROUND_GREY1, ID_BACKGROUND_BLACK, runBackground },
+    { ID_KEYFRAMES_3DS, ID_KEYFRAMES_3DS, toggleKeyframes3ds },
+    { ID_EXACT_WELD, ID_EXACT_WELD, toggleExactWeld },
 };
 
 int runCommand(int id)
@@ -195,15 +191,15 @@ void mainWindowSized(bool minimised)
         return;
     }
     setWindowTitle(programName);
-    displayState.continuousRedraw = 0;
+    frameState.continuousRedraw = 0;
     endDrags();
 }
 
 void mainWindowActivated(bool active)
 {
     if (!active)
-        displayState.continuousRedraw = 0;
+        frameState.continuousRedraw = 0;
     askForRedraw();
-    if (displayState.appRunning)
-        PresentRect(&frameBuffer, 0, 0, displayState.displayWidth - 1, displayState.displayHeight - 1, 0);
+    if (loopState.appRunning)
+        PresentRect(&frameBuffer, 0, 0, frameState.displayWidth - 1, frameState.displayHeight - 1, 0);
 }

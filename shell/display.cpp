@@ -1,9 +1,7 @@
 // shell/display.cpp - the trackball and the zoom
 #include "shell/display.h"
 
-#include "model/settings.h"
-#include "render/frame.h"
-#include "render/view.h"
+#include "shell/loop.h"
 #include "shell/scene.h"
 
 #include <math.h>
@@ -29,17 +27,16 @@ struct ZoomDrag
 
 static TrackballDrag trackball;
 static ZoomDrag zoomState;
-static bool rightDrag;
 
 void displayCreated()
 {
-    displayState.fullRedraw = 1;
+    frameState.fullRedraw = 1;
 }
 
 static bool bufferServes()
 {
-    return frameBuffer.pitch >= displayState.displayWidth + displayMargin &&
-           frameBuffer.rows >= displayState.displayHeight + displayMargin;
+    return frameBuffer.pitch >= frameState.displayWidth + displayMargin &&
+           frameBuffer.rows >= frameState.displayHeight + displayMargin;
 }
 
 // A display that has outgrown the frame buffer gets a larger one. Returns 0, with the old buffer, when there is no
@@ -49,7 +46,7 @@ static int fitFrameBuffer()
     if (!frameBuffer.cells || bufferServes())
         return 1;
     FrameBuffer larger = {};
-    if (!createFrameBuffer(&larger))
+    if (!createFrameBuffer(&larger, frameState.displayWidth, frameState.displayHeight))
         return 0;
     destroyFrameBuffer(&frameBuffer);
     frameBuffer = larger;
@@ -58,23 +55,23 @@ static int fitFrameBuffer()
 
 void displayResized(int32_t width, int32_t height)
 {
-    int32_t oldWidth = displayState.displayWidth, oldHeight = displayState.displayHeight;
-    displayState.displayWidth = std::max(width, smallestSide);
-    displayState.displayHeight = std::max(height, smallestSide);
+    int32_t oldWidth = frameState.displayWidth, oldHeight = frameState.displayHeight;
+    frameState.displayWidth = std::max(width, smallestSide);
+    frameState.displayHeight = std::max(height, smallestSide);
     if (!fitFrameBuffer())
     {
-        displayState.displayWidth = oldWidth;
-        displayState.displayHeight = oldHeight;
+        frameState.displayWidth = oldWidth;
+        frameState.displayHeight = oldHeight;
     }
-    displayState.fullRedraw = 1;
-    displayState.redrawPending = 1;
+    frameState.fullRedraw = 1;
+    loopState.redrawPending = 1;
 }
 
 void displayPainted()
 {
-    displayState.fullRedraw = 1;
-    if (displayState.appRunning)
-        PresentRect(&frameBuffer, 0, 0, displayState.displayWidth - 1, displayState.displayHeight - 1, 0);
+    frameState.fullRedraw = 1;
+    if (loopState.appRunning)
+        PresentRect(&frameBuffer, 0, 0, frameState.displayWidth - 1, frameState.displayHeight - 1, 0);
 }
 
 void displayMouseMoved(bool leftHeld, bool rightHeld, int32_t x, int32_t y)
@@ -82,10 +79,7 @@ void displayMouseMoved(bool leftHeld, bool rightHeld, int32_t x, int32_t y)
     if (leftHeld)
         rotateDrag(dragMove, x, y);
     else if (rightHeld)
-    {
-        rightDrag = true;
         zoomDrag(dragMove, y);
-    }
 }
 
 void displayLeftButton(DragCode code, int32_t x, int32_t y)
@@ -97,13 +91,13 @@ void displayRightButton(DragCode code, int32_t y)
 {
     if (code == dragDown)
     {
-        displayState.continuousRedraw = 0;
+        frameState.continuousRedraw = 0;
         zoomDrag(dragDown, y);
     }
     else if (code == dragUp)
     {
         zoomDrag(dragDown, y); // the release re-anchors the zoom, on purpose
-        displayState.redrawPending = 1;
+        loopState.redrawPending = 1;
     }
 }
 
@@ -113,32 +107,27 @@ void endDrags()
     zoomState.zooming = false;
 }
 
-bool lastDragWasRight()
-{
-    return rightDrag;
-}
-
 void zoomDrag(DragCode code, int32_t y)
 {
     if (code == dragDown)
     {
         zoomState.zooming = true;
-        zoomState.anchor = static_cast<float>(y) * renderSettings.zoom;
+        zoomState.anchor = static_cast<float>(y) * frameState.view.zoom;
     }
     else if (code == dragMove && zoomState.zooming)
     {
         if (y > 0)
-            renderSettings.zoom = std::max(zoomState.anchor / static_cast<float>(y), 1.0f);
-        displayState.redrawPending = 1;
+            frameState.view.zoom = std::max(zoomState.anchor / static_cast<float>(y), 1.0f);
+        loopState.redrawPending = 1;
     }
 }
 
 // The point of a ball behind the display that lies under the pointer; eye space, unit length.
 static void trackballPoint(int32_t x, int32_t y, float* point)
 {
-    float halfWidth = static_cast<float>(displayState.displayWidth) * 0.5f;
-    float halfHeight = static_cast<float>(displayState.displayHeight) * 0.5f;
-    float r = displayState.displayWidth >= displayState.displayHeight ? halfWidth : halfHeight;
+    float halfWidth = static_cast<float>(frameState.displayWidth) * 0.5f;
+    float halfHeight = static_cast<float>(frameState.displayHeight) * 0.5f;
+    float r = frameState.displayWidth >= frameState.displayHeight ? halfWidth : halfHeight;
     float r2 = r * r;
     if (r2 == 0)
         r2 = 0.001f;
@@ -178,17 +167,17 @@ static void beginTurn(int32_t x, int32_t y)
     trackball.dragging = true;
     trackballPoint(x, y, trackball.reference);
     trackballPoint(x, y, trackball.current);
-    trackball.savedRotation = viewState.rotation;
-    displayState.continuousRedraw = 0;
+    trackball.savedRotation = frameState.view.rotation;
+    frameState.continuousRedraw = 0;
 }
 
 static void turn(int32_t x, int32_t y)
 {
     moveReference();
     trackballPoint(x, y, trackball.current);
-    turnBetween(&viewState.rotation);
-    multiplyMatrices(&viewState.rotation, &viewState.rotation, &trackball.savedRotation);
-    displayState.redrawPending = 1;
+    turnBetween(&frameState.view.rotation);
+    multiplyMatrices(&frameState.view.rotation, &frameState.view.rotation, &trackball.savedRotation);
+    loopState.redrawPending = 1;
 }
 
 // The dragging flag stays on: a later release applies one more step.
@@ -197,10 +186,10 @@ static void endTurn(int32_t x, int32_t y)
     moveReference();
     normalise(trackball.reference);
     trackballPoint(x, y, trackball.current);
-    float angle = turnBetween(&viewState.step);
-    multiplyMatrices(&viewState.rotation, &viewState.step, &viewState.rotation);
-    displayState.continuousRedraw = angle > leastSpin;
-    displayState.redrawPending = 1;
+    float angle = turnBetween(&frameState.view.step);
+    multiplyMatrices(&frameState.view.rotation, &frameState.view.step, &frameState.view.rotation);
+    frameState.continuousRedraw = angle > leastSpin;
+    loopState.redrawPending = 1;
 }
 
 void rotateDrag(DragCode code, int32_t x, int32_t y)

@@ -33,6 +33,3 @@ void zoomDrag(DragCode code, int32_t y);
 
 // Minimising ends both drags; nothing else does.
 void endDrags();
-
-// Whether the last drag was one of the right button.
-bool lastDragWasRight();

@@ -1,17 +1,28 @@
-// shell/loop.cpp - frames are drawn only when something asked for one
+// shell/loop.cpp - a frame is drawn only when something asked for one
 #include "shell/loop.h"
 
 #include "model/settings.h"
+#include "shell/choices.h"
 #include "shell/scene.h"
+
+LoopState loopState;
+
+static void drawFrame()
+{
+    startSpeedMeter(&loopState.speed);
+    RenderFrame(&frameBuffer, &modelList, &choices.render, &frameState);
+    if (const Mesh* mesh = currentMesh())
+        measureFrame(&loopState.speed, mesh, currentFileName, frameState.statistics.framePolygons);
+}
 
 int drawWhilePending(WaitingMessage (*takeWaitingMessage)())
 {
-    while (displayState.appRunning && displayState.redrawPending)
+    while (loopState.appRunning && loopState.redrawPending)
     {
-        displayState.redrawPending = 0;
-        RenderFrame(&frameBuffer, &modelList);
-        if (displayState.continuousRedraw)
-            displayState.redrawPending = 1;
+        loopState.redrawPending = 0;
+        drawFrame();
+        if (frameState.continuousRedraw)
+            loopState.redrawPending = 1;
         if (takeWaitingMessage() == messageQuit)
             return 0;
     }

@@ -1,5 +1,17 @@
 // shell/loop.h - drawing between messages
 #pragma once
+#include "shell/speed.h"
+
+#include <stdint.h>
+
+struct LoopState
+{
+    int32_t appRunning;    // the message loop runs
+    int32_t redrawPending; // a frame is wanted at the next idle moment
+    SpeedMeter speed;
+};
+
+extern LoopState loopState;
 
 enum WaitingMessage
 {
@@ -8,6 +20,6 @@ enum WaitingMessage
     messageQuit
 };
 
-// Draws frames while one is pending; after each takes one waiting message with the function given, without waiting for
-// it. Returns 0 when that was the last one, else 1 once nothing is left to draw.
+// Draws frames while the program runs and one is pending. After each frame it calls takeWaitingMessage, which handles
+// one waiting message or returns at once. Returns 0 after messageQuit, else 1 when nothing is left to draw.
 int drawWhilePending(WaitingMessage (*takeWaitingMessage)());

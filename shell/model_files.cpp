@@ -9,8 +9,8 @@
 #include "platform/controls.h"
 #include "platform/dialogs.h"
 #include "platform/file_names.h"
-#include "render/materials.h"
 #include "resources/ids.h"
+#include "shell/choices.h"
 #include "shell/scene.h"
 
 #include <stdio.h>
@@ -36,7 +36,7 @@ int openMeshFile()
         .fileTitle = title,
         .fileTitleRoom = openTitleCharacters,
     };
-    if (!chooseFileToOpen(&dialog) || !readModelFile(mesh, path, { renderSettings.keyframes3ds != 0 }))
+    if (!chooseFileToOpen(&dialog) || !readModelFile(mesh, path, { choices.keyframes3ds != 0 }))
     {
         freeMesh(mesh);
         return 0;
@@ -47,10 +47,9 @@ int openMeshFile()
 
 static void selectPropMaterial()
 {
-    checkMenuItem(ID_PRESET_BRASS + renderSettings.materialPreset, 0);
+    checkMenuItem(ID_PRESET_BRASS + choices.materialPreset, 0);
     checkMenuItem(ID_PRESET_PROP, 1);
-    renderSettings.materialPreset = presetProp;
-    ApplyPreset(presetProp, renderSettings.backPreset);
+    choosePreset(&choices, presetProp);
 }
 
 int readRkfFile()
@@ -91,7 +90,7 @@ int exportMesh(ExportKind kind)
     const Mesh* mesh = currentMesh();
     if (!mesh)
         return 0;
-    PreviewSource preview = { frameBuffer.picture.bits, displayState.displayWidth, displayState.displayHeight,
+    PreviewSource preview = { frameBuffer.picture.bits, frameState.displayWidth, frameState.displayHeight,
                               frameBuffer.pitch * 3 };
     int ok = kind == exportObj ? SaveObjFile(mesh, currentFileName, sizeof currentFileName)
                                : savePoserProp(mesh, currentFileName, 1, &preview);

@@ -2,12 +2,11 @@
 #include "shell/panel.h"
 
 #include "export/lux.h"
-#include "image/textures.h"
 #include "model/settings.h"
 #include "platform/boxes.h"
 #include "platform/controls.h"
-#include "render/materials.h"
 #include "resources/ids.h"
+#include "shell/choices.h"
 #include "shell/scene.h"
 #include "tools/filter.h"
 #include "tools/tools.h"
@@ -16,11 +15,6 @@
 
 static int filterOn;        // "By Group" is ticked
 static int filterSelection; // the last list index chosen while it was
-
-static void setFlag(uint32_t flag, bool on)
-{
-    renderSettings.renderFlags = on ? renderSettings.renderFlags | flag : renderSettings.renderFlags & ~flag;
-}
 
 void fillFilterList(const Mesh* mesh)
 {
@@ -57,12 +51,14 @@ void updateStatistics()
 
 void initPanel()
 {
-    uint32_t flags = renderSettings.renderFlags;
+    uint32_t flags = choices.render.renderFlags;
     checkPanelBox(ID_WIREFRAME, (flags & renderWireframe) != 0);
     checkPanelBox(ID_BACKCULLED, (flags & renderBackCulled) != 0);
     checkPanelBox(ID_TEXTURED, (flags & renderTextured) != 0);
     checkPanelBox(ID_VERTEX_COLOUR, (flags & renderVertexColour) != 0);
-    checkPanelBox(ID_SHADOWS, flags >> 7 != 0); // counts the surface switches, too, on purpose
+    // The surface flags above the shadows' bit count too. Their own boxes start unticked, and without a tick here
+    // nothing would show that one of them is on.
+    checkPanelBox(ID_SHADOWS, flags >= renderShadows);
     fillFilterList(currentMesh());
     updateStatistics();
 }
@@ -105,15 +101,14 @@ static void switchFlag(int id)
         int id;
         uint32_t flag;
     } flags[] = {
-        { ID_WIREFRAME, renderWireframe },        { ID_BACKCULLED, renderBackCulled },
-        { ID_TEXTURED, renderTextured },          { ID_SHADOWS, renderShadows },
-        { ID_VERTEX_COLOUR, renderVertexColour }, { ID_ROUGH, renderRough },
-        { ID_METALLIC, renderMetallic },          { ID_MOON, renderMoon },
+        { ID_WIREFRAME, renderWireframe }, { ID_BACKCULLED, renderBackCulled },      { ID_TEXTURED, renderTextured },
+        { ID_SHADOWS, renderShadows },     { ID_VERTEX_COLOUR, renderVertexColour }, { ID_ROUGH, renderRough },
+        { ID_MOON, renderMoon },
     };
     for (const auto& row : flags)
     {
         if (row.id == id)
-            setFlag(row.flag, panelBoxChecked(id) != 0);
+            chooseRenderFlag(&choices, row.flag, panelBoxChecked(id) != 0);
     }
     askForRedraw();
 }
@@ -121,25 +116,20 @@ static void switchFlag(int id)
 static void switchTextured(int id)
 {
     if (panelBoxChecked(id))
-    {
-        setFlag(renderWireframe, false);
         checkPanelBox(ID_WIREFRAME, 0);
-    }
     switchFlag(id);
 }
 
 static void switchMetallic(int id)
 {
-    bool on = panelBoxChecked(id) != 0;
-    renderSettings.currentTexture = on ? &ReflectionImage : &TextureSlots[renderSettings.textureIndex];
-    ApplyPreset(on ? presetWhite : renderSettings.materialPreset, presetBrick);
-    switchFlag(id);
+    chooseMetallic(&choices, panelBoxChecked(id) != 0);
+    askForRedraw();
 }
 
 // Weld's button runs weld-near while "Exact Weld" is off.
 static const MeshTool* toolOfButton(int id)
 {
-    return id == ID_WELD && !renderSettings.exactWeld ? findToolByName("weld-near") : findToolByButton(id);
+    return id == ID_WELD && !choices.exactWeld ? findToolByName("weld-near") : findToolByButton(id);
 }
 
 // Returns 1, or 0 when there is no tool to run.

@@ -57,6 +57,6 @@ int saveImage()
     FILE* file = openFile(path, "wb");
     if (!file)
         return 0;
-    int ok = writePicture(file, &frameBuffer, displayState.displayWidth, displayState.displayHeight);
+    int ok = writePicture(file, &frameBuffer, frameState.displayWidth, frameState.displayHeight);
     return fclose(file) == 0 && ok;
 }

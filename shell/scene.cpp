@@ -9,9 +9,9 @@
 #include "platform/controls.h"
 #include "platform/file_names.h"
 #include "platform/processor.h"
-#include "render/materials.h"
-#include "render/view.h"
 #include "resources/ids.h"
+#include "shell/choices.h"
+#include "shell/loop.h"
 #include "shell/panel.h"
 
 #include <stdio.h>
@@ -19,6 +19,7 @@
 
 ModelList modelList;
 FrameBuffer frameBuffer;
+FrameState frameState = startFrameState;
 
 Mesh* currentMesh()
 {
@@ -27,8 +28,8 @@ Mesh* currentMesh()
 
 void askForRedraw()
 {
-    displayState.fullRedraw = 1;
-    displayState.redrawPending = 1;
+    frameState.fullRedraw = 1;
+    loopState.redrawPending = 1;
 }
 
 static void nameModel(const char* name)
@@ -56,7 +57,7 @@ void showLoadedMesh(Mesh* mesh, const char* shortName)
     nameModel(shortName);
     fillFilterList(mesh);
     updateStatistics();
-    resetViewRotations();
+    resetViewRotations(&frameState.view);
     showFileTitle();
 }
 
@@ -68,13 +69,12 @@ int acceptProcessor(uint32_t features)
         messageBox("This program requires CPU with MMX/SSE technology", "Error", iconNone);
         return 0;
     }
-    displayState.useSse2 = (features & processorSse2) != 0;
     return 1;
 }
 
 static void startSwitches()
 {
-    renderSettings = startSettings;
+    choices = startChoices;
     checkMenuItem(ID_BACKGROUND_GREY1, 1);
     checkMenuItem(ID_KEYFRAMES_3DS, 1);
     checkMenuItem(ID_EXACT_WELD, 1);
@@ -84,7 +84,7 @@ static void startSwitches()
 // reader has said why.
 static Mesh* readNamedModel(Mesh* mesh, const char* fileName)
 {
-    if (!readModelFile(mesh, fileName, { renderSettings.keyframes3ds != 0 }))
+    if (!readModelFile(mesh, fileName, { choices.keyframes3ds != 0 }))
     {
         freeMesh(mesh);
         return nullptr;
@@ -110,6 +110,7 @@ int buildScene(const char* fileName)
 {
     startSwitches();
     loadBuiltInTextures();
+    choices.render.currentTexture = &TextureSlots[textureWood];
     checkMenuItem(ID_TEXTURE_WOOD, 1);
     int hasMaterials = 1;
     Mesh* mesh = createMesh("object");
@@ -120,12 +121,11 @@ int buildScene(const char* fileName)
         mesh = makeBuiltInModel(&hasMaterials);
     if (!mesh)
         return 0;
-    renderSettings.materialPreset = hasMaterials ? presetProp : presetBrass;
-    ApplyPreset(renderSettings.materialPreset, renderSettings.backPreset);
-    checkMenuItem(ID_PRESET_BRASS + renderSettings.materialPreset, 1);
-    resetViewRotations();
+    choosePreset(&choices, hasMaterials ? presetProp : presetBrass);
+    checkMenuItem(ID_PRESET_BRASS + choices.materialPreset, 1);
+    resetViewRotations(&frameState.view);
     installMesh(&modelList, mesh);
-    SetLight(0, 1);
+    chooseLight(&choices, 0, true);
     checkMenuItem(ID_LIGHT_1, 1);
     return 1;
 }

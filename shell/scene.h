@@ -3,14 +3,17 @@
 #include "model/mesh.h"
 #include "render/frame.h"
 
+constexpr char programName[] = "Kestrelbox";
+
 extern ModelList modelList;
 extern FrameBuffer frameBuffer;
+extern FrameState frameState;
 
 // Entry 0 of the list; null when it is empty.
 Mesh* currentMesh();
 
-// Takes the processor's feature bits (platform/processor.h) and keeps what the renderer needs of them. Returns 0, after
-// a message, for a processor that lacks MMX or SSE.
+// Returns 1 for the feature bits (platform/processor.h) of a processor that has MMX and SSE; else shows a message box
+// and returns 0.
 int acceptProcessor(uint32_t features);
 
 // Start-up: switches and menu marks, the four built-in pictures, the command line's file or the built-in model.

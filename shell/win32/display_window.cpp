@@ -1,8 +1,8 @@
 // shell/win32/display_window.cpp - the display window's messages
 #include "shell/win32/windows.h"
 
-#include "model/settings.h"
 #include "shell/display.h"
+#include "shell/loop.h"
 
 #include <windowsx.h>
 
@@ -14,7 +14,7 @@ LRESULT CALLBACK displayProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
     case WM_CREATE: displayCreated(); break;
     case WM_SIZE: displayResized(LOWORD(lParam), HIWORD(lParam)); break;
     case WM_ERASEBKGND:
-        if (displayState.appRunning)
+        if (loopState.appRunning)
             return 1; // the picture covers it all; a white flash would show between erasing and painting
         break;
     case WM_PAINT: displayPainted(); break;

@@ -1,7 +1,6 @@
 // shell/win32/program.cpp - one instance, three windows, one message loop
 #include "platform/boxes.h"
 #include "platform/win32/handles.h"
-#include "model/settings.h"
 #include "render/frame.h"
 #include "shell/command_line.h"
 #include "shell/loop.h"
@@ -57,7 +56,7 @@ static bool createMainWindow()
 {
     if (!registerClass(mainClass, mainWindowProc, L"AppMenu"))
         return false;
-    WindowRect first = firstMainWindow(displayState.displayWidth, displayState.displayHeight);
+    WindowRect first = firstMainWindow(frameState.displayWidth, frameState.displayHeight);
     mainWindow = CreateWindowExW(0, mainClass, mainClass, mainStyle, CW_USEDEFAULT, CW_USEDEFAULT, first.width,
                                  first.height, nullptr, nullptr, programInstance, nullptr);
     return mainWindow != nullptr;
@@ -70,22 +69,21 @@ static void placeWindows()
     GetWindowRect(toolPanel, &panel);
     GetClientRect(mainWindow, &client);
     int32_t panelWidth = panel.right - panel.left;
-    moveWindow(mainWindow,
-               placeMainWindow(displayState.displayWidth, displayState.displayHeight, panelWidth, client.right,
-                               client.bottom, desktop.right - desktop.left, desktop.bottom - desktop.top));
-    moveWindow(toolPanel, placeToolPanel(displayState.displayWidth, displayState.displayHeight, panelWidth));
+    moveWindow(mainWindow, placeMainWindow(frameState.displayWidth, frameState.displayHeight, panelWidth, client.right,
+                                           client.bottom, desktop.right - desktop.left, desktop.bottom - desktop.top));
+    moveWindow(toolPanel, placeToolPanel(frameState.displayWidth, frameState.displayHeight, panelWidth));
 }
 
 static bool createDisplay(int showState)
 {
     if (!registerClass(displayClass, displayProc, nullptr))
         return false;
-    int32_t width = displayState.displayWidth, height = displayState.displayHeight;
+    int32_t width = frameState.displayWidth, height = frameState.displayHeight;
     displayWindow = CreateWindowExW(WS_EX_TOPMOST, displayClass, L"hola", WS_CHILD | WS_BORDER, CW_USEDEFAULT,
                                     CW_USEDEFAULT, width, height, mainWindow, nullptr, programInstance, nullptr);
-    displayState.displayWidth = width; // the buffer is made for the whole size, before the border has been taken off
-    displayState.displayHeight = height;
-    if (!createFrameBuffer(&frameBuffer))
+    frameState.displayWidth = width; // the buffer is made for the whole size, before the border has been taken off
+    frameState.displayHeight = height;
+    if (!createFrameBuffer(&frameBuffer, width, height))
     {
         messageBox("Failed to create 3D context.", "", iconNone);
         return false;
@@ -128,7 +126,7 @@ static void runMessages()
 
 static void shutDown()
 {
-    displayState.appRunning = 0;
+    loopState.appRunning = 0;
     destroyFrameBuffer(&frameBuffer);
     DestroyWindow(toolPanel);
     releaseModels();
@@ -163,7 +161,7 @@ int runDesktop(HINSTANCE instance, const char* commandLine, int showState)
     fillFilterList(currentMesh());
     updateStatistics();
     SetFocus(displayWindow);
-    displayState.appRunning = 1;
+    loopState.appRunning = 1;
     runMessages();
     shutDown();
     return 1;

@@ -63,7 +63,7 @@ protected:
                 EXPECT_EQ(recorded.liveBlocks, blocks) << n;
                 EXPECT_EQ(told(outOfMemory), !silent(n)) << n;
                 check();
-                RenderFrame(&frameBuffer, &modelList);
+                drawFrame();
                 if (HasFailure())
                     return requests;
             }
@@ -158,7 +158,7 @@ TEST_F(MemoryFaults, AllOtherCommandsNeedNoMemory)
         for (bool on : { true, false })
         {
             click(id, on);
-            RenderFrame(&frameBuffer, &modelList);
+            drawFrame();
         }
     displayResized(11, 300);
     displayPainted();
@@ -174,10 +174,10 @@ TEST_F(MemoryFaults, ADisplayThatCannotGrowStaysAsItIs)
         recorded.refuseOnly = n;
         displayResized(1500, 900);
         recorded.refuseOnly = 0;
-        EXPECT_EQ(displayState.displayWidth, 620);
-        EXPECT_EQ(displayState.displayHeight, 520);
+        EXPECT_EQ(frameState.displayWidth, 620);
+        EXPECT_EQ(frameState.displayHeight, 520);
         EXPECT_EQ(frameBuffer.cells, before.cells);
-        RenderFrame(&frameBuffer, &modelList);
+        drawFrame();
     }
 }
 

@@ -1,7 +1,6 @@
 // tests/render/face_blocks_test.cpp - sorting faces in blocks against drawing them one by one
 #include "render/face_blocks.h"
 
-#include "model/settings.h"
 #include "platform/processor.h"
 #include "render/frame.h"
 #include "render/materials.h"
@@ -50,8 +49,12 @@ static SmallGrid drawOnGrid(const ProjectedVertex* vertices, const Corners& corn
     return grid;
 }
 
+class FaceBlocks : public RenderTest
+{
+};
+
 // Every triangle with corners on a small grid, in every order.
-TEST(FaceBlocks, EmptyTrianglesHaveNoPixelAndSingleOnesThatOfTheirCorner)
+TEST_F(FaceBlocks, EmptyTrianglesHaveNoPixelAndSingleOnesThatOfTheirCorner)
 {
     if (!processorHasAvx2())
         GTEST_SKIP() << noAvx2;
@@ -96,7 +99,7 @@ TEST(FaceBlocks, EmptyTrianglesHaveNoPixelAndSingleOnesThatOfTheirCorner)
     EXPECT_GT(single, 500);
 }
 
-TEST(FaceBlocks, OnlyFacesOfThePassAreTakenAndOnlyTrianglesPassedOver)
+TEST_F(FaceBlocks, OnlyFacesOfThePassAreTakenAndOnlyTrianglesPassedOver)
 {
     if (!processorHasAvx2())
         GTEST_SKIP() << noAvx2;
@@ -173,7 +176,7 @@ static Mesh* makeMixedMesh(float size, std::mt19937& random)
     return mesh;
 }
 
-TEST(FaceBlocks, FramesOfAllKindsAreThoseOfThePlainKernels)
+TEST_F(FaceBlocks, FramesOfAllKindsAreThoseOfThePlainKernels)
 {
     std::mt19937 random(31);
     std::vector<uint32_t> pixels(16 * 16);
@@ -193,13 +196,14 @@ TEST(FaceBlocks, FramesOfAllKindsAreThoseOfThePlainKernels)
                 renderSettings.renderFlags = kind | culled;
                 renderSettings.propMaterial = kind != renderRough;
                 renderSettings.currentTexture = kind & (renderTextured | renderMetallic) ? &image : nullptr;
-                rotationAboutScreenAxes(&viewState.rotation, 20, 30, 0);
+                rotationAboutScreenAxes(&frameState.view.rotation, 20, 30, 0);
+                limitKernelLevel(kernelsPlain);
                 display.drawWhole();
                 auto plain = display.cells();
-                uint32_t polygons = frameStatistics.framePolygons;
-                displayState.useSse2 = 1;
+                uint32_t polygons = frameState.statistics.framePolygons;
+                limitKernelLevel(kernelsAvx512);
                 display.drawWhole();
                 ASSERT_EQ(display.cells(), plain) << size << " " << kind;
-                ASSERT_EQ(frameStatistics.framePolygons, polygons) << size << " " << kind;
+                ASSERT_EQ(frameState.statistics.framePolygons, polygons) << size << " " << kind;
             }
 }

@@ -2,7 +2,6 @@
 #include "render/frame.h"
 
 #include "model/matrix.h"
-#include "model/settings.h"
 #include "render/materials.h"
 #include "render/view.h"
 #include "tests/recording/recording.h"
@@ -14,12 +13,16 @@
 #include <algorithm>
 #include <random>
 
-TEST(Frame, BackgroundsAreTheirThreeGreys)
+class Frame : public RenderTest
 {
+};
+
+TEST_F(Frame, BackgroundsAreTheirThreeGreys)
+{
+    const uint16_t backgroundColours[3] = { 0x528A, 0x9492, 0x0000 };
     const uint8_t greys[3] = { 80, 144, 0 };
     for (int k = 0; k < 3; ++k)
     {
-        resetRenderer();
         renderSettings.backgroundColour = backgroundColours[k];
         Display display(64, 48);
         installMesh(&display.list, makeCube());
@@ -31,25 +34,21 @@ TEST(Frame, BackgroundsAreTheirThreeGreys)
     }
 }
 
-TEST(Frame, AnEmptyListClearsTheOldPictureButNeitherPresentsNorRetitles)
+TEST_F(Frame, AnEmptyListClearsTheOldPictureButPresentsNothing)
 {
-    resetRenderer();
     Display display(64, 48);
     installMesh(&display.list, makeCube());
     display.drawWhole();
     EXPECT_NE(display.cell(32, 24), renderSettings.backgroundColour);
     size_t presented = recorded.presented.size();
     clearModelList(&display.list);
-    recorded.tick = 5000;
     display.draw();
     EXPECT_EQ(display.cell(32, 24), renderSettings.backgroundColour);
     EXPECT_EQ(recorded.presented.size(), presented);
-    EXPECT_TRUE(recorded.titles.empty());
 }
 
-TEST(Frame, AMeshWithoutVerticesOrFacesDrawsNothing)
+TEST_F(Frame, AMeshWithoutVerticesOrFacesDrawsNothing)
 {
-    resetRenderer();
     Display display(64, 48);
     installMesh(&display.list, emptyMesh());
     display.drawWhole();
@@ -59,27 +58,25 @@ TEST(Frame, AMeshWithoutVerticesOrFacesDrawsNothing)
     EXPECT_EQ(std::count(cells.begin(), cells.end(), renderSettings.backgroundColour), 64 * 48);
 }
 
-TEST(Frame, PicturesAreRepeatable)
+TEST_F(Frame, PicturesAreRepeatable)
 {
-    resetRenderer();
     renderSettings.renderFlags |= renderRough;
     Display display(120, 100);
     installMesh(&display.list, makeTorus(24, 32, 0.3f));
-    rotationAboutScreenAxes(&viewState.rotation, 40, 20, 0);
+    rotationAboutScreenAxes(&frameState.view.rotation, 40, 20, 0);
     display.drawWhole();
     auto first = display.cells();
     display.drawWhole();
     EXPECT_EQ(display.cells(), first);
-    rotationAboutScreenAxes(&viewState.rotation, 70, 20, 0);
+    rotationAboutScreenAxes(&frameState.view.rotation, 70, 20, 0);
     display.draw();
-    rotationAboutScreenAxes(&viewState.rotation, 40, 20, 0);
+    rotationAboutScreenAxes(&frameState.view.rotation, 40, 20, 0);
     display.draw();
     EXPECT_EQ(display.cells(), first);
 }
 
-TEST(Frame, DirtyRectangleDrawingEqualsFullDrawing)
+TEST_F(Frame, DirtyRectangleDrawingEqualsFullDrawing)
 {
-    resetRenderer();
     Display display(133, 101);
     installMesh(&display.list, makeTorus(16, 24, 0.2f));
     display.drawWhole();
@@ -87,8 +84,8 @@ TEST(Frame, DirtyRectangleDrawingEqualsFullDrawing)
     for (int i = 0; i < 60; ++i)
     {
         std::uniform_real_distribution<float> degrees(0, 360);
-        rotationAboutScreenAxes(&viewState.rotation, degrees(random), degrees(random), degrees(random));
-        renderSettings.zoom = i % 5 == 0 ? 2.5f : 1;
+        rotationAboutScreenAxes(&frameState.view.rotation, degrees(random), degrees(random), degrees(random));
+        frameState.view.zoom = i % 5 == 0 ? 2.5f : 1;
         display.draw();
         size_t pictureBytes = static_cast<size_t>(display.target.pitch) * 3 * 101;
         std::vector<uint8_t> shown(display.target.picture.bits, display.target.picture.bits + pictureBytes);
@@ -104,38 +101,36 @@ TEST(Frame, DirtyRectangleDrawingEqualsFullDrawing)
     }
 }
 
-TEST(Frame, ThePresentedRectangleIsTheUnionInGroupsOfFour)
+TEST_F(Frame, ThePresentedRectangleIsTheUnionInGroupsOfFour)
 {
-    resetRenderer();
     Display display(620, 520);
     installMesh(&display.list, makeCube());
     display.drawWhole();
     EXPECT_EQ(recorded.presented.back(), (RecordedRect{ 0, 0, 620, 520 }));
-    EXPECT_EQ(displayState.fullRedraw, 0);
+    EXPECT_EQ(frameState.fullRedraw, 0);
     const int32_t* rect = display.list.meshes[0]->screenRect;
-    EXPECT_EQ(dirtyRect.x0, rect[0]);
-    EXPECT_EQ(dirtyRect.y1, rect[3]);
+    EXPECT_EQ(frameState.dirtyRect.x0, rect[0]);
+    EXPECT_EQ(frameState.dirtyRect.y1, rect[3]);
     display.draw();
     int32_t x0 = rect[0] & ~3, x1 = (rect[2] & ~3) + 4;
     EXPECT_EQ(recorded.presented.back(), (RecordedRect{ x0, rect[1], x1 - x0, rect[3] - rect[1] + 1 }));
 }
 
-TEST(Frame, BothSetUpsGiveTheSamePicture)
+TEST_F(Frame, BothSetUpsGiveTheSamePicture)
 {
-    resetRenderer();
     Display display(310, 260);
     installMesh(&display.list, makeTorus(40, 60, 0.35f));
-    rotationAboutScreenAxes(&viewState.rotation, 50, 20, 10);
+    rotationAboutScreenAxes(&frameState.view.rotation, 50, 20, 10);
+    limitKernelLevel(kernelsPlain);
     display.drawWhole();
     auto plain = display.cells();
-    displayState.useSse2 = 1;
+    limitKernelLevel(kernelsSse2);
     display.drawWhole();
     EXPECT_EQ(display.cells(), plain);
 }
 
-TEST(Frame, NoRoundingModeOfTheX87UnitChangesThePicture)
+TEST_F(Frame, NoRoundingModeOfTheX87UnitChangesThePicture)
 {
-    resetRenderer();
     Display display(160, 120);
     installMesh(&display.list, makeTorus(20, 30, 0.35f));
     display.drawWhole();
@@ -149,60 +144,20 @@ TEST(Frame, NoRoundingModeOfTheX87UnitChangesThePicture)
     EXPECT_EQ(display.cells(), before);
 }
 
-TEST(Statistics, TheTitleChangesAfterASecondOnly)
+TEST_F(Frame, SpinTurnsBeforeEveryFrame)
 {
-    resetRenderer();
-    strcpy(currentFileName, "cube.obj");
     Display display(64, 64);
     installMesh(&display.list, makeCube());
-    recorded.tick = 100;
+    rotationAboutScreenAxes(&frameState.view.step, 0, 30, 0);
     display.drawWhole();
-    EXPECT_EQ(frameStatistics.timerStart, 100u);
-    recorded.tick = 1100;
+    EXPECT_EQ(frameState.view.rotation.m[0], 1.0f);
+    frameState.continuousRedraw = 1;
     display.draw();
-    EXPECT_TRUE(recorded.titles.empty());
-    frameStatistics.accumulatedPolygons = 2501;
-    recorded.tick = 1101;
     display.draw();
-    ASSERT_EQ(recorded.titles.size(), 1u);
-    uint32_t drawn = frameStatistics.framePolygons;
-    EXPECT_EQ(recorded.titles[0],
-              "Kestrelbox: cube.obj - vert 8  pol 6  uv 8   " + std::to_string((2501 + drawn) / 1001) + " Kpol/s");
-    EXPECT_EQ(frameStatistics.accumulatedPolygons, 0u);
-    EXPECT_EQ(frameStatistics.timerStart, 1101u);
-    currentFileName[0] = 0;
+    EXPECT_NEAR(frameState.view.rotation.m[0], 0.5f, 1e-6f);
 }
 
-TEST(Statistics, AWrappedClockRestartsThem)
-{
-    resetRenderer();
-    Display display(64, 64);
-    installMesh(&display.list, makeCube());
-    recorded.tick = 50000;
-    display.drawWhole();
-    frameStatistics.accumulatedPolygons = 1000;
-    recorded.tick = 200;
-    display.draw();
-    EXPECT_TRUE(recorded.titles.empty());
-    EXPECT_EQ(frameStatistics.timerStart, 200u);
-    EXPECT_EQ(frameStatistics.accumulatedPolygons, 0u);
-}
-
-TEST(Statistics, SpinTurnsBeforeEveryFrame)
-{
-    resetRenderer();
-    Display display(64, 64);
-    installMesh(&display.list, makeCube());
-    rotationAboutScreenAxes(&viewState.step, 0, 30, 0);
-    display.drawWhole();
-    EXPECT_EQ(viewState.rotation.m[0], 1.0f);
-    displayState.continuousRedraw = 1;
-    display.draw();
-    display.draw();
-    EXPECT_NEAR(viewState.rotation.m[0], 0.5f, 1e-6f);
-}
-
-TEST(Frame, NoSizeOrSettingWritesOutsideTheCells)
+TEST_F(Frame, NoSizeOrSettingWritesOutsideTheCells)
 {
     const int32_t sizes[][2] = { { 10, 10 }, { 11, 37 },    { 1, 1 },      { 300, 10 },
                                  { 63, 64 }, { 1000, 700 }, { 4000, 3000 } };
@@ -229,15 +184,15 @@ TEST(Frame, NoSizeOrSettingWritesOutsideTheCells)
             if (inside > largeCells && zoom != setting % std::size(zooms))
                 continue;
             renderSettings.renderFlags = settings[setting];
-            renderSettings.zoom = zooms[zoom];
-            rotationAboutScreenAxes(&viewState.rotation, renderSettings.zoom * 20, 31, 7);
-            ApplyPreset(settings[setting] & 1 ? 8 : 9, 8);
+            frameState.view.zoom = zooms[zoom];
+            rotationAboutScreenAxes(&frameState.view.rotation, frameState.view.zoom * 20, 31, 7);
+            ApplyPreset(&renderSettings, settings[setting] & 1 ? 8 : 9, 8);
             display.drawWhole();
             display.draw();
         }
-        displayState.displayWidth += 5000; // the window has grown, the buffer not yet
-        displayState.displayHeight += 5000;
-        renderSettings.zoom = 1;
+        frameState.displayWidth += 5000; // the window has grown, the buffer not yet
+        frameState.displayHeight += 5000;
+        frameState.view.zoom = 1;
         display.drawWhole();
         for (size_t i = 0; i < guardCells; ++i)
         {

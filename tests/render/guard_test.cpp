@@ -1,7 +1,6 @@
 // tests/render/guard_test.cpp - frames into buffers with forbidden pages before and behind them
 //
 // A write, or a read, of one byte before the first or behind the last cell, map entry or pixel ends the program.
-#include "model/settings.h"
 #include "render/frame.h"
 #include "render/materials.h"
 #include "render/view.h"
@@ -163,15 +162,15 @@ static void drawEverything(GuardedDisplay* guarded, std::mt19937& random, int fr
             renderSettings.renderFlags |= random() % 2 ? flag : 0;
         if (i % 3) // outlines hide most of the rest
             renderSettings.renderFlags &= ~renderWireframe;
-        renderSettings.zoom = zooms[random() % std::size(zooms)];
-        displayState.useSse2 = i % 4 != 0;
-        ApplyPreset(i % 2 ? presetProp : static_cast<int32_t>(random() % presetCount), presetWhite);
+        frameState.view.zoom = zooms[random() % std::size(zooms)];
+        limitKernelLevel(i % 4 != 0 ? kernelsAvx512 : kernelsPlain);
+        ApplyPreset(&renderSettings, i % 2 ? presetProp : static_cast<int32_t>(random() % presetCount), presetWhite);
         for (int32_t light = 0; light < 3; ++light)
-            SetLight(light, random() % 2);
-        rotationAboutScreenAxes(&viewState.rotation, static_cast<float>(random() % 360),
+            SetLight(&renderSettings, light, random() % 2);
+        rotationAboutScreenAxes(&frameState.view.rotation, static_cast<float>(random() % 360),
                                 static_cast<float>(random() % 360), 0);
-        displayState.fullRedraw = random() % 4 == 0;
-        RenderFrame(&guarded->display.target, &guarded->display.list);
+        frameState.fullRedraw = random() % 4 == 0;
+        guarded->display.draw();
     }
 }
 
@@ -196,21 +195,25 @@ static void drawInto(int32_t width, int32_t height, int frames)
         }
 }
 
-TEST(GuardedFrames, SmallDisplays)
+class GuardedFrames : public RenderTest
+{
+};
+
+TEST_F(GuardedFrames, SmallDisplays)
 {
     const int32_t sizes[][2] = { { 10, 10 }, { 11, 13 }, { 10, 97 }, { 97, 10 }, { 64, 64 }, { 63, 129 }, { 203, 97 } };
     for (const auto& size : sizes)
         drawInto(size[0], size[1], 16);
 }
 
-TEST(GuardedFrames, OrdinaryAndLongDisplays)
+TEST_F(GuardedFrames, OrdinaryAndLongDisplays)
 {
     const int32_t sizes[][2] = { { 620, 520 }, { 1023, 767 }, { 4000, 10 }, { 10, 3000 } };
     for (const auto& size : sizes)
         drawInto(size[0], size[1], 8);
 }
 
-TEST(GuardedFrames, TheLargestDisplay)
+TEST_F(GuardedFrames, TheLargestDisplay)
 {
     drawInto(4000, 3000, 2);
 }

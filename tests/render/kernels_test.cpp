@@ -1,7 +1,6 @@
 // tests/render/kernels_test.cpp - fast versions against the plain ones, bit for bit
 #include "render/kernels.h"
 
-#include "model/settings.h"
 #include "platform/processor.h"
 #include "render/edges.h"
 #include "render/project.h"
@@ -65,21 +64,25 @@ static void compareFillers(const TriangleFiller (&fastFillers)[3])
     }
 }
 
-TEST(Kernels, Avx2FillersEqualThePlainOnes)
+class Kernels : public RenderTest
+{
+};
+
+TEST_F(Kernels, Avx2FillersEqualThePlainOnes)
 {
     if (!processorHasAvx2())
         GTEST_SKIP() << noAvx2;
     compareFillers({ fillOpaqueAvx2, fillTransparentAvx2, fillTexturedAvx2 });
 }
 
-TEST(Kernels, Avx512FillersEqualThePlainOnes)
+TEST_F(Kernels, Avx512FillersEqualThePlainOnes)
 {
     if (!processorHasAvx512())
         GTEST_SKIP() << "this processor has no AVX-512";
     compareFillers({ fillOpaqueAvx512, fillTransparentAvx512, fillTexturedAvx512 });
 }
 
-TEST(Kernels, Avx2ExpansionEqualsPlainForEveryCountAndStaysInside)
+TEST_F(Kernels, Avx2ExpansionEqualsPlainForEveryCountAndStaysInside)
 {
     if (!processorHasAvx2())
         GTEST_SKIP() << noAvx2;
@@ -96,19 +99,28 @@ TEST(Kernels, Avx2ExpansionEqualsPlainForEveryCountAndStaysInside)
     }
 }
 
-TEST(Kernels, TheSwitchForcesThePlainOnes)
+TEST_F(Kernels, FollowTheLevel)
 {
-    resetRenderer();
-    EXPECT_EQ(rasterKernels().setUp, setUpTriangle);
-    EXPECT_EQ(rasterKernels().opaque, fillOpaque);
-    EXPECT_EQ(cellExpander(), expandCells);
-    displayState.useSse2 = 1;
+    for (KernelLevel level : { kernelsPlain, kernelsSse })
+    {
+        limitKernelLevel(level);
+        EXPECT_EQ(rasterKernels().setUp, setUpTriangle);
+        EXPECT_EQ(rasterKernels().opaque, fillOpaque);
+        EXPECT_EQ(vertexKernels().project, projectVertices);
+        EXPECT_EQ(cellExpander(), expandCells);
+        EXPECT_EQ(shadowFiller(), fillShadowRows);
+        EXPECT_EQ(faceSorter(), nullptr);
+    }
+    limitKernelLevel(kernelsSse2);
     EXPECT_EQ(rasterKernels().setUp, setUpTriangleSse2);
+    EXPECT_EQ(rasterKernels().opaque, fillOpaque);
+    EXPECT_EQ(vertexKernels().project, projectVerticesSse2);
+    limitKernelLevel(kernelsAvx512);
     TriangleFiller widest = processorHasAvx512() ? fillOpaqueAvx512 : processorHasAvx2() ? fillOpaqueAvx2 : fillOpaque;
     EXPECT_EQ(rasterKernels().opaque, widest);
 }
 
-TEST(Kernels, Avx2ShadowSpansEqualPlainForEveryTail)
+TEST_F(Kernels, Avx2ShadowSpansEqualPlainForEveryTail)
 {
     if (!processorHasAvx2())
         GTEST_SKIP() << noAvx2;
@@ -130,7 +142,7 @@ TEST(Kernels, Avx2ShadowSpansEqualPlainForEveryTail)
     }
 }
 
-TEST(Kernels, NoTriangleThatIsPassedOverWouldDrawAPixel)
+TEST_F(Kernels, NoTriangleThatIsPassedOverWouldDrawAPixel)
 {
     int passedOver = 0;
     for (uint32_t code = 0; code < 1u << 18; ++code)
@@ -184,14 +196,14 @@ static void compareProjections(Projection project, LightProjection toLight)
     {
         FrameTransforms transforms;
         const float centre[3] = { 0.1f, -0.2f, 0.3f };
-        rotationAboutScreenAxes(&viewState.rotation, radius, 2 * radius, 30);
-        setUpCamera(&transforms, centre, radius, 620, 520);
+        rotationAboutScreenAxes(&frameState.view.rotation, radius, 2 * radius, 30);
+        setUpCamera(&transforms, &frameState.view, centre, radius, 620, 520);
         for (bool light : { false, true })
         {
             for (size_t i = 0; i < count; ++i)
                 mesh->projected[i] = { 1, static_cast<uint32_t>(i) * 0x9E3779B9u, 3, 4 };
             std::vector<ProjectedVertex> start(mesh->projected, mesh->projected + count);
-            light ? projectToLight(mesh, &transforms) : projectVertices(mesh, &transforms, 620, 520);
+            light ? projectVerticesToLight(mesh, &transforms) : projectVertices(mesh, &transforms, 620, 520);
             std::vector<ProjectedVertex> plain(mesh->projected, mesh->projected + count);
             std::vector<int32_t> rect(mesh->screenRect, mesh->screenRect + 4);
             std::copy(start.begin(), start.end(), mesh->projected);
@@ -204,26 +216,26 @@ static void compareProjections(Projection project, LightProjection toLight)
     freeMesh(mesh);
 }
 
-TEST(Kernels, Sse2ProjectionsEqualThePlainOnes)
+TEST_F(Kernels, Sse2ProjectionsEqualThePlainOnes)
 {
-    compareProjections(projectVerticesSse2, projectToLightSse2);
+    compareProjections(projectVerticesSse2, projectVerticesToLightSse2);
 }
 
-TEST(Kernels, Avx2ProjectionsEqualThePlainOnes)
+TEST_F(Kernels, Avx2ProjectionsEqualThePlainOnes)
 {
     if (!processorHasAvx2())
         GTEST_SKIP() << noAvx2;
-    compareProjections(projectVerticesAvx2, projectToLightAvx2);
+    compareProjections(projectVerticesAvx2, projectVerticesToLightAvx2);
 }
 
-TEST(Kernels, Avx2ProjectionEqualsPlainForEveryTail)
+TEST_F(Kernels, Avx2ProjectionEqualsPlainForEveryTail)
 {
     if (!processorHasAvx2())
         GTEST_SKIP() << noAvx2;
     resetRenderer();
     FrameTransforms transforms;
     const float centre[3] = {};
-    setUpCamera(&transforms, centre, 1, 300, 200);
+    setUpCamera(&transforms, &frameState.view, centre, 1, 300, 200);
     for (int32_t count = 0; count < 20; ++count)
     {
         Mesh* mesh = emptyMesh();
@@ -246,7 +258,7 @@ TEST(Kernels, Avx2ProjectionEqualsPlainForEveryTail)
     }
 }
 
-TEST(Kernels, Avx2ClassificationEqualsPlainForEveryTailAndHardNormals)
+TEST_F(Kernels, Avx2ClassificationEqualsPlainForEveryTailAndHardNormals)
 {
     if (!processorHasAvx2())
         GTEST_SKIP() << noAvx2;

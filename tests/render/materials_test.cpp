@@ -1,4 +1,4 @@
-// tests/render/materials_test.cpp
+// tests/render/materials_test.cpp - presets into materials, lights, and the colour of a vertex
 #include "render/materials.h"
 
 #include "tests/render/scenes.h"
@@ -8,15 +8,18 @@
 #include <math.h>
 #include <string.h>
 
-TEST(Materials, PresetFillsBothMaterials)
+class Materials : public RenderTest
 {
-    resetRenderer();
-    Material before = rendererMaterials.front;
-    rendererMaterials.front.reserved2 = 77;
-    rendererMaterials.front.reserved4 = 78;
-    rendererMaterials.front.reserved3 = 79;
-    ApplyPreset(8, 0);
-    const Material& crystal = rendererMaterials.front;
+};
+
+TEST_F(Materials, PresetFillsBothMaterials)
+{
+    Material before = renderSettings.front;
+    renderSettings.front.reserved2 = 77;
+    renderSettings.front.reserved4 = 78;
+    renderSettings.front.reserved3 = 79;
+    ApplyPreset(&renderSettings, 8, 0);
+    const Material& crystal = renderSettings.front;
     EXPECT_EQ(crystal.ambient[2], 1.0f);
     EXPECT_EQ(memcmp(crystal.ambient, crystal.diffuse, sizeof crystal.ambient), 0);
     EXPECT_EQ(crystal.ambientLevel, 0.3f);
@@ -28,48 +31,46 @@ TEST(Materials, PresetFillsBothMaterials)
     EXPECT_EQ(crystal.reserved2, 77u);
     EXPECT_EQ(crystal.reserved3, 0u);
     EXPECT_EQ(crystal.reserved4, 78u);
-    EXPECT_EQ(rendererMaterials.behind.diffuse[1], 0.4f);
-    EXPECT_EQ(rendererMaterials.behind.specular[2], 0.4f);
-    rendererMaterials.front = before;
+    EXPECT_EQ(renderSettings.behind.diffuse[1], 0.4f);
+    EXPECT_EQ(renderSettings.behind.specular[2], 0.4f);
+    renderSettings.front = before;
 }
 
-TEST(Materials, CrystalAloneIsTransparent)
+TEST_F(Materials, CrystalAloneIsTransparent)
 {
     for (int32_t i = 0; i < presetCount; ++i)
         EXPECT_EQ(materialPresets[i].transparency, i == 8 ? 0.6f : 0.0f) << i;
 }
 
-TEST(Materials, PropMaterialUsesTheModelsOwnColours)
+TEST_F(Materials, PropMaterialUsesTheModelsOwnColours)
 {
-    resetRenderer();
-    ApplyPreset(presetProp, 0);
+    ApplyPreset(&renderSettings, presetProp, 0);
     EXPECT_EQ(renderSettings.propMaterial, 1);
-    ApplyPreset(3, 0);
+    ApplyPreset(&renderSettings, 3, 0);
     EXPECT_EQ(renderSettings.propMaterial, 0);
-    ApplyPreset(presetProp, presetBrick);
+    ApplyPreset(&renderSettings, presetProp, presetBrick);
     EXPECT_EQ(renderSettings.propMaterial, 1);
-    EXPECT_EQ(rendererMaterials.behind.diffuse[1], 0.54f);
-    ApplyPreset(11, 0);
+    EXPECT_EQ(renderSettings.behind.diffuse[1], 0.54f);
+    ApplyPreset(&renderSettings, 11, 0);
     EXPECT_EQ(renderSettings.propMaterial, 1);
 }
 
-TEST(Materials, SwitchingALightTwiceKeepsItsNormalisedDirection)
+TEST_F(Materials, SwitchingALightTwiceKeepsItsNormalisedDirection)
 {
-    resetRenderer();
-    SetLight(1, 1);
-    Light first = lights[1];
+    SetLight(&renderSettings, 1, 1);
+    Light first = renderSettings.lights[1];
     EXPECT_NEAR(first.direction[0], 2.0f / 3, 1e-6f);
-    SetLight(1, 0);
-    EXPECT_EQ(lights[1].on, 0u);
-    SetLight(1, 2);
-    EXPECT_EQ(lights[1].on, 2u);
+    SetLight(&renderSettings, 1, 0);
+    EXPECT_EQ(renderSettings.lights[1].on, 0u);
+    SetLight(&renderSettings, 1, 2);
+    EXPECT_EQ(renderSettings.lights[1].on, 2u);
     for (int k = 0; k < 3; ++k)
-        EXPECT_NEAR(lights[1].direction[k], first.direction[k], 1e-7f);
-    SetLight(3, 1);
-    SetLight(-1, 1);
+        EXPECT_NEAR(renderSettings.lights[1].direction[k], first.direction[k], 1e-7f);
+    SetLight(&renderSettings, 3, 1);
+    SetLight(&renderSettings, -1, 1);
 }
 
-TEST(Materials, PowersByRepeatedSquaring)
+TEST_F(Materials, PowersByRepeatedSquaring)
 {
     EXPECT_EQ(powerOf(2, 10, 3), 3072.0f);
     EXPECT_EQ(powerOf(0.5f, 0, 0.25f), 0.25f);
@@ -93,91 +94,96 @@ static Material plainMaterial()
     return material;
 }
 
-TEST(Shading, WrappedDiffusePlusHighlight)
+class Shading : public RenderTest
 {
-    resetRenderer();
+};
+
+TEST_F(Shading, WrappedDiffusePlusHighlight)
+{
     for (int32_t i = 0; i < lightCount; ++i)
-        SetLight(i, 0);
+        SetLight(&renderSettings, i, 0);
     Material material = plainMaterial();
     const float toward[3] = { 0, 0, 1 }, down[3] = { 0, -1, 0 };
-    EXPECT_EQ(shadeVertex(&material, toward, 0, 0, opaqueWhite), 0x1F1F1Fu); // ambient alone, 31.875
-    SetLight(2, 1);                                                          // from below
+    EXPECT_EQ(shadeVertex(&material, renderSettings.lights, toward, 0, 0, opaqueWhite),
+              0x1F1F1Fu);            // ambient alone, 31.875
+    SetLight(&renderSettings, 2, 1); // from below
     // d = 1: red 0.125 + 0.5, green 0.125 + 0.25; the reflected light is at right angles to the eye
-    EXPECT_EQ(shadeVertex(&material, down, 0, 0, opaqueWhite), 159u << 16 | 95u << 8 | 31u);
+    EXPECT_EQ(shadeVertex(&material, renderSettings.lights, down, 0, 0, opaqueWhite), 159u << 16 | 95u << 8 | 31u);
     // d = 0: a quarter of the diffuse; r . e = 0 gives no highlight
-    EXPECT_EQ(shadeVertex(&material, toward, 0, 0, opaqueWhite), 63u << 16 | 47u << 8 | 31u);
+    EXPECT_EQ(shadeVertex(&material, renderSettings.lights, toward, 0, 0, opaqueWhite), 63u << 16 | 47u << 8 | 31u);
     const float half[3] = { 0, -sqrtf(0.5f), sqrtf(0.5f) };
-    uint32_t facing = shadeVertex(&material, half, 0, 0, opaqueWhite);
+    uint32_t facing = shadeVertex(&material, renderSettings.lights, half, 0, 0, opaqueWhite);
     EXPECT_NEAR(static_cast<float>(facing & 0xFF), (0.125f + 0.25f) * 255, 1.0f); // r = e: the full highlight
 }
 
-TEST(Shading, ShadowDimsLightOneOnly)
+TEST_F(Shading, ShadowDimsLightOneOnly)
 {
-    resetRenderer();
     Material material = plainMaterial();
     material.ambientLevel = 0;
     material.specularLevel = 0;
-    uint32_t lit = shadeVertex(&material, lights[0].direction, 0, 0, opaqueWhite) >> 16;
-    uint32_t shadowed = shadeVertex(&material, lights[0].direction, 1, 0, opaqueWhite) >> 16;
+    uint32_t lit =
+        shadeVertex(&material, renderSettings.lights, renderSettings.lights[0].direction, 0, 0, opaqueWhite) >> 16;
+    uint32_t shadowed =
+        shadeVertex(&material, renderSettings.lights, renderSettings.lights[0].direction, 1, 0, opaqueWhite) >> 16;
     EXPECT_NEAR(static_cast<float>(lit), 127, 1);
     EXPECT_NEAR(static_cast<float>(shadowed), 127 * 0.6f, 1);
-    SetLight(0, 0);
-    SetLight(1, 1);
-    EXPECT_EQ(shadeVertex(&material, lights[1].direction, 1, 0, opaqueWhite),
-              shadeVertex(&material, lights[1].direction, 0, 0, opaqueWhite));
+    SetLight(&renderSettings, 0, 0);
+    SetLight(&renderSettings, 1, 1);
+    EXPECT_EQ(shadeVertex(&material, renderSettings.lights, renderSettings.lights[1].direction, 1, 0, opaqueWhite),
+              shadeVertex(&material, renderSettings.lights, renderSettings.lights[1].direction, 0, 0, opaqueWhite));
 }
 
-TEST(Shading, TransparencyScalesAmbientAndDiffuseAndSetsTheFourthByte)
+TEST_F(Shading, TransparencyScalesAmbientAndDiffuseAndSetsTheFourthByte)
 {
-    resetRenderer();
     Material material = plainMaterial();
     material.specularLevel = 0;
-    uint32_t solid = shadeVertex(&material, lights[0].direction, 0, 0, opaqueWhite);
+    uint32_t solid =
+        shadeVertex(&material, renderSettings.lights, renderSettings.lights[0].direction, 0, 0, opaqueWhite);
     material.transparency = 0.5f;
-    uint32_t clear = shadeVertex(&material, lights[0].direction, 0, 0, opaqueWhite);
+    uint32_t clear =
+        shadeVertex(&material, renderSettings.lights, renderSettings.lights[0].direction, 0, 0, opaqueWhite);
     EXPECT_EQ(solid >> 24, 0u);
     EXPECT_EQ(clear >> 24, 255u);
     EXPECT_NEAR(static_cast<float>(clear >> 16 & 0xFF), static_cast<float>(solid >> 16 & 0xFF) / 2, 1);
 }
 
-TEST(Shading, VertexColourMultipliesWhenAskedFor)
+TEST_F(Shading, VertexColourMultipliesWhenAskedFor)
 {
-    resetRenderer();
     Material material = plainMaterial();
     for (int32_t i = 0; i < lightCount; ++i)
-        SetLight(i, 0);
+        SetLight(&renderSettings, i, 0);
     material.ambientLevel = 1;
     const float toward[3] = { 0, 0, 1 };
-    EXPECT_EQ(shadeVertex(&material, toward, 0, renderVertexColour, 0x11804020u), 0x804020u);
-    EXPECT_EQ(shadeVertex(&material, toward, 0, 0, 0x11804020u), 0xFFFFFFu);
+    EXPECT_EQ(shadeVertex(&material, renderSettings.lights, toward, 0, renderVertexColour, 0x11804020u), 0x804020u);
+    EXPECT_EQ(shadeVertex(&material, renderSettings.lights, toward, 0, 0, 0x11804020u), 0xFFFFFFu);
     material.ambientLevel = 0.5f; // 127
-    EXPECT_EQ(shadeVertex(&material, toward, 0, renderVertexColour, 0xFF804020u), 63u << 16 | 31u << 8 | 15u);
+    EXPECT_EQ(shadeVertex(&material, renderSettings.lights, toward, 0, renderVertexColour, 0xFF804020u),
+              63u << 16 | 31u << 8 | 15u);
 }
 
-TEST(Shading, MoonIsZeroOnTheFarSideAndFlatTowardTheLimb)
+TEST_F(Shading, MoonIsZeroOnTheFarSideAndFlatTowardTheLimb)
 {
-    resetRenderer();
     for (int32_t i = 0; i < lightCount; ++i)
-        SetLight(i, i == 2);
+        SetLight(&renderSettings, i, i == 2);
     Material material = plainMaterial();
     material.ambientLevel = material.specularLevel = 0;
     const float away[3] = { 0, 1, 0 }, at[3] = { 0, -1, 0 }, aslant[3] = { 0, -0.6f, 0.8f };
-    EXPECT_EQ(shadeVertex(&material, away, 0, renderMoon, opaqueWhite), 0u);
-    EXPECT_EQ(shadeVertex(&material, at, 0, renderMoon, opaqueWhite) >> 16, 255u);
-    EXPECT_EQ(shadeVertex(&material, aslant, 0, renderMoon, opaqueWhite) >> 16, 109u); // 0.5 x 1.2 / 1.4
+    EXPECT_EQ(shadeVertex(&material, renderSettings.lights, away, 0, renderMoon, opaqueWhite), 0u);
+    EXPECT_EQ(shadeVertex(&material, renderSettings.lights, at, 0, renderMoon, opaqueWhite) >> 16, 255u);
+    EXPECT_EQ(shadeVertex(&material, renderSettings.lights, aslant, 0, renderMoon, opaqueWhite) >> 16,
+              109u); // 0.5 x 1.2 / 1.4
 }
 
-TEST(Shading, WildValuesGiveBytes)
+TEST_F(Shading, WildValuesGiveBytes)
 {
-    resetRenderer();
     Material material = plainMaterial();
     material.diffuseLevel = 1e30f;
     material.ambientLevel = -1e30f;
     material.specularLevel = NAN;
     material.transparency = 1e30f;
     const float broken[3] = { NAN, INFINITY, 1 };
-    shadeVertex(&material, lights[0].direction, 0, 0, opaqueWhite);
-    shadeVertex(&material, broken, 0, renderMoon, opaqueWhite);
+    shadeVertex(&material, renderSettings.lights, renderSettings.lights[0].direction, 0, 0, opaqueWhite);
+    shadeVertex(&material, renderSettings.lights, broken, 0, renderMoon, opaqueWhite);
     EXPECT_EQ(transparencyByte(&material), 255u);
     material.transparency = NAN;
     EXPECT_LE(transparencyByte(&material), 255u);

@@ -1,7 +1,6 @@
 // tests/render/passes_test.cpp - which faces a frame draws, in which order, with which material and picture
 #include "render/frame.h"
 
-#include "model/settings.h"
 #include "render/materials.h"
 #include "render/view.h"
 #include "tests/render/scenes.h"
@@ -12,7 +11,7 @@
 
 static uint32_t centreCell(const Display& display)
 {
-    return display.cell(displayState.displayWidth / 2, displayState.displayHeight / 2);
+    return display.cell(frameState.displayWidth / 2, frameState.displayHeight / 2);
 }
 
 // A square across the picture at a height above its middle, seen from the front or from behind.
@@ -26,9 +25,12 @@ static void addSquare(Mesh* mesh, float z, bool front, uint32_t attributes)
         addFace(mesh, d, c, b, a, attributes);
 }
 
-TEST(Passes, BackCullingSkipsFacesTurnedAway)
+class Passes : public RenderTest
 {
-    resetRenderer();
+};
+
+TEST_F(Passes, BackCullingSkipsFacesTurnedAway)
+{
     Display display(64, 64);
     Mesh* mesh = emptyMesh();
     addSquare(mesh, 0, false, 0);
@@ -36,18 +38,17 @@ TEST(Passes, BackCullingSkipsFacesTurnedAway)
     installMesh(&display.list, mesh);
     display.drawWhole();
     EXPECT_EQ(centreCell(display), renderSettings.backgroundColour);
-    EXPECT_EQ(frameStatistics.framePolygons, 0u);
+    EXPECT_EQ(frameState.statistics.framePolygons, 0u);
     renderSettings.renderFlags &= ~renderBackCulled;
     display.drawWhole();
     EXPECT_NE(centreCell(display), renderSettings.backgroundColour);
-    EXPECT_EQ(frameStatistics.framePolygons, 2u) << "a quad counts two";
+    EXPECT_EQ(frameState.statistics.framePolygons, 2u) << "a quad counts two";
 }
 
-TEST(Passes, FacesTurnedAwayTakeTheSecondMaterialAndAreLit)
+TEST_F(Passes, FacesTurnedAwayTakeTheSecondMaterialAndAreLit)
 {
-    resetRenderer();
     renderSettings.renderFlags &= ~renderBackCulled;
-    ApplyPreset(5, 7); // Green, Brick
+    ApplyPreset(&renderSettings, 5, 7); // Green, Brick
     Display display(64, 64);
     Mesh* mesh = emptyMesh();
     addSquare(mesh, 0, false, 0);
@@ -56,15 +57,14 @@ TEST(Passes, FacesTurnedAwayTakeTheSecondMaterialAndAreLit)
     display.drawWhole();
     uint32_t away = centreCell(display);
     EXPECT_GT(away >> 11 & 31, (away >> 5 & 63) / 2) << "red brick";
-    ApplyPreset(7, 5);
+    ApplyPreset(&renderSettings, 7, 5);
     display.drawWhole();
     EXPECT_NE(centreCell(display), away);
 }
 
-TEST(Passes, TransparentFacesComeAfterEverythingOpaque)
+TEST_F(Passes, TransparentFacesComeAfterEverythingOpaque)
 {
-    resetRenderer();
-    ApplyPreset(presetProp, 0);
+    ApplyPreset(&renderSettings, presetProp, 0);
     Display display(64, 64);
     Mesh* mesh = emptyMesh();
     mesh->materialCount = 2;
@@ -88,10 +88,9 @@ TEST(Passes, TransparentFacesComeAfterEverythingOpaque)
     EXPECT_EQ(centreCell(display) & 31, 0u);
 }
 
-TEST(Passes, PropMaterialAfterAPresetBringsBackTheModelsOwnColours)
+TEST_F(Passes, PropMaterialAfterAPresetBringsBackTheModelsOwnColours)
 {
-    resetRenderer();
-    ApplyPreset(presetProp, 0);
+    ApplyPreset(&renderSettings, presetProp, 0);
     Display display(64, 64);
     Mesh* mesh = emptyMesh();
     for (int k = 0; k < 3; ++k)
@@ -101,20 +100,19 @@ TEST(Passes, PropMaterialAfterAPresetBringsBackTheModelsOwnColours)
     installMesh(&display.list, mesh);
     display.drawWhole();
     std::vector<uint32_t> own = display.cells();
-    ApplyPreset(presetBrass, 0);
+    ApplyPreset(&renderSettings, presetBrass, 0);
     display.drawWhole();
     EXPECT_NE(display.cells(), own);
     EXPECT_GT(centreCell(display) >> 11 & 31, centreCell(display) & 31) << "brass is not blue";
-    ApplyPreset(presetProp, 0);
+    ApplyPreset(&renderSettings, presetProp, 0);
     display.drawWhole();
     EXPECT_EQ(display.cells(), own);
 }
 
-TEST(Passes, ATransparentFaceTurnedAwayIsDrawnBehindTheNearSide)
+TEST_F(Passes, ATransparentFaceTurnedAwayIsDrawnBehindTheNearSide)
 {
-    resetRenderer();
     renderSettings.renderFlags &= ~renderBackCulled;
-    ApplyPreset(presetProp, 0);
+    ApplyPreset(&renderSettings, presetProp, 0);
     Display display(64, 64);
     Mesh* mesh = emptyMesh();
     mesh->materials[0].transparency = 0.5f;
@@ -125,9 +123,8 @@ TEST(Passes, ATransparentFaceTurnedAwayIsDrawnBehindTheNearSide)
     EXPECT_NE(centreCell(display), renderSettings.backgroundColour) << "no face toward the eye is transparent";
 }
 
-TEST(Passes, HiddenDeletedAndOffScreenFacesAreNotDrawn)
+TEST_F(Passes, HiddenDeletedAndOffScreenFacesAreNotDrawn)
 {
-    resetRenderer();
     Display display(64, 64);
     Mesh* mesh = emptyMesh();
     addSquare(mesh, 0, true, faceHidden);
@@ -135,22 +132,21 @@ TEST(Passes, HiddenDeletedAndOffScreenFacesAreNotDrawn)
     finishMesh(mesh);
     installMesh(&display.list, mesh);
     display.drawWhole();
-    EXPECT_EQ(frameStatistics.framePolygons, 0u);
+    EXPECT_EQ(frameState.statistics.framePolygons, 0u);
     mesh->faceAttributes[0] = mesh->faceAttributes[1] = 0;
     display.drawWhole();
-    EXPECT_EQ(frameStatistics.framePolygons, 4u);
-    renderSettings.zoom = 3; // corners leave the display: dropped whole
+    EXPECT_EQ(frameState.statistics.framePolygons, 4u);
+    frameState.view.zoom = 3; // corners leave the display: dropped whole
     display.drawWhole();
-    EXPECT_EQ(frameStatistics.framePolygons, 0u);
+    EXPECT_EQ(frameState.statistics.framePolygons, 0u);
     EXPECT_EQ(centreCell(display), renderSettings.backgroundColour);
-    renderSettings.zoom = 1e38f;
+    frameState.view.zoom = 1e38f;
     display.drawWhole();
-    EXPECT_EQ(frameStatistics.framePolygons, 0u);
+    EXPECT_EQ(frameState.statistics.framePolygons, 0u);
 }
 
-TEST(Passes, AFaceWhoseCornerIsNoVertexIsLeftOut)
+TEST_F(Passes, AFaceWhoseCornerIsNoVertexIsLeftOut)
 {
-    resetRenderer();
     Display display(64, 64);
     Mesh* mesh = emptyMesh();
     addSquare(mesh, 0, true, 0);
@@ -159,12 +155,11 @@ TEST(Passes, AFaceWhoseCornerIsNoVertexIsLeftOut)
     installMesh(&display.list, mesh);
     renderSettings.renderFlags |= renderShadows;
     display.drawWhole();
-    EXPECT_EQ(frameStatistics.framePolygons, 0u);
+    EXPECT_EQ(frameState.statistics.framePolygons, 0u);
 }
 
-TEST(Passes, WireframeOutlinesOncePerPolygonWithTheDepthTest)
+TEST_F(Passes, WireframeOutlinesOncePerPolygonWithTheDepthTest)
 {
-    resetRenderer();
     renderSettings.renderFlags |= renderWireframe;
     Display display(64, 64);
     Mesh* mesh = emptyMesh();
@@ -172,7 +167,7 @@ TEST(Passes, WireframeOutlinesOncePerPolygonWithTheDepthTest)
     finishMesh(mesh);
     installMesh(&display.list, mesh);
     display.drawWhole();
-    EXPECT_EQ(frameStatistics.framePolygons, 1u);
+    EXPECT_EQ(frameState.statistics.framePolygons, 1u);
     EXPECT_EQ(centreCell(display), renderSettings.backgroundColour);
     const int32_t* r = mesh->screenRect;
     for (int32_t x = r[0]; x <= r[2]; ++x)
@@ -182,9 +177,8 @@ TEST(Passes, WireframeOutlinesOncePerPolygonWithTheDepthTest)
     }
 }
 
-TEST(Passes, PolylinesAreLinesInThePassOfTheirBit)
+TEST_F(Passes, PolylinesAreLinesInThePassOfTheirBit)
 {
-    resetRenderer();
     Display display(64, 64);
     Mesh* mesh = emptyMesh();
     addVertex(mesh, -1, -1, 0);
@@ -195,10 +189,10 @@ TEST(Passes, PolylinesAreLinesInThePassOfTheirBit)
     finishMesh(mesh);
     installMesh(&display.list, mesh);
     display.drawWhole();
-    EXPECT_EQ(frameStatistics.framePolygons, 0u) << "not toward the eye, and those away are culled";
+    EXPECT_EQ(frameState.statistics.framePolygons, 0u) << "not toward the eye, and those away are culled";
     renderSettings.renderFlags &= ~renderBackCulled;
     display.drawWhole();
-    EXPECT_EQ(frameStatistics.framePolygons, 1u);
+    EXPECT_EQ(frameState.statistics.framePolygons, 1u);
     EXPECT_EQ(centreCell(display), renderSettings.backgroundColour);
     const int32_t* r = mesh->screenRect;
     int32_t middleRow = (r[1] + r[3]) / 2, middleColumn = (r[0] + r[2]) / 2;
@@ -207,31 +201,33 @@ TEST(Passes, PolylinesAreLinesInThePassOfTheirBit)
     EXPECT_EQ(display.cell(r[0], middleRow), renderSettings.backgroundColour) << "not closed";
 }
 
-TEST(Passes, EachVertexIsShadedOncePerMaterialAndSide)
+TEST_F(Passes, EachVertexIsShadedOncePerMaterialAndSide)
 {
-    resetRenderer();
     Display display(64, 64);
     installMesh(&display.list, makeCube());
     Mesh* mesh = display.list.meshes[0];
-    rotationAboutScreenAxes(&viewState.rotation, 20, 30, 0);
+    rotationAboutScreenAxes(&frameState.view.rotation, 20, 30, 0);
     display.drawWhole();
-    EXPECT_EQ(frameStatistics.litVertices, 7) << "three faces toward the eye share seven corners";
-    EXPECT_EQ(frameStatistics.vertexCount, 8);
+    EXPECT_EQ(frameState.statistics.litVertices, 7) << "three faces toward the eye share seven corners";
+    EXPECT_EQ(frameState.statistics.vertexCount, 8);
     renderSettings.renderFlags &= ~renderBackCulled;
     display.drawWhole();
-    EXPECT_EQ(frameStatistics.litVertices, 14);
+    EXPECT_EQ(frameState.statistics.litVertices, 14);
     mesh->faceAttributes[0] |= 1; // another material, with the presets on
     display.drawWhole();
-    EXPECT_EQ(frameStatistics.litVertices, 14);
+    EXPECT_EQ(frameState.statistics.litVertices, 14);
     renderSettings.renderFlags |= renderBackCulled;
-    ApplyPreset(presetProp, 0);
+    ApplyPreset(&renderSettings, presetProp, 0);
     display.drawWhole();
-    EXPECT_GT(frameStatistics.litVertices, 7);
+    EXPECT_GT(frameState.statistics.litVertices, 7);
 }
 
-TEST(Texturing, APictureShowsOnlyWhenThereIsOne)
+class Texturing : public RenderTest
 {
-    resetRenderer();
+};
+
+TEST_F(Texturing, APictureShowsOnlyWhenThereIsOne)
+{
     Display display(64, 64);
     installMesh(&display.list, makeCube());
     display.drawWhole();
@@ -257,9 +253,8 @@ TEST(Texturing, APictureShowsOnlyWhenThereIsOne)
     display.list.meshes[0]->uvCount = uvCount;
 }
 
-TEST(Texturing, ThePictureStandsUpright)
+TEST_F(Texturing, ThePictureStandsUpright)
 {
-    resetRenderer();
     Display display(64, 64);
     Mesh* mesh = emptyMesh();
     addSquare(mesh, 0, true, 0);
@@ -282,9 +277,8 @@ TEST(Texturing, ThePictureStandsUpright)
     EXPECT_EQ(display.cell(r[2] - 2, r[1] + 2) & 0xFFFF, 0xFFFFu);
 }
 
-TEST(Texturing, ReflectionsShowTheTopOfThePictureOnTop)
+TEST_F(Texturing, ReflectionsShowTheTopOfThePictureOnTop)
 {
-    resetRenderer();
     Display display(128, 128);
     installMesh(&display.list, makeSphere(32, 64));
     uint32_t pixels[2] = { 0xFF0000, 0x0000FF }; // bottom, top

@@ -9,9 +9,12 @@
 
 #include <math.h>
 
-TEST(Projection, VerticesOutsideTheDisplayOrTheDepthsStandInTheCentre)
+class Projection : public RenderTest
 {
-    resetRenderer();
+};
+
+TEST_F(Projection, VerticesOutsideTheDisplayOrTheDepthsStandInTheCentre)
+{
     Mesh* mesh = emptyMesh();
     const float points[][3] = { { 0, 0, 0 },   { -1, 0, 0 },    { 100, 0, 0 },   { 0, 100, 0 },
                                 { 0, -1, 0 },  { 0, 0, -1 },    { 0, 0, 1 },     { 0, 0, 0.99f },
@@ -39,15 +42,18 @@ TEST(Projection, VerticesOutsideTheDisplayOrTheDepthsStandInTheCentre)
     freeMesh(mesh);
 }
 
-TEST(Classification, LitAndEyeFacingBits)
+class Classification : public RenderTest
 {
-    resetRenderer();
+};
+
+TEST_F(Classification, LitAndEyeFacingBits)
+{
     Mesh* mesh = makeCube(); // front, back, right, left, top, bottom
     mesh->faceAttributes[1] |= faceHidden | faceLit;
     mesh->faceAttributes[2] |= faceLine;
     mesh->facePlanes[5] = {};
     FrameTransforms transforms;
-    setUpCamera(&transforms, mesh->centre, mesh->radius, 100, 100);
+    setUpCamera(&transforms, &frameState.view, mesh->centre, mesh->radius, 100, 100);
     classifyFaces(mesh, &transforms);
     auto bits = [&](int f) { return mesh->faceAttributes[f] & (faceLit | faceEyeFacing); };
     EXPECT_EQ(bits(0), faceLit | faceEyeFacing);
@@ -55,17 +61,16 @@ TEST(Classification, LitAndEyeFacingBits)
     EXPECT_EQ(bits(2), 0u) << "a line keeps its eye-facing bit; turned away from the light";
     EXPECT_EQ(bits(3), faceLit | faceEyeFacing) << "edge-on counts as facing";
     EXPECT_EQ(bits(5), faceLit | faceEyeFacing) << "without area";
-    rotationAboutScreenAxes(&viewState.rotation, 0, 180, 0);
-    setUpCamera(&transforms, mesh->centre, mesh->radius, 100, 100);
+    rotationAboutScreenAxes(&frameState.view.rotation, 0, 180, 0);
+    setUpCamera(&transforms, &frameState.view, mesh->centre, mesh->radius, 100, 100);
     classifyFaces(mesh, &transforms);
     EXPECT_EQ(bits(0) & faceEyeFacing, 0u);
     EXPECT_EQ(bits(1) & faceEyeFacing, faceEyeFacing);
     freeMesh(mesh);
 }
 
-TEST(Classification, TheLitSideReachesALittlePastTheEdge)
+TEST_F(Classification, TheLitSideReachesALittlePastTheEdge)
 {
-    resetRenderer();
     Mesh* mesh = makeCube();
     float light[3] = { -1, 1, 1 };
     normalise(light);
@@ -76,7 +81,7 @@ TEST(Classification, TheLitSideReachesALittlePastTheEdge)
             mesh->facePlanes[f].normal[k] = toward[f] * light[k] + sqrtf(1 - toward[f] * toward[f]) * across[k];
     mesh->faceAttributes[3] |= faceLit; // is taken away
     FrameTransforms transforms;
-    setUpCamera(&transforms, mesh->centre, mesh->radius, 100, 100);
+    setUpCamera(&transforms, &frameState.view, mesh->centre, mesh->radius, 100, 100);
     classifyFaces(mesh, &transforms);
     for (int f = 0; f < 6; ++f)
         EXPECT_EQ((mesh->faceAttributes[f] & faceLit) != 0, toward[f] > -0.05f) << toward[f];

@@ -1,9 +1,8 @@
-// tests/render/scenes.cpp
+// tests/render/scenes.cpp - procedural meshes and the state that tests draw with
 #include "tests/render/scenes.h"
 
 #include "model/matrix.h"
 #include "model/normals.h"
-#include "model/settings.h"
 #include "render/materials.h"
 #include "render/view.h"
 #include "tests/recording/recording.h"
@@ -13,25 +12,25 @@
 
 constexpr float pi = 3.14159265f;
 
+RenderSettings renderSettings;
+FrameState frameState;
+
 void resetRenderer()
 {
-    renderSettings = startSettings;
-    displayState = startDisplay;
-    frameStatistics = {};
-    dirtyRect = { 0, 0, -1, -1 };
-    resetView();
+    renderSettings = startRenderSettings;
+    frameState = startFrameState;
+    limitKernelLevel(kernelsAvx512);
     resetRecording();
-    renderSettings.materialPreset = presetWhite;
-    ApplyPreset(presetWhite, presetWhite);
+    ApplyPreset(&renderSettings, presetWhite, presetWhite);
     for (int32_t i = 0; i < lightCount; ++i)
-        SetLight(i, i == 0);
+        SetLight(&renderSettings, i, i == 0);
 }
 
 Display::Display(int32_t width, int32_t height) : target{}, list{}
 {
-    displayState.displayWidth = width;
-    displayState.displayHeight = height;
-    createFrameBuffer(&target);
+    frameState.displayWidth = width;
+    frameState.displayHeight = height;
+    createFrameBuffer(&target, width, height);
 }
 
 Display::~Display()
@@ -42,12 +41,12 @@ Display::~Display()
 
 void Display::draw()
 {
-    RenderFrame(&target, &list);
+    RenderFrame(&target, &list, &renderSettings, &frameState);
 }
 
 void Display::drawWhole()
 {
-    displayState.fullRedraw = 1;
+    frameState.fullRedraw = 1;
     draw();
 }
 
@@ -59,10 +58,10 @@ uint32_t Display::cell(int32_t x, int32_t y) const
 std::vector<uint32_t> Display::cells() const
 {
     std::vector<uint32_t> visible;
-    for (int32_t y = 0; y < displayState.displayHeight; ++y)
+    for (int32_t y = 0; y < frameState.displayHeight; ++y)
     {
         const uint32_t* row = target.cells + static_cast<ptrdiff_t>(y) * target.pitch;
-        visible.insert(visible.end(), row, row + displayState.displayWidth);
+        visible.insert(visible.end(), row, row + frameState.displayWidth);
     }
     return visible;
 }

@@ -1,13 +1,34 @@
 // tests/render/scenes.h - procedural meshes and a display for the renderer's tests
 #pragma once
 #include "model/mesh.h"
+#include "platform/processor.h"
 #include "render/frame.h"
+
+#include <gtest/gtest.h>
 
 #include <stdint.h>
 #include <vector>
 
-// Settings, view, lights, statistics and the recording as at the program's start, with the preset White.
+// What the displays of a test draw with.
+extern RenderSettings renderSettings;
+extern FrameState frameState;
+
+// Settings, state, recording and kernels as at the program's start, with the preset White on both sides.
 void resetRenderer();
+
+// Every test starts so, and leaves the kernels to the processor.
+class RenderTest : public testing::Test
+{
+protected:
+    RenderTest()
+    {
+        resetRenderer();
+    }
+    ~RenderTest() override
+    {
+        limitKernelLevel(kernelsAvx512);
+    }
+};
 
 // A display of that size with its frame buffer, and the list that it shows. Frees everything at its end.
 struct Display

@@ -1,8 +1,7 @@
-// tests/render/shadows_test.cpp
+// tests/render/shadows_test.cpp - the shadow map, the marks it gives and the dump of it
 #include "render/shadows.h"
 
 #include "model/matrix.h"
-#include "model/settings.h"
 #include "render/edges.h"
 #include "render/materials.h"
 #include "render/project.h"
@@ -21,7 +20,7 @@ static FrameTransforms markShadows(Display* display)
 {
     Mesh* mesh = display->list.meshes[0];
     FrameTransforms transforms;
-    setUpCamera(&transforms, display->list.centre, display->list.radius, 620, 520);
+    setUpCamera(&transforms, &frameState.view, display->list.centre, display->list.radius, 620, 520);
     ClearShadowMap(display->target.shadowMap, display->target.shadowSize);
     ProjectToLight(mesh, &transforms);
     classifyFaces(mesh, &transforms);
@@ -38,9 +37,12 @@ static int markedCount(const Mesh* mesh)
     return marked;
 }
 
-TEST(Shadows, ASingleFaceNeverShadowsItsOwnVertices)
+class Shadows : public RenderTest
 {
-    resetRenderer();
+};
+
+TEST_F(Shadows, ASingleFaceNeverShadowsItsOwnVertices)
+{
     std::mt19937 random(11);
     std::uniform_real_distribution<float> coordinate(-1, 1);
     int drawn = 0;
@@ -60,9 +62,8 @@ TEST(Shadows, ASingleFaceNeverShadowsItsOwnVertices)
     EXPECT_GT(drawn, 150);
 }
 
-TEST(Shadows, OwnEntriesHoldNoMoreThanTheVertexDepth)
+TEST_F(Shadows, OwnEntriesHoldNoMoreThanTheVertexDepth)
 {
-    resetRenderer();
     std::mt19937 random(12);
     std::uniform_real_distribution<float> coordinate(-1, 1);
     for (int i = 0; i < 400; ++i)
@@ -85,9 +86,8 @@ TEST(Shadows, OwnEntriesHoldNoMoreThanTheVertexDepth)
     }
 }
 
-TEST(Shadows, ASphereNeverShadowsItsLitSide)
+TEST_F(Shadows, ASphereNeverShadowsItsLitSide)
 {
-    resetRenderer();
     for (int32_t rings : { 8, 16, 32, 64, 128, 256, 724 })
     {
         Display display(32, 32);
@@ -96,14 +96,14 @@ TEST(Shadows, ASphereNeverShadowsItsLitSide)
         for (int turn = 0; turn < (rings < 256 ? 4 : 1); ++turn)
         {
             float angle = static_cast<float>(turn);
-            rotationAboutScreenAxes(&viewState.rotation, angle * 17, angle * 33, angle * 5);
+            rotationAboutScreenAxes(&frameState.view.rotation, angle * 17, angle * 33, angle * 5);
             FrameTransforms transforms = markShadows(&display);
             int litMarked = 0, darkMarked = 0;
             for (int32_t i = 0; i < mesh->vertexCount; ++i)
             {
                 float normal[3];
                 transformDirection(normal, &transforms.normal, mesh->vertices[i].normal);
-                float toward = dotProduct(normal, lights[0].direction);
+                float toward = dotProduct(normal, renderSettings.lights[0].direction);
                 bool marked = mesh->projected[i].flags & vertexShadowed;
                 litMarked += marked && toward > 0.02f;
                 darkMarked += marked && toward < -0.3f;
@@ -114,9 +114,8 @@ TEST(Shadows, ASphereNeverShadowsItsLitSide)
     }
 }
 
-TEST(Shadows, ItsOwnEntryAloneShadowsAVertex)
+TEST_F(Shadows, ItsOwnEntryAloneShadowsAVertex)
 {
-    resetRenderer();
     Display display(32, 32);
     installMesh(&display.list, makeTriangles({ 0, 0, 0, 1, 1, 0, 0, 1, -1 })); // square to the light
     FrameTransforms transforms = markShadows(&display);
@@ -140,9 +139,8 @@ TEST(Shadows, ItsOwnEntryAloneShadowsAVertex)
     }
 }
 
-TEST(Shadows, TheAllowanceIsTheRiseOfTheVertexsOwnSurface)
+TEST_F(Shadows, TheAllowanceIsTheRiseOfTheVertexsOwnSurface)
 {
-    resetRenderer();
     Display display(32, 32);
     installMesh(&display.list, makeTriangles({ 0, 0, 0, 1, 1, 0, 0, 1, -1 }));
     FrameTransforms transforms = markShadows(&display);
@@ -196,9 +194,8 @@ static Mesh* makePlates()
     return mesh;
 }
 
-TEST(Shadows, WhatIsNearerToTheLightHidesWhatLiesBehind)
+TEST_F(Shadows, WhatIsNearerToTheLightHidesWhatLiesBehind)
 {
-    resetRenderer();
     Display display(64, 64);
     installMesh(&display.list, makePlates());
     Mesh* mesh = display.list.meshes[0];
@@ -211,14 +208,13 @@ TEST(Shadows, WhatIsNearerToTheLightHidesWhatLiesBehind)
     EXPECT_EQ(markedCount(mesh), 0);
 }
 
-TEST(Shadows, MarksSurviveTheFrameAndDarkenOnlyWhileShadowsAreOn)
+TEST_F(Shadows, MarksSurviveTheFrameAndDarkenOnlyWhileShadowsAreOn)
 {
-    resetRenderer();
     Display display(64, 64);
     installMesh(&display.list, makePlates());
     Mesh* mesh = display.list.meshes[0];
-    addFace(mesh, 8, 1, 2); // shows the middle vertex
-    ApplyPreset(6, 6);      // Chalk: no highlight
+    addFace(mesh, 8, 1, 2);             // shows the middle vertex
+    ApplyPreset(&renderSettings, 6, 6); // Chalk: no highlight
     finishMesh(mesh);
     display.target.shadowMap[5] = 1234;
     display.drawWhole();
@@ -235,9 +231,8 @@ TEST(Shadows, MarksSurviveTheFrameAndDarkenOnlyWhileShadowsAreOn)
     EXPECT_GT(mesh->projected[8].colour & 0xFF, shadowed & 0xFF);
 }
 
-TEST(Shadows, VerticesOffTheMapNeitherGetNorCastAShadow)
+TEST_F(Shadows, VerticesOffTheMapNeitherGetNorCastAShadow)
 {
-    resetRenderer();
     Display display(64, 64);
     Mesh* mesh = makePlates();
     uint32_t far = addVertex(mesh, 500, 300, 200), farther = addVertex(mesh, -1e30f, 1e30f, 1e30f);
@@ -253,15 +248,14 @@ TEST(Shadows, VerticesOffTheMapNeitherGetNorCastAShadow)
     EXPECT_TRUE(mesh->projected[8].flags & vertexShadowed);
 }
 
-TEST(Shadows, AMapBorderPositionIsWithinBounds)
+TEST_F(Shadows, AMapBorderPositionIsWithinBounds)
 {
-    resetRenderer();
     Display display(64, 64);
     // the corners of the box touch columns and rows 0 and 1024 as the view turns
     installMesh(&display.list, makeCube());
     for (int turn = 0; turn < 360; turn += 3)
     {
-        rotationAboutScreenAxes(&viewState.rotation, static_cast<float>(turn), static_cast<float>(turn * 2), 45);
+        rotationAboutScreenAxes(&frameState.view.rotation, static_cast<float>(turn), static_cast<float>(turn * 2), 45);
         markShadows(&display);
     }
     // and a plate larger than the map
@@ -294,9 +288,8 @@ static TriangleCorner anyCornerNear(std::mt19937& random, int32_t x, int32_t y, 
     return { within(x), within(y), depth, 0, 0, 0 };
 }
 
-TEST(Shadows, SmallTrianglesRaiseTheEntriesThatLargeOnesWould)
+TEST_F(Shadows, SmallTrianglesRaiseTheEntriesThatLargeOnesWould)
 {
-    resetRenderer();
     std::mt19937 random(31);
     Display display(32, 32);
     for (int32_t round = 0; round < 40; ++round)
@@ -319,16 +312,15 @@ TEST(Shadows, SmallTrianglesRaiseTheEntriesThatLargeOnesWould)
             mesh->faceAttributes[f] = faceLit;
             fillByRows(&expected, corners);
         }
-        displayState.useSse2 = round % 2;
+        limitKernelLevel(round % 2 ? kernelsAvx512 : kernelsPlain);
         ClearShadowMap(display.target.shadowMap, shadowMapSide);
         RenderShadowMap(&display.target, mesh);
         ASSERT_TRUE(std::equal(expected.begin(), expected.end(), display.target.shadowMap)) << round;
     }
 }
 
-TEST(Shadows, TheMapIsDumpedOnce)
+TEST_F(Shadows, TheMapIsDumpedOnce)
 {
-    resetRenderer();
     Display display(64, 64);
     installMesh(&display.list, makeCube());
     markShadows(&display);

@@ -1,7 +1,6 @@
-// tests/render/view_test.cpp
+// tests/render/view_test.cpp - the camera, the rotations, the spin, and the coordinates of reflections
 #include "render/view.h"
 
-#include "model/settings.h"
 #include "render/frame.h"
 #include "render/reflect.h"
 #include "tests/render/scenes.h"
@@ -13,13 +12,16 @@
 static void project(float* out, const float* point, const float* centre, float radius, int32_t width, int32_t height)
 {
     FrameTransforms transforms;
-    setUpCamera(&transforms, centre, radius, width, height);
+    setUpCamera(&transforms, &frameState.view, centre, radius, width, height);
     transformPoint(out, &transforms.screen, point);
 }
 
-TEST(View, TheUnitSphereSpansTheShorterSideLessTwentyPixels)
+class View : public RenderTest
 {
-    resetRenderer();
+};
+
+TEST_F(View, TheUnitSphereSpansTheShorterSideLessTwentyPixels)
+{
     const float centre[3] = { 5, -3, 2 }, right[3] = { 9, -3, 2 }, top[3] = { 5, 1, 2 }, front[3] = { 5, -3, 6 };
     float out[3];
     project(out, centre, centre, 4, 620, 520);
@@ -36,9 +38,8 @@ TEST(View, TheUnitSphereSpansTheShorterSideLessTwentyPixels)
     EXPECT_EQ(out[0], 150.0f + 140);
 }
 
-TEST(View, AModelWithoutSizeIsDrawnUnscaled)
+TEST_F(View, AModelWithoutSizeIsDrawnUnscaled)
 {
-    resetRenderer();
     const float centre[3] = {}, point[3] = { 0.5f, 0, 0 };
     for (float radius : { 0.0f, -1.0f, NAN })
     {
@@ -48,9 +49,8 @@ TEST(View, AModelWithoutSizeIsDrawnUnscaled)
     }
 }
 
-TEST(View, ADisplayThatIsAllMarginStillShowsTheModelUpright)
+TEST_F(View, ADisplayThatIsAllMarginStillShowsTheModelUpright)
 {
-    resetRenderer();
     const float centre[3] = {}, point[3] = { 1, 1, 0 };
     for (int32_t side : { 10, 19, 20, 21, 22 })
     {
@@ -61,14 +61,13 @@ TEST(View, ADisplayThatIsAllMarginStillShowsTheModelUpright)
     }
 }
 
-TEST(View, ZoomMagnifiesThePictureButNotTheLightsView)
+TEST_F(View, ZoomMagnifiesThePictureButNotTheLightsView)
 {
-    resetRenderer();
     const float centre[3] = {}, point[3] = { 0.25f, 0.5f, 0 };
     FrameTransforms before, after;
-    setUpCamera(&before, centre, 1, 620, 520);
-    renderSettings.zoom = 2;
-    setUpCamera(&after, centre, 1, 620, 520);
+    setUpCamera(&before, &frameState.view, centre, 1, 620, 520);
+    frameState.view.zoom = 2;
+    setUpCamera(&after, &frameState.view, centre, 1, 620, 520);
     float out[3], light[3], lightZoomed[3];
     transformPoint(out, &after.screen, point);
     EXPECT_EQ(out[0], 310.0f + 125);
@@ -79,9 +78,8 @@ TEST(View, ZoomMagnifiesThePictureButNotTheLightsView)
         EXPECT_EQ(light[k], lightZoomed[k]);
 }
 
-TEST(View, TheLightsViewMapsTheUnitSphereToTheMap)
+TEST_F(View, TheLightsViewMapsTheUnitSphereToTheMap)
 {
-    resetRenderer();
     Matrix light;
     setUpLightView(&light, shadowLightDirection);
     float out[3], toward[3] = { -1, 1, 1 };
@@ -102,7 +100,7 @@ TEST(View, TheLightsViewMapsTheUnitSphereToTheMap)
     EXPECT_GT(out[1], 800.0f);
 }
 
-TEST(View, AVerticalLightHasAValidFrame)
+TEST_F(View, AVerticalLightHasAValidFrame)
 {
     Matrix light;
     const float up[3] = { 0, 3, 0 };
@@ -116,15 +114,14 @@ TEST(View, AVerticalLightHasAValidFrame)
     EXPECT_EQ(out[2], 16384.0f);
 }
 
-TEST(View, NormalsTurnWithTheModelAtEverySize)
+TEST_F(View, NormalsTurnWithTheModelAtEverySize)
 {
-    resetRenderer();
-    rotationAboutScreenAxes(&viewState.rotation, 0, 90, 0);
+    rotationAboutScreenAxes(&frameState.view.rotation, 0, 90, 0);
     const float centre[3] = {}, front[3] = { 0, 0, 1 };
     for (float radius : { 1.0f, 1e-25f, 1e25f })
     {
         FrameTransforms transforms;
-        setUpCamera(&transforms, centre, radius, 620, 520);
+        setUpCamera(&transforms, &frameState.view, centre, radius, 620, 520);
         float out[3];
         transformDirection(out, &transforms.normal, front);
         EXPECT_NEAR(out[0], 1, 1e-6f);
@@ -144,9 +141,8 @@ static void ballPoint(float* out, float x, float y)
     normalise(out);
 }
 
-TEST(View, TheSurfacePointUnderThePointerFollowsThePointer)
+TEST_F(View, TheSurfacePointUnderThePointerFollowsThePointer)
 {
-    resetRenderer();
     const float moves[][4] = {
         { 310, 260, 350, 260 }, { 310, 260, 310, 200 }, { 200, 300, 260, 280 }, { 400, 100, 330, 150 }
     };
@@ -166,15 +162,15 @@ TEST(View, TheSurfacePointUnderThePointerFollowsThePointer)
         // on the screen: the reference point goes where the pointer went
         const float centre[3] = {};
         float before[3], after[3];
-        viewState.rotation = identityMatrix;
+        frameState.view.rotation = identityMatrix;
         project(before, reference, centre, 1, 620, 520);
-        viewState.rotation = turn;
+        frameState.view.rotation = turn;
         project(after, reference, centre, 1, 620, 520);
         EXPECT_GT((after[0] - before[0]) * (move[2] - move[0]) + (after[1] - before[1]) * (move[3] - move[1]), 0.0f);
     }
 }
 
-TEST(View, RotationsAreRotations)
+TEST_F(View, RotationsAreRotations)
 {
     const float axis[3] = { 0.6f, 0, 0.8f };
     Matrix turn, back, product;
@@ -193,7 +189,7 @@ TEST(View, RotationsAreRotations)
         EXPECT_EQ(turn.m[i], identityMatrix.m[i]);
 }
 
-TEST(View, ScreenAxesTurnInOrderXFirst)
+TEST_F(View, ScreenAxesTurnInOrderXFirst)
 {
     Matrix turn;
     const float front[3] = { 0, 0, 1 }, top[3] = { 0, 1, 0 };
@@ -212,39 +208,37 @@ TEST(View, ScreenAxesTurnInOrderXFirst)
     EXPECT_NEAR(out[0], 1, 1e-6f);
 }
 
-TEST(View, ResetViewStopsTheSpinAndTheZoom)
+TEST_F(View, ResettingTheRotationsKeepsTheZoom)
 {
-    resetRenderer();
-    rotationAboutScreenAxes(&viewState.rotation, 10, 20, 30);
-    rotationAboutScreenAxes(&viewState.step, 1, 2, 3);
-    displayState.continuousRedraw = 1;
-    renderSettings.zoom = 3;
-    resetViewRotations();
-    EXPECT_EQ(renderSettings.zoom, 3.0f);
-    EXPECT_EQ(displayState.continuousRedraw, 1);
-    resetView();
-    EXPECT_EQ(renderSettings.zoom, 1.0f);
-    EXPECT_EQ(displayState.continuousRedraw, 0);
+    ViewState view = startView;
+    rotationAboutScreenAxes(&view.rotation, 10, 20, 30);
+    rotationAboutScreenAxes(&view.step, 1, 2, 3);
+    view.zoom = 3;
+    resetViewRotations(&view);
+    EXPECT_EQ(view.zoom, 3.0f);
     for (size_t i = 0; i < 16; ++i)
     {
-        EXPECT_EQ(viewState.rotation.m[i], identityMatrix.m[i]);
-        EXPECT_EQ(viewState.step.m[i], identityMatrix.m[i]);
+        EXPECT_EQ(view.rotation.m[i], identityMatrix.m[i]);
+        EXPECT_EQ(view.step.m[i], identityMatrix.m[i]);
     }
 }
 
-TEST(View, SpinTurnsAboutTheScreensAxes)
+TEST_F(View, SpinTurnsAboutTheScreensAxes)
 {
-    resetRenderer();
-    rotationAboutScreenAxes(&viewState.rotation, 90, 0, 0);
-    rotationAboutScreenAxes(&viewState.step, 0, 90, 0);
-    spinView();
+    rotationAboutScreenAxes(&frameState.view.rotation, 90, 0, 0);
+    rotationAboutScreenAxes(&frameState.view.step, 0, 90, 0);
+    spinView(&frameState.view);
     const float top[3] = { 0, 1, 0 };
     float out[3];
-    transformDirection(out, &viewState.rotation, top);
+    transformDirection(out, &frameState.view.rotation, top);
     EXPECT_NEAR(out[0], 1, 1e-6f);
 }
 
-TEST(Reflection, StraightBackIsTheMiddleOfThePicture)
+class Reflection : public RenderTest
+{
+};
+
+TEST_F(Reflection, StraightBackIsTheMiddleOfThePicture)
 {
     const float toward[3] = { 0, 0, 1 }, beside[3] = { 1, 0, 0 }, above[3] = { 0, 1, 0 };
     EXPECT_EQ(reflectionOf(toward), 16383u << 16 | 16383u);
@@ -252,7 +246,7 @@ TEST(Reflection, StraightBackIsTheMiddleOfThePicture)
     EXPECT_EQ(reflectionOf(above), 16383u << 16 | 16383u);
 }
 
-TEST(Reflection, UpIsTheTopAndRightTheRight)
+TEST_F(Reflection, UpIsTheTopAndRightTheRight)
 {
     const float h = sqrtf(0.5f);
     const float up[3] = { 0, h, h }, down[3] = { 0, -h, h }, right[3] = { h, 0, h }, left[3] = { -h, 0, h };
@@ -262,7 +256,7 @@ TEST(Reflection, UpIsTheTopAndRightTheRight)
     EXPECT_LE(reflectionOf(left) >> 16, 1u);
 }
 
-TEST(Reflection, StaysInRangeForAnyNormal)
+TEST_F(Reflection, StaysInRangeForAnyNormal)
 {
     for (float x : { -3.0f, 0.0f, 0.3f, 1e30f, NAN })
         for (float y : { -2.0f, 0.7f, INFINITY })

@@ -1,7 +1,6 @@
 // tests/resources/textures_test.cpp - the built-in pictures, as the program loads them
 #include "image/textures.h"
 
-#include "model/settings.h"
 #include "tests/recording/recording.h"
 
 #include <gtest/gtest.h>
@@ -28,7 +27,6 @@ protected:
     void TearDown() override
     {
         freeTextures();
-        renderSettings = startSettings;
     }
 };
 
@@ -52,7 +50,7 @@ TEST_F(BuiltInTextures, LoadByNameInAnyCase)
     EXPECT_TRUE(recorded.boxes.empty());
 }
 
-TEST_F(BuiltInTextures, StartUpFillsTheSlotsAndChoosesWood)
+TEST_F(BuiltInTextures, StartUpFillsTheSlotsButTheUsers)
 {
     loadBuiltInTextures();
     expectPicture(TextureSlots[textureWood], builtIns[0]);
@@ -60,6 +58,5 @@ TEST_F(BuiltInTextures, StartUpFillsTheSlotsAndChoosesWood)
     expectPicture(TextureSlots[texturePattern], builtIns[2]);
     expectPicture(ReflectionImage, builtIns[3]);
     EXPECT_EQ(TextureSlots[textureUser].pixels, nullptr);
-    EXPECT_EQ(renderSettings.currentTexture, &TextureSlots[textureWood]);
     EXPECT_TRUE(recorded.boxes.empty());
 }

@@ -1,3 +1,4 @@
+// tests/shell/commands_test.cpp - what each menu entry does, and the main window's size and activation
 #include "tests/shell/shell_fixture.h"
 
 #include "model/normals.h"
@@ -9,62 +10,58 @@
 #include <fstream>
 #include <iterator>
 
-class CommandsTest : public ShellTest
+class Commands : public ShellTest
 {
 };
 
-TEST_F(CommandsTest, StartUpTicksTheStartingChoices)
+TEST_F(Commands, StartUpTicksTheStartingChoices)
 {
     for (int id :
          { ID_BACKGROUND_GREY1, ID_KEYFRAMES_3DS, ID_EXACT_WELD, ID_TEXTURE_WOOD, ID_PRESET_BRASS, ID_LIGHT_1 })
         EXPECT_TRUE(recorded.menuChecks[id]) << id;
     EXPECT_STREQ(currentFileName, "teapot");
-    EXPECT_EQ(renderSettings.renderFlags, 0x21u);
-    EXPECT_EQ(renderSettings.currentTexture, &TextureSlots[0]);
+    EXPECT_EQ(choices.render.renderFlags, renderBackCulled | renderVertexColour);
+    EXPECT_EQ(choices.render.currentTexture, &TextureSlots[0]);
     EXPECT_EQ(modelList.count, 1);
     EXPECT_EQ(currentMesh()->vertexCount, 2828);
 }
 
-TEST_F(CommandsTest, ProcessorWithMmxButNoSseIsRefused)
+TEST_F(Commands, ProcessorWithMmxButNoSseIsRefused)
 {
-    displayState.useSse2 = 0;
     for (uint32_t features : { 0u, processorMmx, processorSse, processorMmx | processorSse2 })
     {
         recorded.boxes.clear();
         EXPECT_FALSE(acceptProcessor(features));
         EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{
                                       { "This program requires CPU with MMX/SSE technology", "Error", iconNone } }));
-        EXPECT_EQ(displayState.useSse2, 0);
     }
     recorded.boxes.clear();
     EXPECT_TRUE(acceptProcessor(processorMmx | processorSse));
-    EXPECT_EQ(displayState.useSse2, 0);
     EXPECT_TRUE(acceptProcessor(processorMmx | processorSse | processorSse2));
-    EXPECT_EQ(displayState.useSse2, 1);
     EXPECT_TRUE(recorded.boxes.empty());
 }
 
-TEST_F(CommandsTest, ExitDestroysTheMainWindow)
+TEST_F(Commands, ExitDestroysTheMainWindow)
 {
-    EXPECT_TRUE(runCommand(101));
+    EXPECT_TRUE(runCommand(ID_EXIT));
     EXPECT_TRUE(recorded.mainWindowDestroyed);
 }
 
-TEST_F(CommandsTest, AboutKeepsTheSpin)
+TEST_F(Commands, AboutKeepsTheSpin)
 {
-    displayState.continuousRedraw = 1;
-    EXPECT_TRUE(runCommand(102));
+    frameState.continuousRedraw = 1;
+    EXPECT_TRUE(runCommand(ID_ABOUT));
     EXPECT_EQ(recorded.aboutRuns, 1);
-    EXPECT_EQ(displayState.continuousRedraw, 1);
+    EXPECT_EQ(frameState.continuousRedraw, 1);
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(CommandsTest, OpenAsksWithItsFilterAndShowsTheModel)
+TEST_F(Commands, OpenAsksWithItsFilterAndShowsTheModel)
 {
     recorded.dialogAnswers = { writeFile("one.obj", triangleObj) };
-    renderSettings.renderFlags |= renderWireframe;
-    viewState.rotation.m[1] = 0.5f;
-    EXPECT_TRUE(runCommand(104));
+    choices.render.renderFlags |= renderWireframe;
+    frameState.view.rotation.m[1] = 0.5f;
+    EXPECT_TRUE(runCommand(ID_OPEN_MESH));
     ASSERT_EQ(recorded.dialogs.size(), 1u);
     const RecordedDialog& dialog = recorded.dialogs[0];
     EXPECT_FALSE(dialog.save);
@@ -78,71 +75,71 @@ TEST_F(CommandsTest, OpenAsksWithItsFilterAndShowsTheModel)
     EXPECT_EQ(recorded.titles, std::vector<std::string>{ "Kestrelbox: one.obj" });
     EXPECT_EQ(recorded.filterEntries, (std::vector<std::string>{ "All Groups", "one", "All Materials" }));
     EXPECT_EQ(recorded.panelTexts[ID_VERT_COUNT], "3");
-    EXPECT_EQ(viewState.rotation.m[1], 0.0f);
+    EXPECT_EQ(frameState.view.rotation.m[1], 0.0f);
     EXPECT_FALSE(recorded.panelChecks[ID_WIREFRAME]);
-    EXPECT_EQ(renderSettings.renderFlags & renderWireframe, 0u);
+    EXPECT_EQ(choices.render.renderFlags & renderWireframe, 0u);
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(CommandsTest, OpenTicksPropMaterialEvenWithoutMaterials)
+TEST_F(Commands, OpenTicksPropMaterialEvenWithoutMaterials)
 {
     recorded.dialogAnswers = { writeFile("one.obj", triangleObj) };
-    runCommand(104);
+    runCommand(ID_OPEN_MESH);
     EXPECT_EQ(currentMesh()->materialCount, 0);
-    EXPECT_TRUE(recorded.menuChecks[310]);
-    EXPECT_FALSE(recorded.menuChecks[300]);
-    EXPECT_EQ(renderSettings.materialPreset, 10);
-    EXPECT_EQ(renderSettings.propMaterial, 1);
+    EXPECT_TRUE(recorded.menuChecks[ID_PRESET_PROP]);
+    EXPECT_FALSE(recorded.menuChecks[ID_PRESET_BRASS]);
+    EXPECT_EQ(choices.materialPreset, 10);
+    EXPECT_EQ(choices.render.propMaterial, 1);
 }
 
-TEST_F(CommandsTest, FailedLoadKeepsTheModelOnScreen)
+TEST_F(Commands, FailedLoadKeepsTheModelOnScreen)
 {
     std::string path = writeFile("bad.obj", "nothing here\n");
     recorded.dialogAnswers = { path };
     Mesh* before = currentMesh();
-    EXPECT_TRUE(runCommand(104));
+    EXPECT_TRUE(runCommand(ID_OPEN_MESH));
     EXPECT_EQ(currentMesh(), before);
     EXPECT_STREQ(currentFileName, "teapot");
     EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ { "Error: failed to open", path, iconStop } }));
     EXPECT_TRUE(recorded.titles.empty());
-    EXPECT_EQ(renderSettings.materialPreset, 0);
+    EXPECT_EQ(choices.materialPreset, 0);
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(CommandsTest, CancelledOpenChangesNothingButAsksForARedraw)
+TEST_F(Commands, CancelledOpenChangesNothingButAsksForARedraw)
 {
-    EXPECT_TRUE(runCommand(104));
+    EXPECT_TRUE(runCommand(ID_OPEN_MESH));
     EXPECT_EQ(currentMesh()->vertexCount, 2828);
     EXPECT_TRUE(recorded.boxes.empty());
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(CommandsTest, UnknownFormatIsRefusedWithTheShortNameAsCaption)
+TEST_F(Commands, UnknownFormatIsRefusedWithTheShortNameAsCaption)
 {
     recorded.dialogAnswers = { writeFile("one.xyz", "x") };
-    runCommand(104);
+    runCommand(ID_OPEN_MESH);
     EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ { "Not supported file format", "one.xyz", iconStop } }));
 }
 
-TEST_F(CommandsTest, ExportsWriteBesideAndNameTheFileInTheTitle)
+TEST_F(Commands, ExportsWriteBesideAndNameTheFileInTheTitle)
 {
     recorded.dialogAnswers = { (folder / "out.obj").string(), (folder / "out.pp2").string() };
-    EXPECT_TRUE(runCommand(108));
+    EXPECT_TRUE(runCommand(ID_EXPORT_OBJ));
     EXPECT_TRUE(std::filesystem::exists(folder / "out.obj"));
     EXPECT_EQ(recorded.dialogs[0].proposed, "teapot.obj");
     EXPECT_EQ(recorded.titles.back(), std::string("Kestrelbox: File ") + currentFileName + " saved");
     EXPECT_TRUE(redrawAsked());
-    RenderFrame(&frameBuffer, &modelList);
-    EXPECT_TRUE(runCommand(109));
+    drawFrame();
+    EXPECT_TRUE(runCommand(ID_EXPORT_PP2));
     EXPECT_TRUE(std::filesystem::exists(folder / "out.pp2"));
     EXPECT_TRUE(std::filesystem::exists(folder / "out.rsr"));
 }
 
-TEST_F(CommandsTest, SaveImageWritesTheWholePicture)
+TEST_F(Commands, SaveImageWritesTheWholePicture)
 {
     recorded.dialogAnswers = { (folder / "picture.bmp").string() };
-    RenderFrame(&frameBuffer, &modelList);
-    EXPECT_TRUE(runCommand(111));
+    drawFrame();
+    EXPECT_TRUE(runCommand(ID_SAVE_IMAGE));
     EXPECT_EQ(std::filesystem::file_size(folder / "picture.bmp"), 967254u);
     ASSERT_EQ(recorded.dialogs.size(), 1u);
     const RecordedDialog& dialog = recorded.dialogs[0];
@@ -158,7 +155,7 @@ TEST_F(CommandsTest, SaveImageWritesTheWholePicture)
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(CommandsTest, SaveImageProposesTheNameWithoutItsLastExtension)
+TEST_F(Commands, SaveImageProposesTheNameWithoutItsLastExtension)
 {
     const std::pair<const char*, const char*> names[] = {
         { "my.model.obj", "my.model.bmp" }, { "plain", "plain.bmp" }, { ".obj", ".obj.bmp" }, { "", ".bmp" }
@@ -166,26 +163,26 @@ TEST_F(CommandsTest, SaveImageProposesTheNameWithoutItsLastExtension)
     for (const auto& [current, proposed] : names)
     {
         snprintf(currentFileName, sizeof currentFileName, "%s", current);
-        EXPECT_TRUE(runCommand(111)); // cancelled
+        EXPECT_TRUE(runCommand(ID_SAVE_IMAGE)); // cancelled
         EXPECT_EQ(recorded.dialogs.back().proposed, proposed);
     }
 }
 
-TEST_F(CommandsTest, SaveImageFailsInSilence)
+TEST_F(Commands, SaveImageFailsInSilence)
 {
     recorded.dialogAnswers = { (folder / "missing" / "picture.bmp").string() };
-    RenderFrame(&frameBuffer, &modelList);
-    EXPECT_TRUE(runCommand(111));
+    drawFrame();
+    EXPECT_TRUE(runCommand(ID_SAVE_IMAGE));
     EXPECT_FALSE(std::filesystem::exists(folder / "missing"));
     EXPECT_TRUE(recorded.boxes.empty());
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(CommandsTest, SavedRowsRunFromTheBottomOfThePictureUp)
+TEST_F(Commands, SavedRowsRunFromTheBottomOfThePictureUp)
 {
     recorded.dialogAnswers = { (folder / "picture.bmp").string() };
-    RenderFrame(&frameBuffer, &modelList);
-    EXPECT_TRUE(runCommand(111));
+    drawFrame();
+    EXPECT_TRUE(runCommand(ID_SAVE_IMAGE));
     std::ifstream file(folder / "picture.bmp", std::ios::binary);
     std::string bytes{ std::istreambuf_iterator<char>(file), {} };
     ASSERT_EQ(bytes.size(), 967254u);
@@ -200,232 +197,232 @@ TEST_F(CommandsTest, SavedRowsRunFromTheBottomOfThePictureUp)
             << row;
 }
 
-TEST_F(CommandsTest, SaveRkfThenReadRkf)
+TEST_F(Commands, SaveRkfThenReadRkf)
 {
     recorded.dialogAnswers = { (folder / "a.rkf").string(), (folder / "a.rkf").string() };
-    EXPECT_TRUE(runCommand(113));
+    EXPECT_TRUE(runCommand(ID_SAVE_RKF));
     EXPECT_TRUE(std::filesystem::exists(folder / "a.rkf"));
     EXPECT_EQ(recorded.titles.back(), std::string("Kestrelbox: File ") + currentFileName + " saved");
-    EXPECT_TRUE(runCommand(112));
+    EXPECT_TRUE(runCommand(ID_READ_RKF));
     EXPECT_EQ(currentMesh()->vertexCount, 2828);
     EXPECT_EQ(recorded.titles.back(), "Kestrelbox: a.rkf");
     EXPECT_TRUE(recorded.boxes.empty());
 }
 
-TEST_F(CommandsTest, FiveHundredLoadsKeepNothingOfTheOldModels)
+TEST_F(Commands, FiveHundredLoadsKeepNothingOfTheOldModels)
 {
     std::string path = writeFile("one.obj", triangleObj);
     recorded.dialogAnswers = { path };
-    runCommand(104);
+    runCommand(ID_OPEN_MESH);
     int blocks = recorded.liveBlocks;
     size_t bytes = recorded.liveBytes;
     for (int i = 0; i < 500; ++i)
     {
         recorded.dialogAnswers = { path };
-        runCommand(104);
+        runCommand(ID_OPEN_MESH);
     }
     EXPECT_EQ(currentMesh()->vertexCount, 3);
     EXPECT_EQ(recorded.liveBlocks, blocks);
     EXPECT_EQ(recorded.liveBytes, bytes);
 }
 
-TEST_F(CommandsTest, LoadedTextureIsNamedTickedAndShown)
+TEST_F(Commands, LoadedTextureIsNamedTickedAndShown)
 {
     ResourceBytes wood;
     ASSERT_TRUE(findResource("wood", &wood));
     recorded.dialogAnswers = { writeFile("Oak.JPG",
                                          std::string(reinterpret_cast<const char*>(wood.bytes), wood.size)) };
-    renderSettings.renderFlags |= renderWireframe;
-    EXPECT_TRUE(runCommand(110));
-    EXPECT_EQ(recorded.menuTexts[163], "oak.jpg");
-    EXPECT_TRUE(recorded.menuEnabled[163]);
-    EXPECT_TRUE(recorded.menuChecks[163]);
-    EXPECT_FALSE(recorded.menuChecks[160]);
-    EXPECT_TRUE(recorded.menuChecks[300]); // the material stays
-    EXPECT_EQ(renderSettings.textureIndex, 3);
-    EXPECT_EQ(renderSettings.currentTexture, &TextureSlots[3]);
-    EXPECT_EQ(renderSettings.renderFlags & (renderTextured | renderWireframe), renderTextured);
+    choices.render.renderFlags |= renderWireframe;
+    EXPECT_TRUE(runCommand(ID_LOAD_TEXTURE));
+    EXPECT_EQ(recorded.menuTexts[ID_TEXTURE_USER], "oak.jpg");
+    EXPECT_TRUE(recorded.menuEnabled[ID_TEXTURE_USER]);
+    EXPECT_TRUE(recorded.menuChecks[ID_TEXTURE_USER]);
+    EXPECT_FALSE(recorded.menuChecks[ID_TEXTURE_WOOD]);
+    EXPECT_TRUE(recorded.menuChecks[ID_PRESET_BRASS]); // the material stays
+    EXPECT_EQ(choices.textureIndex, 3);
+    EXPECT_EQ(choices.render.currentTexture, &TextureSlots[3]);
+    EXPECT_EQ(choices.render.renderFlags & (renderTextured | renderWireframe), renderTextured);
     EXPECT_TRUE(recorded.panelChecks[ID_TEXTURED]);
     EXPECT_FALSE(recorded.panelChecks[ID_WIREFRAME]);
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(CommandsTest, LongPathsOfAnyScriptOpen)
+TEST_F(Commands, LongPathsOfAnyScriptOpen)
 {
     std::string name;
     for (int i = 0; i < 60; ++i)
         name += "\u6728"; // three bytes each
     recorded.dialogAnswers = { writeFile(name + ".obj", triangleObj) };
-    runCommand(104);
+    runCommand(ID_OPEN_MESH);
     EXPECT_EQ(currentFileName, name + ".obj");
 }
 
-TEST_F(CommandsTest, SaveRkfDoesNothingForAModelWithLines)
+TEST_F(Commands, SaveRkfDoesNothingForAModelWithLines)
 {
     recorded.dialogAnswers = { writeFile("lines.obj", lineObj) };
-    runCommand(104);
+    runCommand(ID_OPEN_MESH);
     ASSERT_EQ(currentMesh()->lineCount, 1);
     forget();
-    EXPECT_TRUE(runCommand(113));
+    EXPECT_TRUE(runCommand(ID_SAVE_RKF));
     EXPECT_TRUE(recorded.dialogs.empty());
     EXPECT_TRUE(recorded.titles.empty());
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(CommandsTest, ResetViewStopsTheSpinAndTheZoom)
+TEST_F(Commands, ResetViewStopsTheSpinAndTheZoom)
 {
-    displayState.continuousRedraw = 1;
-    renderSettings.zoom = 4;
-    viewState.rotation.m[0] = -1;
-    viewState.step.m[0] = -1;
-    EXPECT_TRUE(runCommand(140));
-    EXPECT_EQ(displayState.continuousRedraw, 0);
-    EXPECT_EQ(renderSettings.zoom, 1.0f);
-    EXPECT_EQ(viewState.rotation.m[0], 1.0f);
-    EXPECT_EQ(viewState.step.m[0], 1.0f);
+    frameState.continuousRedraw = 1;
+    frameState.view.zoom = 4;
+    frameState.view.rotation.m[0] = -1;
+    frameState.view.step.m[0] = -1;
+    EXPECT_TRUE(runCommand(ID_RESET_VIEW));
+    EXPECT_EQ(frameState.continuousRedraw, 0);
+    EXPECT_EQ(frameState.view.zoom, 1.0f);
+    EXPECT_EQ(frameState.view.rotation.m[0], 1.0f);
+    EXPECT_EQ(frameState.view.step.m[0], 1.0f);
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(CommandsTest, PatternTicksWhiteAndSwitchesToTextured)
+TEST_F(Commands, PatternTicksWhiteAndSwitchesToTextured)
 {
-    renderSettings.renderFlags |= renderWireframe;
-    EXPECT_TRUE(runCommand(162));
-    EXPECT_FALSE(recorded.menuChecks[160]);
-    EXPECT_TRUE(recorded.menuChecks[162]);
-    EXPECT_FALSE(recorded.menuChecks[300]);
-    EXPECT_TRUE(recorded.menuChecks[309]);
-    EXPECT_EQ(renderSettings.textureIndex, 2);
-    EXPECT_EQ(renderSettings.currentTexture, &TextureSlots[2]);
-    EXPECT_EQ(renderSettings.materialPreset, 9);
-    EXPECT_EQ(rendererMaterials.behind.diffuse[1], 0.54f); // brick
+    choices.render.renderFlags |= renderWireframe;
+    EXPECT_TRUE(runCommand(ID_TEXTURE_PATTERN));
+    EXPECT_FALSE(recorded.menuChecks[ID_TEXTURE_WOOD]);
+    EXPECT_TRUE(recorded.menuChecks[ID_TEXTURE_PATTERN]);
+    EXPECT_FALSE(recorded.menuChecks[ID_PRESET_BRASS]);
+    EXPECT_TRUE(recorded.menuChecks[ID_PRESET_WHITE]);
+    EXPECT_EQ(choices.textureIndex, 2);
+    EXPECT_EQ(choices.render.currentTexture, &TextureSlots[2]);
+    EXPECT_EQ(choices.materialPreset, 9);
+    EXPECT_EQ(choices.render.behind.diffuse[1], 0.54f); // brick
     EXPECT_TRUE(recorded.panelChecks[ID_TEXTURED]);
     EXPECT_FALSE(recorded.panelChecks[ID_WIREFRAME]);
-    EXPECT_EQ(renderSettings.renderFlags & (renderTextured | renderWireframe), renderTextured);
+    EXPECT_EQ(choices.render.renderFlags & (renderTextured | renderWireframe), renderTextured);
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(CommandsTest, TogglingALightTwiceLeavesTheMask)
+TEST_F(Commands, TogglingALightTwiceLeavesTheMask)
 {
-    EXPECT_TRUE(runCommand(201));
-    EXPECT_EQ(renderSettings.lightMask, 3u);
-    EXPECT_TRUE(recorded.menuChecks[201]);
+    EXPECT_TRUE(runCommand(ID_ABOUT_PICTURE));
+    EXPECT_EQ(choices.lightMask, 3u);
+    EXPECT_TRUE(recorded.menuChecks[ID_ABOUT_PICTURE]);
     EXPECT_TRUE(redrawAsked());
-    EXPECT_TRUE(runCommand(201));
-    EXPECT_EQ(renderSettings.lightMask, 1u);
-    EXPECT_FALSE(recorded.menuChecks[201]);
+    EXPECT_TRUE(runCommand(ID_ABOUT_PICTURE));
+    EXPECT_EQ(choices.lightMask, 1u);
+    EXPECT_FALSE(recorded.menuChecks[ID_ABOUT_PICTURE]);
 }
 
-TEST_F(CommandsTest, EachPresetTicksItselfAlone)
+TEST_F(Commands, EachPresetTicksItselfAlone)
 {
-    for (int id = 300; id <= 310; ++id)
+    for (int id = ID_PRESET_BRASS; id <= ID_PRESET_PROP; ++id)
     {
         forget();
-        renderSettings.renderFlags |= renderWireframe;
+        choices.render.renderFlags |= renderWireframe;
         EXPECT_TRUE(runCommand(id));
-        EXPECT_EQ(renderSettings.materialPreset, id - 300);
-        EXPECT_EQ(renderSettings.propMaterial, id == 310 ? 1 : 0);
-        EXPECT_EQ(renderSettings.renderFlags & renderWireframe, 0u);
-        for (int other = 300; other <= 310; ++other)
+        EXPECT_EQ(choices.materialPreset, id - ID_PRESET_BRASS);
+        EXPECT_EQ(choices.render.propMaterial, id == ID_PRESET_PROP ? 1 : 0);
+        EXPECT_EQ(choices.render.renderFlags & renderWireframe, 0u);
+        for (int other = ID_PRESET_BRASS; other <= ID_PRESET_PROP; ++other)
             EXPECT_EQ(recorded.menuChecks[other], other == id) << id << " " << other;
         EXPECT_TRUE(redrawAsked());
     }
 }
 
-TEST_F(CommandsTest, EachBackgroundSetsItsColour)
+TEST_F(Commands, EachBackgroundSetsItsColour)
 {
     constexpr int colours[] = { 0x528A, 0x9492, 0 };
     for (int i = 2; i >= 0; --i)
     {
-        EXPECT_TRUE(runCommand(336 + i));
-        EXPECT_EQ(renderSettings.backgroundIndex, i);
-        EXPECT_EQ(renderSettings.backgroundColour, colours[i]);
+        EXPECT_TRUE(runCommand(ID_BACKGROUND_GREY1 + i));
+        EXPECT_EQ(choices.backgroundIndex, i);
+        EXPECT_EQ(choices.render.backgroundColour, colours[i]);
         for (int other = 0; other < 3; ++other)
-            EXPECT_EQ(recorded.menuChecks[336 + other], other == i);
+            EXPECT_EQ(recorded.menuChecks[ID_BACKGROUND_GREY1 + other], other == i);
         EXPECT_TRUE(redrawAsked());
     }
 }
 
-TEST_F(CommandsTest, OptionsFlipWithTheirTicks)
+TEST_F(Commands, OptionsFlipWithTheirTicks)
 {
-    EXPECT_TRUE(runCommand(339));
-    EXPECT_EQ(renderSettings.keyframes3ds, 0);
-    EXPECT_FALSE(recorded.menuChecks[339]);
-    EXPECT_TRUE(runCommand(340));
-    EXPECT_EQ(renderSettings.exactWeld, 0);
-    EXPECT_FALSE(recorded.menuChecks[340]);
-    EXPECT_TRUE(runCommand(340));
-    EXPECT_EQ(renderSettings.exactWeld, 1);
-    EXPECT_TRUE(recorded.menuChecks[340]);
+    EXPECT_TRUE(runCommand(ID_KEYFRAMES_3DS));
+    EXPECT_EQ(choices.keyframes3ds, 0);
+    EXPECT_FALSE(recorded.menuChecks[ID_KEYFRAMES_3DS]);
+    EXPECT_TRUE(runCommand(ID_EXACT_WELD));
+    EXPECT_EQ(choices.exactWeld, 0);
+    EXPECT_FALSE(recorded.menuChecks[ID_EXACT_WELD]);
+    EXPECT_TRUE(runCommand(ID_EXACT_WELD));
+    EXPECT_EQ(choices.exactWeld, 1);
+    EXPECT_TRUE(recorded.menuChecks[ID_EXACT_WELD]);
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(CommandsTest, UnknownIdentifiersAreLeftToTheWindow)
+TEST_F(Commands, UnknownIdentifiersAreLeftToTheWindow)
 {
     for (int id : { 0, 100, 103, 105, 114, 164, 203, 299, 311, 335, 341 })
         EXPECT_FALSE(runCommand(id)) << id;
     EXPECT_FALSE(redrawAsked());
 }
 
-TEST_F(CommandsTest, FailedTextureChangesNothing)
+TEST_F(Commands, FailedTextureChangesNothing)
 {
     recorded.dialogAnswers = { writeFile("bad.jpg", "not a picture") };
-    EXPECT_TRUE(runCommand(110));
+    EXPECT_TRUE(runCommand(ID_LOAD_TEXTURE));
     EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ { "Error reading Jpeg file", "error", iconNone } }));
-    EXPECT_EQ(renderSettings.textureIndex, 0);
+    EXPECT_EQ(choices.textureIndex, 0);
     EXPECT_TRUE(recorded.menuTexts.empty());
-    EXPECT_EQ(recorded.menuEnabled.count(163), 0u);
+    EXPECT_EQ(recorded.menuEnabled.count(ID_TEXTURE_USER), 0u);
     EXPECT_FALSE(redrawAsked());
 }
 
-TEST_F(CommandsTest, AProgressivePictureKeepsTheLoadedOneAndItsName)
+TEST_F(Commands, AProgressivePictureKeepsTheLoadedOneAndItsName)
 {
     ResourceBytes wood;
     ASSERT_TRUE(findResource("wood", &wood));
     std::string picture(reinterpret_cast<const char*>(wood.bytes), wood.size), progressive = picture;
     progressive[picture.find("\xFF\xC0") + 1] = '\xC2';
     recorded.dialogAnswers = { writeFile("Oak.JPG", picture), writeFile("Elm.JPG", progressive) };
-    runCommand(110);
+    runCommand(ID_LOAD_TEXTURE);
     const uint32_t* pixels = TextureSlots[3].pixels;
-    displayState.fullRedraw = displayState.redrawPending = 0;
-    EXPECT_TRUE(runCommand(110));
+    frameState.fullRedraw = loopState.redrawPending = 0;
+    EXPECT_TRUE(runCommand(ID_LOAD_TEXTURE));
     EXPECT_EQ(recorded.boxes.size(), 1u);
-    EXPECT_EQ(recorded.menuTexts[163], "oak.jpg");
-    EXPECT_TRUE(recorded.menuEnabled[163]);
-    EXPECT_TRUE(recorded.menuChecks[163]);
+    EXPECT_EQ(recorded.menuTexts[ID_TEXTURE_USER], "oak.jpg");
+    EXPECT_TRUE(recorded.menuEnabled[ID_TEXTURE_USER]);
+    EXPECT_TRUE(recorded.menuChecks[ID_TEXTURE_USER]);
     EXPECT_EQ(TextureSlots[3].pixels, pixels);
     EXPECT_FALSE(redrawAsked());
 }
 
-TEST_F(CommandsTest, ACancelledTextureDialogLeavesItsMenuEntryDisabled)
+TEST_F(Commands, ACancelledTextureDialogLeavesItsMenuEntryDisabled)
 {
-    EXPECT_TRUE(runCommand(110));
+    EXPECT_TRUE(runCommand(ID_LOAD_TEXTURE));
     EXPECT_EQ(recorded.boxes.size(), 0u);
     EXPECT_TRUE(recorded.menuTexts.empty());
-    EXPECT_EQ(recorded.menuEnabled.count(163), 0u);
+    EXPECT_EQ(recorded.menuEnabled.count(ID_TEXTURE_USER), 0u);
     EXPECT_FALSE(redrawAsked());
 }
 
-TEST_F(CommandsTest, MinimisingStopsTheSpinAndRestoresTheTitle)
+TEST_F(Commands, MinimisingStopsTheSpinAndRestoresTheTitle)
 {
-    displayState.continuousRedraw = 1;
+    frameState.continuousRedraw = 1;
     mainWindowSized(true);
-    EXPECT_EQ(displayState.continuousRedraw, 0);
+    EXPECT_EQ(frameState.continuousRedraw, 0);
     EXPECT_EQ(recorded.titles, std::vector<std::string>{ "Kestrelbox" });
     EXPECT_FALSE(redrawAsked());
     mainWindowSized(false);
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(CommandsTest, ActivationPresentsThePictureAgain)
+TEST_F(Commands, ActivationPresentsThePictureAgain)
 {
-    displayState.continuousRedraw = 1;
+    frameState.continuousRedraw = 1;
     mainWindowActivated(true);
-    EXPECT_EQ(displayState.continuousRedraw, 1);
+    EXPECT_EQ(frameState.continuousRedraw, 1);
     EXPECT_TRUE(redrawAsked());
     EXPECT_EQ(recorded.presented, (std::vector<RecordedRect>{ { 0, 0, 619, 520 } }));
     mainWindowActivated(false);
-    EXPECT_EQ(displayState.continuousRedraw, 0);
-    displayState.appRunning = 0;
+    EXPECT_EQ(frameState.continuousRedraw, 0);
+    loopState.appRunning = 0;
     recorded.presented.clear();
     mainWindowActivated(true);
     EXPECT_TRUE(recorded.presented.empty());

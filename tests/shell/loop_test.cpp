@@ -1,7 +1,8 @@
+// tests/shell/loop_test.cpp - when frames are drawn between messages
 #include "shell/loop.h"
 #include "tests/shell/shell_fixture.h"
 
-class LoopTest : public ShellTest
+class Loop : public ShellTest
 {
 protected:
     static int messagesTaken;
@@ -13,7 +14,7 @@ protected:
     static WaitingMessage stopAtFive()
     {
         if (++messagesTaken == 5)
-            displayState.continuousRedraw = displayState.redrawPending = 0;
+            frameState.continuousRedraw = loopState.redrawPending = 0;
         return messageDispatched;
     }
     static WaitingMessage quit()
@@ -28,44 +29,70 @@ protected:
     }
 };
 
-int LoopTest::messagesTaken;
+int Loop::messagesTaken;
 
-TEST_F(LoopTest, DrawsOneFrameForOneRequest)
+TEST_F(Loop, DrawsOneFrameForOneRequest)
 {
-    displayState.redrawPending = 1;
+    loopState.redrawPending = 1;
     EXPECT_EQ(drawWhilePending(noMessage), 1);
     EXPECT_EQ(messagesTaken, 1);
     EXPECT_EQ(recorded.presented.size(), 1u);
-    EXPECT_EQ(displayState.redrawPending, 0);
+    EXPECT_EQ(loopState.redrawPending, 0);
 }
 
-TEST_F(LoopTest, DrawsNothingUnasked)
+TEST_F(Loop, DrawsNothingUnasked)
 {
     EXPECT_EQ(drawWhilePending(noMessage), 1);
     EXPECT_EQ(messagesTaken, 0);
     EXPECT_TRUE(recorded.presented.empty());
 }
 
-TEST_F(LoopTest, DrawsNothingBeforeTheProgramRuns)
+TEST_F(Loop, DrawsNothingBeforeTheProgramRuns)
 {
-    displayState.redrawPending = 1;
-    displayState.appRunning = 0;
+    loopState.redrawPending = 1;
+    loopState.appRunning = 0;
     EXPECT_EQ(drawWhilePending(noMessage), 1);
     EXPECT_TRUE(recorded.presented.empty());
-    EXPECT_EQ(displayState.redrawPending, 1);
+    EXPECT_EQ(loopState.redrawPending, 1);
 }
 
-TEST_F(LoopTest, SpinningDrawsUntilAMessageStopsIt)
+TEST_F(Loop, SpinningDrawsUntilAMessageStopsIt)
 {
-    displayState.redrawPending = displayState.continuousRedraw = 1;
+    loopState.redrawPending = frameState.continuousRedraw = 1;
     EXPECT_EQ(drawWhilePending(stopAtFive), 1);
     EXPECT_EQ(messagesTaken, 5);
     EXPECT_EQ(recorded.presented.size(), 5u);
 }
 
-TEST_F(LoopTest, QuitEndsTheLoopDuringASpin)
+TEST_F(Loop, QuitEndsTheLoopDuringASpin)
 {
-    displayState.redrawPending = displayState.continuousRedraw = 1;
+    loopState.redrawPending = frameState.continuousRedraw = 1;
     EXPECT_EQ(drawWhilePending(quit), 0);
     EXPECT_EQ(messagesTaken, 1);
+}
+
+TEST_F(Loop, TheTitleShowsTheSpeedOnceASecond)
+{
+    recorded.tick = 1000;
+    loopState.redrawPending = 1;
+    drawWhilePending(noMessage);
+    EXPECT_TRUE(recorded.titles.empty());
+    recorded.tick = 2001;
+    loopState.redrawPending = 1;
+    drawWhilePending(noMessage);
+    EXPECT_EQ(recorded.titles,
+              std::vector<std::string>{ "Kestrelbox: teapot - vert 2828  pol 4096  uv 2828   " +
+                                        std::to_string(2 * frameState.statistics.framePolygons / 1001) + " Kpol/s" });
+}
+
+TEST_F(Loop, WithoutAModelNothingIsPresentedOrRetitled)
+{
+    releaseModels();
+    loopState.redrawPending = 1;
+    drawWhilePending(noMessage);
+    recorded.tick = 5000;
+    loopState.redrawPending = 1;
+    drawWhilePending(noMessage);
+    EXPECT_TRUE(recorded.presented.empty());
+    EXPECT_TRUE(recorded.titles.empty());
 }

@@ -1,12 +1,13 @@
+// tests/shell/panel_test.cpp - the filter list, the boxes, the tools and the statistics of the tool panel
 #include "tests/shell/shell_fixture.h"
 
-class PanelTest : public ShellTest
+class Panel : public ShellTest
 {
 protected:
     void open(const char* text)
     {
         recorded.dialogAnswers = { writeFile("model.obj", text) };
-        runCommand(104);
+        runCommand(ID_OPEN_MESH);
         forget();
     }
 
@@ -28,48 +29,48 @@ protected:
 constexpr char threeGroups[] = "v 0 0 0\nv 1 0 0\nv 0 1 0\nv 1 1 0\n"
                                "g a\nusemtl red\nf 1 2 3\ng b\nusemtl blue\nf 2 3 4\ng c\nusemtl red\nf 1 2 4\n";
 
-TEST_F(PanelTest, BoxesStartAsTheSwitchesStand)
+TEST_F(Panel, BoxesStartAsTheSwitchesStand)
 {
-    EXPECT_FALSE(recorded.panelChecks[1050]);
-    EXPECT_TRUE(recorded.panelChecks[1051]);
-    EXPECT_FALSE(recorded.panelChecks[1052]);
-    EXPECT_FALSE(recorded.panelChecks[1053]);
-    EXPECT_TRUE(recorded.panelChecks[1054]);
-    for (int id = 1056; id <= 1058; ++id)
+    EXPECT_FALSE(recorded.panelChecks[ID_WIREFRAME]);
+    EXPECT_TRUE(recorded.panelChecks[ID_BACKCULLED]);
+    EXPECT_FALSE(recorded.panelChecks[ID_TEXTURED]);
+    EXPECT_FALSE(recorded.panelChecks[ID_SHADOWS]);
+    EXPECT_TRUE(recorded.panelChecks[ID_VERTEX_COLOUR]);
+    for (int id : { ID_ROUGH, ID_METALLIC, ID_MOON })
         EXPECT_EQ(recorded.panelChecks.count(id), 0u);
 }
 
-TEST_F(PanelTest, ShadowsBoxCountsTheSurfaceSwitchesToo)
+TEST_F(Panel, ShadowsBoxCountsTheSurfaceSwitchesToo)
 {
-    renderSettings.renderFlags = renderRough;
+    choices.render.renderFlags = renderRough;
     initPanel();
-    EXPECT_TRUE(recorded.panelChecks[1053]);
+    EXPECT_TRUE(recorded.panelChecks[ID_SHADOWS]);
 }
 
-TEST_F(PanelTest, StatisticsShowTheSixCounts)
+TEST_F(Panel, StatisticsShowTheSixCounts)
 {
     open(threeGroups);
-    EXPECT_EQ(recorded.panelTexts[1060], "4");
-    EXPECT_EQ(recorded.panelTexts[1062], "3");
-    EXPECT_EQ(recorded.panelTexts[1061], "1");
-    EXPECT_EQ(recorded.panelTexts[1063], "0");
-    EXPECT_EQ(recorded.panelTexts[1064], "3");
-    EXPECT_EQ(recorded.panelTexts[1065], "2");
+    EXPECT_EQ(recorded.panelTexts[ID_VERT_COUNT], "4");
+    EXPECT_EQ(recorded.panelTexts[ID_FACE_COUNT], "3");
+    EXPECT_EQ(recorded.panelTexts[ID_UV_COUNT], "1");
+    EXPECT_EQ(recorded.panelTexts[ID_LINE_COUNT], "0");
+    EXPECT_EQ(recorded.panelTexts[ID_GROUP_COUNT], "3");
+    EXPECT_EQ(recorded.panelTexts[ID_MATERIAL_COUNT], "2");
 }
 
-TEST_F(PanelTest, ListShowsGroupsThenMaterials)
+TEST_F(Panel, ListShowsGroupsThenMaterials)
 {
     open(threeGroups);
     EXPECT_EQ(recorded.filterEntries,
               (std::vector<std::string>{ "All Groups", "a", "b", "c", "All Materials", "red", "blue" }));
     EXPECT_EQ(recorded.filterSelection, 0);
-    EXPECT_FALSE(recorded.panelChecks[1067]);
+    EXPECT_FALSE(recorded.panelChecks[ID_BY_GROUP]);
 }
 
-TEST_F(PanelTest, ChoosingTheFirstMaterialShowsOnlyItsFaces)
+TEST_F(Panel, ChoosingTheFirstMaterialShowsOnlyItsFaces)
 {
     open(threeGroups);
-    click(1067, true);
+    click(ID_BY_GROUP, true);
     select(5);
     EXPECT_EQ(currentMesh()->faceAttributes[0] & faceHidden, 0u);
     EXPECT_NE(currentMesh()->faceAttributes[1] & faceHidden, 0u);
@@ -78,16 +79,16 @@ TEST_F(PanelTest, ChoosingTheFirstMaterialShowsOnlyItsFaces)
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(PanelTest, AllMaterialsShowsEverythingAndBeeps)
+TEST_F(Panel, AllMaterialsShowsEverythingAndBeeps)
 {
     open(threeGroups);
-    click(1067, true);
+    click(ID_BY_GROUP, true);
     select(4);
     EXPECT_EQ(hiddenFaces(), 0);
     EXPECT_EQ(recorded.beeps, 1);
 }
 
-TEST_F(PanelTest, ListSnapsBackWhileByGroupIsOff)
+TEST_F(Panel, ListSnapsBackWhileByGroupIsOff)
 {
     open(threeGroups);
     select(2);
@@ -97,82 +98,86 @@ TEST_F(PanelTest, ListSnapsBackWhileByGroupIsOff)
     EXPECT_EQ(recorded.focus, std::vector<std::string>{ "main" });
 }
 
-TEST_F(PanelTest, ByGroupRemembersTheLastSelection)
+TEST_F(Panel, ByGroupRemembersTheLastSelection)
 {
     open(threeGroups);
-    click(1067, true);
+    click(ID_BY_GROUP, true);
     select(1);
     EXPECT_EQ(hiddenFaces(), 2);
     float smallRadius = modelList.radius;
-    click(1067, false);
+    click(ID_BY_GROUP, false);
     EXPECT_EQ(hiddenFaces(), 0);
     EXPECT_EQ(recorded.filterSelection, 0);
     EXPECT_GE(modelList.radius, smallRadius);
-    click(1067, true);
+    click(ID_BY_GROUP, true);
     EXPECT_EQ(recorded.filterSelection, 1);
     EXPECT_EQ(hiddenFaces(), 2);
 }
 
-TEST_F(PanelTest, EachFlagBoxSetsAndClearsItsBit)
+TEST_F(Panel, EachFlagBoxSetsAndClearsItsBit)
 {
-    const std::pair<int, uint32_t> rows[] = { { 1050, 0x10 }, { 1051, 0x1 },   { 1052, 0x40 },  { 1053, 0x80 },
-                                              { 1054, 0x20 }, { 1056, 0x100 }, { 1057, 0x200 }, { 1058, 0x400 } };
+    const std::pair<int, uint32_t> rows[] = {
+        { ID_WIREFRAME, renderWireframe },        { ID_BACKCULLED, renderBackCulled },
+        { ID_TEXTURED, renderTextured },          { ID_SHADOWS, renderShadows },
+        { ID_VERTEX_COLOUR, renderVertexColour }, { ID_ROUGH, renderRough },
+        { ID_METALLIC, renderMetallic },          { ID_MOON, renderMoon }
+    };
     for (auto [id, bit] : rows)
     {
         forget();
         click(id, true);
-        EXPECT_EQ(renderSettings.renderFlags & bit, bit) << id;
+        EXPECT_EQ(choices.render.renderFlags & bit, bit) << id;
         EXPECT_TRUE(redrawAsked());
         click(id, false);
-        EXPECT_EQ(renderSettings.renderFlags & bit, 0u) << id;
+        EXPECT_EQ(choices.render.renderFlags & bit, 0u) << id;
     }
 }
 
-TEST_F(PanelTest, TexturedUnticksWireframeAndNotTheOtherWayRound)
+TEST_F(Panel, TexturedUnticksWireframeAndNotTheOtherWayRound)
 {
-    click(1050, true);
-    click(1052, true);
-    EXPECT_FALSE(recorded.panelChecks[1050]);
-    EXPECT_EQ(renderSettings.renderFlags & 0x50u, 0x40u);
-    click(1050, true);
-    EXPECT_TRUE(recorded.panelChecks[1052]);
-    EXPECT_EQ(renderSettings.renderFlags & 0x50u, 0x50u);
+    click(ID_WIREFRAME, true);
+    click(ID_TEXTURED, true);
+    EXPECT_FALSE(recorded.panelChecks[ID_WIREFRAME]);
+    EXPECT_EQ(choices.render.renderFlags & (renderTextured | renderWireframe), renderTextured);
+    click(ID_WIREFRAME, true);
+    EXPECT_TRUE(recorded.panelChecks[ID_TEXTURED]);
+    EXPECT_EQ(choices.render.renderFlags & (renderTextured | renderWireframe), renderTextured | renderWireframe);
 }
 
-TEST_F(PanelTest, MetallicBorrowsTextureAndPreset)
+TEST_F(Panel, MetallicBorrowsTextureAndPreset)
 {
-    runCommand(161);
-    runCommand(304);
-    click(1057, true);
-    EXPECT_EQ(renderSettings.currentTexture, &ReflectionImage);
-    EXPECT_TRUE(recorded.menuChecks[304]);
-    click(1057, false);
-    EXPECT_EQ(renderSettings.currentTexture, &TextureSlots[1]);
-    EXPECT_EQ(renderSettings.materialPreset, 4);
-    EXPECT_TRUE(recorded.menuChecks[304]);
+    runCommand(ID_TEXTURE_METAL);
+    runCommand(ID_PRESET_GOLD);
+    click(ID_METALLIC, true);
+    EXPECT_EQ(choices.render.currentTexture, &ReflectionImage);
+    EXPECT_TRUE(recorded.menuChecks[ID_PRESET_GOLD]);
+    click(ID_METALLIC, false);
+    EXPECT_EQ(choices.render.currentTexture, &TextureSlots[1]);
+    EXPECT_EQ(choices.materialPreset, 4);
+    EXPECT_TRUE(recorded.menuChecks[ID_PRESET_GOLD]);
 }
 
-TEST_F(PanelTest, ToolsReportAndRefreshTheStatistics)
+TEST_F(Panel, ToolsReportAndRefreshTheStatistics)
 {
     open("v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nv 0 0 0\nf 1 2 3 4\nf 4 3 2 1\n");
-    EXPECT_TRUE(runPanelCommand(1072));
+    EXPECT_TRUE(runPanelCommand(ID_DUP_FACES));
     EXPECT_EQ(recorded.notices.back(), "Removed  1 dupfaces");
-    EXPECT_EQ(recorded.panelTexts[1062], "1");
-    EXPECT_TRUE(runPanelCommand(1068));
+    EXPECT_EQ(recorded.panelTexts[ID_FACE_COUNT], "1");
+    EXPECT_TRUE(runPanelCommand(ID_WELD));
     EXPECT_EQ(recorded.notices.back(), "Removed 1 vertices");
-    EXPECT_EQ(recorded.panelTexts[1060], "4");
-    EXPECT_TRUE(runPanelCommand(1073));
+    EXPECT_EQ(recorded.panelTexts[ID_VERT_COUNT], "4");
+    EXPECT_TRUE(runPanelCommand(ID_TRI));
     EXPECT_EQ(recorded.notices.back(), "Mesh converted to triangles");
-    EXPECT_EQ(recorded.panelTexts[1062], "2");
-    EXPECT_TRUE(runPanelCommand(1074));
+    EXPECT_EQ(recorded.panelTexts[ID_FACE_COUNT], "2");
+    EXPECT_TRUE(runPanelCommand(ID_QUAD));
     EXPECT_EQ(recorded.notices.back(), "Mesh converted to quads");
-    EXPECT_EQ(recorded.panelTexts[1062], "1");
-    EXPECT_TRUE(runPanelCommand(1071));
+    EXPECT_EQ(recorded.panelTexts[ID_FACE_COUNT], "1");
+    EXPECT_TRUE(runPanelCommand(ID_FIX_NORMALS));
     EXPECT_EQ(recorded.notices.back(), "Normals ok, nothing to do");
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(PanelTest, WeldMergesNearVerticesWhileExactWeldIsOff)
+TEST_F(Panel, WeldMergesNearVerticesWhileExactWeldIsOff)
 {
     open("v 0 0 0\nv 1 0 0\nv 0 1 0\nv 1.000001 0 0\nv 9 1 0\nv 0 1 0\nf 1 2 3\nf 4 5 6\n");
     EXPECT_TRUE(runPanelCommand(ID_WELD));
@@ -183,54 +188,54 @@ TEST_F(PanelTest, WeldMergesNearVerticesWhileExactWeldIsOff)
     EXPECT_EQ(recorded.panelTexts[ID_VERT_COUNT], "4");
 }
 
-TEST_F(PanelTest, InvertFlipsTheShownFaces)
+TEST_F(Panel, InvertFlipsTheShownFaces)
 {
     open(threeGroups);
-    click(1067, true);
+    click(ID_BY_GROUP, true);
     select(1);
     Corners shown = currentMesh()->faces[0], hidden = currentMesh()->faces[1];
-    EXPECT_TRUE(runPanelCommand(1055));
+    EXPECT_TRUE(runPanelCommand(ID_INVERT));
     EXPECT_EQ(currentMesh()->faces[0][0], shown[1]);
     EXPECT_EQ(currentMesh()->faces[1], hidden);
 }
 
-TEST_F(PanelTest, SplitRebuildsTheListAndUnticksByGroup)
+TEST_F(Panel, SplitRebuildsTheListAndUnticksByGroup)
 {
     open("v 0 0 0\nv 1 0 0\nv 0 1 0\nv 5 0 0\nv 6 0 0\nv 5 1 0\nf 1 2 3\nf 4 5 6\n");
-    click(1067, true);
-    EXPECT_TRUE(runPanelCommand(1070));
+    click(ID_BY_GROUP, true);
+    EXPECT_TRUE(runPanelCommand(ID_SPLIT));
     EXPECT_EQ(recorded.notices.back(), "    Mesh spitted");
     EXPECT_EQ(recorded.filterEntries, (std::vector<std::string>{ "All Groups", "1", "2", "All Materials" }));
-    EXPECT_FALSE(recorded.panelChecks[1067]);
-    EXPECT_EQ(recorded.panelTexts[1064], "2");
+    EXPECT_FALSE(recorded.panelChecks[ID_BY_GROUP]);
+    EXPECT_EQ(recorded.panelTexts[ID_GROUP_COUNT], "2");
 }
 
-TEST_F(PanelTest, LuxExportThatFailsSaysSo)
+TEST_F(Panel, LuxExportThatFailsSaysSo)
 {
     snprintf(currentFileName, sizeof currentFileName, "no-such-folder/x.obj");
-    EXPECT_TRUE(runPanelCommand(1069));
+    EXPECT_TRUE(runPanelCommand(ID_LUX_EXPORT));
     EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ { "Failed to export", "LuxRender Export", iconNone } }));
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(PanelTest, EnterOnlyTakesTheFocus)
+TEST_F(Panel, EnterOnlyTakesTheFocus)
 {
     EXPECT_TRUE(runPanelCommand(1));
     EXPECT_EQ(recorded.focus, std::vector<std::string>{ "panel" });
     EXPECT_FALSE(redrawAsked());
 }
 
-TEST_F(PanelTest, OtherIdentifiersAreNotHandled)
+TEST_F(Panel, OtherIdentifiersAreNotHandled)
 {
-    for (int id : { 0, 2, 1049, 1059, 1060, 1065, 1075 })
+    for (int id : { 0, 2, ID_WIREFRAME - 1, ID_MOON + 1, int{ ID_VERT_COUNT }, int{ ID_MATERIAL_COUNT }, ID_QUAD + 1 })
         EXPECT_FALSE(runPanelCommand(id)) << id;
 }
 
-TEST_F(PanelTest, NoMeshIsNoHarm)
+TEST_F(Panel, NoMeshIsNoHarm)
 {
     releaseModels();
     fillFilterList(nullptr);
-    for (int id = 1050; id <= 1074; ++id)
+    for (int id = ID_WIREFRAME; id <= ID_QUAD; ++id)
         runPanelCommand(id);
     EXPECT_TRUE(recorded.notices.empty());
 }

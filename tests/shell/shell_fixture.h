@@ -3,10 +3,10 @@
 #include "image/textures.h"
 #include "model/memory.h"
 #include "model/settings.h"
-#include "render/frame.h"
-#include "render/view.h"
 #include "resources/ids.h"
+#include "shell/choices.h"
 #include "shell/commands.h"
+#include "shell/loop.h"
 #include "shell/panel.h"
 #include "shell/scene.h"
 #include "tests/recording/recording.h"
@@ -24,11 +24,12 @@ protected:
     {
         memoryTable = {};
         resetRecording();
-        displayState = startDisplay;
+        frameState = startFrameState;
+        loopState = {};
         ASSERT_TRUE(buildScene(""));
         initPanel();
-        ASSERT_TRUE(createFrameBuffer(&frameBuffer));
-        displayState.appRunning = 1;
+        ASSERT_TRUE(createFrameBuffer(&frameBuffer, 620, 520));
+        loopState.appRunning = 1;
         folder = std::filesystem::temp_directory_path() /
                  ("kestrelbox-shell-" + std::to_string(testing::UnitTest::GetInstance()->random_seed()) + "-" +
                   testing::UnitTest::GetInstance()->current_test_info()->name());
@@ -38,7 +39,7 @@ protected:
 
     void TearDown() override
     {
-        displayState.appRunning = 0;
+        loopState.appRunning = 0;
         destroyFrameBuffer(&frameBuffer);
         releaseModels();
         releasePictures();
@@ -56,12 +57,17 @@ protected:
         recorded.dialogs.clear();
         recorded.presented.clear();
         recorded.focus.clear();
-        displayState.fullRedraw = displayState.redrawPending = 0;
+        frameState.fullRedraw = loopState.redrawPending = 0;
+    }
+
+    static void drawFrame()
+    {
+        RenderFrame(&frameBuffer, &modelList, &choices.render, &frameState);
     }
 
     bool redrawAsked() const
     {
-        return displayState.fullRedraw && displayState.redrawPending;
+        return frameState.fullRedraw && loopState.redrawPending;
     }
 
     std::string writeFile(const std::string& name, const std::string& text)

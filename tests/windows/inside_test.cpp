@@ -2,11 +2,11 @@
 #include "tests/windows/dialogs.h"
 #include "tests/windows/inside.h"
 
-#include "model/settings.h"
 #include "platform/boxes.h"
 #include "platform/resources.h"
 #include "platform/win32/handles.h"
 #include "resources/ids.h"
+#include "shell/choices.h"
 #include "shell/scene.h"
 
 #include <gtest/gtest.h>
@@ -244,12 +244,12 @@ TEST_F(InsideTest, MinimisingPutsTheTitleBackAndStopsTheSpin)
     onProgramThread(
         [&]
         {
-            displayState.continuousRedraw = 1;
+            frameState.continuousRedraw = 1;
             ShowWindow(mainWindow, SW_MINIMIZE);
             title = windowText(mainWindow);
         });
     EXPECT_EQ(title, L"Kestrelbox");
-    EXPECT_FALSE(displayState.continuousRedraw);
+    EXPECT_FALSE(frameState.continuousRedraw);
     onProgramThread([] { ShowWindow(mainWindow, SW_RESTORE); });
     workOff(toolPanel);
     EXPECT_FALSE(IsIconic(mainWindow));
@@ -388,15 +388,15 @@ TEST_F(InsideTest, KeysWalkAndPressInThePanel)
     press(VK_TAB);
     EXPECT_TRUE(eventually([] { return focusOfProgram() == GetDlgItem(toolPanel, ID_BACKCULLED); }));
     press(VK_SPACE);
-    EXPECT_TRUE(eventually([] { return (renderSettings.renderFlags & renderBackCulled) == 0; }));
+    EXPECT_TRUE(eventually([] { return (choices.render.renderFlags & renderBackCulled) == 0; }));
     press(VK_SPACE);
-    EXPECT_TRUE(eventually([] { return (renderSettings.renderFlags & renderBackCulled) != 0; }));
-    uint32_t flags = renderSettings.renderFlags;
+    EXPECT_TRUE(eventually([] { return (choices.render.renderFlags & renderBackCulled) != 0; }));
+    uint32_t flags = choices.render.renderFlags;
     press(VK_RETURN);
     workOff(toolPanel);
     HWND focus = focusOfProgram();
     EXPECT_TRUE(focus == toolPanel || IsChild(toolPanel, focus));
-    EXPECT_EQ(renderSettings.renderFlags, flags);
+    EXPECT_EQ(choices.render.renderFlags, flags);
     onProgramThread([] { SetFocus(displayWindow); });
 }
 
@@ -405,16 +405,16 @@ TEST_F(InsideTest, MessagesAreTakenWhileTheModelSpins)
     PostMessageW(displayWindow, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(300, 260));
     PostMessageW(displayWindow, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(340, 260));
     PostMessageW(displayWindow, WM_LBUTTONUP, 0, MAKELPARAM(420, 260));
-    ASSERT_TRUE(eventually([] { return displayState.continuousRedraw; }));
+    ASSERT_TRUE(eventually([] { return frameState.continuousRedraw; }));
     for (int i = 0; i < 50; ++i)
         PostMessageW(mainWindow, WM_COMMAND, ID_KEYFRAMES_3DS, 0);
     PostMessageW(mainWindow, WM_COMMAND, ID_LIGHT_2, 0);
-    EXPECT_TRUE(eventually([] { return renderSettings.lightMask == 3; }));
-    EXPECT_EQ(renderSettings.keyframes3ds, 1);
-    EXPECT_TRUE(displayState.continuousRedraw);
+    EXPECT_TRUE(eventually([] { return choices.lightMask == 3; }));
+    EXPECT_EQ(choices.keyframes3ds, 1);
+    EXPECT_TRUE(frameState.continuousRedraw);
     command(ID_LIGHT_2);
     command(ID_RESET_VIEW);
-    EXPECT_FALSE(displayState.continuousRedraw);
+    EXPECT_FALSE(frameState.continuousRedraw);
 }
 
 struct Holdings

@@ -1,5 +1,4 @@
-// tests/render/framebuffer_test.cpp - the buffers that frames are drawn into: sizes, clearing, expanding, presenting
-#include "model/settings.h"
+// tests/render/frame_buffer_test.cpp - the buffers that frames are drawn into: sizes, clearing, expanding, presenting
 #include "platform/processor.h"
 #include "render/expand.h"
 #include "render/frame.h"
@@ -10,9 +9,12 @@
 
 #include <algorithm>
 
-TEST(FrameBuffer, A620By520DisplayHas688By584Cells)
+class FrameBuffers : public RenderTest
 {
-    resetRenderer();
+};
+
+TEST_F(FrameBuffers, A620By520DisplayHas688By584Cells)
+{
     {
         Display display(620, 520);
         EXPECT_EQ(display.target.pitch, 688);
@@ -27,7 +29,7 @@ TEST(FrameBuffer, A620By520DisplayHas688By584Cells)
     EXPECT_EQ(recorded.liveBlocks, 0);
 }
 
-TEST(FrameBuffer, EveryRefusalLeavesNothingBehind)
+TEST_F(FrameBuffers, EveryRefusalLeavesNothingBehind)
 {
     for (int refusal = 0; refusal < 3; ++refusal)
     {
@@ -37,7 +39,7 @@ TEST(FrameBuffer, EveryRefusalLeavesNothingBehind)
         else
             recorded.refusePictures = true;
         FrameBuffer target;
-        EXPECT_EQ(createFrameBuffer(&target), 0);
+        EXPECT_EQ(createFrameBuffer(&target, 620, 520), 0);
         EXPECT_EQ(target.cells, nullptr);
         EXPECT_EQ(recorded.liveBlocks, 0);
         EXPECT_EQ(recorded.livePictures, 0);
@@ -45,18 +47,17 @@ TEST(FrameBuffer, EveryRefusalLeavesNothingBehind)
     }
 }
 
-TEST(FrameBuffer, SidesOutOfRangeAreRefused)
+TEST_F(FrameBuffers, SidesOutOfRangeAreRefused)
 {
     for (int32_t width : { 0, -5, displaySideLimit + 1, INT32_MAX })
     {
-        resetRenderer();
-        displayState.displayWidth = width;
         FrameBuffer target;
-        EXPECT_EQ(createFrameBuffer(&target), 0);
+        EXPECT_EQ(createFrameBuffer(&target, width, 520), 0);
+        EXPECT_EQ(createFrameBuffer(&target, 620, width), 0);
     }
 }
 
-TEST(FrameBuffer, ClearingTakesWholePairsOfCells)
+TEST_F(FrameBuffers, ClearingTakesWholePairsOfCells)
 {
     std::vector<uint32_t> cells(16 * 4, 7);
     ClearRect(cells.data(), 3, 1, 6, 2, 16 * 4, 9);
@@ -72,7 +73,7 @@ TEST(FrameBuffer, ClearingTakesWholePairsOfCells)
     EXPECT_EQ(std::count(map.begin(), map.end(), 0), 64);
 }
 
-TEST(FrameBuffer, AllColoursExpandWithZerosBelow)
+TEST_F(FrameBuffers, AllColoursExpandWithZerosBelow)
 {
     std::vector<uint32_t> cells(65536);
     for (uint32_t i = 0; i < 65536; ++i)
@@ -87,9 +88,8 @@ TEST(FrameBuffer, AllColoursExpandWithZerosBelow)
     }
 }
 
-TEST(FrameBuffer, PresentingConvertsOnlyWhenAskedAndStaysInside)
+TEST_F(FrameBuffers, PresentingConvertsOnlyWhenAskedAndStaysInside)
 {
-    resetRenderer();
     Display display(64, 48);
     std::fill_n(display.target.cells, display.target.pitch * display.target.rows, 0xFFFFu);
     PresentRect(&display.target, 0, 0, 63, 47, 0);
@@ -110,14 +110,14 @@ TEST(FrameBuffer, PresentingConvertsOnlyWhenAskedAndStaysInside)
     EXPECT_EQ(recorded.presented.back(), (RecordedRect{ 0, 0, display.target.pitch, display.target.rows }));
 }
 
-TEST(FrameBuffer, ProcessorFeaturesAreMmxSseAndSse2)
+TEST_F(FrameBuffers, ProcessorFeaturesAreMmxSseAndSse2)
 {
     EXPECT_EQ(CpuFeatures() & ~0x6800000u, 0u);
     EXPECT_EQ(CpuFeatures(), processorFeatures() & 0x6800000u);
     EXPECT_EQ(CpuFeatures() & 0x2800000u, 0x2800000u);
 }
 
-TEST(FrameBuffer, RoundingIsSetAndPutBack)
+TEST_F(FrameBuffers, RoundingIsSetAndPutBack)
 {
     SetRendererRounding();
     uint16_t down, after;

@@ -1,18 +1,16 @@
-// render/framebuffer.cpp - the buffers of a display, and clearing and presenting them
-#include "render/frame.h"
+// render/frame_buffer.cpp - the buffers of a display, and clearing and presenting them
+#include "render/frame_buffer.h"
 
 #include "model/memory.h"
-#include "model/settings.h"
 #include "platform/processor.h"
 #include "render/kernels.h"
 
 #include <string.h>
 #include <algorithm>
 
-int createFrameBuffer(FrameBuffer* target)
+int createFrameBuffer(FrameBuffer* target, int32_t width, int32_t height)
 {
     *target = {};
-    int32_t width = displayState.displayWidth, height = displayState.displayHeight;
     if (width < 1 || height < 1 || width > displaySideLimit || height > displaySideLimit)
         return 0;
     target->rows = height + displayMargin;

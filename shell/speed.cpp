@@ -1,0 +1,42 @@
+// shell/speed.cpp - polygons per millisecond, once a second
+#include "shell/speed.h"
+
+#include "model/settings.h"
+#include "platform/clock.h"
+#include "platform/controls.h"
+#include "shell/scene.h"
+
+#include <stdio.h>
+
+constexpr int32_t titleIntervalMs = 1000;
+
+void startSpeedMeter(SpeedMeter* meter)
+{
+    if (meter->timerStart == 0)
+        meter->timerStart = tickCount();
+}
+
+static void showSpeed(const Mesh* mesh, const char* modelName, int32_t polygonsPerMs)
+{
+    char title[sizeof programName + fileNameRoom + 128];
+    snprintf(title, sizeof title, "%s: %s - vert %ld  pol %ld  uv %ld   %ld Kpol/s", programName, modelName,
+             static_cast<long>(mesh->vertexCount), static_cast<long>(mesh->faceCount), static_cast<long>(mesh->uvCount),
+             static_cast<long>(polygonsPerMs));
+    setWindowTitle(title);
+}
+
+void measureFrame(SpeedMeter* meter, const Mesh* mesh, const char* modelName, uint32_t polygons)
+{
+    meter->accumulatedPolygons += polygons;
+    uint32_t now = tickCount();
+    int32_t elapsed = static_cast<int32_t>(now - meter->timerStart);
+    if (elapsed < 0) // the clock has wrapped
+    {
+        *meter = { now, 0 };
+        return;
+    }
+    if (elapsed <= titleIntervalMs)
+        return;
+    showSpeed(mesh, modelName, static_cast<int32_t>(meter->accumulatedPolygons) / elapsed);
+    *meter = { now, 0 };
+}

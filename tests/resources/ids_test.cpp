@@ -1,0 +1,76 @@
+// tests/resources/ids_test.cpp - the numbers of the menu entries and controls, which programs outside this one rely on
+#include "resources/ids.h"
+
+#include <gtest/gtest.h>
+
+#include <utility>
+
+TEST(Identifiers, KeepTheirNumbers)
+{
+    const std::pair<int, int> numbers[] = {
+        { ID_EXIT, 101 },
+        { ID_ABOUT, 102 },
+        { ID_OPEN_MESH, 104 },
+        { ID_EXPORT_OBJ, 108 },
+        { ID_EXPORT_PP2, 109 },
+        { ID_LOAD_TEXTURE, 110 },
+        { ID_SAVE_IMAGE, 111 },
+        { ID_READ_RKF, 112 },
+        { ID_SAVE_RKF, 113 },
+        { ID_RESET_VIEW, 140 },
+        { ID_TEXTURE_WOOD, 160 },
+        { ID_TEXTURE_METAL, 161 },
+        { ID_TEXTURE_PATTERN, 162 },
+        { ID_TEXTURE_USER, 163 },
+        { ID_LIGHT_1, 200 },
+        { ID_LIGHT_2, 201 },
+        { ID_LIGHT_3, 202 },
+        { ID_PRESET_BRASS, 300 },
+        { ID_PRESET_WOOD, 301 },
+        { ID_PRESET_PEWTER, 302 },
+        { ID_PRESET_SILVER, 303 },
+        { ID_PRESET_GOLD, 304 },
+        { ID_PRESET_GREEN, 305 },
+        { ID_PRESET_CHALK, 306 },
+        { ID_PRESET_BRICK, 307 },
+        { ID_PRESET_CRYSTAL, 308 },
+        { ID_PRESET_WHITE, 309 },
+        { ID_PRESET_PROP, 310 },
+        { ID_BACKGROUND_GREY1, 336 },
+        { ID_BACKGROUND_GREY2, 337 },
+        { ID_BACKGROUND_BLACK, 338 },
+        { ID_KEYFRAMES_3DS, 339 },
+        { ID_EXACT_WELD, 340 },
+        { ID_PROGRESS_CAPTION, 114 },
+        { ID_PROGRESS_BAR, 115 },
+        { ID_NOTICE_TEXT, 116 },
+        { ID_ABOUT_OK, 200 },
+        { ID_ABOUT_PICTURE, 201 },
+        { ID_WIREFRAME, 1050 },
+        { ID_BACKCULLED, 1051 },
+        { ID_TEXTURED, 1052 },
+        { ID_SHADOWS, 1053 },
+        { ID_VERTEX_COLOUR, 1054 },
+        { ID_INVERT, 1055 },
+        { ID_ROUGH, 1056 },
+        { ID_METALLIC, 1057 },
+        { ID_MOON, 1058 },
+        { ID_VERT_COUNT, 1060 },
+        { ID_UV_COUNT, 1061 },
+        { ID_FACE_COUNT, 1062 },
+        { ID_LINE_COUNT, 1063 },
+        { ID_GROUP_COUNT, 1064 },
+        { ID_MATERIAL_COUNT, 1065 },
+        { ID_FILTER_LIST, 1066 },
+        { ID_BY_GROUP, 1067 },
+        { ID_WELD, 1068 },
+        { ID_LUX_EXPORT, 1069 },
+        { ID_SPLIT, 1070 },
+        { ID_FIX_NORMALS, 1071 },
+        { ID_DUP_FACES, 1072 },
+        { ID_TRI, 1073 },
+        { ID_QUAD, 1074 },
+    };
+    for (const auto& [identifier, number] : numbers)
+        EXPECT_EQ(identifier, number);
+}
