@@ -1,4 +1,4 @@
-// image/colour.cpp - component rows to words 0x00RRGGBB
+// image/colour.cpp - component rows to words 0x00RRGGBB, plain and for SSE2 and AVX2
 //
 // red = Y + 1.402 Cr, green = Y - 0.71414 Cr - 0.34414 Cb, blue = Y + 1.772 Cb, where Cr and Cb are samples - 128.
 #include "image/colour.h"
@@ -18,7 +18,7 @@ constexpr int32_t half = 32768;
 struct ColourTables
 {
     int32_t crRed[256], cbBlue[256];
-    int32_t crGreen[256], cbGreen[256]; // with their 16 fractional bits, the rounding in the second
+    int32_t crGreen[256], cbGreen[256]; // with 16 fractional bits; the second one includes the rounding
 };
 
 static constexpr ColourTables makeTables()
@@ -129,7 +129,7 @@ void convertRow(const JpegState& state, uint32_t* words, const uint8_t* const* r
 
 #ifdef JPEG_SSE2
 
-// (a x + b y + half) >> 16 for eight lanes of interleaved pairs x y.
+// (a x + b y + half) >> 16 in eight lanes, for interleaved pairs x y and the factors a b of weights.
 inlineSse2 __m128i weighSse2(__m128i low, __m128i high, __m128i weights)
 {
     const __m128i round = _mm_set1_epi32(half);
@@ -187,7 +187,7 @@ inlineAvx2 __m256i weighAvx2(__m256i low, __m256i high, int32_t cbWeight, int32_
                               _mm256_srai_epi32(_mm256_add_epi32(_mm256_madd_epi16(high, weights), round), 16));
 }
 
-// As convertYccSse2, eight pixels in each half of a register.
+// Like convertYccSse2, with eight pixels in each half of a register.
 withAvx2 void convertYccAvx2(uint32_t* words, const uint8_t* y, const uint8_t* cb, const uint8_t* cr, int32_t n)
 {
     const __m256i middle = _mm256_set1_epi16(128), zero = _mm256_setzero_si256();

@@ -20,7 +20,7 @@ constexpr size_t segmentPadding = 4096;
 constexpr int32_t exactBits = 25; // what a refill aims at
 constexpr uint32_t dcMask = 0xFFFF;
 
-// Room for n more bytes and the padding. The pool does not take blocks back, so the room doubles.
+// Makes room for n more bytes and the padding. The pool cannot reuse a block, so the room doubles.
 static bool growSegment(JpegState* state, size_t n)
 {
     Segment* segment = &state->segment;
@@ -38,7 +38,7 @@ static bool growSegment(JpegState* state, size_t n)
     return true;
 }
 
-// Bytes left in the source, after a refill where there are none. 0: it has ended.
+// The bytes left in the source, after a refill when there were none; 0 when it has ended.
 static size_t sourceBytes(JpegState* state)
 {
     if (state->source.bytesLeft == 0 && !refillSource(&state->source))
@@ -49,7 +49,8 @@ static size_t sourceBytes(JpegState* state)
     return state->source.bytesLeft;
 }
 
-// Reads on after an FF: a zero makes it a data byte, any other code a pending marker. Returns true for a data byte.
+// Reads what follows an FF: a zero makes the FF a data byte, any other code is a pending marker. Returns true for a
+// data byte.
 static bool stuffedByte(JpegState* state)
 {
     int32_t code = 0xFF;
@@ -100,7 +101,7 @@ static bool collectSegment(JpegState* state)
 
 // ---- the exact reader ----
 
-// Returns false when the source has ended. Otherwise at least n bits are held, zeros for what is missing.
+// Returns false when the source has ended. Otherwise the reader holds at least n bits, zeros in place of missing ones.
 static bool refillExact(JpegState* state, int32_t n)
 {
     BitReader* reader = &state->reader;
@@ -123,14 +124,15 @@ static bool refillExact(JpegState* state, int32_t n)
     return true;
 }
 
-// Takes n bits, at most 16; the caller has seen to it that they are held.
+// Takes n bits, at most 16, which the reader holds.
 static int32_t takeExact(BitReader* reader, int32_t n)
 {
     reader->held -= n;
     return static_cast<int32_t>(reader->bits >> reader->held) & ((1 << n) - 1);
 }
 
-// Finds the code of the next symbol, bit by bit from a length on. Returns the symbol, -1 when the source has ended.
+// Finds the code of the next symbol, bit by bit from a given length. Returns the symbol, or -1 when the source has
+// ended.
 static int32_t searchExact(JpegState* state, const HuffmanTable& table, int32_t length)
 {
     if (state->reader.held < length && !refillExact(state, length))
@@ -218,7 +220,7 @@ static uint64_t loadBigEndian(const uint8_t* bytes)
     return word;
 }
 
-// At least 56 bits are held afterwards; of the byte that fits in part only, the bits are there but do not count.
+// The reader then holds at least 56 bits. The bits of a byte that fits only in part are there but do not count.
 static inline void refillWide(BitReader* reader)
 {
     reader->bits |= loadBigEndian(reader->next) >> reader->held;
@@ -239,7 +241,7 @@ static inline int32_t receiveWide(BitReader* reader, int32_t s)
     return r < 1 << (s - 1) ? r + 1 - (1 << s) : r;
 }
 
-// A code longer than the look-ahead. 17 bits without a code are symbol 0.
+// Finds a code that is longer than the look-ahead. 17 bits that are no code give symbol 0.
 static int32_t searchWide(const HuffmanTable& table, BitReader* reader)
 {
     int32_t length = wideBits + 1;
@@ -325,8 +327,9 @@ static void decodeBlocksWide(JpegState* state)
 
 // ---- restarts and MCUs ----
 
-// Takes the restart marker that is due, or finds the way back into step: the next two of the cycle of eight are left
-// for when they are due, the last two are passed over, and a picture's other markers end the data.
+// Takes the restart marker that is due, or resynchronises: of the cycle of eight, the next two stay pending until they
+// are due, the last two are skipped, and the others count as the one that is due. Any other marker from C0 on ends the
+// data.
 static void readRestartMarker(JpegState* state)
 {
     if (state->pendingMarker == 0)
@@ -365,7 +368,7 @@ bool startEntropy(JpegState* state)
     state->insufficientData = false;
     state->pendingMarker = 0;
     state->segment = {};
-    // In memory no segment is longer than what is left; of a file that much is expected.
+    // A segment in memory cannot be longer than what is left; one in a file is expected to be as long as the file.
     uint64_t expected = state->source.bytesLeft;
     if (state->source.file && state->source.totalBytes > 0)
         expected = static_cast<uint64_t>(state->source.totalBytes);

@@ -5,8 +5,8 @@
 
 constexpr int32_t symbolLimit = 256;
 
-// The canonical codes in symbol order, with their lengths. Returns how many, or -1 when they do not fit: no code may be
-// all ones, so after each length the next code must still have that length.
+// The canonical codes in symbol order, with their lengths. Returns their number, or -1 when they do not fit: no code
+// may be all ones, so the code after the last one of a length must still have that length.
 static int32_t canonicalCodes(const StoredHuffman& stored, uint8_t* lengths, uint32_t* codes)
 {
     int32_t count = 0;
@@ -60,7 +60,7 @@ static void fillLookAhead(HuffmanTable* table, int32_t count, const uint8_t* len
     }
 }
 
-// One entry of the wide look-ahead: the code at the top of wideBits bits, then rest, `free` bits long.
+// An entry of the wide look-ahead: the code at the top of wideBits bits, and below it rest, which has `free` bits.
 static int32_t wideEntry(bool isDc, int32_t symbol, int32_t length, uint32_t rest, int32_t free)
 {
     int32_t size = symbol & 15;

@@ -1,4 +1,4 @@
-// image/idct.cpp - the inverse DCT
+// image/idct.cpp - the inverse DCT, plain and for SSE2
 #include "image/idct.h"
 #include "image/vectors.h"
 
@@ -28,7 +28,7 @@ static int32_t sub(int32_t a, int32_t b)
     return static_cast<int32_t>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b));
 }
 
-// Eight values of a column or row, 16 bits each, to eight sums with 13 more fractional bits.
+// Eight 16-bit values of a column or row to eight sums with 13 more fractional bits.
 static void butterfly(const int16_t* in, int32_t* out)
 {
     int32_t t0 = add(in[0] * one, in[4] * one);
@@ -50,7 +50,7 @@ static void butterfly(const int16_t* in, int32_t* out)
     }
 }
 
-// Product of a coefficient and its table entry in 32 bits, times 4.
+// The product of a coefficient and its table entry in 32 bits, times 4.
 static int32_t flatColumn(int16_t coefficient, int32_t entry)
 {
     uint32_t product = static_cast<uint32_t>(int32_t{ coefficient }) * static_cast<uint32_t>(entry);
@@ -79,7 +79,7 @@ void inverseDct(const int16_t* block, const QuantTable& quant, uint8_t* out, ptr
     }
     for (int32_t row = 0; row < 8; ++row)
     {
-        // A row of nothing but its first value needs no other way: (x 2^13 + 2^17) >> 18 = (x + 16) >> 5.
+        // A row with no more than its first value needs no path of its own: (x 2^13 + 2^17) >> 18 = (x + 16) >> 5.
         butterfly(rows[row], sums);
         for (int32_t i = 0; i < 8; ++i)
             out[row * strideBytes + i] = sample(add(sums[i], rowRound) >> rowShift);
@@ -103,7 +103,7 @@ void inverseDctFlat(int16_t first, const QuantTable& quant, uint8_t* out, ptrdif
 
 #ifdef JPEG_SSE2
 
-// One half, four of the eight lanes: interleaved pairs of inputs (0 4, 2 6, 7 3 and 5 1 summed, 1 7, 3 5) to the eight
+// Four of the eight columns: interleaved pairs of inputs (0 4, 2 6, the sums 7 + 3 and 5 + 1, 1 7, 3 5) to the eight
 // sums, rounded and shifted.
 template <int32_t shift>
 inlineSse2 void butterflyHalfSse2(__m128i p04, __m128i p26, __m128i pSum, __m128i p17, __m128i p35, __m128i* out)
@@ -127,7 +127,7 @@ inlineSse2 void butterflyHalfSse2(__m128i p04, __m128i p26, __m128i pSum, __m128
     }
 }
 
-// butterfly on eight columns at once; results saturated to 16 bits.
+// The butterfly on eight columns at once. The results are saturated to 16 bits.
 template <int32_t shift>
 inlineSse2 void butterflyColumnsSse2(__m128i* r)
 {
@@ -171,7 +171,8 @@ withSse2 void inverseDctSse2(const int16_t* block, const QuantTable& quant, uint
     const auto* entries = reinterpret_cast<const __m128i*>(quant.low);
     __m128i first = _mm_loadu_si128(coefficients);
     r[0] = _mm_mullo_epi16(first, _mm_loadu_si128(entries));
-    // A product in the first row that needs more than 16 bits may stand in a column of its own: the plain way.
+    // A product of the first row that needs more than 16 bits may be the only one of its column, which keeps 32 bits:
+    // then the plain version does the block.
     __m128i high = _mm_mulhi_epi16(first, _mm_loadu_si128(entries));
     __m128i fits = _mm_cmpeq_epi16(high, _mm_srai_epi16(r[0], 15));
     if (_mm_movemask_epi8(fits) != 0xFFFF || quant.beyond16)

@@ -1,11 +1,11 @@
-// image/idct_avx2.cpp - the inverse DCT of idct.cpp on two blocks at once, same bits: one in each half of a register
+// image/idct_avx2.cpp - the inverse DCT of idct.cpp on two blocks at once, one in each half of a register
 #include "image/idct.h"
 #include "image/vectors.h"
 
 #ifdef JPEG_SSE2
 
-// Four of the eight columns of each block: interleaved pairs of inputs (0 4, 2 6, 7 3 and 5 1 summed, 1 7, 3 5) to the
-// eight sums, rounded and shifted.
+// Four of the eight columns of each block: interleaved pairs of inputs (0 4, 2 6, the sums 7 + 3 and 5 + 1, 1 7, 3 5)
+// to the eight sums, rounded and shifted.
 template <int32_t shift>
 inlineAvx2 void butterflyHalfAvx2(__m256i p04, __m256i p26, __m256i pSum, __m256i p17, __m256i p35, __m256i* out)
 {
@@ -84,7 +84,7 @@ withAvx2 void inverseDctPairAvx2(const IdctTask* tasks)
     __m256i r[8];
     __m256i first = loadRows(a.block, b.block, 0), entries = loadRows(a.quant->low, b.quant->low, 0);
     r[0] = _mm256_mullo_epi16(first, entries);
-    // A product in the first row that needs more than 16 bits may stand in a column of its own: the plain way.
+    // As in inverseDctSse2: products beyond 16 bits go to the plain version.
     __m256i fits = _mm256_cmpeq_epi16(_mm256_mulhi_epi16(first, entries), _mm256_srai_epi16(r[0], 15));
     if (_mm256_movemask_epi8(fits) != -1 || a.quant->beyond16 || b.quant->beyond16)
     {

@@ -83,7 +83,7 @@ static bool readScan(JpegState* state)
     return true;
 }
 
-// The slot that the class and index byte names, or null.
+// The table slot that the class and index byte names, or null.
 static StoredHuffman** huffmanSlot(JpegState* state, int32_t index)
 {
     if (index & 0x10)
@@ -211,7 +211,7 @@ static MarkerResult actOnMarker(JpegState* state, int32_t code)
     return ok ? markerDone : markerFailed;
 }
 
-// Judges the frame now that a scan has begun, and computes the sizes that follow from it.
+// Checks the frame when its first scan begins, and computes the sizes that follow from it.
 static bool setUpFrame(JpegState* state)
 {
     if (state->height > sideLimit || state->width > sideLimit || state->precision != 8 ||
@@ -237,7 +237,8 @@ static bool setUpFrame(JpegState* state)
         component->downHeight = ceilDivide(samplesDown, state->maxV);
     }
     state->imcuRows = ceilDivide(state->height, 8 * state->maxV);
-    // A sequential file must have everything in its one scan. A progressive one is refused later, with a flag of its own.
+    // A sequential file must have everything in its one scan. A progressive one is refused later, with a flag of its
+    // own.
     return state->scanCount >= state->componentCount || state->progressive;
 }
 

@@ -1,4 +1,4 @@
-// image/textures.cpp - the built-in pictures and the user's
+// image/textures.cpp - loading the built-in textures and the user's
 #include "image/textures.h"
 
 #include "image/jpeg.h"

@@ -1,4 +1,4 @@
-// image/textures.h - the pictures that models are covered with
+// image/textures.h - the images that the renderer puts on models: textures and the reflection image
 #pragma once
 #include "image/jpeg.h"
 #include "platform/dialogs.h"
@@ -14,14 +14,14 @@ inline constexpr const char* builtInTextures[textureUser] = { "wood", "metal", "
 constexpr size_t textureTitleCharacters = 32;
 constexpr size_t textureTitleRoom = dialogBytes(textureTitleCharacters);
 
-extern Image TextureSlots[textureCount]; // the user's is empty, 1 x 1, until one is loaded
+extern Image TextureSlots[textureCount]; // the user's is empty, 1 x 1, until a file is loaded
 extern Image ReflectionImage;
 
-// Decodes an embedded JPEG picture. Returns 1; or 0 without a message and the image cleared. What the image held is
-// freed.
+// Decodes an embedded JPEG file and frees what the image held before. Returns 1; or 0 without a message and with the
+// image cleared. An unknown name leaves the image as it was.
 int loadTextureResource(Image* image, const char* name);
 
-// Loads the four embedded pictures into their slots. A picture that fails leaves its slot empty.
+// Loads the three embedded textures and the reflection image. A file that fails leaves its slot empty.
 void loadBuiltInTextures();
 
 // Asks for a JPEG file and decodes it into the image, whose old pixels are freed then. Title, of textureTitleRoom
@@ -33,5 +33,5 @@ int loadUserTexture(Image* image, char* title);
 // the file says beside its pixels.
 int loadTextureFile(const char* path, Image* image, int* opened = nullptr, JpegOutput* output = nullptr);
 
-// Frees the pixels of all slots and of the reflection picture.
+// Frees the pixels of all slots and of the reflection image.
 void freeTextures();

@@ -1,4 +1,4 @@
-// image/triangle.cpp - the triangle filters
+// image/triangle.cpp - the triangle filters, plain and for SSE2
 #include "image/vectors.h"
 
 constexpr int32_t sumsLead = 8; // entries before the first column sum

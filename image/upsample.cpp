@@ -1,6 +1,7 @@
 // image/upsample.cpp - subsampled components to full size, one output row at a time
 //
-// Output rows come in groups of maxV; a group is made from the v rows of the component's row group of the same number.
+// Output rows come in groups of maxV. The v sample rows of a component's row group make the output rows of the group
+// with the same number.
 #include "image/upsample.h"
 
 #include <string.h>
@@ -43,7 +44,7 @@ static uint8_t* sampleRow(const Component& component, int32_t row)
     return component.rows + static_cast<ptrdiff_t>(row % component.rowsHeld) * component.rowStride;
 }
 
-// The row above or below; the picture's first and last real rows are their own neighbours.
+// The row above or below. The first and the last real row of the component are their own neighbours.
 static const uint8_t* neighbourRow(const Component& component, int32_t row, int32_t step)
 {
     int32_t near = row + step;

@@ -1,7 +1,7 @@
-// resources/make/jpeg_file.cpp - coefficients of a picture for libjpeg to code
+// resources/make/jpeg_file.cpp - the coefficients of a texture for libjpeg to code
 //
-// libjpeg gets coefficients instead of pixels for two reasons: it would repeat the edge of a picture that tiles, and
-// its own transforms round differently in different versions. So every machine makes the same textures.
+// libjpeg gets coefficients instead of pixels for two reasons. It would repeat the edge of a texture that tiles, and
+// its own transforms round differently in different versions; this way every machine makes the same textures.
 #include "jpeg_file.h"
 
 #include "sweep.h"
@@ -16,11 +16,11 @@
 
 using Block = std::array<double, DCTSIZE2>; // row by row
 
-static const uint8_t* pixelAt(const Picture& picture, int x, int y)
+static const uint8_t* pixelAt(const TexturePixels& texture, int x, int y)
 {
-    x = picture.tiles ? x % picture.width : std::min(x, picture.width - 1);
-    y = picture.tiles ? y % picture.height : std::min(y, picture.height - 1);
-    return &picture.rgb[(static_cast<size_t>(y) * static_cast<size_t>(picture.width) + static_cast<size_t>(x)) * 3];
+    x = texture.tiles ? x % texture.width : std::min(x, texture.width - 1);
+    y = texture.tiles ? y % texture.height : std::min(y, texture.height - 1);
+    return &texture.rgb[(static_cast<size_t>(y) * static_cast<size_t>(texture.width) + static_cast<size_t>(x)) * 3];
 }
 
 // Y - 128, Cb - 128 or Cr - 128 of a pixel, as JFIF 1.02 defines them.
@@ -36,13 +36,13 @@ static double componentOf(const uint8_t* rgb, int component)
 }
 
 // The samples of a block, each the mean of side x side pixels; left and top are in samples.
-static Block blockSamples(const Picture& picture, int component, int side, int left, int top)
+static Block blockSamples(const TexturePixels& texture, int component, int side, int left, int top)
 {
     Block samples = {};
     for (int y = 0; y < DCTSIZE * side; ++y)
         for (int x = 0; x < DCTSIZE * side; ++x)
             samples[static_cast<size_t>(y / side * DCTSIZE + x / side)] +=
-                componentOf(pixelAt(picture, left * side + x, top * side + y), component) / (side * side);
+                componentOf(pixelAt(texture, left * side + x, top * side + y), component) / (side * side);
     return samples;
 }
 
@@ -74,7 +74,8 @@ static Block transformed(const Block& samples)
     return result;
 }
 
-static void fillComponent(jpeg_compress_struct* encoder, const Picture& picture, int component, jvirt_barray_ptr blocks)
+static void fillComponent(jpeg_compress_struct* encoder, const TexturePixels& texture, int component,
+                          jvirt_barray_ptr blocks)
 {
     const jpeg_component_info& info = encoder->comp_info[component];
     const JQUANT_TBL& quant = *encoder->quant_tbl_ptrs[info.quant_tbl_no];
@@ -85,7 +86,7 @@ static void fillComponent(jpeg_compress_struct* encoder, const Picture& picture,
             encoder->mem->access_virt_barray(reinterpret_cast<j_common_ptr>(encoder), blocks, row, 1, TRUE)[0];
         for (JDIMENSION column = 0; column < info.width_in_blocks; ++column)
         {
-            Block block = transformed(blockSamples(picture, component, side, static_cast<int>(column) * DCTSIZE,
+            Block block = transformed(blockSamples(texture, component, side, static_cast<int>(column) * DCTSIZE,
                                                    static_cast<int>(row) * DCTSIZE));
             for (size_t i = 0; i < DCTSIZE2; ++i)
                 out[column][i] = static_cast<JCOEF>(floor(block[i] / quant.quantval[i] + 0.5));
@@ -103,7 +104,7 @@ static jvirt_barray_ptr requestBlocks(jpeg_compress_struct* encoder, const jpeg_
                                              static_cast<JDIMENSION>(info.v_samp_factor));
 }
 
-std::string jpegFile(const Picture& picture, int quality)
+std::string jpegFile(const TexturePixels& texture, int quality)
 {
     jpeg_compress_struct encoder = {};
     jpeg_error_mgr errors = {};
@@ -112,8 +113,8 @@ std::string jpegFile(const Picture& picture, int quality)
     unsigned char* bytes = nullptr;
     unsigned long size = 0;
     jpeg_mem_dest(&encoder, &bytes, &size);
-    encoder.image_width = static_cast<JDIMENSION>(picture.width);
-    encoder.image_height = static_cast<JDIMENSION>(picture.height);
+    encoder.image_width = static_cast<JDIMENSION>(texture.width);
+    encoder.image_height = static_cast<JDIMENSION>(texture.height);
     encoder.input_components = 3;
     encoder.in_color_space = JCS_YCbCr;
     jpeg_set_defaults(&encoder); // YCbCr with halved chroma
@@ -125,7 +126,7 @@ std::string jpegFile(const Picture& picture, int quality)
         blocks[i] = requestBlocks(&encoder, encoder.comp_info[i]);
     jpeg_write_coefficients(&encoder, blocks.data());
     for (size_t i = 0; i < blocks.size(); ++i)
-        fillComponent(&encoder, picture, static_cast<int>(i), blocks[i]);
+        fillComponent(&encoder, texture, static_cast<int>(i), blocks[i]);
     jpeg_finish_compress(&encoder); // codes the blocks
     jpeg_destroy_compress(&encoder);
     std::string file(reinterpret_cast<const char*>(bytes), size);

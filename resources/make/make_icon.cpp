@@ -1,4 +1,4 @@
-// resources/make/make_icon.cpp - makes the program's icon and the picture of its About box
+// resources/make/make_icon.cpp - makes the program's icon and the bitmap of its About box
 //
 //   make_icon FOLDER
 //
@@ -52,8 +52,8 @@ static std::vector<uint8_t> emblemPixels(int side)
     return pixels;
 }
 
-// A bitmap as icons hold it: twice as high as it is, colours from the bottom row up, then a bit for each pixel that is
-// mostly not there.
+// A bitmap in the layout of icons: the header gives twice its height, the colours start with the bottom row, and then
+// comes a mask with a bit for each pixel that is mostly transparent.
 static std::string iconBitmap(int side, const std::vector<uint8_t>& rgba)
 {
     std::string bitmap;
@@ -90,24 +90,24 @@ static std::string iconBitmap(int side, const std::vector<uint8_t>& rgba)
 
 static std::string iconFile(const std::string& png)
 {
-    std::string file, pictures;
+    std::string file, bitmaps;
     constexpr uint32_t count = std::size(iconSides);
     putHalf(&file, 0);
     putHalf(&file, 1);
     putHalf(&file, count);
     for (int side : iconSides)
     {
-        std::string picture = side == pngSide ? png : iconBitmap(side, emblemPixels(side));
+        std::string bitmap = side == pngSide ? png : iconBitmap(side, emblemPixels(side));
         file.push_back(static_cast<char>(side & 0xFF)); // 0 is 256
         file.push_back(static_cast<char>(side & 0xFF));
         putHalf(&file, 0);
         putHalf(&file, 1);
         putHalf(&file, 32);
-        putWord(&file, static_cast<uint32_t>(picture.size()));
-        putWord(&file, static_cast<uint32_t>(6 + 16 * count + pictures.size()));
-        pictures += picture;
+        putWord(&file, static_cast<uint32_t>(bitmap.size()));
+        putWord(&file, static_cast<uint32_t>(6 + 16 * count + bitmaps.size()));
+        bitmaps += bitmap;
     }
-    return file + pictures;
+    return file + bitmaps;
 }
 
 // ---- letters ----
@@ -138,7 +138,7 @@ static Outline bowl(double centre, double halfWidth)
                        { centre + w, r } });
 }
 
-// An n's arch from a stem to the right, and down.
+// The arch of an n, from a stem to the right and down.
 static Outline arch(double from, double to)
 {
     double middle = (from + to) / 2;
@@ -153,52 +153,40 @@ static Outline arch(double from, double to)
     return line;
 }
 
+// clang-format off
+static const Curve curveOfE = {
+    { 0.49, 0.26 }, { 0.49, 0.40 }, { 0.39, 0.50 }, { 0.25, 0.50 }, { 0.11, 0.50 }, { 0.00, 0.39 }, { 0.00, 0.25 },
+    { 0.00, 0.11 }, { 0.11, 0.00 }, { 0.25, 0.00 }, { 0.34, 0.00 }, { 0.42, 0.04 }, { 0.46, 0.10 }
+};
+static const Curve curveOfS = {
+    { 0.36, 0.42 }, { 0.33, 0.47 }, { 0.27, 0.50 }, { 0.20, 0.50 }, { 0.10, 0.50 }, { 0.03, 0.45 }, { 0.03, 0.375 },
+    { 0.03, 0.29 }, { 0.11, 0.27 }, { 0.20, 0.25 }, { 0.30, 0.23 }, { 0.38, 0.20 }, { 0.38, 0.125 }, { 0.38, 0.05 },
+    { 0.30, 0.00 }, { 0.20, 0.00 }, { 0.11, 0.00 }, { 0.04, 0.03 }, { 0.01, 0.09 }
+};
+static const Curve curveOfT = {
+    { 0.14, 0.14 }, { 0.14, 0.04 }, { 0.19, 0.00 }, { 0.30, 0.01 }
+};
+static const Curve curveOfG = {
+    { 0.46, -0.02 }, { 0.46, -0.16 }, { 0.37, -0.21 }, { 0.25, -0.21 }, { 0.16, -0.21 }, { 0.09, -0.18 },
+    { 0.05, -0.14 }
+};
+static const Curve curveOfR = {
+    { 0.05, 0.27 }, { 0.05, 0.42 }, { 0.13, 0.50 }, { 0.28, 0.49 }
+};
+// clang-format on
+
+// A straight line to the start of a curve, and the curve.
+static Outline lineAndCurve(Point from, const Curve& curve)
+{
+    Outline line = flattened(curve);
+    line.insert(line.begin(), from);
+    return line;
+}
+
 static std::vector<Glyph> makeGlyphs()
 {
-    Outline e = flattened({ { 0.49, 0.26 },
-                            { 0.49, 0.40 },
-                            { 0.39, 0.50 },
-                            { 0.25, 0.50 },
-                            { 0.11, 0.50 },
-                            { 0.00, 0.39 },
-                            { 0.00, 0.25 },
-                            { 0.00, 0.11 },
-                            { 0.11, 0.00 },
-                            { 0.25, 0.00 },
-                            { 0.34, 0.00 },
-                            { 0.42, 0.04 },
-                            { 0.46, 0.10 } });
-    e.insert(e.begin(), { 0.01, 0.26 });
-    Outline s = flattened({ { 0.36, 0.42 },
-                            { 0.33, 0.47 },
-                            { 0.27, 0.50 },
-                            { 0.20, 0.50 },
-                            { 0.10, 0.50 },
-                            { 0.03, 0.45 },
-                            { 0.03, 0.375 },
-                            { 0.03, 0.29 },
-                            { 0.11, 0.27 },
-                            { 0.20, 0.25 },
-                            { 0.30, 0.23 },
-                            { 0.38, 0.20 },
-                            { 0.38, 0.125 },
-                            { 0.38, 0.05 },
-                            { 0.30, 0.00 },
-                            { 0.20, 0.00 },
-                            { 0.11, 0.00 },
-                            { 0.04, 0.03 },
-                            { 0.01, 0.09 } });
-    Outline t = flattened({ { 0.14, 0.14 }, { 0.14, 0.04 }, { 0.19, 0.00 }, { 0.30, 0.01 } });
-    t.insert(t.begin(), { 0.14, 0.66 });
-    Outline g = flattened({ { 0.46, -0.02 },
-                            { 0.46, -0.16 },
-                            { 0.37, -0.21 },
-                            { 0.25, -0.21 },
-                            { 0.16, -0.21 },
-                            { 0.09, -0.18 },
-                            { 0.05, -0.14 } });
-    g.insert(g.begin(), { 0.46, 0.5 });
-    Outline r = flattened({ { 0.05, 0.27 }, { 0.05, 0.42 }, { 0.13, 0.50 }, { 0.28, 0.49 } });
+    Outline e = lineAndCurve({ 0.01, 0.26 }, curveOfE), g = lineAndCurve({ 0.46, 0.5 }, curveOfG);
+    Outline t = lineAndCurve({ 0.14, 0.66 }, curveOfT), s = flattened(curveOfS), r = flattened(curveOfR);
     Outline stem = { { 0.05, 0.5 }, { 0.05, 0 } }, tall = { { 0.05, 0.74 }, { 0.05, 0 } };
     return {
         { ' ', 0.20, {} },
@@ -228,10 +216,10 @@ static std::vector<Glyph> makeGlyphs()
 struct Stroke
 {
     Outline line;
-    Point least, most; // its box
+    Point least, most; // its bounds
 };
 
-// All strokes of a line of text, from a place on its base line; size is the height of a capital over 0.72.
+// All strokes of a line of text. It starts at a point of its base line; a capital is 0.72 times size high.
 static std::vector<Stroke> textStrokes(const char* text, Point from, double size, double gap)
 {
     static const std::vector<Glyph> glyphs = makeGlyphs();
@@ -260,7 +248,7 @@ static std::vector<Stroke> textStrokes(const char* text, Point from, double size
     return strokes;
 }
 
-// The distance of a point from the text where it is below a pen's width, a large number farther away.
+// The distance of a point from the text, as far as the pen reaches; a large number farther away.
 static double distanceFromText(const std::vector<Stroke>& strokes, Point at)
 {
     constexpr double reach = 0.03;
@@ -272,7 +260,7 @@ static double distanceFromText(const std::vector<Stroke>& strokes, Point at)
     return nearest;
 }
 
-// ---- the About picture ----
+// ---- the bitmap of the About box ----
 
 constexpr int aboutWidth = 320, aboutHeight = 160;
 
@@ -302,11 +290,11 @@ static Colour aboutAt(const AboutTexts& texts, Point at)
     constexpr Colour bright = { 1.0, 0.93, 0.74 }, brass = { 0.86, 0.62, 0.27 }, pale = { 0.86, 0.84, 0.84 };
     Sample sample = { landscapeAt(at), 1 };
     constexpr double side = 0.80;
-    Point inSign = { (at.x - 0.04) / side, (at.y - 0.10) / side };
+    Point inEmblem = { (at.x - 0.04) / side, (at.y - 0.10) / side };
     double dx = (at.x - 0.44) / 0.42, dy = (at.y - 0.115) / 0.055;
-    putOver(&sample, { 0, 0, 0 }, 0.45 * (1 - smoothStep(0.3, 1.0, sqrt(dx * dx + dy * dy)))); // the box's shadow
-    Sample sign = emblemAt(inSign);
-    putOver(&sample, sign.colour, sign.cover);
+    putOver(&sample, { 0, 0, 0 }, 0.45 * (1 - smoothStep(0.3, 1.0, sqrt(dx * dx + dy * dy)))); // the shadow of the box
+    Sample emblem = emblemAt(inEmblem);
+    putOver(&sample, emblem.colour, emblem.cover);
 
     double shadow = distanceFromText(texts.name, { at.x - 0.008, at.y + 0.010 });
     putOver(&sample, { 0.03, 0.03, 0.06 }, 0.6 * (1 - smoothStep(0.012, 0.028, shadow)));
@@ -334,7 +322,7 @@ static std::string aboutFile()
     putHalf(&file, 24);
     putWord(&file, 0);
     putWord(&file, pixelBytes);
-    putWord(&file, 2835); // pixels a metre: 72 an inch
+    putWord(&file, 2835); // pixels per metre: 72 per inch
     putWord(&file, 2835);
     putWord(&file, 0);
     putWord(&file, 0);

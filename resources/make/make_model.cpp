@@ -1,17 +1,17 @@
-// resources/make/make_model.cpp - makes model.bin, the teapot that the program carries
+// resources/make/make_model.cpp - makes model.bin, the built-in teapot
 //
 //   make_model FOLDER
 //
-// Three closed surfaces: the pot with its lid, turned on the y axis; the spout, a pipe with its mouth toward +x; the
-// handle toward -x. Spout and handle reach into the pot. The file is vertex, face and texture coordinate words, little
-// endian; its counts and its box are what programs and tests rely on, so the numbers of rows below are chosen to meet
-// them exactly and the program refuses to write anything else.
+// The teapot has three closed surfaces: the pot with its lid, a body of revolution around the y axis; the spout, a pipe
+// with its mouth toward +x; the handle toward -x. Spout and handle reach into the pot. The file is vertex, face and
+// texture coordinate words, little endian. Its counts and bounds are fixed, because programs and tests rely on them:
+// the numbers of rows below give exactly these, and the generator refuses to write anything else.
 //
-// Texture: one period of the picture lies on each side of the pot, from the handle to the spout, its left edge under
-// the handle; up and down it grows with the circumference, so that squares stay squares. The vertices under the handle
-// exist twice, for u = 0 and u = 2; they lie in the middle of a flat facet, where both copies get the same normal.
-// The lid, its knob and the bottom carry the picture laid flat from the middle outward; spout and handle carry it
-// mirrored left and right. So nothing is cut where it can be seen.
+// One period of the texture lies on each side of the pot, from the handle to the spout, with its left edge under the
+// handle. Its height grows with the circumference, so that squares stay squares. The vertices under the handle exist
+// twice, for u = 0 and u = 2; they lie in the middle of a flat facet, where both copies get the same normal. On the
+// lid, its knob and the bottom the texture lies flat, from the middle outward; on spout and handle its left and right
+// halves are mirror images. So no seam is visible.
 #include "output.h"
 #include "sweep.h"
 
@@ -31,8 +31,8 @@ constexpr int knobColumns = 18;     // around the knob of the lid
 constexpr int bottomColumns = 12;   // around the inner ring of the bottom
 constexpr double widest = 0.170766; // radius of the pot
 constexpr double pi = 3.14159265358979323846;
-constexpr double periodsPerUnit = 1 / (pi * widest); // of the picture, on the widest part
-constexpr double bend = 0.12;                        // length that counts as a turn of one radian when rows are spread
+constexpr double periodsPerUnit = 1 / (pi * widest); // of the texture, on the widest part
+constexpr double bend = 0.12; // the length that counts as a turn of one radian when rows are spaced
 
 // ---- the pot ----
 
@@ -48,7 +48,7 @@ struct ProfilePiece
     Curve curve; // radius and height, from the bottom to the tip of the lid
     int rows;
     Mapping mapping;
-    bool smooth; // goes on from the piece before without a crease
+    bool smooth; // continues the piece before without a crease
 };
 
 // clang-format off
@@ -79,7 +79,7 @@ static const ProfilePiece profile[] = {
 // clang-format on
 
 // A ring of the pot at one height. Point 0 is on the seam, in the middle of its facet; a wrapped ring ends with a copy
-// of it. The far half is the near half mirrored, to the last bit.
+// of it. The far half is an exact mirror image of the near half.
 static std::vector<ShapeVertex> turnedRing(Point at, bool wrapped)
 {
     std::vector<ShapeVertex> points;
@@ -138,11 +138,11 @@ static void makeBottom(Shape* shape, Point edge)
     zipRings(shape, innerRing, edgeRing);
 }
 
-// Where the picture is on the way up the profile.
+// How far the texture is on the way up the profile.
 struct Climb
 {
     Point at;
-    double v;        // of the picture around the pot
+    double v;        // of the texture around the pot
     double unrolled; // distance from the middle along the surface, for the flat mappings
 };
 
@@ -155,7 +155,7 @@ static void climbTo(Climb* climb, Point at)
     climb->at = at;
 }
 
-// Flat mappings are measured from the middle outward, against the climb: this is where one starts.
+// Flat mappings are measured from the middle outward, against the climb: the distance at which one starts.
 static double unrolledBelow(size_t piece)
 {
     double sum = 0;
@@ -226,14 +226,14 @@ struct Station
     bool crease; // the surface is smooth across a station without one
 };
 
-// A pipe in the plane z = 0 through its stations, closed at both ends. Point 0 of a ring is on the right of the curve's
-// way, half of the ring on the left; width is how much thicker the pipe is across the plane than in it.
+// A pipe in the plane z = 0 through its stations, closed at both ends. Point 0 of a ring is to the right of the curve,
+// and the point half a turn later to the left; width is the thickness across the plane over that in it.
 struct Pipe
 {
     std::vector<Station> stations;
     int columns;
     double width;
-    double halfTurnPeriods; // of the picture, from right to left
+    double halfTurnPeriods; // of the texture, from right to left
 };
 
 static std::vector<ShapeVertex> pipeRing(const Pipe& pipe, const Station& station, double v)
@@ -369,7 +369,7 @@ static Shape makeHandle()
     return makePipe(pipe);
 }
 
-// Stretches a part along x from a fixed place so that its outermost vertex comes to lie on the edge of the box.
+// Stretches a part along x from a fixed position so that its outermost vertex lies on the edge of the bounds.
 static void reachTo(Shape* shape, double fixed, double edge)
 {
     double farthest = 0;
@@ -395,7 +395,7 @@ static uint32_t textureWord(const ShapeVertex& vertex)
     return u << 16 | v;
 }
 
-// Coordinates a rounding away from the edge of the box are on it.
+// A coordinate that rounding put beside the edge of the bounds, back on it.
 static float snapped(double value, float edge)
 {
     auto rounded = static_cast<float>(value);
@@ -407,7 +407,7 @@ static std::string modelFile(const Shape& shape)
     std::string file;
     putWord(&file, static_cast<uint32_t>(shape.vertices.size()));
     putWord(&file, static_cast<uint32_t>(shape.triangles.size()));
-    putWord(&file, 3); // materials announced; their records are not there
+    putWord(&file, 3); // the count of materials, whose records are left out
     putWord(&file, 0); // bytes of a material record
     for (const ShapeVertex& vertex : shape.vertices)
     {

@@ -1,4 +1,4 @@
-// resources/make/noise.cpp - noise that repeats, and small tools of procedural pictures
+// resources/make/noise.cpp - periodic noise, and small helpers for procedural textures
 #include "noise.h"
 
 #include <math.h>
@@ -44,7 +44,7 @@ double hashed(int32_t x, int32_t y, uint32_t seed)
     return hashedBits(x, y, seed) / 4294967295.0;
 }
 
-// One of eight directions, times the way from the lattice point.
+// One of eight gradients, times the vector from the lattice point.
 static double slope(int32_t x, int32_t y, uint32_t seed, double dx, double dy)
 {
     constexpr double half = 0.70710678118654752440;

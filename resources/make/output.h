@@ -1,4 +1,4 @@
-// resources/make/output.h - what every generator writes its file with
+// resources/make/output.h - little-endian numbers and whole files, for every generator
 #pragma once
 #include <stdint.h>
 #include <string>
@@ -8,5 +8,5 @@ void putHalf(std::string* file, uint32_t value);
 void putWord(std::string* file, uint32_t value);
 void putFloat(std::string* file, float value);
 
-// Writes folder/name whole. Returns false after a line on standard error.
+// Writes folder/name. Returns false after a message on standard error.
 bool writeFile(const char* folder, const char* name, const std::string& bytes);

@@ -1,4 +1,4 @@
-// resources/make/paint.cpp - filled outlines, pen strokes, and the program's sign
+// resources/make/paint.cpp - filled outlines, pen strokes, and the program's emblem
 #include "paint.h"
 
 #include <math.h>
@@ -55,7 +55,7 @@ void putOver(Sample* sample, const Colour& colour, double cover)
     sample->cover = sum;
 }
 
-// ---- the sign ----
+// ---- the emblem ----
 
 // clang-format off
 static const Outline opening = { { 0.07, 0.45 }, { 0.50, 0.26 }, { 0.93, 0.45 }, { 0.50, 0.62 } };

@@ -14,7 +14,7 @@ struct Point
     double x, y;
 };
 
-// Cubic Bezier arcs in a row: 3 k + 1 control points, each arc starts where the last one ended.
+// Successive cubic Bezier arcs, 3 k + 1 control points: each arc starts where the last one ends.
 using Curve = std::vector<Point>;
 
 struct CurvePoint
@@ -24,8 +24,8 @@ struct CurvePoint
     double fraction; // of the curve's length, 0 to 1
 };
 
-// rows + 1 points from one fraction of the length to another, closer together where the curve bends: bendWeight is the
-// length that counts as much as a turn of one radian.
+// rows + 1 points from one fraction of the length to another, closer together where the curve bends: a turn of one
+// radian counts as much as the length bendWeight.
 std::vector<CurvePoint> sampleCurve(const Curve& curve, double from, double to, int rows, double bendWeight);
 
 struct ShapeVertex
@@ -51,12 +51,12 @@ double cosineOfTurn(double turn);
 // Adds the vertices as one ring.
 Ring addRing(Shape* shape, const std::vector<ShapeVertex>& points);
 
-// Two triangles for each pair of neighbours of two rings of equal count, cut from the lower left to the upper right. On
-// a turned body the first third of either half, left of what faces the eye, is cut the other way: under a light from
-// the upper left the edge of the shade then runs along the cuts. It also makes both sides of a seam mirror images.
+// Two triangles for each quad between two rings of equal count, cut from the lower left to the upper right. On a turned
+// body the first third of each half, left of what faces the eye, is cut the other way: under a light from the upper
+// left the terminator then follows the cuts. This also makes both sides of a seam mirror images.
 void joinRings(Shape* shape, const Ring& lower, const Ring& upper, bool closed, bool turned);
 
-// Triangles between two closed rings whatever their counts; both start at the same angle.
+// Triangles between two closed rings of any counts; both start at the same angle.
 void zipRings(Shape* shape, const Ring& lower, const Ring& upper);
 
 // Triangles from a closed ring to one vertex above it (or below it).

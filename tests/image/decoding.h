@@ -1,4 +1,4 @@
-// tests/image/decoding.h - decoding in one line, and another decoder's opinion
+// tests/image/decoding.h - decoding in one call, by this decoder and by djpeg
 #pragma once
 #include "image/jpeg.h"
 #include "jpeg_builder.h"
@@ -27,10 +27,10 @@ void writeFile(const std::string& path, const Bytes& bytes);
 std::string temporary(const std::string& name);
 
 bool haveProgram(const std::string& name);
-// What djpeg makes of a file; nothing when it gives no picture.
+// What djpeg makes of a file; nothing when it refuses the file.
 std::optional<Decoded> decodeByDjpeg(const Bytes& file, const std::string& options = "");
 
-// The sample of a block of nothing but its first coefficient d, with the entry q in its quantisation table.
+// The sample of a block with only the first coefficient d and the entry q in its quantisation table.
 inline int flatSample(int d, int q)
 {
     return std::clamp((4 * d * q + 16) >> 5, -128, 127) + 128;

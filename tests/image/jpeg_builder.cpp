@@ -7,7 +7,7 @@
 #include <memory>
 #include <random>
 
-// How many codes of each length 1-16 there are room for; symbols take them from the shortest, the most frequent first.
+// How many codes of each length 1-16 a table may have. The most frequent symbols get the shortest codes.
 static const std::array<int, 16> dcProfile = { 0, 1, 5, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 0, 0, 0 };
 static const std::array<int, 16> acProfile = { 0, 2, 1, 3, 3, 2, 4, 3, 5, 5, 4, 4, 0, 0, 1, 125 };
 
@@ -117,7 +117,7 @@ static BlockMaker randomBlocks(unsigned seed)
     };
 }
 
-// All symbols of the scan in the order of the file.
+// All symbols of the scan, in file order.
 static std::vector<Symbol> codeScan(const JpegPlan& plan)
 {
     BlockMaker make = plan.block ? plan.block : randomBlocks(plan.seed);
@@ -152,7 +152,7 @@ static std::vector<Symbol> codeScan(const JpegPlan& plan)
     return out;
 }
 
-// Gives codes to the symbols used, the most frequent ones the shortest, and appends the table to a DHT segment.
+// Gives codes to the symbols of a table and appends the table to a DHT segment.
 static CodeTable makeCodes(int table, const std::vector<Symbol>& symbols, Bytes* dht)
 {
     std::map<int, int> frequencies;
@@ -207,11 +207,9 @@ struct BitWriter
     }
 };
 
-JpegParts planJpeg(const JpegPlan& plan)
+static Bytes quantSegments(const JpegPlan& plan)
 {
-    JpegParts parts;
-    parts.soi = { 0xFF, 0xD8 };
-    parts.application = plan.application;
+    Bytes segments;
     for (int table = 0; table < 4; ++table)
     {
         Bytes data = { static_cast<uint8_t>(plan.wideQuant ? 0x10 | table : table) };
@@ -222,34 +220,34 @@ JpegParts planJpeg(const JpegPlan& plan)
             else
                 data.push_back(static_cast<uint8_t>(plan.quant));
         }
-        append(&parts.quant, segmentOf(0xDB, data));
+        append(&segments, segmentOf(0xDB, data));
     }
+    return segments;
+}
+
+static Bytes frameSegment(const JpegPlan& plan)
+{
     Bytes frame = { static_cast<uint8_t>(plan.precision) };
     put16(&frame, plan.height);
     put16(&frame, plan.width);
     frame.push_back(static_cast<uint8_t>(plan.components.size()));
-    Bytes scan = { static_cast<uint8_t>(plan.components.size()) };
     for (const PlanComponent& c : plan.components)
-    {
         append(&frame,
                { static_cast<uint8_t>(c.id), static_cast<uint8_t>(c.h << 4 | c.v), static_cast<uint8_t>(c.quant) });
-        append(&scan, { static_cast<uint8_t>(c.id), static_cast<uint8_t>(c.dc << 4 | c.ac) });
-    }
-    append(&scan, { 0, 63, 0 });
-    parts.frame = segmentOf(plan.frameCode, frame);
-    parts.scan = segmentOf(0xDA, scan);
-    if (plan.restartInterval > 0)
-        parts.restart = segmentOf(
-            0xDD, { static_cast<uint8_t>(plan.restartInterval >> 8), static_cast<uint8_t>(plan.restartInterval) });
+    return segmentOf(plan.frameCode, frame);
+}
 
-    std::vector<Symbol> symbols = codeScan(plan);
-    std::map<int, CodeTable> tables;
-    Bytes dht;
+static Bytes scanSegment(const JpegPlan& plan)
+{
+    Bytes scan = { static_cast<uint8_t>(plan.components.size()) };
     for (const PlanComponent& c : plan.components)
-        for (int table : { c.dc, 4 + c.ac })
-            if (!tables.count(table))
-                tables[table] = makeCodes(table, symbols, &dht);
-    parts.huffman = segmentOf(0xC4, dht);
+        append(&scan, { static_cast<uint8_t>(c.id), static_cast<uint8_t>(c.dc << 4 | c.ac) });
+    append(&scan, { 0, 63, 0 });
+    return segmentOf(0xDA, scan);
+}
+
+static Bytes writeSymbols(const std::vector<Symbol>& symbols, std::map<int, CodeTable>& tables)
+{
     BitWriter writer;
     int restarts = 0;
     for (const Symbol& s : symbols)
@@ -265,7 +263,30 @@ JpegParts planJpeg(const JpegPlan& plan)
         writer.put(s.bits, s.size);
     }
     writer.align();
-    parts.entropy = writer.bytes;
+    return writer.bytes;
+}
+
+JpegParts planJpeg(const JpegPlan& plan)
+{
+    JpegParts parts;
+    parts.soi = { 0xFF, 0xD8 };
+    parts.application = plan.application;
+    parts.quant = quantSegments(plan);
+    parts.frame = frameSegment(plan);
+    parts.scan = scanSegment(plan);
+    if (plan.restartInterval > 0)
+        parts.restart = segmentOf(
+            0xDD, { static_cast<uint8_t>(plan.restartInterval >> 8), static_cast<uint8_t>(plan.restartInterval) });
+
+    std::vector<Symbol> symbols = codeScan(plan);
+    std::map<int, CodeTable> tables;
+    Bytes dht;
+    for (const PlanComponent& c : plan.components)
+        for (int table : { c.dc, 4 + c.ac })
+            if (!tables.count(table))
+                tables[table] = makeCodes(table, symbols, &dht);
+    parts.huffman = segmentOf(0xC4, dht);
+    parts.entropy = writeSymbols(symbols, tables);
     parts.end = { 0xFF, 0xD9 };
     return parts;
 }

@@ -1,7 +1,7 @@
-// tests/image/peer_test.cpp - the pictures equal those of djpeg, byte for byte
+// tests/image/peer_test.cpp - the images equal those of djpeg, byte for byte
 //
-// djpeg filters components of half height and full width; here they are replicated, which is what djpeg does with
-// -nosmooth. Where products or sums leave 16 bits, on purpose or in corrupt files, the two are not comparable.
+// djpeg filters a component of half height and full width. This decoder replicates it, as djpeg does with -nosmooth.
+// The two are not comparable where products or sums exceed 16 bits, which only damaged or contrived files do.
 #include "decoding.h"
 
 #include "image/jpeg.h"
@@ -33,7 +33,7 @@ struct Sampling
 
 static const Sampling samplings[] = { { 1, 1, "" }, { 2, 1, "" }, { 2, 2, "" }, { 1, 2, "-nosmooth" }, { 4, 1, "" } };
 
-TEST(JpegAsDjpeg, EverySamplingAndSize)
+TEST(JpegLikeDjpeg, EverySamplingAndSize)
 {
     NEEDS("djpeg");
     unsigned seed = 1;
@@ -51,7 +51,7 @@ TEST(JpegAsDjpeg, EverySamplingAndSize)
         }
 }
 
-TEST(JpegAsDjpeg, SmallestPictures)
+TEST(JpegLikeDjpeg, SmallestPictures)
 {
     NEEDS("djpeg");
     for (const Sampling& s : samplings)
@@ -67,7 +67,7 @@ TEST(JpegAsDjpeg, SmallestPictures)
             }
 }
 
-TEST(JpegAsDjpeg, GreyAndRgb)
+TEST(JpegLikeDjpeg, GreyAndRgb)
 {
     NEEDS("djpeg");
     for (int factor = 1; factor <= 4; ++factor)
@@ -75,7 +75,7 @@ TEST(JpegAsDjpeg, GreyAndRgb)
         JpegPlan grey;
         grey.width = 45;
         grey.height = 31;
-        grey.components = { { 1, factor, 5 - factor } }; // the factors of a lone component change nothing but its rows
+        grey.components = { { 1, factor, 5 - factor } }; // the factors of a lone component have no effect
         expectAsDjpeg(buildJpeg(grey), "", "grey");
     }
     JpegPlan rgb;
@@ -90,7 +90,7 @@ TEST(JpegAsDjpeg, GreyAndRgb)
     expectAsDjpeg(buildJpeg(rgb), "", "transform 1");
 }
 
-TEST(JpegAsDjpeg, SixteenBitQuantisationTables)
+TEST(JpegLikeDjpeg, SixteenBitQuantisationTables)
 {
     NEEDS("djpeg");
     for (int quant : { 1, 8, 60, 255, 256, 700 })
@@ -132,7 +132,7 @@ static Bytes encodeByCjpeg(const Bytes& ppm, const std::string& options)
     return jpg;
 }
 
-TEST(JpegAsDjpeg, EveryQuality)
+TEST(JpegLikeDjpeg, EveryQuality)
 {
     NEEDS("djpeg");
     NEEDS("cjpeg");
@@ -146,7 +146,7 @@ TEST(JpegAsDjpeg, EveryQuality)
     }
 }
 
-TEST(JpegAsDjpeg, EncodedSamplingsOptimisedAndRestarted)
+TEST(JpegLikeDjpeg, EncodedSamplingsOptimisedAndRestarted)
 {
     NEEDS("djpeg");
     NEEDS("cjpeg");
@@ -161,7 +161,7 @@ TEST(JpegAsDjpeg, EncodedSamplingsOptimisedAndRestarted)
             }
 }
 
-// What the files of the collection are expected to give where that is not djpeg's picture.
+// The real files that do not give djpeg's image, and why.
 static const std::set<std::string> refusedFiles = {
     "monkey12.jpg",                      // 12-bit samples
     "mjpeg.jpg",                         // no Huffman tables
@@ -184,7 +184,7 @@ static const std::set<std::string> differentFiles = {
     "dc-predictor-overflow.jpg", // saturated to 16 bits between the passes, not wrapped
 };
 
-TEST(JpegAsDjpeg, RealFiles)
+TEST(JpegLikeDjpeg, RealFiles)
 {
     const char* models = getenv("KESTRELBOX_MODELS");
     if (!models)

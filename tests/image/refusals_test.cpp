@@ -1,4 +1,4 @@
-// tests/image/refusals_test.cpp - every reason to refuse a file, each with a file that differs from a good one in that
+// tests/image/refusals_test.cpp - every reason to refuse a file: each test spoils a good file in that one way
 #include "decoding.h"
 
 #include "image/jpeg.h"
@@ -17,7 +17,7 @@ static JpegPlan goodPlan()
     return plan;
 }
 
-// The good file after a change of its plan or parts; checks first that without it the file decodes.
+// The good file after a change of its plan, or of its parts. Both check first that the file decodes without the change.
 static Bytes changed(const std::function<void(JpegPlan&)>& plan)
 {
     JpegPlan good = goodPlan();
@@ -80,7 +80,7 @@ TEST(JpegRefusals, BadSegmentLengths)
             (parts.*part)[3] = static_cast<uint8_t>((parts.*part)[3] + by);
             EXPECT_TRUE(refused(joinParts(parts)));
         }
-    for (int code : { 0xC4, 0xDB }) // an empty table segment is none, a length that does not count itself is bad
+    for (int code : { 0xC4, 0xDB }) // an empty table segment is allowed, a length below 2 is not
     {
         EXPECT_FALSE(refused(altered([&](JpegParts& p) { p.application = segmentOf(code, {}); })));
         EXPECT_TRUE(refused(altered([&](JpegParts& p) { p.application = { 0xFF, uint8_t(code), 0, 1 }; })));
@@ -182,7 +182,7 @@ TEST(JpegRefusals, SidesAbove65500)
     EXPECT_TRUE(refused(changed([](JpegPlan& p) { p.block = [](int, int, int*) {}, p.height = 0; })));
 }
 
-TEST(JpegRefusals, HugePictureInTinyFileTakesNoMemory)
+TEST(JpegRefusals, HugeImageInTinyFileTakesNoMemory)
 {
     JpegParts parts = planJpeg(goodPlan());
     parts.frame[5] = parts.frame[7] = 0xFF;
@@ -247,7 +247,7 @@ TEST(JpegRefusals, ScansOfBadSize)
             data = data + Bytes{ 1, 0 };
         EXPECT_TRUE(refused(altered([&](JpegParts& p) { p.scan = segmentOf(0xDA, data + Bytes{ 0, 63, 0 }); }))) << n;
     }
-    EXPECT_TRUE(refused(altered([](JpegParts& p) { p.scan[5] = 9; }))); // a number that the frame has not
+    EXPECT_TRUE(refused(altered([](JpegParts& p) { p.scan[5] = 9; }))); // an identifier that is not in the frame
     EXPECT_TRUE(refused(altered([](JpegParts& p) { p.frame = {}; })));  // a scan before the frame
 }
 
@@ -299,7 +299,7 @@ TEST(JpegRefusals, EndOfImageBeforeAScan)
     EXPECT_TRUE(refused(altered([](JpegParts& p) { p.scan = { 0xFF, 0xD9 }; })));
 }
 
-// A byte at a time up to 25 bits is asked for when fewer than 8 are held: four bytes for the first symbol.
+// With fewer than 8 bits the reader fetches bytes until it holds 25: four bytes for the first symbol.
 TEST(JpegRefusals, SourceThatEndsWhileBitsAreWanted)
 {
     for (size_t more = 0; more < 6; ++more)
@@ -314,7 +314,7 @@ TEST(JpegRefusals, SourceThatEndsWhileBitsAreWanted)
         parts.end = {};
         EXPECT_EQ(refused(joinParts(parts)), more < 3) << more;
         EXPECT_EQ(decodePlain(joinParts(parts)).has_value(), more >= 3) << more;
-        parts.end = { 0xFF }; // half a marker is none
+        parts.end = { 0xFF }; // half a marker is no marker
         EXPECT_EQ(refused(joinParts(parts)), more < 3) << more;
     }
 }

@@ -1,4 +1,4 @@
-// tests/image/restarts_test.cpp - restart markers: in order, lost, repeated, far off
+// tests/image/restarts_test.cpp - restart markers in order, lost, repeated and out of step
 #include "decoding.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ static int restartValue(int mcu)
     return mcu % 3 == 0 ? 0 : 20 + mcu; // the most frequent difference is none, and its code is all zeros
 }
 
-// 24 MCUs of one flat block, a restart before each but the first.
+// 24 MCUs of one flat block each, with a restart before all but the first.
 static Restarts makeRestarts()
 {
     JpegPlan plan;
@@ -42,7 +42,7 @@ static Restarts makeRestarts()
     return restarts;
 }
 
-// The samples of the MCUs when the scan is made of runs and markers in this order: -1 nothing, else FF and the code.
+// The samples of the MCUs for a scan of these marker codes and runs in turn; -1 leaves the code or the run out.
 static std::vector<int> decodeRuns(const Restarts& restarts, const std::vector<std::pair<int, int>>& codeAndRun)
 {
     JpegParts parts = restarts.parts;
@@ -100,7 +100,7 @@ TEST(JpegRestarts, LostRunsAreGrey)
     }
 }
 
-TEST(JpegRestarts, RepeatedRunsArePassedOver)
+TEST(JpegRestarts, RepeatedRunsAreSkipped)
 {
     Restarts restarts = makeRestarts();
     for (int back : { 1, 2 })
@@ -149,7 +149,8 @@ TEST(JpegRestarts, OtherMarkersEndTheData)
 
 TEST(JpegRestarts, SourceThatEndsBeforeAMarkerIsAnEarlyEnd)
 {
-    // The reader takes 4 bytes for an MCU of one; with them there the search for the marker meets the end.
+    // The reader fetches 4 bytes for an MCU of one byte. When they are there, only the search for the marker finds the
+    // end.
     Restarts restarts = makeRestarts();
     JpegParts parts = restarts.parts;
     parts.entropy = restarts.runs[0];

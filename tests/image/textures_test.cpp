@@ -1,4 +1,4 @@
-// tests/image/textures_test.cpp - loading the user's picture, and the dump of a decoded one
+// tests/image/textures_test.cpp - loading the user's texture, and the bitmap of a decoded image
 #include "decoding.h"
 
 #include "image/debug_bmp.h"
@@ -13,7 +13,7 @@
 
 #include <filesystem>
 
-class TexturesTest : public testing::Test
+class Textures : public testing::Test
 {
 protected:
     void SetUp() override
@@ -44,14 +44,14 @@ protected:
     char title[textureTitleRoom] = "before";
 };
 
-TEST_F(TexturesTest, UserSlotStartsEmptyAndOneByOne)
+TEST_F(Textures, UserSlotStartsEmptyAndOneByOne)
 {
     EXPECT_EQ(user->pixels, nullptr);
     EXPECT_EQ(user->width, 1);
     EXPECT_EQ(user->height, 1);
 }
 
-TEST_F(TexturesTest, DialogAsksForAJpeg)
+TEST_F(Textures, DialogAsksForAJpeg)
 {
     EXPECT_EQ(loadUserTexture(user, title), 0); // cancelled
     ASSERT_EQ(recorded.dialogs.size(), 1u);
@@ -70,7 +70,7 @@ TEST_F(TexturesTest, DialogAsksForAJpeg)
     EXPECT_TRUE(recorded.boxes.empty());
 }
 
-TEST_F(TexturesTest, ChosenPictureReplacesTheOldOneAndTheTitleIsLowerCase)
+TEST_F(Textures, ChosenFileReplacesTheOldOneAndTheTitleIsLowerCase)
 {
     recorded.dialogAnswers = { fileOf("First.JPG", picture(24)), fileOf("LEAVES A.JpG", picture(40)) };
     ASSERT_EQ(loadUserTexture(user, title), 1);
@@ -82,7 +82,7 @@ TEST_F(TexturesTest, ChosenPictureReplacesTheOldOneAndTheTitleIsLowerCase)
     EXPECT_TRUE(recorded.boxes.empty());
 }
 
-TEST_F(TexturesTest, LongTitleIsCutTo31Characters)
+TEST_F(Textures, LongTitleIsCutTo31Characters)
 {
     std::string path = fileOf("A_PICTURE_WITH_A_NAME_OF_MORE_THAN_31_CHARACTERS.JPG", picture(8));
     ASSERT_LT(path.size(), 128u);
@@ -91,7 +91,7 @@ TEST_F(TexturesTest, LongTitleIsCutTo31Characters)
     EXPECT_EQ(strlen(title), 31u);
 }
 
-TEST_F(TexturesTest, FailuresAreToldAndKeepTheOldPicture)
+TEST_F(Textures, FailuresShowABoxAndKeepTheOldTexture)
 {
     recorded.dialogAnswers = { fileOf("good.jpg", picture(24)), fileOf("progressive.jpg", picture(24, 0xC2)),
                                fileOf("arithmetic.jpg", picture(24, 0xCA)), fileOf("text.jpg", { 'h', 'i' }) };
@@ -107,7 +107,7 @@ TEST_F(TexturesTest, FailuresAreToldAndKeepTheOldPicture)
     EXPECT_EQ(recorded.boxes, expected);
 }
 
-TEST_F(TexturesTest, FileThatDoesNotOpenFailsInSilence)
+TEST_F(Textures, FileThatDoesNotOpenFailsInSilence)
 {
     recorded.dialogAnswers = { temporary("nowhere.jpg") };
     EXPECT_EQ(loadUserTexture(user, title), 0);
@@ -117,14 +117,14 @@ TEST_F(TexturesTest, FileThatDoesNotOpenFailsInSilence)
     EXPECT_EQ(opened, 0);
 }
 
-TEST_F(TexturesTest, UnknownResourceLeavesTheImage)
+TEST_F(Textures, UnknownResourceLeavesTheImage)
 {
     Image image = { nullptr, 7, 7 };
     EXPECT_EQ(loadTextureResource(&image, "no such picture"), 0);
     EXPECT_EQ(image.width, 7);
 }
 
-TEST_F(TexturesTest, ResourceThatIsNoPictureClearsTheImage)
+TEST_F(Textures, ResourceThatIsNotAJpegClearsTheImage)
 {
     Image image = { static_cast<uint32_t*>(malloc(4)), 1, 1 };
     EXPECT_EQ(loadTextureResource(&image, "model"), 0);
@@ -143,7 +143,7 @@ static uint32_t number(const Bytes& bytes, size_t at, int count)
     return value;
 }
 
-TEST_F(TexturesTest, DumpIsABottomUpBitmap)
+TEST_F(Textures, DumpIsABottomUpBitmap)
 {
     const uint32_t pixels[6] = { 0x010203, 0x040506, 0x070809, 0x0A0B0C, 0x0D0E0F, 0x101112 };
     files.push_back(temporary("dump.bmp"));
@@ -161,7 +161,7 @@ TEST_F(TexturesTest, DumpIsABottomUpBitmap)
         EXPECT_EQ(number(bmp, 28, 2), 24u);
         EXPECT_EQ(number(bmp, 30, 4), 0u);
         EXPECT_EQ(number(bmp, 34, 4), 0u);
-        EXPECT_EQ(number(bmp, 38, 4), unit == 2 ? 3000u : 0u); // only dots per centimetre are told
+        EXPECT_EQ(number(bmp, 38, 4), unit == 2 ? 3000u : 0u); // only dots per centimetre are written
         EXPECT_EQ(number(bmp, 42, 4), unit == 2 ? 70000u : 0u);
         EXPECT_EQ(number(bmp, 46, 4), 0u);
         EXPECT_EQ(number(bmp, 50, 4), 0u);
@@ -170,7 +170,7 @@ TEST_F(TexturesTest, DumpIsABottomUpBitmap)
     }
 }
 
-TEST_F(TexturesTest, DumpOfOnePixelColumnHasOneByteOfPadding)
+TEST_F(Textures, DumpOfOnePixelColumnHasOneByteOfPadding)
 {
     const uint32_t pixels[5] = { 1, 2, 3, 4, 5 };
     files.push_back(temporary("dump.bmp"));
@@ -183,14 +183,14 @@ TEST_F(TexturesTest, DumpOfOnePixelColumnHasOneByteOfPadding)
         EXPECT_EQ(bmp[54 + 4 * y + 3], 0);
 }
 
-TEST_F(TexturesTest, DumpFailsWhenItCannotBeWritten)
+TEST_F(Textures, DumpFailsWhenItCannotBeWritten)
 {
     const uint32_t pixel = 0;
     EXPECT_EQ(writeDebugBmpAs(temporary("no folder/x.bmp").c_str(), { 1, 1, 0, 1, 1 }, &pixel), 0);
     EXPECT_TRUE(access("/dev/full", W_OK) != 0 || !writeDebugBmpAs("/dev/full", { 1, 1, 0, 1, 1 }, &pixel));
 }
 
-TEST_F(TexturesTest, DumpIsCalledTestBmpAndTellsTheDecodedPicture)
+TEST_F(Textures, DumpIsCalledTestBmpAndDescribesTheDecodedImage)
 {
     JpegPlan plan;
     plan.width = 11;

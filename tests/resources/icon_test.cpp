@@ -1,4 +1,5 @@
-// What the icon and the About picture promise to the resource compiler and to the system that shows them.
+// tests/resources/icon_test.cpp - what the resource compiler and the operating system need of the icon and the bitmap
+// of the About box
 #include <gtest/gtest.h>
 #include <stdint.h>
 #include <string.h>
@@ -68,7 +69,7 @@ TEST(Icon, CornersAreClearAndTheMiddleIsNot)
     }
 }
 
-TEST(AboutPicture, IsABitmapOf24Bits)
+TEST(AboutBitmap, IsABitmapOf24Bits)
 {
     std::string file = resourceFile("about.bmp");
     ASSERT_EQ(file.size(), 54u + 320 * 160 * 3);

@@ -1,4 +1,4 @@
-// What the carried model promises: its size, its box, and that it is a well-made surface.
+// tests/resources/model_test.cpp - the built-in model has its size and its bounds and is a well-made surface
 #include "model/builtin.h"
 #include "model/memory.h"
 #include "platform/resources.h"
@@ -36,7 +36,7 @@ static double length(Vector a)
     return sqrt(dot(a, a));
 }
 
-class CarriedModelTest : public testing::Test
+class ModelFile : public testing::Test
 {
 protected:
     void SetUp() override
@@ -57,7 +57,7 @@ protected:
         const float* p = mesh->vertices[mesh->faces[face][k]].position;
         return { p[0], p[1], p[2] };
     }
-    // Vertices on the same spot are one place of the surface, whatever their texture coordinates and creases.
+    // Vertices with the same position are one place of the surface, whatever their texture coordinates and creases.
     std::vector<uint32_t> places() const
     {
         std::map<std::tuple<float, float, float>, uint32_t> known;
@@ -73,7 +73,7 @@ protected:
     Mesh* mesh = nullptr;
 };
 
-TEST_F(CarriedModelTest, FileHasItsSizeAndHeader)
+TEST_F(ModelFile, FileHasItsSizeAndHeader)
 {
     ResourceBytes found;
     ASSERT_TRUE(findResource("model", &found));
@@ -86,7 +86,7 @@ TEST_F(CarriedModelTest, FileHasItsSizeAndHeader)
     EXPECT_EQ(header[3], 0u);
 }
 
-TEST_F(CarriedModelTest, BoundsAreExact)
+TEST_F(ModelFile, BoundsAreExact)
 {
     EXPECT_EQ(mesh->boundsMin[0], -0.34875f);
     EXPECT_EQ(mesh->boundsMax[0], 0.34875f);
@@ -96,7 +96,7 @@ TEST_F(CarriedModelTest, BoundsAreExact)
     EXPECT_EQ(mesh->boundsMax[2], 0.170766f);
 }
 
-TEST_F(CarriedModelTest, SurfaceIsClosedAndEveryEdgeRunsOnceEachWay)
+TEST_F(ModelFile, SurfaceIsClosedAndEveryEdgeRunsOnceEachWay)
 {
     std::vector<uint32_t> place = places();
     std::map<std::pair<uint32_t, uint32_t>, int> edges;
@@ -111,7 +111,7 @@ TEST_F(CarriedModelTest, SurfaceIsClosedAndEveryEdgeRunsOnceEachWay)
     EXPECT_EQ(edges.size(), 4096u * 3);
 }
 
-TEST_F(CarriedModelTest, FacesLookOutward)
+TEST_F(ModelFile, FacesPointOutward)
 {
     double volume = 0;
     for (int32_t f = 0; f < mesh->faceCount; ++f)
@@ -120,7 +120,7 @@ TEST_F(CarriedModelTest, FacesLookOutward)
     EXPECT_LT(volume, 0.030);
 }
 
-TEST_F(CarriedModelTest, TrianglesAreWellShaped)
+TEST_F(ModelFile, TrianglesAreWellShaped)
 {
     int slender = 0;
     for (int32_t f = 0; f < mesh->faceCount; ++f)
@@ -136,7 +136,7 @@ TEST_F(CarriedModelTest, TrianglesAreWellShaped)
     EXPECT_LT(slender, mesh->faceCount / 20);
 }
 
-TEST_F(CarriedModelTest, EveryVertexIsUsed)
+TEST_F(ModelFile, EveryVertexIsUsed)
 {
     std::vector<bool> used(static_cast<size_t>(mesh->vertexCount));
     for (int32_t f = 0; f < mesh->faceCount; ++f)
@@ -145,9 +145,9 @@ TEST_F(CarriedModelTest, EveryVertexIsUsed)
     EXPECT_EQ(std::count(used.begin(), used.end(), false), 0);
 }
 
-// Two triangles over one edge whose corners carry different coordinates there show a cut in the picture. Where the
-// difference is a whole number of periods the picture goes on.
-TEST_F(CarriedModelTest, PictureIsNotCutOnTheWallOfThePot)
+// Where two triangles share an edge but not its texture coordinates, the texture has a cut. It has none when the
+// difference is a whole number of periods.
+TEST_F(ModelFile, TextureIsNotCutOnTheWallOfThePot)
 {
     std::vector<uint32_t> place = places();
     std::map<uint32_t, Uv> wall;
@@ -164,7 +164,7 @@ TEST_F(CarriedModelTest, PictureIsNotCutOnTheWallOfThePot)
     EXPECT_EQ(cuts, 0);
 }
 
-TEST_F(CarriedModelTest, PictureIsNowhereTornAcrossATriangle)
+TEST_F(ModelFile, TextureIsNotTornAcrossATriangle)
 {
     for (int32_t f = 0; f < mesh->faceCount; ++f)
     {
@@ -177,7 +177,8 @@ TEST_F(CarriedModelTest, PictureIsNowhereTornAcrossATriangle)
     }
 }
 
-// The two lengths of a triangle's picture, from the singular values of the map between surface and picture.
+// How much longer than wide a triangle makes the texture: the ratio of the singular values of the map between texture
+// and surface.
 static double stretchOf(Vector e1, Vector e2, Uv a, Uv b, Uv c)
 {
     double s1 = b.u - a.u, t1 = b.v - a.v, s2 = c.u - a.u, t2 = c.v - a.v;
@@ -191,7 +192,7 @@ static double stretchOf(Vector e1, Vector e2, Uv a, Uv b, Uv c)
     return sqrt((half + rest) / fmax(half - rest, 1e-12));
 }
 
-TEST_F(CarriedModelTest, SquaresOfThePictureStayNearlySquare)
+TEST_F(ModelFile, SquaresOfTheTextureStayNearlySquare)
 {
     double area = 0, stretched = 0;
     for (int32_t f = 0; f < mesh->faceCount; ++f)
@@ -206,7 +207,7 @@ TEST_F(CarriedModelTest, SquaresOfThePictureStayNearlySquare)
     EXPECT_LT(stretched / area, 0.06);
 }
 
-TEST_F(CarriedModelTest, SeamUnderTheHandleHasOneNormal)
+TEST_F(ModelFile, SeamUnderTheHandleHasOneNormal)
 {
     std::vector<uint32_t> place = places();
     int pairs = 0;

@@ -1,7 +1,7 @@
 // tests/resources/rebuild_test.cpp - the committed files are what their generators make
 //
-// The model and the About picture are the same bytes. JPEG and PNG files come from libraries whose versions may code
-// the same pixels in other bytes; there the pixels are the same.
+// The model and the bitmap of the About box must have the same bytes. JPEG and PNG files must have the same pixels,
+// because another version of a library may code the same pixels in other bytes.
 #include "image/jpeg.h"
 
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ static std::string committed(const char* name)
     return fileBytes(RESOURCES "/" + std::string(name));
 }
 
-// The files that a generator makes, in the order of their names.
+// Runs a generator and returns the files that it makes, in the order of the names.
 static std::vector<std::string> rebuilt(const std::string& program, const std::vector<const char*>& names)
 {
     std::string folder = testing::TempDir() + program + "_XXXXXX";
@@ -74,7 +74,7 @@ TEST(Generators, TexturesAreRebuiltPixelForPixel)
 {
 #ifdef HAVE_JPEG
     const std::vector<const char*> names = { "wood.jpg", "metal.jpg", "pattern.jpg", "reflect.jpg" };
-    std::vector<std::string> files = rebuilt("make_pictures", names);
+    std::vector<std::string> files = rebuilt("make_textures", names);
     for (size_t i = 0; i < names.size(); ++i)
     {
         std::optional<Pixels> ours = decodedJpeg(committed(names[i]));
@@ -82,7 +82,7 @@ TEST(Generators, TexturesAreRebuiltPixelForPixel)
         EXPECT_TRUE(decodedJpeg(files[i]) == ours) << names[i] << " differs from its generator's";
     }
 #else
-    GTEST_SKIP() << "make_pictures is not built (package libjpeg62-turbo-dev)";
+    GTEST_SKIP() << "make_textures is not built (package libjpeg62-turbo-dev)";
 #endif
 }
 
@@ -102,7 +102,7 @@ static std::optional<Pixels> decodedPng(const std::string& bytes)
     return pixels;
 }
 
-// An icon whose last picture is a PNG: where that starts, by its entry in the icon's directory of four.
+// Where the last of an icon's four bitmaps, the PNG, starts: its entry in the icon's directory says so.
 static size_t pngOfIcon(const std::string& icon)
 {
     constexpr size_t lastEntry = 6 + 3 * 16, offsetInEntry = 12;
@@ -112,7 +112,7 @@ static size_t pngOfIcon(const std::string& icon)
     return offset;
 }
 
-// Everything of an icon but the coded PNG and its size.
+// Everything of an icon but the bytes and the size of its PNG.
 static std::string withoutPng(std::string icon)
 {
     constexpr size_t sizeOfLast = 6 + 3 * 16 + 8;

@@ -1,4 +1,4 @@
-// tests/resources/textures_test.cpp - the built-in pictures, as the program loads them
+// tests/resources/textures_test.cpp - the built-in textures, as the program loads them
 #include "image/textures.h"
 
 #include "tests/recording/recording.h"
@@ -30,13 +30,13 @@ protected:
     }
 };
 
-static void expectPicture(const Image& image, const BuiltIn& expected)
+static void expectImage(const Image& image, const BuiltIn& expected)
 {
     ASSERT_NE(image.pixels, nullptr) << expected.name;
     EXPECT_EQ(image.width, expected.width) << expected.name;
     EXPECT_EQ(image.height, expected.height) << expected.name;
     std::set<uint32_t> colours(image.pixels, image.pixels + static_cast<ptrdiff_t>(image.width) * image.height);
-    EXPECT_GT(colours.size(), 100u) << expected.name; // a picture, not one even colour
+    EXPECT_GT(colours.size(), 100u) << expected.name; // not one even colour
     EXPECT_LT(*colours.rbegin(), 0x1000000u) << expected.name;
 }
 
@@ -45,7 +45,7 @@ TEST_F(BuiltInTextures, LoadByNameInAnyCase)
     for (const char* name : { "wood", "WOOD", "Wood" })
     {
         ASSERT_EQ(loadTextureResource(&TextureSlots[textureWood], name), 1) << name;
-        expectPicture(TextureSlots[textureWood], builtIns[0]);
+        expectImage(TextureSlots[textureWood], builtIns[0]);
     }
     EXPECT_TRUE(recorded.boxes.empty());
 }
@@ -53,10 +53,10 @@ TEST_F(BuiltInTextures, LoadByNameInAnyCase)
 TEST_F(BuiltInTextures, StartUpFillsTheSlotsButTheUsers)
 {
     loadBuiltInTextures();
-    expectPicture(TextureSlots[textureWood], builtIns[0]);
-    expectPicture(TextureSlots[textureMetal], builtIns[1]);
-    expectPicture(TextureSlots[texturePattern], builtIns[2]);
-    expectPicture(ReflectionImage, builtIns[3]);
+    expectImage(TextureSlots[textureWood], builtIns[0]);
+    expectImage(TextureSlots[textureMetal], builtIns[1]);
+    expectImage(TextureSlots[texturePattern], builtIns[2]);
+    expectImage(ReflectionImage, builtIns[3]);
     EXPECT_EQ(TextureSlots[textureUser].pixels, nullptr);
     EXPECT_TRUE(recorded.boxes.empty());
 }

@@ -1,4 +1,4 @@
-// tests/image/picture_test.cpp - what the pictures are: order of rows, blocks, filters, colours, early ends
+// tests/image/decoder_test.cpp - the images that the decoder makes: order of rows, blocks, filters, colours, early ends
 #include "decoding.h"
 
 #include "image/jpeg.h"
@@ -14,7 +14,7 @@ static int clamp(int x, int low, int high)
     return std::clamp(x, low, high);
 }
 
-// A plan whose component c has first coefficients values[c] in turn, one for each block coded.
+// A plan whose component c has the first coefficients values[c] in turn, one for each coded block.
 static JpegPlan flatPlan(const std::vector<PlanComponent>& components, const std::vector<std::vector<int>>& values)
 {
     JpegPlan plan;
@@ -40,7 +40,7 @@ static uint32_t yccWord(int y, int cb, int cr)
                 y + ((116130 * cb + 32768) >> 16));
 }
 
-TEST(JpegPicture, LastRowOfTheBlockIsTheTop)
+TEST(JpegDecoder, LastRowOfTheBlockIsTheTop)
 {
     JpegPlan plan = flatPlan(sampled(2, 2), { { 40, 40, -30, -30 }, { 0 }, { 0 } });
     plan.width = 10;
@@ -56,7 +56,7 @@ TEST(JpegPicture, LastRowOfTheBlockIsTheTop)
     free(image.pixels);
 }
 
-TEST(JpegPicture, FlatBlocks)
+TEST(JpegDecoder, FlatBlocks)
 {
     for (int q : { 1, 2, 8, 31, 255 })
         for (int d : { 0, 1, -1, 2, 3, 5, -7, 11, 31, -32, 33, 100, -101, 127, -128, 500, -1023 })
@@ -73,7 +73,7 @@ TEST(JpegPicture, FlatBlocks)
         }
 }
 
-TEST(JpegPicture, FlatBlocksBeyondSixteenBitsSaturate)
+TEST(JpegDecoder, FlatBlocksBeyondSixteenBitsSaturate)
 {
     for (int sign : { 1, -1 })
     {
@@ -86,7 +86,7 @@ TEST(JpegPicture, FlatBlocksBeyondSixteenBitsSaturate)
     }
 }
 
-// One row of four blocks of luma at 128 and two of chroma a and b, h x v sampling.
+// Luma 128 and Cb blocks of the samples below, with h x v sampling.
 static Decoded chromaStep(int h, int v, int width, int height)
 {
     JpegPlan plan = flatPlan(sampled(h, v), { { 0 }, { 20, -20, 8, -12 }, { 0 } });
@@ -97,23 +97,23 @@ static Decoded chromaStep(int h, int v, int width, int height)
     return decoded.value_or(Decoded{});
 }
 
-static const int stepSamples[4] = { 148, 108, 136, 116 }; // of the chroma blocks above
+static const int stepSamples[4] = { 148, 108, 136, 116 }; // of the Cb blocks above
 
-TEST(JpegPicture, HalfWidthIsFilteredByTheTriangle)
+TEST(JpegDecoder, HalfWidthIsFilteredByTheTriangle)
 {
-    Decoded picture = chromaStep(2, 1, 32, 8);
+    Decoded image = chromaStep(2, 1, 32, 8);
     auto in = [](int i) { return stepSamples[clamp(i, 0, 15) / 8]; };
     for (int x = 0; x < 32; ++x)
     {
         int i = x / 2;
         int cb = x % 2 == 0 ? (3 * in(i) + in(i - 1) + 1) >> 2 : (3 * in(i) + in(i + 1) + 2) >> 2;
-        EXPECT_EQ(picture.at(x, 3), yccWord(128, cb, 128)) << x;
+        EXPECT_EQ(image.at(x, 3), yccWord(128, cb, 128)) << x;
     }
 }
 
-TEST(JpegPicture, QuarterAreaIsFilteredBothWays)
+TEST(JpegDecoder, QuarterAreaIsFilteredBothWays)
 {
-    Decoded picture = chromaStep(2, 2, 32, 27); // the last real chroma row is 13
+    Decoded image = chromaStep(2, 2, 32, 27); // the last real chroma row is 13
     auto in = [](int x, int y) { return stepSamples[clamp(y, 0, 13) / 8 * 2 + clamp(x, 0, 15) / 8]; };
     for (int y = 0; y < 27; ++y)
         for (int x = 0; x < 32; ++x)
@@ -121,11 +121,11 @@ TEST(JpegPicture, QuarterAreaIsFilteredBothWays)
             auto sum = [&](int i) { return 3 * in(i, y / 2) + in(i, y / 2 + (y % 2 == 0 ? -1 : 1)); };
             int i = x / 2;
             int cb = x % 2 == 0 ? (3 * sum(i) + sum(i - 1) + 8) >> 4 : (3 * sum(i) + sum(i + 1) + 7) >> 4;
-            ASSERT_EQ(picture.at(x, y), yccWord(128, cb, 128)) << x << ", " << y;
+            ASSERT_EQ(image.at(x, y), yccWord(128, cb, 128)) << x << ", " << y;
         }
 }
 
-// The file's first coefficients give no steps within a block, so the narrow pictures hold a slope of one block.
+// First coefficients alone make no steps within a block, so the narrow images get a slope.
 static Decoded narrow(int h, int v, int width)
 {
     JpegPlan plan;
@@ -138,7 +138,7 @@ static Decoded narrow(int h, int v, int width)
     return decoded.value_or(Decoded{});
 }
 
-TEST(JpegPicture, ComponentsLessThanThreeSamplesWideAreDoubled)
+TEST(JpegDecoder, ComponentsLessThanThreeSamplesWideAreDoubled)
 {
     for (int v : { 1, 2 })
     {
@@ -151,7 +151,7 @@ TEST(JpegPicture, ComponentsLessThanThreeSamplesWideAreDoubled)
     }
 }
 
-TEST(JpegPicture, OtherWholeRatiosAreReplicated)
+TEST(JpegDecoder, OtherWholeRatiosAreReplicated)
 {
     struct
     {
@@ -159,19 +159,19 @@ TEST(JpegPicture, OtherWholeRatiosAreReplicated)
     } ratios[] = { { 3, 1 }, { 1, 2 }, { 4, 1 }, { 1, 3 }, { 4, 2 }, { 1, 4 }, { 3, 2 } };
     for (auto [h, v] : ratios)
     {
-        Decoded picture = chromaStep(h, v, 16 * h, 8 * v);
-        for (int y = 0; y < picture.height; ++y)
-            for (int x = 0; x < picture.width; ++x)
-                ASSERT_EQ(picture.at(x, y), yccWord(128, stepSamples[x / h / 8], 128)) << h << v << x;
+        Decoded image = chromaStep(h, v, 16 * h, 8 * v);
+        for (int y = 0; y < image.height; ++y)
+            for (int x = 0; x < image.width; ++x)
+                ASSERT_EQ(image.at(x, y), yccWord(128, stepSamples[x / h / 8], 128)) << h << v << x;
     }
     Decoded tall = chromaStep(1, 2, 8, 32);
     for (int y = 0; y < 32; ++y)
         EXPECT_EQ(tall.at(0, y), yccWord(128, stepSamples[y / 16], 128)) << y;
 }
 
-TEST(JpegPicture, MixedFactorsUseTheirOwnMethods)
+TEST(JpegDecoder, MixedFactorsUseTheirOwnMethods)
 {
-    // Luma is replicated down, Cb filtered across, Cr direct.
+    // Luma is replicated down, Cb filtered across, and Cr used directly.
     JpegPlan plan;
     plan.width = 37;
     plan.height = 21;
@@ -184,7 +184,7 @@ TEST(JpegPicture, MixedFactorsUseTheirOwnMethods)
             ASSERT_LT(decoded->at(x, y), 0x1000000u);
 }
 
-TEST(JpegPicture, ColourSpaces)
+TEST(JpegDecoder, ColourSpaces)
 {
     auto colourOf = [](const std::vector<PlanComponent>& components, const Bytes& application)
     {
@@ -217,7 +217,7 @@ TEST(JpegPicture, ColourSpaces)
     EXPECT_EQ(colourOf(four, adobeSegment(2)), yccWord(158 + 148, 88, 178));
 }
 
-TEST(JpegPicture, ApplicationSegmentsTooShortAreIgnored)
+TEST(JpegDecoder, ApplicationSegmentsTooShortAreIgnored)
 {
     Bytes shortAdobe = segmentOf(0xEE, { 'A', 'd', 'o', 'b', 'e', 0, 100, 0, 0, 0, 0 }); // no transform byte
     Bytes shortJfif = segmentOf(0xE0, { 'J', 'F', 'I', 'F', 0, 1, 1, 2, 0, 9, 0, 9, 0 });
@@ -233,7 +233,7 @@ TEST(JpegPicture, ApplicationSegmentsTooShortAreIgnored)
     }
 }
 
-TEST(JpegPicture, MarkersBetweenSegments)
+TEST(JpegDecoder, MarkersBetweenSegments)
 {
     JpegPlan plan;
     plan.components = sampled(2, 2);
@@ -249,7 +249,7 @@ TEST(JpegPicture, MarkersBetweenSegments)
     }
 }
 
-TEST(JpegPicture, FileAndMemoryGiveTheSame)
+TEST(JpegDecoder, FileAndMemoryGiveTheSame)
 {
     JpegPlan plan;
     plan.width = 500;
@@ -279,7 +279,7 @@ TEST(JpegPicture, FileAndMemoryGiveTheSame)
     }
 }
 
-TEST(JpegPicture, DataThatEndsAtAMarkerLeavesTheRestGrey)
+TEST(JpegDecoder, DataThatEndsAtAMarkerLeavesTheRestGrey)
 {
     JpegPlan plan = flatPlan({ { 1, 1, 1 } }, { { 40, 41, 42, 43, 44, 45, 46, 47 } });
     plan.width = 64;
@@ -297,12 +297,12 @@ TEST(JpegPicture, DataThatEndsAtAMarkerLeavesTheRestGrey)
         while (good < 16 && decoded->at(good % 8 * 8, good / 8 * 8) == whole->at(good % 8 * 8, good / 8 * 8))
             ++good;
         EXPECT_GE(good * 6, static_cast<int>(size)) << size; // no block takes more than 10 bits
-        for (int b = good + 2; b < 16; ++b)                  // the one that misses bits takes zeros for them
+        for (int b = good + 2; b < 16; ++b)                  // the block with missing bits takes zeros for them
             EXPECT_EQ(decoded->at(b % 8 * 8, b / 8 * 8), 0x808080u) << size << " block " << b;
     }
 }
 
-TEST(JpegPicture, CodesThatDoNotExistAreSymbolZero)
+TEST(JpegDecoder, CodesThatDoNotExistAreSymbolZero)
 {
     JpegPlan plan = flatPlan({ { 1, 1, 1 } }, { { 0 } });
     JpegParts parts = planJpeg(plan);
@@ -337,7 +337,7 @@ static std::vector<Bytes> samplesOfAllKinds()
     return files;
 }
 
-TEST(JpegPicture, EveryTruncationIsSafeAndTheReadersAgree)
+TEST(JpegDecoder, EveryTruncationIsSafeAndTheReadersAgree)
 {
     int decodedCount = 0;
     for (const Bytes& file : samplesOfAllKinds())
@@ -352,10 +352,10 @@ TEST(JpegPicture, EveryTruncationIsSafeAndTheReadersAgree)
             plain = decodePlain(cut);
             ASSERT_TRUE(decode(cut) == plain) << size << " with an end";
         }
-    EXPECT_GT(decodedCount, 0); // what was read ahead may be all that is wanted
+    EXPECT_GT(decodedCount, 0); // a cut that leaves the reader enough bits goes unnoticed
 }
 
-TEST(JpegPicture, CorruptFilesAreSafeAndTheReadersAgree)
+TEST(JpegDecoder, CorruptFilesAreSafeAndTheReadersAgree)
 {
     const char* wanted = getenv("KESTRELBOX_CORRUPTIONS"); // for long runs by hand
     int count = wanted ? atoi(wanted) : 3000;

@@ -1,10 +1,10 @@
-// resources/make/make_pictures.cpp - makes the four pictures that the program carries
+// resources/make/make_textures.cpp - makes the embedded textures and the reflection image
 //
-//   make_pictures FOLDER
+//   make_textures FOLDER
 //
 // wood.jpg, metal.jpg and pattern.jpg tile: everything in them repeats with the unit square of their coordinates, u to
-// the right and v upward. One period is a square on a model whatever the picture's own proportions, so they are drawn
-// in u and v, not in pixels. reflect.jpg is a studio, as a mirror shows it; how it is laid out stands with it below.
+// the right and v upward. One period is a square on a model whatever the proportions of the file, so they are drawn in
+// u and v, not in pixels. reflect.jpg is a studio as a mirror shows it; a comment below explains its layout.
 #include "jpeg_file.h"
 #include "noise.h"
 #include "output.h"
@@ -17,14 +17,13 @@ using ColourAt = Colour (*)(double u, double v);
 
 // ---- wood: a slice through a trunk, grain upward ----
 
-// The depth into the trunk, in year rings. The saw ran beside the heart: along the middle of the plank its distance
-// from the heart comes and goes, which cuts the rings to arches; toward both sides they stand ever closer to upright
-// lines.
+// The depth in the trunk, counted in year rings. The saw cut beside the heart: along the middle of the plank its
+// distance from the heart varies, which makes arches of the rings; toward both sides the rings become upright lines.
 static double yearRing(double u, double v)
 {
     double side = 2 * fabs(u - 0.5) + 0.05 * noise(u, v, 3, 2, 11);
-    double comesAndGoes = 0.36 * noise(0.37, v, 1, 2, 3) + 0.07 * noise(0.37, v, 1, 5, 13);
-    double depth = 0.44 + comesAndGoes * (1 - smoothStep(0.30, 0.95, side));
+    double waver = 0.36 * noise(0.37, v, 1, 2, 3) + 0.07 * noise(0.37, v, 1, 5, 13);
+    double depth = 0.44 + waver * (1 - smoothStep(0.30, 0.95, side));
     double waves = 0.40 * noise(u, v, 4, 3, 14) + 0.16 * noise(u, v, 12, 7, 15) + 0.05 * noise(u, v, 40, 16, 16);
     return 15 * sqrt(depth * depth + side * side) + waves;
 }
@@ -138,7 +137,7 @@ static Colour glaze(const TilePlace& place)
     return mix(gold, colour, smoothStep(strap - 0.006, strap + 0.004, edge));
 }
 
-// The relief: straps stand round above the tiles, and tiles swell a little toward their middle.
+// The height of the relief: the straps are round and stand above the tiles, and each tile swells toward its middle.
 static double relief(double u, double v)
 {
     TilePlace place = tilePlace(u, v);
@@ -164,9 +163,10 @@ static Colour patternAt(double u, double v)
 
 // ---- reflect: a studio seen in a mirror ----
 //
-// The renderer looks a reflected ray (x, y, z) up by b = x / length of (x, z), to the right, and y, upward, each passed
-// through (t^3 + t + 2) / 4. Undoing that gives the ray's side and height, both -1 to 1, in which the studio is laid
-// out: rays straight back to the eye, and those that graze the model's outline, end in the middle.
+// The renderer finds the texel of a reflected ray (x, y, z) by two numbers: x / length of (x, z), to the right, and y,
+// upward. It maps each of them by (t^3 + t + 2) / 4. Undoing that gives the side and the height of the ray, both -1 to
+// 1, and the studio is laid out in these. Rays that return to the eye end in the middle, and so do rays that graze the
+// outline of the model.
 
 static double undoCubic(double s)
 {
@@ -227,10 +227,10 @@ static Colour studioAt(double u, double v)
 
 // ---- the files ----
 
-// Four samples a pixel.
-static Picture draw(int width, int height, bool tiles, ColourAt colourAt)
+// The texture with the mean of four samples in each pixel.
+static TexturePixels draw(int width, int height, bool tiles, ColourAt colourAt)
 {
-    Picture picture = { width, height, {}, tiles };
+    TexturePixels texture = { width, height, {}, tiles };
     for (int row = 0; row < height; ++row)
     {
         for (int column = 0; column < width; ++column)
@@ -244,17 +244,17 @@ static Picture draw(int width, int height, bool tiles, ColourAt colourAt)
                 sum = plus(sum, { clamp01(colour.r), clamp01(colour.g), clamp01(colour.b) }, 0.25);
             }
             for (double channel : { sum.r, sum.g, sum.b })
-                picture.rgb.push_back(static_cast<uint8_t>(channel * 255 + 0.5));
+                texture.rgb.push_back(static_cast<uint8_t>(channel * 255 + 0.5));
         }
     }
-    return picture;
+    return texture;
 }
 
 int main(int argumentCount, char** arguments)
 {
     if (argumentCount != 2)
     {
-        fprintf(stderr, "usage: make_pictures FOLDER\n");
+        fprintf(stderr, "usage: make_textures FOLDER\n");
         return 2;
     }
     struct
@@ -264,14 +264,14 @@ int main(int argumentCount, char** arguments)
         bool tiles;
         ColourAt colourAt;
         int quality;
-    } pictures[] = {
+    } textures[] = {
         { "wood.jpg", 476, 1066, true, woodAt, 90 },
         { "metal.jpg", 652, 422, true, metalAt, 90 },
         { "pattern.jpg", 512, 512, true, patternAt, 92 },
         { "reflect.jpg", 800, 736, false, studioAt, 93 },
     };
-    for (const auto& p : pictures)
-        if (!writeFile(arguments[1], p.name, jpegFile(draw(p.width, p.height, p.tiles, p.colourAt), p.quality)))
+    for (const auto& t : textures)
+        if (!writeFile(arguments[1], t.name, jpegFile(draw(t.width, t.height, t.tiles, t.colourAt), t.quality)))
             return 1;
     return 0;
 }

@@ -1,4 +1,4 @@
-// What the four carried pictures promise: their sizes, their kind of JPEG, and that they are small.
+// tests/resources/texture_files_test.cpp - the embedded JPEG files have their sizes, their coding and their limits
 #include "image/textures.h"
 #include "platform/resources.h"
 
@@ -13,7 +13,7 @@ struct FrameHeader
     int sampling[3] = {};
 };
 
-// The frame header of a JPEG, found by walking from marker to marker.
+// The frame header of a JPEG file, found from marker to marker.
 static FrameHeader frameHeader(const uint8_t* bytes, size_t size)
 {
     FrameHeader header;
@@ -30,31 +30,31 @@ static FrameHeader frameHeader(const uint8_t* bytes, size_t size)
     return header;
 }
 
-TEST(CarriedPictures, AreBaselineWithHalvedChromaAndHaveTheirSizes)
+TEST(TextureFiles, AreBaselineWithHalvedChromaAndHaveTheirSizes)
 {
     struct
     {
         const char* name;
         int width, height;
-    } pictures[] = { { "wood", 476, 1066 }, { "metal", 652, 422 }, { "pattern", 512, 512 }, { "reflect", 800, 736 } };
-    for (const auto& picture : pictures)
+    } files[] = { { "wood", 476, 1066 }, { "metal", 652, 422 }, { "pattern", 512, 512 }, { "reflect", 800, 736 } };
+    for (const auto& file : files)
     {
         ResourceBytes found;
-        ASSERT_TRUE(findResource(picture.name, &found)) << picture.name;
-        ASSERT_GT(found.size, 1000u) << picture.name;
+        ASSERT_TRUE(findResource(file.name, &found)) << file.name;
+        ASSERT_GT(found.size, 1000u) << file.name;
         EXPECT_EQ(memcmp(found.bytes,
                          "\xFF\xD8\xFF\xE0\x00\x10"
                          "JFIF",
                          11),
                   0)
-            << picture.name;
-        EXPECT_EQ(memcmp(found.bytes + found.size - 2, "\xFF\xD9", 2), 0) << picture.name;
+            << file.name;
+        EXPECT_EQ(memcmp(found.bytes + found.size - 2, "\xFF\xD9", 2), 0) << file.name;
         FrameHeader header = frameHeader(found.bytes, found.size);
-        ASSERT_TRUE(header.found) << picture.name;
-        EXPECT_EQ(header.marker, 0xC0) << picture.name;
+        ASSERT_TRUE(header.found) << file.name;
+        EXPECT_EQ(header.marker, 0xC0) << file.name;
         EXPECT_EQ(header.precision, 8);
-        EXPECT_EQ(header.width, picture.width) << picture.name;
-        EXPECT_EQ(header.height, picture.height) << picture.name;
+        EXPECT_EQ(header.width, file.width) << file.name;
+        EXPECT_EQ(header.height, file.height) << file.name;
         EXPECT_EQ(header.components, 3);
         EXPECT_EQ(header.sampling[0], 0x22);
         EXPECT_EQ(header.sampling[1], 0x11);
@@ -62,7 +62,7 @@ TEST(CarriedPictures, AreBaselineWithHalvedChromaAndHaveTheirSizes)
     }
 }
 
-TEST(CarriedPictures, TakeNoMoreRoomThanTheyMay)
+TEST(TextureFiles, AreSmallTogether)
 {
     size_t sum = 0;
     for (const char* name : { "wood", "metal", "pattern", "reflect" })
@@ -74,7 +74,7 @@ TEST(CarriedPictures, TakeNoMoreRoomThanTheyMay)
     EXPECT_LE(sum, 600u * 1024);
 }
 
-TEST(CarriedPictures, AreFoundWhateverTheLetterCase)
+TEST(TextureFiles, AreFoundInAnyLetterCase)
 {
     for (const char* name : { "WOOD", "Metal", "PATTERN", "reflect", "MODEL" })
     {
@@ -86,7 +86,7 @@ TEST(CarriedPictures, AreFoundWhateverTheLetterCase)
     EXPECT_FALSE(findResource("wood.jpg", &none));
 }
 
-// The mean difference of neighbouring pixels, over the edge of the picture and inside it.
+// The mean difference of neighbouring pixels, across the edge of the image and inside it.
 struct EdgeSteps
 {
     double across, inside;
@@ -126,7 +126,7 @@ static EdgeSteps rowSteps(const Image& image)
     return steps;
 }
 
-TEST(CarriedPictures, TileWithoutASeam)
+TEST(TextureFiles, TileWithoutASeam)
 {
     for (const char* name : { "wood", "metal", "pattern" })
     {
@@ -138,8 +138,8 @@ TEST(CarriedPictures, TileWithoutASeam)
     }
 }
 
-// What a reflection of the model's front and of its outline shows is the wall behind the eye: darker than the lights.
-TEST(CarriedPictures, ReflectionHasLightsAboveAndNoneInTheMiddle)
+// The front of the model and its outline reflect the wall behind the eye, which is darker than the lights.
+TEST(TextureFiles, ReflectionHasLightsAboveAndNoneInTheMiddle)
 {
     Image image = {};
     ASSERT_TRUE(loadTextureResource(&image, "reflect"));
