@@ -1,14 +1,14 @@
 // tools/duplicates.cpp - finding repeated faces by the sum of their corners
 //
 // A face with three or more different corner words repeats another one of the same sum exactly when both hold the same
-// words equally often: what the stored face has besides is fixed by the sum. Such faces are chained by their sums,
-// which keeps neighbours in the mesh neighbours in memory; those beyond the first few of one sum go into a hash of
-// their words.
+// words equally often: the sum fixes the remaining word of the stored face. Such faces are chained by their sums, which
+// keeps neighbours in the mesh neighbours in memory. Only the first few faces of one sum are chained; the others go
+// into a hash table of their words.
 //
-// A collapsed face, with one or two different words, may repeat a face that has other words besides. Which collapsed
-// faces there are is found out first; every face kept then marks those that it would make a repetition.
+// A collapsed face, with one or two different words, may also repeat a face that has other words besides. All collapsed
+// faces are therefore entered first. Every face that is kept then marks the collapsed faces that repeat it.
 //
-// A face takes one place at most, so a store of one place per face never runs out.
+// The store has one place for each face. A face takes one place at most, so the store cannot overflow.
 #include "tools/duplicates.h"
 
 #include "model/memory.h"
@@ -20,27 +20,31 @@
 #include <string.h>
 #include <algorithm>
 
-constexpr int chainLength = 8; // faces of one sum that are chained
+constexpr int chainLimit = 8; // faces of one sum that are chained
 
-// The two words of a collapsed face, or one twice, and its sum.
-struct Collapsed
+enum CollapsedState : uint32_t
+{
+    collapsedFree,   // nothing is stored here
+    collapsedStored, // no kept face has its words and its sum
+    collapsedRepeats // a kept face has them
+};
+
+// The smallest and the largest word of a collapsed face, and its sum.
+struct CollapsedFace
 {
     uint32_t sum;
     uint32_t low, high;
-    uint32_t state; // 0: the place is free
+    CollapsedState state;
 };
-
-constexpr uint32_t collapsedSeen = 1;
-constexpr uint32_t collapsedRepeats = 2; // a face kept has its words and its sum
 
 struct FaceStore
 {
     uint32_t* home; // by sum: face + 1, 0 for none
     uint32_t homeCount;
-    uint32_t* next;        // per face: the next face + 1 of the same sum
-    uint32_t* beyondChain; // face + 1, hashed by the words
-    uint32_t beyondMask;
-    Collapsed* collapsed; // hashed; null when no face is collapsed
+    uint32_t* next;   // per face: the next face + 1 of the same sum
+    uint32_t* hashed; // faces + 1 that no chain holds, hashed by their words
+    uint32_t hashedMask;
+    CollapsedFace* collapsed; // hashed by words and sum; null when no face is collapsed
     uint32_t collapsedMask;
 };
 
@@ -78,21 +82,21 @@ static bool isCollapsed(const Corners& c)
     return (words[0] != words[1]) + (words[1] != words[2]) + (words[2] != words[3]) < 2;
 }
 
-// The place of a collapsed face with these words, or the free one where it would go.
-static Collapsed* findCollapsed(const FaceStore& store, uint32_t sum, uint32_t low, uint32_t high)
+// The place of a collapsed face with these words, or the free place where it would go.
+static CollapsedFace* findCollapsed(const FaceStore& store, uint32_t sum, uint32_t low, uint32_t high)
 {
     uint64_t key = scrambled(uint64_t{ high } << 32 | low) + sum;
-    uint32_t slot = static_cast<uint32_t>(scrambled(key)) & store.collapsedMask;
-    for (;; slot = (slot + 1) & store.collapsedMask)
+    uint32_t index = static_cast<uint32_t>(scrambled(key)) & store.collapsedMask;
+    for (;; index = (index + 1) & store.collapsedMask)
     {
-        Collapsed& place = store.collapsed[slot];
-        if (place.state == 0 || (place.sum == sum && place.low == low && place.high == high))
+        CollapsedFace& place = store.collapsed[index];
+        if (place.state == collapsedFree || (place.sum == sum && place.low == low && place.high == high))
             return &place;
     }
 }
 
-// Marks the collapsed faces that are repetitions once this face is kept.
-static void markRepetitions(const FaceStore& store, const Corners& corners)
+// Marks the collapsed faces that repeat this face, which is kept.
+static void markCollapsed(const FaceStore& store, const Corners& corners)
 {
     uint32_t sum = sumOf(corners);
     for (size_t i = 0; i < 4; ++i)
@@ -100,34 +104,35 @@ static void markRepetitions(const FaceStore& store, const Corners& corners)
         for (size_t k = i; k < 4; ++k)
         {
             auto [low, high] = std::minmax(corners[i], corners[k]);
-            Collapsed* place = findCollapsed(store, sum, low, high);
-            if (place->state != 0)
+            CollapsedFace* place = findCollapsed(store, sum, low, high);
+            if (place->state != collapsedFree)
                 place->state = collapsedRepeats;
         }
     }
 }
 
-// Finds a face that the new one repeats among the stored ones, or stores it. Returns whether it repeats one.
-static bool repeatsBeyond(const FaceStore& store, const Mesh* mesh, uint32_t face)
+// Returns whether the face repeats one of the hash table; stores it there if it does not.
+static bool repeatsHashed(const FaceStore& store, const Mesh* mesh, uint32_t face)
 {
     Corners words = sorted(mesh->faces[face]);
     uint64_t key = scrambled(uint64_t{ words[1] } << 32 | words[0]) + (uint64_t{ words[3] } << 32 | words[2]);
-    uint32_t slot = static_cast<uint32_t>(scrambled(key)) & store.beyondMask;
-    for (; store.beyondChain[slot] != 0; slot = (slot + 1) & store.beyondMask)
+    uint32_t index = static_cast<uint32_t>(scrambled(key)) & store.hashedMask;
+    for (; store.hashed[index] != 0; index = (index + 1) & store.hashedMask)
     {
-        if (sorted(mesh->faces[store.beyondChain[slot] - 1]) == words)
+        if (sorted(mesh->faces[store.hashed[index] - 1]) == words)
             return true;
     }
-    store.beyondChain[slot] = face + 1;
+    store.hashed[index] = face + 1;
     return false;
 }
 
-static bool repeatsChained(const FaceStore& store, const Mesh* mesh, uint32_t face)
+// Returns whether the face repeats a stored one; stores it if it does not.
+static bool repeatsStored(const FaceStore& store, const Mesh* mesh, uint32_t face)
 {
     const Corners& corners = mesh->faces[face];
     uint32_t sum = sumOf(corners);
     uint32_t* link = &store.home[sum < store.homeCount ? sum : 0];
-    for (int step = 0; step < chainLength; ++step)
+    for (int step = 0; step < chainLimit; ++step)
     {
         if (*link == 0)
         {
@@ -139,7 +144,7 @@ static bool repeatsChained(const FaceStore& store, const Mesh* mesh, uint32_t fa
             return true;
         link = &store.next[*link - 1];
     }
-    return repeatsBeyond(store, mesh, face);
+    return repeatsHashed(store, mesh, face);
 }
 
 static bool repeatsEarlier(const FaceStore& store, const Mesh* mesh, uint32_t face)
@@ -152,14 +157,14 @@ static bool repeatsEarlier(const FaceStore& store, const Mesh* mesh, uint32_t fa
         repeats = findCollapsed(store, sumOf(corners), words[0], words[3])->state == collapsedRepeats;
     }
     else
-        repeats = repeatsChained(store, mesh, face);
+        repeats = repeatsStored(store, mesh, face);
     if (!repeats && store.collapsed)
-        markRepetitions(store, corners);
+        markCollapsed(store, corners);
     return repeats;
 }
 
-// Enters all collapsed faces, if there are any. Returns 0 without memory.
-static int findAllCollapsed(FaceStore* store, const Mesh* mesh)
+// Stores all collapsed faces. Returns 0 after "Out of memory".
+static int storeCollapsed(FaceStore* store, const Mesh* mesh)
 {
     uint64_t count = 0;
     for (int32_t f = 0; f < mesh->faceCount; ++f)
@@ -168,7 +173,7 @@ static int findAllCollapsed(FaceStore* store, const Mesh* mesh)
         return 1;
     store->collapsedMask = tableMask(2 * count);
     store->collapsed =
-        static_cast<Collapsed*>(workAlloc(blockSize(int64_t{ store->collapsedMask } + 1, sizeof(Collapsed))));
+        static_cast<CollapsedFace*>(workAlloc(blockSize(int64_t{ store->collapsedMask } + 1, sizeof(CollapsedFace))));
     if (!store->collapsed)
         return 0;
     for (int32_t f = 0; f < mesh->faceCount; ++f)
@@ -178,7 +183,7 @@ static int findAllCollapsed(FaceStore* store, const Mesh* mesh)
             continue;
         Corners words = sorted(corners);
         *findCollapsed(*store, sumOf(corners), words[0], words[3]) = { sumOf(corners), words[0], words[3],
-                                                                       collapsedSeen };
+                                                                       collapsedStored };
     }
     return 1;
 }
@@ -189,21 +194,21 @@ static void freeFaceStore(FaceStore* store)
     workFree(store->home);
 }
 
-// One block for the three arrays, which are touched only where they are used.
+// The three arrays share one block. Pages of it that no face needs are never touched.
 static int makeFaceStore(FaceStore* store, const Mesh* mesh)
 {
     *store = {};
     uint64_t faceCount = static_cast<uint64_t>(mesh->faceCount);
     uint64_t homeCount = 4 * static_cast<uint64_t>(mesh->vertexCount) + 1;
     store->homeCount = static_cast<uint32_t>(std::min<uint64_t>(homeCount, UINT32_MAX));
-    store->beyondMask = tableMask(2 * faceCount);
-    uint64_t words = store->homeCount + faceCount + store->beyondMask + 1;
+    store->hashedMask = tableMask(2 * faceCount);
+    uint64_t words = store->homeCount + faceCount + store->hashedMask + 1;
     store->home = static_cast<uint32_t*>(workAlloc(blockSize(static_cast<int64_t>(words), sizeof(uint32_t))));
     if (!store->home)
         return 0;
     store->next = store->home + store->homeCount;
-    store->beyondChain = store->next + faceCount;
-    if (findAllCollapsed(store, mesh))
+    store->hashed = store->next + faceCount;
+    if (storeCollapsed(store, mesh))
         return 1;
     freeFaceStore(store);
     return 0;

@@ -5,38 +5,38 @@
 #include "platform/boxes.h"
 #include "tools/hash.h"
 
-constexpr int chainLength = 8; // entries of one sum that are chained
-constexpr uint64_t firstBeyond = 4096;
+constexpr int chainLimit = 8;                 // entries of one sum that are chained
+constexpr uint64_t firstHashedEntries = 4096; // places of the hash when it is first needed
 
-// What a walk along the edges of one sum ended at.
+// Where a walk along the edges of one sum ended.
 struct EdgePlace
 {
     uint32_t index; // the edge's entry, or the last one of its chain
-    bool found;     // the entry is the edge's, or empty and to be filled
-    bool chainFull; // not found, and the chain cannot take another
+    bool found;     // the entry is the edge's, or an empty one for it
+    bool chainFull; // the walk passed chainLimit entries
 };
 
-static uint32_t beyondStart(const EdgeTable* table, uint32_t a, uint32_t b)
+static uint32_t hashStart(const EdgeTable* table, uint32_t a, uint32_t b)
 {
     uint64_t low = a < b ? a : b, high = a < b ? b : a;
-    return static_cast<uint32_t>(scrambled(high << 32 | low)) & table->beyondMask;
+    return static_cast<uint32_t>(scrambled(high << 32 | low)) & table->hashedMask;
 }
 
-// The slot of the edge in the hash: it holds the edge's entry, or 0 when the edge is not there.
-static uint32_t findBeyond(const EdgeTable* table, uint32_t a, uint32_t b)
+// The place of the edge in the hash: it holds the index of the edge's entry, or 0 when the edge is not there.
+static uint32_t findHashed(const EdgeTable* table, uint32_t a, uint32_t b)
 {
-    uint32_t slot = beyondStart(table, a, b);
-    for (; table->beyondChain[slot] != 0; slot = (slot + 1) & table->beyondMask)
+    uint32_t place = hashStart(table, a, b);
+    for (; table->hashed[place] != 0; place = (place + 1) & table->hashedMask)
     {
-        const EdgeEntry& entry = table->entries[table->beyondChain[slot]];
+        const EdgeEntry& entry = table->entries[table->hashed[place]];
         uint32_t start = entry.key & edgeVertexMask;
         if ((start == a && entry.next == b) || (start == b && entry.next == a))
             break;
     }
-    return slot;
+    return place;
 }
 
-// Within one sum, the start vertex alone tells the edge and its direction.
+// Among edges of one sum, the start vertex alone determines the edge and its direction.
 static EdgePlace findEdge(const EdgeTable* table, uint32_t a, uint32_t b)
 {
     uint32_t index = a + b + 1;
@@ -46,58 +46,57 @@ static EdgePlace findEdge(const EdgeTable* table, uint32_t a, uint32_t b)
         uint32_t start = entry.key & edgeVertexMask;
         if (start == a || start == b || entry.face1 == 0)
             return { index, true, false };
-        if (step == chainLength)
+        if (step == chainLimit)
             break;
         if (entry.next == 0)
             return { index, false, false };
         index = entry.next;
     }
-    if (table->beyondChain)
+    if (table->hashed)
     {
-        uint32_t beyond = table->beyondChain[findBeyond(table, a, b)];
-        if (beyond != 0)
-            return { beyond, true, true };
+        uint32_t hashedIndex = table->hashed[findHashed(table, a, b)];
+        if (hashedIndex != 0)
+            return { hashedIndex, true, true };
     }
     return { index, false, true };
 }
 
-// Twice the room for the hash, with what it held entered again. Returns 0 without memory.
-static int growBeyond(EdgeTable* table)
+// Doubles the hash and enters its contents again. Returns 0 after "Out of memory".
+static int growHash(EdgeTable* table)
 {
     EdgeTable old = *table;
-    table->beyondMask = tableMask(old.beyondChain ? 2 * (uint64_t{ old.beyondMask } + 1) : firstBeyond);
-    table->beyondChain =
-        static_cast<uint32_t*>(workAlloc(blockSize(int64_t{ table->beyondMask } + 1, sizeof(uint32_t))));
-    if (!table->beyondChain)
+    table->hashedMask = tableMask(old.hashed ? 2 * (uint64_t{ old.hashedMask } + 1) : firstHashedEntries);
+    table->hashed = static_cast<uint32_t*>(workAlloc(blockSize(int64_t{ table->hashedMask } + 1, sizeof(uint32_t))));
+    if (!table->hashed)
     {
         *table = old;
         table->memoryRefused = true;
         return 0;
     }
-    for (uint64_t slot = 0; old.beyondChain && slot <= old.beyondMask; ++slot)
+    for (uint64_t place = 0; old.hashed && place <= old.hashedMask; ++place)
     {
-        uint32_t index = old.beyondChain[slot];
+        uint32_t index = old.hashed[place];
         if (index != 0)
-            table->beyondChain[findBeyond(table, table->entries[index].key & edgeVertexMask,
-                                          table->entries[index].next)] = index;
+            table->hashed[findHashed(table, table->entries[index].key & edgeVertexMask, table->entries[index].next)] =
+                index;
     }
-    workFree(old.beyondChain);
+    workFree(old.hashed);
     return 1;
 }
 
-// The next overflow entry, found from now on where the walk ended. 0 when there is none.
+// Takes the next overflow entry and links it where the walk ended. Returns its index, or 0 when there is none.
 static uint32_t takeOverflow(EdgeTable* table, const EdgePlace& place, uint32_t a, uint32_t b)
 {
-    if (table->entryCount == table->entryRoom)
+    if (table->entryCount == table->entryLimit)
         return 0;
-    bool roomBeyond = table->beyondChain && 2 * table->beyondCount <= table->beyondMask;
-    if (place.chainFull && !roomBeyond && !growBeyond(table))
+    bool roomInHash = table->hashed && 2 * table->hashedCount <= table->hashedMask;
+    if (place.chainFull && !roomInHash && !growHash(table))
         return 0;
     uint32_t index = table->entryCount++;
     if (place.chainFull)
     {
-        ++table->beyondCount;
-        table->beyondChain[findBeyond(table, a, b)] = index;
+        ++table->hashedCount;
+        table->hashed[findHashed(table, a, b)] = index;
         table->entries[index].next = b;
     }
     else
@@ -109,7 +108,7 @@ int insertEdge(EdgeTable* table, uint32_t a, uint32_t b, uint32_t face)
 {
     EdgePlace place = findEdge(table, a, b);
     uint32_t index = place.found ? place.index : takeOverflow(table, place, a, b);
-    if (index == 0) // sums start at entry 1
+    if (index == 0) // no edge has entry 0
         return 0;
     EdgeEntry& entry = table->entries[index];
     if (entry.face1 == 0)
@@ -152,9 +151,9 @@ int buildEdgeTable(const Mesh* mesh, EdgeTable* table)
         return reportOutOfMemory();
     uint32_t vertexCount = static_cast<uint32_t>(mesh->vertexCount);
     table->homeCount = table->entryCount = 2 * vertexCount;
-    table->entryRoom = 4 * vertexCount;
-    // One entry at least, for a mesh without vertices.
-    table->entries = static_cast<EdgeEntry*>(workAlloc(blockSize(int64_t{ table->entryRoom } + 1, sizeof(EdgeEntry))));
+    table->entryLimit = 4 * vertexCount;
+    // One entry more than the limit, because workAlloc gives no block of size 0.
+    table->entries = static_cast<EdgeEntry*>(workAlloc(blockSize(int64_t{ table->entryLimit } + 1, sizeof(EdgeEntry))));
     if (!table->entries)
         return 0;
     if (insertFaces(mesh, table))
@@ -167,7 +166,7 @@ int buildEdgeTable(const Mesh* mesh, EdgeTable* table)
 
 void freeEdgeTable(EdgeTable* table)
 {
-    workFree(table->beyondChain);
+    workFree(table->hashed);
     workFree(table->entries);
     *table = {};
 }

@@ -1,4 +1,4 @@
-// tools/filter.cpp - the list of groups and materials and what choosing from it hides
+// tools/filter.cpp - the list of groups and materials, and hiding the faces of all entries but one
 #include "tools/filter.h"
 
 #include "platform/boxes.h"
@@ -25,7 +25,7 @@ static void showAllFaces(Mesh* mesh)
         mesh->faceAttributes[f] &= ~faceHidden;
 }
 
-// Returns how many faces belong to the entry.
+// Shows the faces of one entry and hides the others. Returns how many faces the entry has.
 static int32_t showEntry(Mesh* mesh, int32_t index)
 {
     int32_t shown = 0;

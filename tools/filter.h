@@ -1,15 +1,16 @@
 // tools/filter.h - showing one group or one material of a mesh
 //
-// The list from which the user chooses: "All Groups", the group names, "All Materials", the material names.
+// The user chooses from a list: "All Groups", the names of the groups, "All Materials", the names of the materials.
 #pragma once
 #include "model/mesh.h"
 
+// The number of entries of the list.
 int32_t filterEntryCount(const Mesh* mesh);
 
-// The text of entry 0..filterEntryCount - 1; it belongs to the mesh or to the program.
+// The text of entry 0..filterEntryCount - 1. It belongs to the mesh or is constant.
 const char* filterEntryName(const Mesh* mesh, int32_t index);
 
-// Shows the faces of one list entry and hides the others; deleted slots stay as they are. Entry 0 shows everything. An
-// entry without faces ("All Materials", or a number past the list) shows everything, too, with a beep. Ends with the
-// bounds of what is shown; for entry 0, of all vertices. A null mesh is ignored.
+// Shows the faces of one entry and hides the others. Deleted slots stay as they are. Entry 0 shows everything. An entry
+// without faces ("All Materials", or a number past the list) beeps and also shows everything. Then computes the bounds
+// of what is shown; for entry 0, of all vertices. A null mesh is ignored.
 void applyFilter(Mesh* mesh, int32_t index);

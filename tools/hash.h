@@ -1,8 +1,10 @@
-// tools/hash.h - scrambling keys for the tables of the mesh tools
+// tools/hash.h - hash tables of the mesh tools: mixing keys, sizes
 #pragma once
 #include <stdint.h>
 
-// Every bit of the result depends on every bit of the key (the finishing steps of MurmurHash3 by Austin Appleby).
+// Mixes a key so that every bit of the result depends on every bit of the key.
+//
+// Source: the finalizer of MurmurHash3 (Austin Appleby)
 inline uint64_t scrambled(uint64_t key)
 {
     key ^= key >> 33;
@@ -12,7 +14,7 @@ inline uint64_t scrambled(uint64_t key)
     return key ^ (key >> 33);
 }
 
-// The smallest power of two that is not below n (and not below 16), less one: a mask for indices into such a table.
+// The index mask of a table of at least n entries: its size, a power of two from 16 up, less one.
 inline uint32_t tableMask(uint64_t n)
 {
     uint64_t size = 16;

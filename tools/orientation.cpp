@@ -32,25 +32,27 @@ void invertMesh(Mesh* mesh)
     computeNormals(mesh);
 }
 
-// A link to a neighbour is its face + 1, with the mark that the windings disagree along the shared edge; 0: no link.
-constexpr uint32_t linkDisagrees = 1u << 31;
-
+// The faces across the edges of a face, free links last. A link is the neighbour's face + 1, with linkDisagrees set
+// when the windings disagree along the shared edge; 0: no link.
 struct Neighbours
 {
     uint32_t links[4];
 };
 
-constexpr uint8_t faceReached = 1; // visited, or waiting to be
-constexpr uint8_t faceTurned = 2;
+constexpr uint32_t linkDisagrees = 1u << 31;
 
-struct Surface
+// Marks of a face.
+constexpr uint8_t markReached = 1; // it is on the stack or has been
+constexpr uint8_t markTurned = 2;  // it is turned over when it is taken from the stack
+
+struct Adjacency
 {
     Neighbours* neighbours; // per face slot
     uint8_t* marks;         // per face slot, in the same block
-    uint32_t* waiting;      // a stack
+    uint32_t* waiting;      // a stack of faces
 };
 
-// Empties the edges that are no manifold and returns how many of the others have disagreeing faces.
+// Empties the entries of non-manifold edges. Returns on how many of the other edges the faces disagree.
 static uint32_t countDisagreements(EdgeTable* edges)
 {
     uint32_t count = 0;
@@ -65,14 +67,13 @@ static uint32_t countDisagreements(EdgeTable* edges)
     return count;
 }
 
-// The fourth link is taken by the fourth neighbour and any after it. A face has four edges and an edge gives each of
-// its two faces one link, so that there are never more than four.
+// A face has at most four edges, and an edge gives each of its two faces one link, so there is always a free link.
 static void addLink(Neighbours* neighbours, uint32_t link)
 {
-    int slot = 0;
-    while (slot < 3 && neighbours->links[slot] != 0)
-        ++slot;
-    neighbours->links[slot] = link;
+    int i = 0;
+    while (i < 3 && neighbours->links[i] != 0)
+        ++i;
+    neighbours->links[i] = link;
 }
 
 static void linkFaces(const EdgeTable* edges, Neighbours* neighbours)
@@ -88,40 +89,49 @@ static void linkFaces(const EdgeTable* edges, Neighbours* neighbours)
     }
 }
 
-// Depth first from a face that stays. A face is turned when its winding disagrees with that of the face from which it
-// is first seen, as that one stands by then. Every face waits at most once, so the stack holds them all.
-static void orientPiece(Mesh* mesh, const Surface& surface, uint32_t first)
+// Goes depth first from a face that stays. A face is turned over when its winding disagrees with the present winding of
+// the face from which it is reached. Every face is pushed at most once, so the stack cannot overflow.
+static void orientPiece(Mesh* mesh, const Adjacency& adjacency, uint32_t first)
 {
     uint32_t waitingCount = 0;
-    surface.marks[first] = faceReached;
-    surface.waiting[waitingCount++] = first;
+    adjacency.marks[first] = markReached;
+    adjacency.waiting[waitingCount++] = first;
     while (waitingCount > 0)
     {
-        uint32_t face = surface.waiting[--waitingCount];
-        bool turned = surface.marks[face] & faceTurned;
+        uint32_t face = adjacency.waiting[--waitingCount];
+        bool turned = adjacency.marks[face] & markTurned;
         if (turned)
             flipFace(mesh->faces[face], mesh->faceUvs[face]);
-        for (uint32_t link : surface.neighbours[face].links)
+        for (uint32_t link : adjacency.neighbours[face].links)
         {
             if (link == 0)
                 break;
             uint32_t neighbour = (link & ~linkDisagrees) - 1;
-            if (surface.marks[neighbour] & faceReached)
+            if (adjacency.marks[neighbour] & markReached)
                 continue;
             bool disagrees = (link & linkDisagrees) != 0;
-            surface.marks[neighbour] = disagrees != turned ? faceReached | faceTurned : faceReached;
-            surface.waiting[waitingCount++] = neighbour;
+            adjacency.marks[neighbour] = disagrees != turned ? markReached | markTurned : markReached;
+            adjacency.waiting[waitingCount++] = neighbour;
         }
     }
 }
 
-static int makeSurface(const Mesh* mesh, Surface* surface)
+static void orientPieces(Mesh* mesh, const Adjacency& adjacency)
+{
+    for (uint32_t f = 0; f < static_cast<uint32_t>(mesh->faceCount); ++f)
+    {
+        if (adjacency.neighbours[f].links[0] != 0 && !(adjacency.marks[f] & markReached))
+            orientPiece(mesh, adjacency, f);
+    }
+}
+
+static int makeAdjacency(const Mesh* mesh, Adjacency* adjacency)
 {
     auto* block = static_cast<uint8_t*>(workAlloc(blockSize(mesh->faceCount, sizeof(Neighbours) + 1)));
     if (!block)
         return 0;
-    surface->neighbours = reinterpret_cast<Neighbours*>(block);
-    surface->marks = block + static_cast<size_t>(mesh->faceCount) * sizeof(Neighbours);
+    adjacency->neighbours = reinterpret_cast<Neighbours*>(block);
+    adjacency->marks = block + static_cast<size_t>(mesh->faceCount) * sizeof(Neighbours);
     return 1;
 }
 
@@ -136,22 +146,19 @@ int fixNormals(Mesh* mesh)
         showNotice("Normals ok, nothing to do");
         return 1;
     }
-    Surface surface = {};
-    int ok = makeSurface(mesh, &surface);
+    Adjacency adjacency = {};
+    int ok = makeAdjacency(mesh, &adjacency);
     if (ok)
-        linkFaces(&edges, surface.neighbours);
+        linkFaces(&edges, adjacency.neighbours);
     freeEdgeTable(&edges);
     if (ok)
-        surface.waiting =
+        adjacency.waiting =
             static_cast<uint32_t*>(workAlloc(blockSize(int64_t{ mesh->faceCount } + 1, sizeof(uint32_t))));
-    ok = surface.waiting != nullptr;
-    for (uint32_t f = 0; ok && f < static_cast<uint32_t>(mesh->faceCount); ++f)
-    {
-        if (surface.neighbours[f].links[0] != 0 && !(surface.marks[f] & faceReached))
-            orientPiece(mesh, surface, f);
-    }
-    workFree(surface.waiting);
-    workFree(surface.neighbours);
+    ok = adjacency.waiting != nullptr;
+    if (ok)
+        orientPieces(mesh, adjacency);
+    workFree(adjacency.waiting);
+    workFree(adjacency.neighbours);
     if (!ok)
         return 0;
     computeNormals(mesh);

@@ -21,7 +21,7 @@ static bool isTriangle(const Mesh* mesh, uint32_t face)
     return isSurface(mesh->faceAttributes[face]) && corners[3] == noCorner && cornersAreVertices(mesh, corners, 3);
 }
 
-// The corner at which the longest edge starts; of equal ones the first edge, then the second.
+// The slot of the corner at which the longest edge starts. Of equally long edges the first one counts.
 static size_t longestEdge(const Mesh* mesh, const Corners& corners)
 {
     float d01 = squaredLength(mesh, corners[0], corners[1]);
@@ -32,7 +32,7 @@ static size_t longestEdge(const Mesh* mesh, const Corners& corners)
     return d01 < d12 && d12 >= d20 ? 1 : 2;
 }
 
-// The first of a triangle's corners that is neither a nor b; 3 when there is none.
+// The slot of a triangle's first corner that is neither a nor b; 3 when there is none.
 static size_t oppositeCorner(const Corners& corners, uint32_t a, uint32_t b)
 {
     size_t k = 0;
@@ -41,13 +41,14 @@ static size_t oppositeCorner(const Corners& corners, uint32_t a, uint32_t b)
     return k;
 }
 
-static void insertCorner(Corners& corners, size_t place, uint32_t value)
+static void insertCorner(Corners& corners, size_t slot, uint32_t value)
 {
-    for (size_t k = 3; k > place; --k)
+    for (size_t k = 3; k > slot; --k)
         corners[k] = corners[k - 1];
-    corners[place] = value;
+    corners[slot] = value;
 }
 
+// Makes the face a quad if it can be merged. Returns whether it was.
 static bool mergeWithNeighbour(Mesh* mesh, const EdgeTable* edges, uint32_t face)
 {
     Corners& corners = mesh->faces[face];
@@ -67,7 +68,8 @@ static bool mergeWithNeighbour(Mesh* mesh, const EdgeTable* edges, uint32_t face
     return true;
 }
 
-// The table stays as it was built: that a face is still a triangle, and not deleted, keeps it from being used twice.
+// The edge table is not updated: a face that has been merged is no longer a triangle or is deleted, so it is not used
+// again.
 int makeQuads(Mesh* mesh)
 {
     EdgeTable edges;
@@ -93,8 +95,8 @@ struct FaceArrays
     Corners* faceUvs;
     Plane* facePlanes;
     uint32_t* faceAttributes;
-    int32_t used;
-    int32_t live;
+    int32_t count;     // face slots in use
+    int32_t liveCount; // of them not records of polylines
 };
 
 static void freeFaceArrays(FaceArrays* arrays)
@@ -105,6 +107,7 @@ static void freeFaceArrays(FaceArrays* arrays)
     tableFree(arrays->faceAttributes);
 }
 
+// Returns 0 after "Out of memory".
 static int makeFaceArrays(FaceArrays* arrays, int64_t capacity)
 {
     *arrays = {};
@@ -129,14 +132,14 @@ static int makeFaceArrays(FaceArrays* arrays, int64_t capacity)
 
 static void appendFace(FaceArrays* arrays, const Corners& corners, const Corners& uvs, uint32_t attributes)
 {
-    arrays->faces[arrays->used] = corners;
-    arrays->faceUvs[arrays->used] = uvs;
-    arrays->faceAttributes[arrays->used] = attributes;
-    ++arrays->used;
-    arrays->live += !(attributes & faceLine);
+    arrays->faces[arrays->count] = corners;
+    arrays->faceUvs[arrays->count] = uvs;
+    arrays->faceAttributes[arrays->count] = attributes;
+    ++arrays->count;
+    arrays->liveCount += !(attributes & faceLine);
 }
 
-// Corner i of the quad, then the two that follow it.
+// The triangle of corner i of a quad and the two corners that follow it.
 static void appendTriangle(FaceArrays* arrays, const Mesh* mesh, int32_t quad, size_t i)
 {
     const Corners& c = mesh->faces[quad];
@@ -153,9 +156,10 @@ static bool isQuad(const Mesh* mesh, int32_t face)
 static void cutQuad(FaceArrays* arrays, const Mesh* mesh, int32_t quad)
 {
     const Corners& c = mesh->faces[quad];
-    bool second = cornersAreVertices(mesh, c, 4) && squaredLength(mesh, c[0], c[2]) > squaredLength(mesh, c[1], c[3]);
-    appendTriangle(arrays, mesh, quad, second ? 3 : 0);
-    appendTriangle(arrays, mesh, quad, second ? 1 : 2);
+    bool secondShorter =
+        cornersAreVertices(mesh, c, 4) && squaredLength(mesh, c[0], c[2]) > squaredLength(mesh, c[1], c[3]);
+    appendTriangle(arrays, mesh, quad, secondShorter ? 3 : 0);
+    appendTriangle(arrays, mesh, quad, secondShorter ? 1 : 2);
 }
 
 static void installFaceArrays(Mesh* mesh, const FaceArrays& arrays, int32_t capacity)
@@ -166,8 +170,8 @@ static void installFaceArrays(Mesh* mesh, const FaceArrays& arrays, int32_t capa
     mesh->faceUvs = arrays.faceUvs;
     mesh->facePlanes = arrays.facePlanes;
     mesh->faceAttributes = arrays.faceAttributes;
-    mesh->faceCount = arrays.used;
-    mesh->liveFaceCount = arrays.live;
+    mesh->faceCount = arrays.count;
+    mesh->liveFaceCount = arrays.liveCount;
     mesh->faceCapacity = capacity;
 }
 

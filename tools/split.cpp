@@ -7,17 +7,17 @@
 #include <stdio.h>
 #include <array>
 
-constexpr uint32_t lastPiece = 127; // shared by all pieces that come after those of 0..126
-constexpr uint32_t noPiece = 0;     // pieces are kept as piece + 1
+constexpr uint32_t lastPiece = 127; // shared by all pieces that come after pieces 0 to 126
+constexpr uint32_t noPiece = 0;     // pieces are stored as piece + 1
 
-using FacesOfVertex = std::array<uint32_t, 8>; // face + 1, free ones 0 and last
+using FacesOfVertex = std::array<uint32_t, 8>; // faces + 1; 0: free, after all others
 
 struct Pieces
 {
     FacesOfVertex* facesOf; // per vertex
     uint32_t* vertexPiece;  // per vertex, in the same block
     uint32_t* facePiece;    // per face slot
-    uint32_t* waiting;      // a stack; a face waits once, so it has room for all
+    uint32_t* waiting;      // a stack of faces; every face is pushed at most once, so it cannot overflow
     uint32_t waitingCount;
     uint32_t nextPiece;
     uint32_t extraGroups; // 1 when some pieces share the last group
@@ -31,27 +31,28 @@ static void freePieces(Pieces* pieces)
     workFree(pieces->facesOf);
 }
 
-// An element more than needed in each, for a mesh without vertices or faces.
+// Each block has one element more than needed, because workAlloc gives no block of size 0.
 static int makePieces(Pieces* pieces, const Mesh* mesh)
 {
     *pieces = {};
-    int64_t vertexRoom = int64_t{ mesh->vertexCount } + 1, faceRoom = int64_t{ mesh->faceCount } + 1;
+    int64_t vertexEntries = int64_t{ mesh->vertexCount } + 1, faceEntries = int64_t{ mesh->faceCount } + 1;
     pieces->facesOf =
-        static_cast<FacesOfVertex*>(workAlloc(blockSize(vertexRoom, sizeof(FacesOfVertex) + sizeof(uint32_t))));
+        static_cast<FacesOfVertex*>(workAlloc(blockSize(vertexEntries, sizeof(FacesOfVertex) + sizeof(uint32_t))));
     if (pieces->facesOf)
-        pieces->facePiece = static_cast<uint32_t*>(workAlloc(blockSize(faceRoom, sizeof(uint32_t))));
+        pieces->facePiece = static_cast<uint32_t*>(workAlloc(blockSize(faceEntries, sizeof(uint32_t))));
     if (pieces->facePiece)
-        pieces->waiting = static_cast<uint32_t*>(workAlloc(blockSize(faceRoom, sizeof(uint32_t))));
+        pieces->waiting = static_cast<uint32_t*>(workAlloc(blockSize(faceEntries, sizeof(uint32_t))));
     if (pieces->waiting)
     {
-        pieces->vertexPiece = reinterpret_cast<uint32_t*>(pieces->facesOf + vertexRoom);
+        pieces->vertexPiece = reinterpret_cast<uint32_t*>(pieces->facesOf + vertexEntries);
         return 1;
     }
     freePieces(pieces);
     return 0;
 }
 
-// The corners by which a face is connected: none for a face that is no surface.
+// How many corners connect a face to others: none when it is deleted, a record of a polyline or has a corner that is
+// not a vertex.
 static size_t connectingCorners(const Mesh* mesh, uint32_t face)
 {
     if (!isSurface(mesh->faceAttributes[face]))
@@ -66,11 +67,11 @@ static void enterFace(Pieces* pieces, const Corners& corners, size_t count, uint
     for (size_t k = 0; k < count; ++k)
     {
         FacesOfVertex& faces = pieces->facesOf[corners[k]];
-        size_t slot = 0;
-        while (slot < faces.size() && faces[slot] != 0)
-            ++slot;
-        if (slot < faces.size())
-            faces[slot] = face + 1;
+        size_t i = 0;
+        while (i < faces.size() && faces[i] != 0)
+            ++i;
+        if (i < faces.size())
+            faces[i] = face + 1;
     }
 }
 
@@ -87,7 +88,7 @@ static void enterFaces(Pieces* pieces, const Mesh* mesh)
     pieces->nextPiece = pieces->hasLines;
 }
 
-// The piece that a face without one starts or joins: that of its first vertex which has one, else a new one.
+// The piece of a face that has none yet: that of its first vertex which has one, else a new one.
 static uint32_t choosePiece(Pieces* pieces, const Corners& corners, size_t count)
 {
     for (size_t k = 0; k < count; ++k)

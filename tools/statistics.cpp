@@ -1,7 +1,7 @@
 // tools/statistics.cpp - counting what is wrong with a mesh
 //
-// Edges are sorted into one list for each vertex, that of their lower end, and a list is counted by the upper ends: no
-// hash and no comparison, so no mesh makes it slow.
+// Each edge goes into the list of its lower end, and a list is counted by the upper ends. There is no hash and no
+// comparison, so every mesh takes linear time.
 #include "tools/statistics.h"
 
 #include "model/memory.h"
@@ -12,7 +12,7 @@
 
 struct EdgeLists
 {
-    uint32_t* start; // per vertex: of its list in upper; one more for the end of the last
+    uint32_t* start; // per vertex: where its list starts in upper; one more for the end of the last list
     uint32_t* upper; // the upper ends of all edges, list by list
     uint32_t* uses;  // per vertex: how often it is an upper end in the list being counted
 };
@@ -49,7 +49,7 @@ static int32_t countDegenerateFaces(const Mesh* mesh)
     return count;
 }
 
-// Calls visit with the lower and the upper end of every edge.
+// Calls visit with the lower and the upper end of every edge of every face.
 template <typename Visit>
 static void visitEdges(const Mesh* mesh, Visit visit)
 {
@@ -98,7 +98,8 @@ static int makeEdgeLists(const Mesh* mesh, EdgeLists* lists)
     return 1;
 }
 
-// Lengths two places on, then their sums: start[v + 1] is where v's list begins, and moves to its end as it fills.
+// Counts the edges of v in start[v + 2] and adds the counts up, so that start[v + 1] is where the list of v starts.
+// Filling the list moves start[v + 1] to its end, where the list of v + 1 starts.
 static void fillEdgeLists(const Mesh* mesh, EdgeLists* lists)
 {
     visitEdges(mesh, [&](uint32_t lower, uint32_t) { ++lists->start[lower + 2]; });
@@ -117,7 +118,7 @@ static void countList(const EdgeLists& lists, int32_t vertex, MeshStatistics* st
     {
         statistics->openEdges += lists.uses[*end] == 1;
         statistics->nonManifoldEdges += lists.uses[*end] > 2;
-        lists.uses[*end] = 0; // each edge once, and clean for the next list
+        lists.uses[*end] = 0; // counts each edge once, and clears for the next list
     }
 }
 

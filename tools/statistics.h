@@ -1,17 +1,17 @@
-// tools/statistics.h - how sound a mesh is
+// tools/statistics.h - counting what is wrong with a mesh
 #pragma once
 #include "model/mesh.h"
 
-// Surfaces only: faces that are neither deleted nor lines. Hidden ones count.
+// Of the faces that are neither deleted nor records of polylines, hidden ones included.
 struct MeshStatistics
 {
     int32_t degenerateFaces;   // a vertex twice, or no area
     int32_t duplicateVertices; // at the position of an earlier vertex
     int64_t openEdges;         // with one face
-    int64_t nonManifoldEdges;  // with three faces and more
+    int64_t nonManifoldEdges;  // with three or more faces
 };
 
-// Counts in time linear in vertices and faces. Planes must be up to date. A face with a vertex twice, or with a corner
-// that is no vertex, has no edges; one that has no area otherwise does.
+// Counts in time linear in vertices and faces. The planes must be up to date. A face that uses a vertex twice, or has a
+// corner that is not a vertex, has no edges; any other face without area has.
 // Returns 1, or 0 after "Out of memory".
 int gatherStatistics(const Mesh* mesh, MeshStatistics* statistics);

@@ -26,21 +26,21 @@ int resetUvs(Mesh* mesh)
     return 1;
 }
 
-// The projection looks along viewAxis, 24 degrees from above and 60 degrees about; textureRight and textureUp complete
-// it to three unit vectors at right angles. No side of a box is narrowed to less than 0.4 of its length.
+// The projection looks along viewAxis, from 24 degrees above and 60 degrees to the side. With textureRight and
+// textureUp it makes three unit vectors at right angles. No side of a box is narrowed to less than 0.4 of its length.
 constexpr float viewAxis[3] = { 0.7911536f, 0.4067366f, 0.4567727f };
 constexpr float textureRight[3] = { 0.5f, 0, -0.8660254f };
 constexpr float textureUp[3] = { -0.3522442f, 0.9135455f, -0.2033683f };
 constexpr float spreadRadius = 0.1f; // of the sphere that is unrolled evenly, in largest extents of the model
 
-// acos(c) / sqrt(1 - c c) - 1 for c = 0..1: how much longer the arc to the pole is than its projection. A cubic with
-// the right values and slopes at both ends, so that every machine computes the same.
+// acos(c) / sqrt(1 - c c) - 1 for c = 0..1: how much longer the arc to the pole is than its projection. It is a cubic
+// with the right values and slopes at both ends, so that every machine computes the same bits.
 static float arcExcess(float c)
 {
     return 0.5707963f + c * (-1.0f + c * (0.6209408f + c * -0.1917371f));
 }
 
-// Positions near the end of the number range overflow on the way; they get the middle of the picture.
+// Positions near the end of the number range overflow in the projection. They get the middle of the picture.
 static float finiteOrMiddle(float x)
 {
     return isfinite(x) ? x : 0.5f;
@@ -60,8 +60,8 @@ static Uv projectVertex(const MeshVertex& vertex, const float* centre, float sca
 
 int generateUvs(Mesh* mesh)
 {
-    int32_t room = mesh->uvs ? mesh->uvCapacity : 0;
-    if (room < mesh->vertexCount && !growUvs(mesh, mesh->vertexCount - room))
+    int32_t capacity = mesh->uvs ? mesh->uvCapacity : 0;
+    if (capacity < mesh->vertexCount && !growUvs(mesh, mesh->vertexCount - capacity))
         return 0;
     float extent = 0;
     for (int axis = 0; axis < 3; ++axis)

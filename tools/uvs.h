@@ -1,23 +1,23 @@
-// tools/uvs.h - texture coordinates for meshes whose files bring none
+// tools/uvs.h - texture coordinates for meshes whose files have none
 #pragma once
 #include "model/mesh.h"
 
-// Gives the mesh the one placeholder coordinate (0, 0), to which every corner of every face slot then points.
+// Gives the mesh the single placeholder (0, 0) and points every corner of every face slot to it.
 // Returns 1, or 0 after "Out of memory".
 int resetUvs(Mesh* mesh);
 
-// The same for a mesh whose face slots all have texture indices of 0, as they are in fresh arrays: these are not
-// touched.
+// The same for a mesh whose texture indices are all 0 already, as in fresh arrays: it leaves them alone.
 int addPlaceholderUv(Mesh* mesh);
 
 // One texture coordinate for each vertex, from its position and its normal; uvs[i] belongs to vertices[i].
 //
 // In:     positions, normals and bounds up to date; faceUvs hold the vertex indices of their faces
 // Out:    uvs[vertexCount], uvCount = vertexCount; the picture covers the model about once and is centred on it
-// Errors: 0 after "Out of memory"; without vertices there is nothing to do
+// Errors: returns 1, or 0 after "Out of memory"; does nothing without vertices
 //
-// There is one coordinate for each vertex, so nothing can be cut open: neighbours must stay neighbours. A flat
-// projection does that, slanted so that neither walls nor floors nor roofs of the usual slopes are seen edge-on. What
-// is seen edge-on on a round shape is spread by moving each vertex outward along its normal, just as far as a sphere of
-// a fifth of the model's size needs to be unrolled evenly; on flat parts all normals are equal and nothing moves.
+// A vertex has only one coordinate, so the surface cannot be cut open and neighbours stay neighbours. A parallel
+// projection keeps them so. It is slanted, so that walls, floors and roofs of the usual slopes are not seen edge-on.
+// Parts of a round shape that are seen edge-on are spread: each vertex moves outward along its normal, as far as it
+// takes to unroll a sphere of a fifth of the model's size evenly. On flat parts all normals are equal and nothing
+// moves.
 int generateUvs(Mesh* mesh);

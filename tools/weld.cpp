@@ -1,10 +1,10 @@
 // tools/weld.cpp - merging vertices by position
 //
-// Vertices are taken in order and looked up in one hash of those kept so far: of the position when only equal ones
-// merge, else of the step of |x - y + z| and of the cell of a grid in which near positions lie in the same cell or in
-// neighbouring ones. A vertex merges into the first kept one that it is near to. One that is kept moves down at once,
-// so that all that are kept lie side by side and have their new numbers. A vertex is stored once at most, so a store of
-// one place per vertex never runs out.
+// Vertices are taken in order and looked up in a hash table of those kept so far. Where only equal positions merge, the
+// key is the position. Otherwise it is the step of |x - y + z| and the cell of a grid; near positions lie in the same
+// cell or in neighbouring ones. A vertex merges into the first kept one that it is near to. A vertex that is kept moves
+// down at once, so that the kept ones are contiguous and have their new numbers. The store has one place for each
+// vertex, and a vertex is stored at most once, so the store cannot overflow.
 #include "tools/weld.h"
 
 #include "model/memory.h"
@@ -20,17 +20,18 @@
 #include <bit>
 
 constexpr float nearTolerance = 0.00001f;
-constexpr int32_t batch = 64; // vertices whose memory is asked for ahead
-constexpr uint32_t unused = 0;
+constexpr int32_t batchVertices = 64; // vertices prefetched together
+constexpr uint32_t unused = 0;        // target of a vertex that no face uses
 
 struct VertexStore
 {
-    MeshVertex* vertices; // the mesh's; the first `kept` of them are those that stay
+    MeshVertex* vertices; // of the mesh; the first `kept` of them stay
     uint32_t kept;
-    uint32_t* target; // per old vertex: the new number + 1 of what it becomes, before that 1 if it is used; unused
-    uint32_t* home;   // hashed: new number + 1, with a tag above it where only equal ones merge; 0 for none
+    uint32_t*
+        target;     // per old vertex: unused, or 1 until it is looked up and then the new number + 1 of what it becomes
+    uint32_t* home; // hash table: new number + 1, with a tag above it where only equal positions merge; 0: free
     uint32_t homeMask;
-    uint32_t* next; // per kept vertex where near ones merge: the next of the same hash, as in home
+    uint32_t* next; // per kept vertex where near positions merge: the next one of the same hash, as in home
 };
 
 static float keyOf(const float* position)
@@ -44,7 +45,8 @@ static bool nearPositions(const float* a, const float* b)
            fabsf(a[2] - b[2]) <= nearTolerance;
 }
 
-// One block: the home entries, of which half at least stay free where only equal vertices merge, and the other arrays.
+// All arrays share one block. Where only equal positions merge, at least half of the home entries stay free. Returns 0
+// after "Out of memory".
 static int makeVertexStore(VertexStore* store, const Mesh* mesh, bool equalOnly)
 {
     int64_t count = mesh->vertexCount;
@@ -72,7 +74,7 @@ static void markUsedVertices(const Mesh* mesh, uint32_t* target)
     }
 }
 
-// Gives a vertex the next new number. Its position and colour move down; normals are made anew afterwards.
+// Gives a vertex the next new number and moves its position and colour down. Normals are computed again afterwards.
 static uint32_t keepVertex(VertexStore* store, uint32_t vertex)
 {
     if (store->kept != vertex)
@@ -80,8 +82,8 @@ static uint32_t keepVertex(VertexStore* store, uint32_t vertex)
     return store->target[vertex] = ++store->kept;
 }
 
-// What the home entries of equal vertices hold: the new number + 1 in the low bits, bits of the hash above it. The
-// entry where a hash is looked for first is told by its upper bits.
+// How a home entry is divided where only equal positions merge: the new number + 1 in the low bits, bits of the hash as
+// a tag above it. The upper bits of a hash give the entry where its search starts.
 struct EqualWeld
 {
     VertexStore* store;
@@ -110,12 +112,12 @@ static void mergeEqual(const EqualWeld& weld, uint32_t vertex, uint32_t hash)
     store->home[place] = tag | keepVertex(store, vertex);
 }
 
-// Three rounds over a batch, so that what one needs is on its way while the others are asked for: the home entries,
-// the vertices stored there, the comparison.
+// Works in three rounds, so that the cache misses of a batch overlap: prefetch the home entries, prefetch the vertices
+// stored there, compare.
 static void mergeEqualBatch(const EqualWeld& weld, uint32_t first, uint32_t count)
 {
     const VertexStore* store = weld.store;
-    uint32_t hashes[batch];
+    uint32_t hashes[batchVertices];
     for (uint32_t i = 0; i < count; ++i)
     {
         hashes[i] = positionHash(store->vertices[first + i].position);
@@ -138,14 +140,15 @@ static void mergeAllEqual(const Mesh* mesh, VertexStore* store)
     const auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
     EqualWeld weld = { store, static_cast<int>(std::bit_width(vertexCount)),
                        static_cast<int>(std::countl_zero(store->homeMask)) };
-    for (uint32_t first = 0; first < vertexCount; first += batch)
-        mergeEqualBatch(weld, first, std::min<uint32_t>(batch, vertexCount - first));
+    for (uint32_t first = 0; first < vertexCount; first += batchVertices)
+        mergeEqualBatch(weld, first, std::min<uint32_t>(batchVertices, vertexCount - first));
 }
 
-// Cells of 2^-14, six times the tolerance: what is near lies in the same cell or in the next. Multiplying by 2^14 is
-// exact. Past 128 the next float is farther than the tolerance, so only equal positions are near; from 2^20 on, where a
-// cell number would grow without bounds, every value has a cell of its own.
-static int64_t cellOf(float x)
+// The number of a coordinate's cell in the grid. Cells are 2^-14 wide, six times the tolerance, so near coordinates lie
+// in the same cell or in neighbouring ones. Multiplying by 2^14 is exact. Past 128 the distance to the next float
+// exceeds the tolerance, so only equal coordinates are near. From 2^20 on, where cell numbers would become too large,
+// every value has a cell of its own.
+static int64_t gridCell(float x)
 {
     if (!(fabsf(x) < 1048576.0f))
         return int64_t{ floatBits(x) } + (int64_t{ 1 } << 40);
@@ -154,7 +157,7 @@ static int64_t cellOf(float x)
     return whole - (static_cast<float>(whole) > cells);
 }
 
-static int32_t stepOf(float key, float smallest, float scale, int32_t vertexCount)
+static int32_t keyStep(float key, float smallest, float scale, int32_t vertexCount)
 {
     float step = (key - smallest) * scale;
     if (!(step > 0))
@@ -192,12 +195,11 @@ struct NearWeld
 
 static int32_t stepOfPosition(const NearWeld& weld, const float* position)
 {
-    return stepOf(keyOf(position), weld.smallest, weld.scale, weld.vertexCount);
+    return keyStep(keyOf(position), weld.smallest, weld.scale, weld.vertexCount);
 }
 
-// Where a vertex is stored, by the step of its key and the cell of its position, and everywhere that one near to it may
-// be: first its own cell's entry, then those of the cells next to it that a near position may lie in; none in the
-// middle of a cell.
+// The home entries where a vertex or one near to it may be stored. The first is that of its own step and cell. The
+// others are those of the neighbouring cells that a near position may lie in; in the middle of a cell there are none.
 struct Search
 {
     int32_t step;
@@ -205,20 +207,20 @@ struct Search
     uint32_t* homes[8];
 };
 
-// A sum with a factor for each axis, so that a cell next to another has a key that differs by that factor.
+// The key of a cell is a sum with a factor for each axis, so that the keys of neighbouring cells differ by that factor.
 static Search searchAround(const NearWeld& weld, const float* position)
 {
     static constexpr uint64_t factors[3] = { 0x9E3779B97F4A7C15u, 0xC2B2AE3D27D4EB4Fu, 0x165667B19E3779F9u };
-    constexpr float margin = 1.5f * nearTolerance; // leaves room for the rounding of the difference
+    constexpr float margin = 1.5f * nearTolerance; // more than the tolerance, because the difference is rounded
     Search search;
     search.step = stepOfPosition(weld, position);
     uint64_t key = static_cast<uint64_t>(search.step) * 0xFF51AFD7ED558CCDu;
-    uint64_t toNext[3]; // from the key to that of the next cell on an axis; 0 where that is not looked at
+    uint64_t toNext[3]; // from the key to that of the neighbouring cell on an axis; 0: not to be searched
     for (int axis = 0; axis < 3; ++axis)
     {
-        int64_t cell = cellOf(position[axis]);
-        int64_t low = std::clamp(cellOf(position[axis] - margin), cell - 1, cell);
-        int64_t high = std::clamp(cellOf(position[axis] + margin), cell, cell + 1);
+        int64_t cell = gridCell(position[axis]);
+        int64_t low = std::clamp(gridCell(position[axis] - margin), cell - 1, cell);
+        int64_t high = std::clamp(gridCell(position[axis] + margin), cell, cell + 1);
         key += static_cast<uint64_t>(cell) * factors[axis];
         toNext[axis] = static_cast<uint64_t>(low + high - 2 * cell) * factors[axis];
     }
@@ -235,30 +237,30 @@ static Search searchAround(const NearWeld& weld, const float* position)
     return search;
 }
 
-// The lowest near vertex as new number + 1; 0 for none.
-static uint32_t nearestKept(const NearWeld& weld, const float* position, const Search& search)
+// The first kept vertex that is near, as new number + 1; 0: none.
+static uint32_t firstNear(const NearWeld& weld, const float* position, const Search& search)
 {
     const VertexStore* store = weld.store;
-    uint32_t best = 0;
+    uint32_t first = 0;
     for (int32_t i = 0; i < search.homeCount; ++i)
     {
         for (uint32_t stored = *search.homes[i]; stored != 0; stored = store->next[stored - 1])
         {
             const float* there = store->vertices[stored - 1].position;
-            bool lower = best == 0 || stored < best;
+            bool lower = first == 0 || stored < first;
             if (lower && nearPositions(there, position) && stepOfPosition(weld, there) == search.step)
-                best = stored;
+                first = stored;
         }
     }
-    return best;
+    return first;
 }
 
 static void mergeNear(const NearWeld& weld, uint32_t vertex, const Search& search)
 {
     VertexStore* store = weld.store;
-    if (uint32_t best = nearestKept(weld, store->vertices[vertex].position, search))
+    if (uint32_t near = firstNear(weld, store->vertices[vertex].position, search))
     {
-        store->target[vertex] = best;
+        store->target[vertex] = near;
         return;
     }
     uint32_t number = keepVertex(store, vertex);
@@ -266,11 +268,11 @@ static void mergeNear(const NearWeld& weld, uint32_t vertex, const Search& searc
     *search.homes[0] = number;
 }
 
-// In rounds, as the equal ones.
+// In three rounds, as mergeEqualBatch.
 static void mergeNearBatch(const NearWeld& weld, uint32_t first, uint32_t count)
 {
     const VertexStore* store = weld.store;
-    Search searches[batch];
+    Search searches[batchVertices];
     for (uint32_t i = 0; i < count; ++i)
     {
         searches[i].homeCount = 0;
@@ -303,8 +305,8 @@ static void mergeAllNear(const Mesh* mesh, VertexStore* store)
     float scale = static_cast<float>(mesh->vertexCount - 1) / (range.largest - range.smallest);
     NearWeld weld = { store, range.smallest, scale, mesh->vertexCount };
     const auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
-    for (uint32_t first = 0; first < vertexCount; first += batch)
-        mergeNearBatch(weld, first, std::min<uint32_t>(batch, vertexCount - first));
+    for (uint32_t first = 0; first < vertexCount; first += batchVertices)
+        mergeNearBatch(weld, first, std::min<uint32_t>(batchVertices, vertexCount - first));
 }
 
 static void renumberCorners(Mesh* mesh, const uint32_t* target, uint32_t oldCount)
@@ -314,7 +316,7 @@ static void renumberCorners(Mesh* mesh, const uint32_t* target, uint32_t oldCoun
         Corners& corners = mesh->faces[f];
         for (size_t k = 0; k < 4 && corners[k] != noCorner; ++k)
         {
-            if (corners[k] >= oldCount || target[corners[k]] == unused) // of a deleted slot
+            if (corners[k] >= oldCount || target[corners[k]] == unused) // only of a deleted slot
             {
                 corners = { 0, 0, 0, noCorner };
                 break;
@@ -324,7 +326,7 @@ static void renumberCorners(Mesh* mesh, const uint32_t* target, uint32_t oldCoun
     }
 }
 
-// What follows on the merging, and the outcome in a notice.
+// Completes the mesh after the merging and shows the result in a notice. Frees the store.
 static void finishWeld(Mesh* mesh, const VertexStore& store)
 {
     const auto oldCount = static_cast<uint32_t>(mesh->vertexCount);
@@ -345,7 +347,7 @@ static void finishWeld(Mesh* mesh, const VertexStore& store)
     showNotice(text);
 }
 
-// Whether the smallest and the largest key of the vertices differ; they also do when the first is no number.
+// Whether the smallest and the largest key of the vertices differ. They also differ when the first is not a number.
 static bool keysDiffer(const Mesh* mesh)
 {
     const float first = keyOf(mesh->vertices[0].position);

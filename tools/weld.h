@@ -1,4 +1,4 @@
-// tools/weld.h - vertices that lie at the same place become one
+// tools/weld.h - Weld: vertices at the same place become one
 #pragma once
 #include "model/mesh.h"
 
