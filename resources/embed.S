@@ -1,4 +1,4 @@
-// The embedded files as bytes, each between NAME and NAME_end.
+// resources/embed.S - the embedded files as bytes, each between embedded_NAME and embedded_NAME_end
 .section .rodata
 
 .macro embed name, path

@@ -1,4 +1,4 @@
-// resources/ids.h - every identifier of the menu and the dialogs, once; read by the resource compiler, too
+// resources/ids.h - every identifier of the menu and the dialogs, for the programs and for the resource compiler
 #pragma once
 
 // Menu "AppMenu"

@@ -18,7 +18,7 @@ static JpegKernels kernelsOf(KernelLevel level)
     return kernels;
 }
 
-class JpegKernelsOf : public testing::TestWithParam<KernelLevel>
+class JpegKernelLevels : public testing::TestWithParam<KernelLevel>
 {
 protected:
     void SetUp() override
@@ -31,7 +31,7 @@ protected:
     std::mt19937 random{ 5 };
 };
 
-INSTANTIATE_TEST_SUITE_P(JpegKernels, JpegKernelsOf, testing::Values(kernelsSse2, kernelsAvx2));
+INSTANTIATE_TEST_SUITE_P(Fast, JpegKernelLevels, testing::Values(kernelsSse2, kernelsAvx2));
 
 TEST(JpegKernels, EveryLevelHasItsOwnKernels)
 {
@@ -55,7 +55,7 @@ TEST(JpegKernels, MultipliersOfTheInverseDct)
         EXPECT_EQ(found[i], static_cast<int32_t>(decimals[i] * 8192 + 0.5)) << decimals[i];
 }
 
-TEST_P(JpegKernelsOf, InverseDct)
+TEST_P(JpegKernelLevels, InverseDct)
 {
     for (int round = 0; round < 60000; ++round)
     {
@@ -88,7 +88,7 @@ TEST_P(JpegKernelsOf, InverseDct)
     }
 }
 
-TEST_P(JpegKernelsOf, InverseDctOfTwoBlocksIsThatOfEach)
+TEST_P(JpegKernelLevels, InverseDctOfTwoBlocksIsThatOfEach)
 {
     for (int round = 0; round < 20000; ++round)
     {
@@ -115,7 +115,7 @@ TEST_P(JpegKernelsOf, InverseDctOfTwoBlocksIsThatOfEach)
     }
 }
 
-TEST_P(JpegKernelsOf, TriangleFilters)
+TEST_P(JpegKernelLevels, TriangleFilters)
 {
     for (int n = 3; n < 70; ++n)
         for (int round = 0; round < 20; ++round)
@@ -137,7 +137,7 @@ TEST_P(JpegKernelsOf, TriangleFilters)
         }
 }
 
-TEST_P(JpegKernelsOf, EveryChromaPair)
+TEST_P(JpegKernelLevels, EveryChromaPair)
 {
     uint8_t y[256], cb[256], cr[256];
     uint32_t a[256], b[256];
@@ -156,7 +156,7 @@ TEST_P(JpegKernelsOf, EveryChromaPair)
         }
 }
 
-TEST_P(JpegKernelsOf, ColourTails)
+TEST_P(JpegKernelLevels, ColourTails)
 {
     uint8_t rows[3][64 + rowPaddingAfter];
     for (auto& row : rows)
