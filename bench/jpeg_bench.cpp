@@ -1,8 +1,8 @@
-// bench/jpeg_bench.cpp - pictures of 2048 x 2048 and 8192 x 8192 decoded, in Mpixel/s, beside stb_image and turbojpeg
+// bench/jpeg_bench.cpp - decodes JPEG files of 2048 x 2048 and 8192 x 8192, in Mpixel/s, beside stb_image and turbojpeg
 // where they are installed
 //
-// The pictures are random coefficients spread like those of a photograph: about 12 a luma block, most of them small and
-// of low frequency.
+// The files have random coefficients with the distribution of a photograph: about 12 in a luma block, most of them
+// small and of low frequency.
 #include "image/jpeg.h"
 #include "jpeg_builder.h"
 #include "platform/processor.h"
@@ -43,15 +43,15 @@ static int sideOf(Kind kind)
     return kind == kind420Large ? 8192 : 2048;
 }
 
-static int fall(std::mt19937& random, int percent, int most)
+static int geometricNumber(std::mt19937& random, int percent, int limit)
 {
     int n = 0;
-    while (n < most && static_cast<int>(random() % 100) < percent)
+    while (n < limit && static_cast<int>(random() % 100) < percent)
         ++n;
     return n;
 }
 
-static Bytes makePicture(Kind kind)
+static Bytes makeFile(Kind kind)
 {
     JpegPlan plan;
     plan.width = plan.height = sideOf(kind);
@@ -67,25 +67,25 @@ static Bytes makePicture(Kind kind)
     {
         std::mt19937& r = *random;
         int& dc = (*level)[static_cast<size_t>(component)];
-        int step = fall(r, 70, 40);
+        int step = geometricNumber(r, 70, 40);
         dc = std::clamp(dc + (r() % 2 ? step : -step), -60, 60);
         zigzag[0] = dc;
         int k = 0;
-        for (int count = fall(r, component == 0 ? 94 : 80, 40); count > 0 && k < 60; --count)
+        for (int count = geometricNumber(r, component == 0 ? 94 : 80, 40); count > 0 && k < 60; --count)
         {
-            k += 1 + fall(r, 40, 3);
-            int size = 1 + fall(r, 55 - k / 2, 60);
+            k += 1 + geometricNumber(r, 40, 3);
+            int size = 1 + geometricNumber(r, 55 - k / 2, 60);
             zigzag[k] = r() % 2 ? size : -size;
         }
     };
     return buildJpeg(plan);
 }
 
-static const Bytes& picture(Kind kind)
+static const Bytes& fileOf(Kind kind)
 {
     static Bytes made[4];
     if (made[kind].empty())
-        made[kind] = makePicture(kind);
+        made[kind] = makeFile(kind);
     return made[kind];
 }
 
@@ -99,7 +99,7 @@ static void countPixels(benchmark::State& state, Kind kind, const Bytes& file)
 
 static void decodeOurs(benchmark::State& state, Kind kind, KernelLevel highest)
 {
-    const Bytes& file = picture(kind);
+    const Bytes& file = fileOf(kind);
     limitKernelLevel(highest);
     for (auto _ : state)
     {
@@ -116,7 +116,7 @@ static void decodeOurs(benchmark::State& state, Kind kind, KernelLevel highest)
 #ifdef HAVE_STB_IMAGE
 static void decodeStb(benchmark::State& state, Kind kind)
 {
-    const Bytes& file = picture(kind);
+    const Bytes& file = fileOf(kind);
     for (auto _ : state)
     {
         int width, height, channels;
@@ -137,7 +137,7 @@ static void decodeStb(benchmark::State& state, Kind kind)
 #ifdef HAVE_TURBOJPEG
 static void decodeTurbo(benchmark::State& state, Kind kind)
 {
-    const Bytes& file = picture(kind);
+    const Bytes& file = fileOf(kind);
     tjhandle turbo = tjInitDecompress();
     size_t bytes = static_cast<size_t>(sideOf(kind)) * static_cast<size_t>(sideOf(kind)) * 4;
     for (auto _ : state)

@@ -1,4 +1,4 @@
-// fuzz/builtin_fuzz.cpp - the built-in model's format on any bytes
+// fuzz/builtin_fuzz.cpp - any bytes in the format of the built-in model
 #include "model/builtin.h"
 #include "model/memory.h"
 #include "tests/check_mesh.h"

@@ -1,4 +1,4 @@
-// fuzz/jpeg_fuzz.cpp - the picture decoder on any bytes
+// fuzz/jpeg_fuzz.cpp - any bytes as a JPEG file
 #include "image/jpeg.h"
 
 #include <stdlib.h>

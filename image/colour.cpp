@@ -119,7 +119,7 @@ void convertRow(const JpegState& state, uint32_t* words, const uint8_t* const* r
             words[i] = packed(rows[0][i], rows[1][i], rows[2][i]);
         break;
     case colourCmyk: convertCmyk(words, rows, n); break;
-    case colourYcck:
+    case colourYcck: // such files store the key inverted, so it adds to the luma
         for (int32_t i = 0; i < n; ++i)
             words[i] = fromYcc(rows[0][i] + rows[3][i], rows[1][i], rows[2][i]);
         break;

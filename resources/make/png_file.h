@@ -1,4 +1,4 @@
-// resources/make/png_file.h - PNG files, for the large picture of an icon
+// resources/make/png_file.h - PNG files, for the largest size of an icon
 #pragma once
 #include <stdint.h>
 #include <string>

@@ -51,7 +51,7 @@ TEST(JpegLikeDjpeg, EverySamplingAndSize)
         }
 }
 
-TEST(JpegLikeDjpeg, SmallestPictures)
+TEST(JpegLikeDjpeg, SmallestImages)
 {
     NEEDS("djpeg");
     for (const Sampling& s : samplings)
@@ -110,7 +110,7 @@ TEST(JpegLikeDjpeg, SixteenBitQuantisationTables)
     }
 }
 
-static Bytes pictureToEncode(int width, int height)
+static Bytes imageToEncode(int width, int height)
 {
     std::string header = "P6\n" + std::to_string(width) + " " + std::to_string(height) + "\n255\n";
     Bytes ppm(header.begin(), header.end());
@@ -136,7 +136,7 @@ TEST(JpegLikeDjpeg, EveryQuality)
 {
     NEEDS("djpeg");
     NEEDS("cjpeg");
-    Bytes ppm = pictureToEncode(83, 61);
+    Bytes ppm = imageToEncode(83, 61);
     const char* kinds[] = { "-sample 1x1", "-sample 2x1 -optimize", "-sample 2x2", "-grayscale",
                             "-sample 2x2 -restart 1" };
     for (int quality = 1; quality <= 100; ++quality)
@@ -156,7 +156,7 @@ TEST(JpegLikeDjpeg, EncodedSamplingsOptimisedAndRestarted)
             {
                 std::string options = std::string("-sample ") + sample + " " + more;
                 bool replicated = std::string(sample) == "1x2";
-                expectAsDjpeg(encodeByCjpeg(pictureToEncode(width, 50), options), replicated ? "-nosmooth" : "",
+                expectAsDjpeg(encodeByCjpeg(imageToEncode(width, 50), options), replicated ? "-nosmooth" : "",
                               options + " width " + std::to_string(width));
             }
 }
