@@ -5,7 +5,7 @@
 #include <immintrin.h>
 #include <string.h>
 
-// 0x00RRGGBB, whose bytes stand in the pixel's order.
+// 0x00RRGGBB: in memory its bytes have the order of a pixel.
 static inline uint32_t pixelOf(uint32_t cell)
 {
     return (cell & 0xF800) << 8 | (cell & 0x07E0) << 5 | (cell & 0x001F) << 3;
@@ -21,8 +21,8 @@ void expandCells(uint8_t* pixels, const uint32_t* cells, int32_t count)
     }
 }
 
-// Eight cells become 24 bytes: each half of the register is packed by itself, then the halves are joined. The store of
-// 32 bytes is only taken where more cells follow.
+// Eight cells become 24 bytes: each half of the register is packed by itself, then the halves are joined. A store
+// writes 32 bytes, so the loop ends where the eight bytes too many would not be overwritten.
 __attribute__((target("avx2"))) void expandCellsAvx2(uint8_t* pixels, const uint32_t* cells, int32_t count)
 {
     const __m256i red = _mm256_set1_epi32(0xF800), green = _mm256_set1_epi32(0x07E0), blue = _mm256_set1_epi32(0x001F);

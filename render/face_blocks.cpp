@@ -1,18 +1,16 @@
 // render/face_blocks.cpp - eight faces at a time, by the places of their corners
 //
-// A triangle's corners are sorted by row, then by column, as numbers of row << 16 | column. With the corners a, b, c in
-// that order, a triangle of up to two rows has pixels
-// - in row 0, when a and b both stand there: as many as they are columns apart, from a on
-// - in row 1, between the places where the edges cross it, rounded down: the middle of a c, and b itself or the middle
-//   of the longer of the two other edges
+// A triangle's corners are sorted by row, then by column, as numbers row << 16 | column. Call them a, b and c in that
+// order. A triangle of up to two rows has these pixels:
+// - row 0: when a and b both lie in it, the columns from a up to, not including, b
+// - row 1: the columns between the two points where edges cross it, rounded down. One point is the middle of the edge
+//   a c. The other is b, or the middle of the other edge that spans two rows
 #include "render/face_blocks.h"
 
 #include "render/project.h"
+#include "render/simd.h"
 
 #include <immintrin.h>
-
-#define withAvx2 __attribute__((target("avx2")))
-#define inlineAvx2 __attribute__((target("avx2"), always_inline)) static inline
 
 inlineAvx2 __m256i both(__m256i a, __m256i b)
 {
@@ -54,7 +52,7 @@ inlineAvx2 CornerLanes loadCorners(const Corners* faces)
                _mm256_unpackhi_epi64(c, d) } };
 }
 
-// The corner's place as row << 16 | column; the off-screen marks are gathered on the way.
+// The corners' places as row << 16 | column. Their flags are added to offScreen, for its top bit.
 inlineAvx2 __m256i loadPlaces(const ProjectedVertex* projected, __m256i index, __m256i* offScreen)
 {
     const long long* words = reinterpret_cast<const long long*>(projected);
@@ -63,13 +61,13 @@ inlineAvx2 __m256i loadPlaces(const ProjectedVertex* projected, __m256i index, _
     __m256 high = _mm256_castsi256_ps(_mm256_i32gather_epi64(words, _mm256_extracti128_si256(index, 1), 8));
     __m256i xy = _mm256_castps_si256(_mm256_shuffle_ps(low, high, 0x88));
     __m256i flags = _mm256_castps_si256(_mm256_shuffle_ps(low, high, 0xDD));
-    // faces 0 1 4 5 2 3 6 7 until here
+    // up to here the lanes hold faces 0 1 4 5 2 3 6 7
     xy = _mm256_permute4x64_epi64(xy, 0xD8);
     *offScreen = either(*offScreen, _mm256_permute4x64_epi64(flags, 0xD8));
     return either(_mm256_slli_epi32(xy, 16), _mm256_srli_epi32(xy, 16));
 }
 
-// Faces that a pass looks at.
+// The faces of the pass.
 inlineAvx2 __m256i passFaces(FaceBlock* block, const FacePass* pass, __m256i attributes)
 {
     __m256i away = _mm256_set1_epi32(static_cast<int32_t>(faceHidden | faceDeleted));
@@ -84,7 +82,7 @@ inlineAvx2 __m256i passFaces(FaceBlock* block, const FacePass* pass, __m256i att
     return both(both(seen, side), kind);
 }
 
-// What the triangles with these places have: no pixel, or one that is a corner's.
+// Which triangles have no pixel, and which have one, that of a corner.
 struct SmallTriangles
 {
     __m256i empty, single, corner; // the place of the corner

@@ -1,7 +1,7 @@
-// render/face_blocks.h - what becomes of eight faces in a pass, before any of them is drawn
+// render/face_blocks.h - sorting eight faces of a pass at a time, before any of them is drawn
 //
-// In finely cut models most faces that look toward the eye lie between the pixels, and many of the others have one
-// pixel, which is that of a corner. Both are seen from the corners' places alone.
+// In a finely cut model most triangles cover no pixel, and many of the others cover one, that of a corner. The places
+// of the corners show both, so that such triangles need no set-up.
 #pragma once
 #include "model/mesh.h"
 
@@ -9,27 +9,27 @@
 
 constexpr int32_t faceBlock = 8;
 constexpr int32_t blockVertexLimit = 1 << 30;
-constexpr uint32_t sideTableShift = 9; // a table by material, with those of eye-facing faces from 512 on
+constexpr uint32_t sideTableShift = 9; // tables by material hold the eye-facing faces' entries from 512 on
 
 struct FacePass
 {
     uint32_t side;               // faceEyeFacing, or 0 for faces turned away
     uint32_t opaque;             // all ones to draw opaque faces, 0 for transparent ones
-    const uint32_t* transparent; // by side and material: all ones when it is transparent
+    const uint32_t* transparent; // by side and material: all ones for a transparent material
     const ProjectedVertex* projected;
     const Corners* faces;
     const uint32_t* faceAttributes;
     uint32_t lastVertex;
 };
 
-// A bit for each face.
+// Bit k stands for face k of the block.
 struct FaceBlock
 {
-    uint32_t transparent; // of any side, not hidden
-    uint32_t drawn;       // the pass's, to be drawn one by one: may have pixels
-    uint32_t single;      // the pass's triangles of one pixel, that of the corner in vertex
-    uint32_t empty;       // the pass's triangles on the screen without a pixel
-    uint32_t vertex[faceBlock];
+    uint32_t transparent;       // transparent faces that are not hidden, whichever way they face
+    uint32_t drawn;             // faces of the pass that may have pixels, to be drawn one by one
+    uint32_t single;            // triangles of the pass with one pixel
+    uint32_t empty;             // triangles of the pass on the screen without a pixel
+    uint32_t vertex[faceBlock]; // of a single triangle: the vertex whose pixel it is
 };
 
 // Sorts faces first..first + 7. For processors with AVX2, 1 to blockVertexLimit vertices.

@@ -1,7 +1,7 @@
-// render/faces.cpp - the face drawer: which faces a pass draws, and how a corner gets its colour and its texture place
+// render/faces.cpp - the face drawer: the faces of each pass, and the colours and texture coordinates of their corners
 #include "render/faces.h"
 
-#include "render/edges.h"
+#include "render/triangle_edges.h"
 #include "render/face_blocks.h"
 #include "render/kernels.h"
 #include "render/materials.h"
@@ -77,7 +77,8 @@ static FaceMaterial materialOf(const FaceDrawer* drawer, uint32_t attributes)
     return { &drawer->mesh->materials[index], key | index << vertexMaterialShift };
 }
 
-// Colour and reflection of a vertex on the side that is seen, kept until another material or side asks.
+// Shades a vertex on the side that is seen. The vertex keeps the colour, and with it the key, for the faces that share
+// it.
 static void shadeProjected(FaceDrawer* drawer, uint32_t index, const FaceMaterial& face)
 {
     const MeshVertex& vertex = drawer->mesh->vertices[index];
@@ -96,8 +97,8 @@ static void shadeProjected(FaceDrawer* drawer, uint32_t index, const FaceMateria
     ++drawer->shadings;
 }
 
-// Places and depths of the corners of a face that is wholly on the screen. Returns their number, or 0 when a corner is
-// off the screen or is no vertex.
+// Reads place and depth of a face's corners. Returns their number, or 0 when a corner is off the screen or its index is
+// not that of a vertex.
 static int readCorners(const Mesh* mesh, TriangleCorner* out, int32_t faceIndex)
 {
     const Corners& corners = mesh->faces[faceIndex];
@@ -156,7 +157,7 @@ static void fillFace(FaceDrawer* drawer, const TriangleCorner* corners)
     filler(&drawer->fill, &state);
 }
 
-// A polyline's points, or a polygon's outline when closed.
+// Draws the lines between a polyline's points; closed adds the last side of a polygon.
 static void drawOutline(FaceDrawer* drawer, const TriangleCorner* corners, int count, bool closed)
 {
     ++drawer->polygons;
@@ -175,7 +176,7 @@ static const TriangleCorner* secondHalfOf(TriangleCorner* half, const TriangleCo
     return half;
 }
 
-// sorted: a triangle that is known to have pixels, or too large to tell.
+// sorted tells that a sorter has already passed the face; a triangle then needs no second test for pixels.
 static void drawFace(FaceDrawer* drawer, int32_t index, const FaceMaterial& face, bool sorted)
 {
     TriangleCorner corner[4];
@@ -202,7 +203,7 @@ static void drawFace(FaceDrawer* drawer, int32_t index, const FaceMaterial& face
         fillFace(drawer, corner);
 }
 
-// A triangle of one pixel, a corner's, in an opaque pass without a texture.
+// Draws a triangle of one pixel, that of a corner, in an opaque pass without a texture.
 static void drawSingle(FaceDrawer* drawer, int32_t faceIndex, uint32_t vertexIndex)
 {
     ++drawer->polygons;
@@ -220,8 +221,8 @@ static void drawSingle(FaceDrawer* drawer, int32_t faceIndex, uint32_t vertexInd
     fill->noiseCounter += noiseStep;
 }
 
-// Draws those faces of first..end - 1 that are of the pass. Returns 1 when any face that is not hidden is transparent,
-// whichever way it faces.
+// Draws the faces of the pass among first..end - 1. Returns 1 when any of first..end - 1 that is not hidden is
+// transparent, whichever way it faces.
 static int drawFaceRange(FaceDrawer* drawer, const FacePass* pass, int32_t first, int32_t end)
 {
     const Mesh* mesh = drawer->mesh;
@@ -281,7 +282,7 @@ static int drawFaces(FaceDrawer* drawer, uint32_t side, bool opaque)
     return inBlocks ? drawFaceBlocks(drawer, &pass) : drawFaceRange(drawer, &pass, 0, mesh->faceCount);
 }
 
-// All ones for the transparent materials, by side and index.
+// Fills the table of transparent materials, by side and index.
 static void findTransparent(FaceDrawer* drawer)
 {
     for (uint32_t index = 0; index < 2 * materialLimit; ++index)

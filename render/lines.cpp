@@ -1,4 +1,4 @@
-// render/lines.cpp - lines of outlines and polylines
+// render/lines.cpp - drawing a line, for outlines and polylines
 #include "render/raster.h"
 
 #include <stdlib.h>

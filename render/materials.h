@@ -28,11 +28,12 @@ void SetLight(RenderSettings* settings, int32_t index, uint32_t on);
 // other clears it. An index outside 0..10 does nothing.
 void ApplyPreset(RenderSettings* settings, int32_t preset, int32_t secondPreset);
 
-// The colour of a vertex: the ambient term, and from each light that is on a diffuse and a specular one. With N the
-// normal and L, E and R the directions toward the light, toward the eye and of the mirrored light
+// The colour of a vertex: the ambient term, plus a diffuse and a specular term of each light that is on. With N the
+// normal, L the direction toward the light, E toward the eye, and R that of the mirrored light:
 //   diffuse   ((1 + N.L)^2 / 4) ^ shadingMode, or with renderMoon 2 N.L / (|N.E| + N.L)
 //   specular  (R.E) ^ shininess
-// each by its level; a transparent material scales its ambient and diffuse terms by its opacity.
+// Each term is multiplied by its level. A transparent material also scales its ambient and diffuse terms by its
+// opacity.
 //
 // In:     lights, and flags as in RenderSettings; normal of unit length in eye space, toward the side that is seen;
 //         vertexColour multiplies the result when the flags ask for it
@@ -45,5 +46,5 @@ uint32_t shadeVertex(const Material* material, const Light* lights, const float*
 // level times x^exponent by repeated squaring; 0 for a negative x, the level itself for exponents below 1.
 float powerOf(float x, int32_t exponent, float level);
 
-// The transparency byte that faces of the material are blended with: the whole part of transparency x 255, 0..255.
+// The byte that blends the faces of the material: the whole part of transparency times 255, clamped to 0..255.
 uint32_t transparencyByte(const Material* material);

@@ -3,6 +3,7 @@
 
 #include "render/frame_buffer.h"
 #include "render/kernels.h"
+#include "render/simd.h"
 
 #include <emmintrin.h>
 #include <algorithm>
@@ -94,9 +95,7 @@ void projectVerticesToLight(Mesh* mesh, const FrameTransforms* transforms)
     }
 }
 
-// ----- SSE2: the three rows of a transform in one register, added up in the same order
-
-#define withSse2 __attribute__((target("sse2")))
+// ----- SSE2: one register holds the three rows of a transform, and the sums run in the same order
 
 struct TransformColumns
 {
@@ -116,9 +115,7 @@ withSse2 static inline __m128i transformPointToIntSse2(const TransformColumns& t
     sum = _mm_add_ps(sum, _mm_mul_ps(t.y, _mm_set1_ps(point[1])));
     sum = _mm_add_ps(sum, _mm_mul_ps(t.z, _mm_set1_ps(point[2])));
     sum = _mm_add_ps(sum, t.translation);
-    __m128 inside = _mm_max_ps(_mm_min_ps(sum, _mm_set1_ps(2147483520.0f)), _mm_set1_ps(-2147483648.0f));
-    __m128i truncated = _mm_cvttps_epi32(inside);
-    return _mm_add_epi32(truncated, _mm_castps_si128(_mm_cmplt_ps(inside, _mm_cvtepi32_ps(truncated))));
+    return floorToIntSse2(sum);
 }
 
 withSse2 void projectVerticesSse2(Mesh* mesh, const FrameTransforms* transforms, int32_t width, int32_t height)

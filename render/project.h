@@ -1,7 +1,7 @@
-// render/project.h - what a frame works out for every vertex and every face before it draws
+// render/project.h - projecting the vertices and classifying the faces of a frame before it is drawn
 //
-// The flags word of a projected vertex: depth in the low half; above it the off-screen mark, the shadow mark, and the
-// key of the shading that its colour holds (material, side, and whether there is one).
+// The flags word of a projected vertex has the depth in its low half. Above it stand the off-screen mark, the shadow
+// mark, and the key of the shading that the vertex's colour holds: material, side, and whether it is shaded at all.
 #pragma once
 #include "model/mesh.h"
 #include "render/view.h"
@@ -16,8 +16,8 @@ constexpr uint32_t vertexShaded = 1u << 30;
 constexpr uint32_t vertexOffScreen = 1u << 31; // or off the shadow map, until the vertices are projected to the screen
 constexpr uint32_t vertexKeyMask = vertexShaded | vertexEyeFacing | 0x1FFu << vertexMaterialShift;
 
-// Sets or clears the lit-side and eye-facing bits of all faces. Hidden and deleted faces keep their lit side, polylines
-// their eye-facing bit; a face without area counts as facing both.
+// Sets or clears the lit-side and eye-facing bits of all faces. Hidden and deleted faces keep their lit-side bit,
+// polylines their eye-facing bit. A face without area counts as facing both the light and the eye.
 void classifyFaces(Mesh* mesh, const FrameTransforms* transforms);
 
 constexpr float litSideThreshold = -0.05f; // of the light's direction along the normal
@@ -32,15 +32,16 @@ struct FaceDirections
 void classifyFaceRange(Mesh* mesh, const FaceDirections* directions, int32_t first, int32_t end);
 void classifyFaceRangeAvx2(Mesh* mesh, const FaceDirections* directions, int32_t first, int32_t end); // equal bits
 
-// Screen position and depth of all vertices, rounded down; shadow marks stay, shading keys go.
+// Screen position and depth of all vertices, rounded down. Shadow marks stay, shading keys are cleared.
 //
-// Out:    projected[vertexCount], screenRect. A vertex on or past the display's border, or not in front of depth 1 to
-//         16383, is off the screen and stands in the display's centre.
+// Out:    projected[vertexCount], screenRect. A vertex on or past the display's border, or with a depth outside
+//         1..16383, is marked off the screen and placed in the display's centre.
 void projectVertices(Mesh* mesh, const FrameTransforms* transforms, int32_t width, int32_t height);
 void projectVerticesSse2(Mesh* mesh, const FrameTransforms* transforms, int32_t width, int32_t height); // equal values
 void projectVerticesAvx2(Mesh* mesh, const FrameTransforms* transforms, int32_t width, int32_t height); // equal values
 
-// Map places and light depths, no shadow marks; off the map is marked as off the screen is (render/shadows.h).
+// The kernels of ProjectToLight (render/shadows.h): place on the shadow map and light depth of all vertices. Shadow
+// marks are cleared, and a vertex off the map gets the off-screen mark.
 void projectVerticesToLight(Mesh* mesh, const FrameTransforms* transforms);
 void projectVerticesToLightSse2(Mesh* mesh, const FrameTransforms* transforms); // equal values
 void projectVerticesToLightAvx2(Mesh* mesh, const FrameTransforms* transforms); // equal values

@@ -1,16 +1,14 @@
 // render/project_avx2.cpp - projection and classification of project.cpp, eight vertices or faces a step, same bits
 //
-// Eight records of four words are turned into registers of one word each. The halves of a register stand for records 0
-// to 3 and 4 to 7, so that lanes are in the records' order.
+// Eight records of four words become registers that hold one word of each record. The halves of a register are records
+// 0 to 3 and 4 to 7, so that the lanes are in the order of the records.
 #include "render/project.h"
 
 #include "render/frame_buffer.h"
+#include "render/simd.h"
 
 #include <immintrin.h>
 #include <algorithm>
-
-#define withAvx2 __attribute__((target("avx2")))
-#define inlineAvx2 __attribute__((target("avx2"), always_inline)) static inline
 
 constexpr int32_t blockCount = 8;
 
@@ -60,7 +58,7 @@ inlineAvx2 __m256i without(__m256i attributes, uint32_t mask)
     return _mm256_cmpeq_epi32(_mm256_and_si256(attributes, bits(mask)), _mm256_setzero_si256());
 }
 
-// Most faces keep their sides from frame to frame, and what has not changed is not written back.
+// Most faces keep their sides from frame to frame. Blocks without a change are not written back.
 withAvx2 void classifyFaceRangeAvx2(Mesh* mesh, const FaceDirections* directions, int32_t first, int32_t end)
 {
     int32_t i = first;
@@ -127,7 +125,7 @@ inlineAvx2 void storeProjected(ProjectedVertex* projected, __m256i xy, __m256i f
     }
 }
 
-// Of the screen and of the places that have been projected to it.
+// The screen's size, and the bounds of the places projected to it.
 struct Avx2Screen
 {
     int32_t width, height;
@@ -164,7 +162,7 @@ inlineAvx2 void projectLightBlock(ProjectedVertex* projected, const MeshVertex* 
     storeProjected(projected, _mm256_and_si256(xy, inside), flags);
 }
 
-// The last vertices, with the first of them in the empty places.
+// The last vertices of a mesh, filled up to a block with copies of the first of them.
 struct LastVertices
 {
     MeshVertex vertices[blockCount];

@@ -1,15 +1,15 @@
 // render/raster.h - one screen triangle or line into the cells
 //
 // Set-up turns three corners into the span state: two edges as 16.16 columns, the attributes at the left edge, and
-// what they change by per pixel and per row. A filler then walks the rows. A row's pixels run from the left edge's
-// whole column up to, not including, the right edge's, so that triangles which share an edge share no pixel and leave
-// none out. Attributes are those of the triangle's plane at the whole column: the row step is chosen by the carry that
-// the left edge's fraction gives.
+// their steps per pixel and per row. A filler then walks the rows. The pixels of a row start at the whole column of the
+// left edge and end before the whole column of the right edge. So triangles with a common edge share no pixel and leave
+// no gap. A pixel has the attributes of the triangle's plane at its whole column: when the fraction of the left edge
+// carries into the next column, the filler takes the row step that includes one more pixel step.
 //
-// Fixed point: depth and colours are 16.16. A texture coordinate is 32 bits with 2^31 to a period; bits above that
-// wrap. An attribute changes per pixel by at most its range over the triangle: more can only be asked for where no row
-// has two pixels, so nothing leaves 32 bits. What the column left of an edge extrapolates is held within the
-// triangle's own depths and within the bytes of a colour.
+// Depths and colours are 16.16. A texture coordinate has 32 bits, 2^31 to a period, and wraps above that. The step per
+// pixel is limited to the attribute's range over the triangle. Steeper planes exist only where no row has two pixels,
+// and with the limit every value fits in 32 bits. The whole column can lie left of the triangle; there the depth is
+// clamped to the depths of the corners, and a colour to its byte.
 #pragma once
 #include "model/image.h"
 #include "render/frame_buffer.h"
@@ -26,7 +26,7 @@ enum AttributeLane : int32_t
     laneFourth, // of the transparent blend
     laneRow,    // texture
     laneColumn,
-    laneSpare, // always 0
+    laneSpare, // 0
     laneCount
 };
 
@@ -60,7 +60,7 @@ struct alignas(16) SpanState
     int32_t lowestDepth, highestDepth;
 };
 
-// What the fillers need besides the triangle. The noise counter runs on over all pixels of all spans.
+// What the fillers need besides the triangle. The noise counter continues through all pixels of all spans of a frame.
 struct FillState
 {
     uint32_t* cells;
@@ -73,17 +73,18 @@ struct FillState
 
 constexpr uint32_t noiseStep = 101; // per pixel
 
-// Fills the span state. lanes: plainLanes or laneCount; the lanes from there on are left undefined.
-// Returns 1, or 0 for a triangle without area, with the state undefined.
+// Fills the first lanes of the span state, plainLanes or laneCount of them; the others are undefined.
+// Returns 1, or 0 for a triangle without area; the state is then undefined.
 using TriangleSetup = int (*)(SpanState* state, const TriangleCorner* corners, int32_t lanes);
 int setUpTriangle(SpanState* state, const TriangleCorner* corners, int32_t lanes);
 int setUpTriangleSse2(SpanState* state, const TriangleCorner* corners, int32_t lanes); // equal values
 
-// Fill the triangle of the span state where it is nearer than what the cells hold. All corners lie within the cells.
+// Each filler fills the triangle of the span state where it is nearer than the cells. All corners lie within the cells.
 //
-// opaque:      colour with noise
-// transparent: colour with noise, and the present colour let through by the transparency bytes and the fourth channel
-// textured:    texel x colour without noise, mixed with the present colour by the transparency bytes
+// opaque:      the colour with noise
+// transparent: the colour with noise, plus the share of the cell's colour that the transparency bytes and the fourth
+//              channel let through
+// textured:    texel times colour, without noise, mixed with the cell's colour by the transparency bytes
 using TriangleFiller = void (*)(FillState* fill, const SpanState* state);
 void fillOpaque(FillState* fill, const SpanState* state);
 void fillTransparent(FillState* fill, const SpanState* state);
@@ -92,16 +93,16 @@ void fillTextured(FillState* fill, const SpanState* state);
 // The cell that fillOpaque writes for a pixel of that depth and colour with the fill's noise counter.
 uint32_t opaqueCell(const FillState* fill, int32_t depth, uint32_t colour);
 
-// The same cells and noise counter, eight pixels a step; for processors with AVX2.
+// Eight pixels a step for processors with AVX2, with the same cells and noise counter.
 void fillOpaqueAvx2(FillState* fill, const SpanState* state);
 void fillTransparentAvx2(FillState* fill, const SpanState* state);
 void fillTexturedAvx2(FillState* fill, const SpanState* state);
 
-// Sixteen pixels a step; for processors with AVX-512.
+// Sixteen pixels a step for processors with AVX-512, with the same cells and noise counter.
 void fillOpaqueAvx512(FillState* fill, const SpanState* state);
 void fillTransparentAvx512(FillState* fill, const SpanState* state);
 void fillTexturedAvx512(FillState* fill, const SpanState* state);
 
-// The line between two corners, both ends included, with colour and depth from end to end and the same depth test. It
-// covers the same cells whichever corner comes first. The texture coordinates are not used.
+// Draws the line between two corners, both ends included, where it is nearer than the cells. Colour and depth run from
+// end to end. The order of the corners does not matter, and their texture coordinates are not used.
 void drawLine(FillState* fill, const TriangleCorner& a, const TriangleCorner& b);

@@ -6,7 +6,7 @@
 #include <math.h>
 #include <algorithm>
 
-// -1..1 to 0..32767 along a cubic that is flat enough in the middle.
+// Takes -1..1 to 0..32767 by the cubic.
 static uint32_t coordinateOf(float t)
 {
     float along = ((t * t + 1) * t + 2) * 0.25f;

@@ -1,8 +1,8 @@
-// render/reflect.h - where a mirror of the surroundings shows, from a normal alone
+// render/reflect.h - the texture coordinates of a reflection, from the normal alone
 //
-// The eye's ray, mirrored at the normal, meets the surroundings at (x, y, z). The column is that of x over the length
-// of (x, z), the row that of y, each by the cubic (t^3 + t + 2) / 4 of its -1..1, which stands in for an angle; the
-// reflected up is the top of the picture.
+// The ray from the eye is mirrored at the normal and points along (x, y, z) afterwards. The column follows from x
+// divided by the length of (x, z), the row from y. Each value t in -1..1 goes through the cubic (t^3 + t + 2) / 4,
+// which stands in for an angle. A ray that points up meets the top of the picture.
 //
 // Source: environment mapping (Blinn and Newell, "Texture and Reflection in Computer Generated Images", 1976)
 #pragma once

@@ -6,7 +6,7 @@
 #include <math.h>
 #include <algorithm>
 
-constexpr float shadowedShare = 0.6f; // of light 1 that a vertex in shadow still gets
+constexpr float shadowedShare = 0.6f; // the part of light 1 that reaches a vertex in shadow
 
 float powerOf(float x, int32_t exponent, float level)
 {
@@ -22,7 +22,7 @@ float powerOf(float x, int32_t exponent, float level)
     return result;
 }
 
-// The lunar law: as bright at the limb as in the middle.
+// The lunar law: a full moon is as bright at its rim as in the middle.
 static float moonWeight(const Material* material, float towardLight, float towardEye, float share)
 {
     float divisor = fabsf(towardEye) + towardLight;
@@ -31,7 +31,7 @@ static float moonWeight(const Material* material, float towardLight, float towar
     return share * material->diffuseLevel * (2 * towardLight) / divisor;
 }
 
-// Stays above zero on the far side of the light.
+// Reaches zero only where the normal points straight away from the light, so that the dark side keeps its shape.
 static float wrappedWeight(const Material* material, float towardLight, float share)
 {
     float wrapped = (1 + towardLight) * (1 + towardLight) * 0.25f;
@@ -54,7 +54,7 @@ static uint32_t channelByte(float channel)
     return scaled > 0 ? static_cast<uint32_t>(std::min(scaled, 255.0f)) : 0;
 }
 
-// Channel by channel, in the bytes' places.
+// Multiplies a channel by the byte of the colour at shift, and leaves the product there.
 static uint32_t multiplyByte(uint32_t value, uint32_t colour, int shift)
 {
     return value * (colour >> shift & 0xFF) / 255 << shift;

@@ -1,16 +1,16 @@
 // render/shadows.cpp - the light's view of the model and the shadow marks
 //
-// The depth stored at a map entry is that of the face's plane at the entry's whole column and row, where the vertices
-// too stand, and never nearer than the face's nearest corner. It is worked out in 64 bits, wide enough for faces seen
-// edge-on.
+// An entry stores the depth of the face's plane at its whole column and row, where the vertices are placed as well, but
+// never nearer than the face's nearest corner. The depth is computed in 64 bits, wide enough for faces seen edge-on.
 #include "render/shadows.h"
 
 #include "model/bitmap.h"
 #include "model/matrix.h"
 #include "platform/files.h"
-#include "render/edges.h"
+#include "render/triangle_edges.h"
 #include "render/kernels.h"
 #include "render/project.h"
+#include "render/simd.h"
 
 #include <immintrin.h>
 #include <math.h>
@@ -18,8 +18,8 @@
 #include <string.h>
 #include <algorithm>
 
-// How far, in columns, the place where an entry's depth was taken can lie from a vertex in that entry, both being known
-// to whole columns and rows only.
+// The largest distance, in columns, between a vertex and the point whose depth its entry stores. Both are rounded to
+// whole columns and rows.
 constexpr float ownReach = 2;
 
 void ProjectToLight(Mesh* mesh, const FrameTransforms* transforms)
@@ -27,9 +27,9 @@ void ProjectToLight(Mesh* mesh, const FrameTransforms* transforms)
     vertexKernels().projectLight(mesh, transforms);
 }
 
-constexpr int64_t steepestStep = int64_t{ 1 } << 29; // of 16.16 depths that 32 bits are enough for
+constexpr int64_t steepestStep = int64_t{ 1 } << 29; // 16.16 depths per column; gentler spans fit in 32 bits
 
-// a / b in 16.16; a short division where that is enough.
+// a / b in 16.16, by a 32-bit division where that is enough, because it is faster.
 static int64_t quotient16(int64_t a, int32_t b)
 {
     if (a >= -32768 && a < 32768)
@@ -45,7 +45,7 @@ static DepthPlane depthPlaneOf(const TriangleFrame& frame)
              quotient16(dz2 * frame.dx1 - dz1 * frame.dx2, frame.area) };
 }
 
-// In 64 bits, for faces so steep that a column's step does not fit in less.
+// In 64 bits, for faces so steep that the step per column does not fit in 32.
 static void fillSteepShadowSpan(uint16_t* entry, int32_t count, int64_t depth, int64_t perColumn, int32_t highest)
 {
     for (int32_t i = 0; i < count; ++i, depth += perColumn)
@@ -79,14 +79,14 @@ static inline int64_t depthAt(const ShadowTriangle& triangle, int32_t x, int32_t
            triangle.plane.perColumn * (x - triangle.x);
 }
 
-// The map's rows lie far apart: the row eight rows on is asked for ahead.
+// Prefetches the entry eight rows below: rows lie far apart, and the processor does not foresee them.
 static inline void prefetchAhead(const uint16_t* entry, int32_t side)
 {
     uintptr_t ahead = reinterpret_cast<uintptr_t>(entry) + static_cast<uintptr_t>(side) * 8 * sizeof *entry;
     __builtin_prefetch(reinterpret_cast<const void*>(ahead), 1);
 }
 
-// The rows of a triangle. A gentle step keeps all depths of a span, and of the column left of it, within 32 bits.
+// A gentle step keeps all depths of a span, and the one a column to the left of it, within 32 bits.
 void fillShadowRows(uint16_t* map, int32_t side, const ShadowTriangle* triangle)
 {
     const DepthPlane& plane = triangle->plane;
@@ -109,10 +109,7 @@ void fillShadowRows(uint16_t* map, int32_t side, const ShadowTriangle* triangle)
     }
 }
 
-#define withAvx2 __attribute__((target("avx2")))
-#define inlineAvx2 __attribute__((target("avx2"), always_inline)) static inline
-
-// What stays the same over the spans of a triangle. The halves of low and high are those that packing brings together.
+// What all spans of a triangle share. low and high hold the columns in the order that packing puts right.
 struct Avx2Shadow
 {
     __m256i low, high, sixteen; // steps of sixteen columns, and by sixteen
@@ -155,7 +152,8 @@ withAvx2 void fillShadowSpanAvx2(uint16_t* entry, int32_t count, int32_t room, i
 
 withAvx2 void fillShadowRowsAvx2(uint16_t* map, int32_t side, const ShadowTriangle* triangle)
 {
-    const ShadowTriangle t = *triangle; // nothing that is stored in the map changes the copy
+    const ShadowTriangle t =
+        *triangle; // a copy, because the compiler cannot know that the map does not overlap the record
     if (t.plane.perColumn > steepestStep || t.plane.perColumn < -steepestStep)
         return fillShadowRows(map, side, triangle);
     int32_t perColumn = static_cast<int32_t>(t.plane.perColumn);
@@ -186,8 +184,8 @@ static inline void raiseEntry(uint16_t* map, int32_t side, const TriangleCorner&
     *entry = std::max(*entry, static_cast<uint16_t>(corner.depth));
 }
 
-// A triangle of one row that covers no entry but those of its corners in that row. Returns 0, with nothing raised, for
-// any other.
+// Handles a triangle of one row that covers only the entries of its corners in that row. Returns 0, with nothing
+// raised, for any other triangle.
 static inline int fillCornerEntries(uint16_t* map, int32_t side, const TriangleFrame& frame)
 {
     if (frame.dy2 != 1 || (frame.dy1 == 0 && abs(frame.dx1) > 1))
@@ -198,8 +196,8 @@ static inline int fillCornerEntries(uint16_t* map, int32_t side, const TriangleF
     return 1;
 }
 
-// A triangle of few rows and columns, as most of a finely cut model are, entry by entry: fillShadowRows without the
-// records between. Returns 0, with nothing raised, for a larger or a steep one.
+// Does what fillShadowRows does, without its records, for a triangle of few rows and columns; most triangles of a
+// finely cut model are such. Returns 0, with nothing raised, for a larger or a steep one.
 static inline int fillSmallTriangle(uint16_t* map, int32_t side, const TriangleFrame& frame)
 {
     if (!isSmallEdge(frame.dx1, frame.dy1) || !isSmallEdge(frame.dx2, frame.dy2) ||
@@ -290,8 +288,8 @@ void RenderShadowMap(FrameBuffer* target, const Mesh* mesh)
     }
 }
 
-// Whether an entry that is excess depths nearer to the light than a vertex in it can hold the vertex's own surface:
-// that surface rises by so much within the entry. A surface turned away from the light has another side over it.
+// Whether an entry that is nearer to the light than its vertex by excess depths can hold the vertex's own surface,
+// which rises within the entry by its slope. A surface turned away from the light lies under another side of the model.
 static bool isOwnSurface(uint32_t excess, float towardLight)
 {
     if (!(towardLight > 0))

@@ -1,8 +1,9 @@
-// render/shadows.h - which vertices something nearer to the light hides
+// render/shadows.h - the shadow map, and the vertices that lie in shadow
 //
-// The map holds the light's view of the model, 16-bit depths where larger is nearer to the light, row 0 at the bottom
-// of that view. Marks are per vertex; the colours between them spread the shade. There is no bias, on purpose: equal
-// depths do not shadow, and what a vertex's own surface can rise by within its entry is allowed for instead.
+// The map holds the light's view of the model: 16-bit depths, larger nearer to the light, row 0 at the bottom of that
+// view. Vertices are marked, not pixels; the interpolation of colours spreads the shade over the faces. There is no
+// constant depth bias, because it would detach a shadow from the thing that throws it: equal depths do not shadow, and
+// a vertex is allowed the height that its own surface can have within its map entry.
 //
 // Source: Lance Williams, "Casting Curved Shadows on Curved Surfaces", 1978
 #pragma once
@@ -11,27 +12,28 @@
 #include "render/raster.h"
 #include "render/view.h"
 
-// Every vertex's column << 16 | row of the map, its light depth in the low half of the flags, and no shadow mark. A
-// vertex outside the map's columns and rows 0..1024 or depths 0..16384 is marked off the map: it neither gets nor casts
-// a shadow.
+// Stores each vertex's place on the map as column << 16 | row, and its light depth in the low half of the flags; clears
+// the shadow mark. A vertex outside columns and rows 0..1024 or depths 0..16384 gets the off-screen mark. It is never
+// in shadow, and its faces throw none.
 void ProjectToLight(Mesh* mesh, const FrameTransforms* transforms);
 
-// Draws the faces on the lit side into the map, each span with its last column included, the nearer depth kept.
+// Draws the faces on the lit side into the map. A span includes the column of its right edge, and an entry keeps the
+// depth nearest to the light.
 void RenderShadowMap(FrameBuffer* target, const Mesh* mesh);
 
-// Raises count map entries to a depth that changes by a step for each; depth and step are 16.16, and what a span works
-// out is held within 0 and highest. room: entries from the first on that belong to the map, at least count.
+// Raises count entries of the map to a depth, in 16.16, that changes by perColumn with each entry; depths are clamped
+// to 0..highest. room is the number of entries from the first one to the end of the map, at least count.
 void fillShadowSpan(uint16_t* entry, int32_t count, int32_t depth, int32_t perColumn, int32_t highest);
 void fillShadowSpanAvx2(uint16_t* entry, int32_t count, int32_t room, int32_t depth, int32_t perColumn,
                         int32_t highest); // equal entries
 
-// A plane in 16.16 depths: what it changes by per column and per row.
+// The slope of a plane in 16.16 depths.
 struct DepthPlane
 {
     int64_t perColumn, perRow;
 };
 
-// A triangle on the map; its plane goes through the depth at x, y.
+// A triangle on the map. Its plane has the given depth at x, y.
 struct ShadowTriangle
 {
     SpanEdge left, right;
@@ -40,15 +42,16 @@ struct ShadowTriangle
     int32_t x, y, highest, depth;
 };
 
-// Raise the entries of the triangle's spans in a map of side x side.
+// Raises the entries of the triangle's spans in a map of side x side.
 void fillShadowRows(uint16_t* map, int32_t side, const ShadowTriangle* triangle);
 void fillShadowRowsAvx2(uint16_t* map, int32_t side, const ShadowTriangle* triangle); // equal entries
 
-// Sets or clears the shadow marks by the map. A vertex is in shadow when its entry is nearer to the light than the
-// vertex, by more than its own surface can be within that entry: on a finely cut, steep surface the entry holds the
-// depth of a neighbour that lies in the same column and row.
+// Sets or clears the shadow mark of every vertex. A vertex is in shadow when its map entry is nearer to the light by
+// more than its own surface can rise within that entry. On a finely cut, steep surface the entry holds the depth of a
+// neighbour in the same column and row, and that neighbour must not shadow the vertex.
 void MarkShadowedVertices(const FrameBuffer* target, Mesh* mesh, const FrameTransforms* transforms);
 
-// Writes the map as a grey picture to "shadow.bmp", once in a run of the program.
-// Returns 1, or 0: it has been called before, or the file could not be written.
+// A diagnostic for a debugger or a test; no command of the program calls it. Writes the map as a grey picture to
+// "shadow.bmp" in the current folder. Only the first call of a run writes, so that a call left in the frame writes one
+// picture. Returns 1, or 0 on a later call or when the file could not be written.
 int DumpShadowMap(const FrameBuffer* target);

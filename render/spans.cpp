@@ -1,7 +1,7 @@
-// render/spans.cpp - the triangle fillers: the meaning of a pixel, written plainly
+// render/spans.cpp - the plain triangle fillers, which define the value of every pixel
 //
-// Colours are worked on as 16-bit lanes: 256 steps to a byte of colour, less 32768, so that a lane's top bits are the
-// bits of its field in a cell once the sign is flipped. 0 is -32768 and 255 is 32512.
+// Colours are computed in signed 16-bit lanes: a byte of colour times 256, less 32768. So 0 is -32768 and 255 is 32512,
+// saturation clamps a colour, and after flipping the sign the top bits of a lane are its field of the cell.
 #include "render/raster.h"
 
 #include <algorithm>
@@ -109,7 +109,7 @@ struct TransparentSpan
 {
     static constexpr int32_t lanes = laneCount;
 
-    // The face's unsigned lane plus what of the present field comes through.
+    // The face's lane, made unsigned, plus the share of the present field that comes through.
     static inline uint32_t blend(int32_t lane, uint32_t field, uint32_t fourth, uint32_t transparency)
     {
         uint32_t share = fourth * (transparency * 256) >> 16;
@@ -193,7 +193,7 @@ struct TexturedSpan
     }
 };
 
-// Walks the rows and hands each span to its loop, which stands inside the walk: most spans are a few pixels long.
+// Walks the rows. The loop over a span's pixels is compiled into the walk, because most spans are a few pixels long.
 template <class Span>
 static void fillTriangle(FillState* fill, const SpanState* state)
 {

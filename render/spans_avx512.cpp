@@ -2,7 +2,7 @@
 #include <immintrin.h>
 #include <stdint.h>
 
-#ifndef __clang__ // GCC 12 takes the undefined registers of its own header for forgotten values
+#ifndef __clang__ // GCC 12 warns of the undefined registers in its own header
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
 

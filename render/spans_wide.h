@@ -1,12 +1,13 @@
 // render/spans_wide.h - the fillers of spans.cpp, stepPixels pixels a step, with the same bits
 //
-// Included once by each file that stands for a width of registers. That file has defined WIDE (how an inlined function
-// is declared), WIDE_TARGET (the processor that a called one is for), the types Ints and Mask, and the operations on
-// them.
+// spans_avx2.cpp and spans_avx512.cpp include this file once each, for their width of registers. Before that they
+// define WIDE (declares an inlined function), WIDE_TARGET (names the instruction set of a called one), the types Ints
+// and Mask, and the operations on them. Both files name these operations alike on purpose: they are one interface for
+// this file.
 //
-// Depths, texture coordinates and cells are worked on as 32-bit lanes. Colours are packed in pairs of channels: in each
-// 128 bits of a register of 16-bit lanes stand four pixels of the first channel and four of the second, which is how
-// packing two registers of 32-bit lanes leaves them and how unpacking takes them apart.
+// Depths, texture coordinates and cells are computed in 32-bit lanes. Colours are packed in pairs of channels: each 128
+// bits of a register of 16-bit lanes hold four pixels of the first channel and four of the second. That is the order in
+// which the pack instructions leave two registers of 32-bit lanes and from which the unpack instructions restore them.
 #pragma once
 #include "render/raster.h"
 
@@ -15,7 +16,7 @@
 
 constexpr auto noiseStride = static_cast<int32_t>(noiseStep);
 
-// What stays the same over a triangle.
+// What all spans of a triangle share.
 struct WideTriangle
 {
     Ints offset[laneCount]; // per-pixel step x 0, 1, 2...
@@ -182,8 +183,8 @@ WIDE Ints lanesFrom(const WideTriangle& t, __m128i values)
     return add32(first, t.offset[lane]);
 }
 
-// The first step is taken for a span of no pixels too: most spans end within it, and a processor guesses wrong at each
-// choice that depends on the row.
+// An empty span takes the first step too, with no lane active. Most spans end within that step, and a branch for empty
+// ones would be mispredicted in many rows.
 template <class Span>
 WIDE void fillWideSpan(const WideTriangle& t, uint32_t* cell, int32_t count, uint32_t counter, __m128i values,
                        __m128i moreValues)
@@ -274,7 +275,7 @@ WIDE_TARGET static void fillTriangleWide(FillState* fill, const SpanState* state
     fill->noiseCounter = counter;
 }
 
-// Places of texels are signed 32-bit numbers.
+// Whether signed 32-bit numbers can index all texels, as the gather instructions need it.
 WIDE bool texelsHavePlaces(const Image& image)
 {
     return static_cast<int64_t>(image.width) * image.height <= INT32_MAX;

@@ -77,8 +77,8 @@ void setUpLightView(Matrix* out, const float* direction)
     scaleAfter(out, shadowMapSide, shadowMapSide, depthLimit);
 }
 
-// Takes normals along: the cofactors of the rotation's upper 3 x 3, divided by the length of their first column. The
-// model's own scale drops out of that quotient, so it is left out: its square might not fit in a float.
+// The matrix for normals: the cofactors of the rotation's upper 3 x 3, divided by the length of their first column. The
+// model's scale would cancel in that quotient and is left out, because its square might not fit in a float.
 static void setUpNormalMatrix(Matrix* out, const Matrix* rotation)
 {
     const float *row0 = rotation->m, *row1 = row0 + 4, *row2 = row0 + 8;
@@ -111,7 +111,8 @@ void setUpCamera(FrameTransforms* out, const ViewState* view, const float* centr
     out->normalTransposed = out->normal;
     transposeMatrix(&out->normalTransposed);
 
-    float f = static_cast<float>(std::max(std::min(width, height) / 2 - 10, 1)); // a margin, where there is room for it
+    float f = static_cast<float>(
+        std::max(std::min(width, height) / 2 - 10, 1)); // ten pixels of margin on each side, where there is room
     float halfWidth = static_cast<float>(width / 2), halfHeight = static_cast<float>(height / 2);
     constexpr float halfDepth = depthLimit / 2;
     Matrix projection = { { f, 0, 0, halfWidth, 0, -f, 0, halfHeight, 0, 0, halfDepth, halfDepth, 0, 0, 0, 1 } };

@@ -1,8 +1,8 @@
-// render/view.h - how the user looks at the model, and the transforms of one frame that follow from it
+// render/view.h - how the user looks at the model, and the transforms of a frame that follow from it
 //
-// The picture is orthographic. The model is moved to its centre, scaled by its radius, turned by the view rotation and
-// magnified by the zoom; x points right, y up and z toward the eye. The light turns with the view: it is fixed to the
-// screen.
+// The projection is orthographic. The model's centre moves to the origin; the model is scaled by its radius, turned by
+// the view rotation and magnified by the zoom. x points right, y up and z toward the eye. The lights are fixed to the
+// screen and do not turn with the model.
 #pragma once
 #include "model/matrix.h"
 
@@ -26,7 +26,8 @@ struct FrameTransforms
     Matrix normalTransposed; // eye directions to model space
 };
 
-// Direction toward light 1, the shadows' and the lit side's light; not normalised.
+// The direction toward light 1, which also decides the lit side of faces and the shadows, switched on or not. Its
+// length is not 1.
 constexpr float shadowLightDirection[3] = { -1, 1, 1 };
 constexpr float eyeDirection[3] = { 0, 0, 1 };
 
@@ -36,12 +37,12 @@ void resetViewRotations(ViewState* view);
 // One frame of spin: rotation = step x rotation.
 void spinView(ViewState* view);
 
-// The rotation by an angle in radians about a unit axis, turning clockwise for one who looks against the axis: about
-// current x reference it takes the reference point of a drag to the current one.
+// The rotation by an angle in radians about a unit axis, clockwise as seen from the axis's tip. About the cross product
+// current x reference it takes the reference point of a drag to the current point.
 void rotationAboutAxis(Matrix* out, float angle, const float* axis);
 
-// Turns about the screen's x, then y, then z axis, in degrees; positive angles turn from y to z, from z to x, from x
-// to y, so that the front of the model moves down, to the right, and counter-clockwise.
+// Turns about the screen's x, then y, then z axis, in degrees. A positive angle about x moves the front of the model
+// down, about y to the right, and about z counter-clockwise.
 void rotationAboutScreenAxes(Matrix* out, float degreesX, float degreesY, float degreesZ);
 
 // The frame's transforms for a view of a model with that centre and radius, on a display of width x height pixels. A
@@ -49,5 +50,6 @@ void rotationAboutScreenAxes(Matrix* out, float degreesX, float degreesY, float 
 void setUpCamera(FrameTransforms* out, const ViewState* view, const float* centre, float radius, int32_t width,
                  int32_t height);
 
-// The rotation and offset into the shadow map for a light direction of any length; parallel to the y axis is fine.
+// The transform from the turned model to columns, rows and depths of the shadow map, for a light direction of any
+// length. The direction may be parallel to the y axis.
 void setUpLightView(Matrix* out, const float* direction);

@@ -2,9 +2,10 @@
 #include "render/kernels.h"
 
 #include "platform/processor.h"
-#include "render/edges.h"
+#include "render/triangle_edges.h"
 #include "render/project.h"
 #include "render/shadows.h"
+#include "tests/render/canvas.h"
 #include "tests/render/scenes.h"
 
 #include <gtest/gtest.h>
@@ -15,16 +16,6 @@
 #include <vector>
 
 constexpr const char* noAvx2 = "this processor has no AVX2";
-
-static TriangleCorner randomCorner(std::mt19937& random, int32_t width, int32_t height)
-{
-    auto below = [&](int32_t limit) { return static_cast<int32_t>(random() % static_cast<uint32_t>(limit)); };
-    std::uniform_real_distribution<float> periods(-3, 3);
-    TriangleCorner c = { below(width), below(height), 1 + below(16383), static_cast<uint32_t>(random()), 0, 0 };
-    c.row = periods(random);
-    c.column = periods(random);
-    return c;
-}
 
 static void compareFillers(const TriangleFiller (&fastFillers)[3])
 {

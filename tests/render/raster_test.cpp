@@ -7,7 +7,7 @@
 #include <math.h>
 #include <string.h>
 
-TEST(Fill, SpansAreHalfOpen)
+TEST(Rasteriser, SpansAreHalfOpen)
 {
     Canvas canvas(16, 16);
     const TriangleCorner corners[3] = { corner(2, 2), corner(10, 2), corner(2, 10) };
@@ -18,7 +18,7 @@ TEST(Fill, SpansAreHalfOpen)
 }
 
 // Whole columns of the exact edges: floor on both sides, the right one left out.
-TEST(Fill, RowsRunFromTheLeftEdgesWholeColumnToTheRightEdges)
+TEST(Rasteriser, RowsRunFromTheLeftEdgesWholeColumnToTheRightEdges)
 {
     std::mt19937 random(5);
     for (int i = 0; i < 400; ++i)
@@ -52,7 +52,7 @@ TEST(Fill, RowsRunFromTheLeftEdgesWholeColumnToTheRightEdges)
     }
 }
 
-TEST(Fill, TrianglesAroundAPointCoverEveryPixelOnce)
+TEST(Rasteriser, TrianglesAroundAPointCoverEveryPixelOnce)
 {
     std::mt19937 random(6);
     for (int i = 0; i < 100; ++i)
@@ -75,7 +75,7 @@ TEST(Fill, TrianglesAroundAPointCoverEveryPixelOnce)
     }
 }
 
-TEST(Fill, EqualDepthDoesNotOverwriteAndNearerWins)
+TEST(Rasteriser, EqualDepthDoesNotOverwriteAndNearerWins)
 {
     Canvas canvas(32, 32);
     const TriangleCorner red[3] = { corner(1, 1, 500, 0xFF0000), corner(30, 1, 500, 0xFF0000),
@@ -99,7 +99,7 @@ TEST(Fill, EqualDepthDoesNotOverwriteAndNearerWins)
     EXPECT_EQ(canvas.at(5, 5), 501u << 16 | 0x001F);
 }
 
-TEST(Fill, AttributesAreThePlanesAtWholeColumns)
+TEST(Rasteriser, AttributesAreThePlanesAtWholeColumns)
 {
     std::mt19937 random(8);
     for (int i = 0; i < 300; ++i)
@@ -148,7 +148,7 @@ static void expectNoSpecks(const Canvas& canvas, const TriangleCorner* c, const 
     ASSERT_TRUE(canvas.guardsIntact()) << what;
 }
 
-TEST(Fill, SliversAndSteepTrianglesHaveNoSpecks)
+TEST(Rasteriser, SliversAndSteepTrianglesHaveNoSpecks)
 {
     std::mt19937 random(9);
     auto greens = [&] { return static_cast<uint32_t>(100 + random() % 51) << 8; };
@@ -177,7 +177,7 @@ TEST(Fill, SliversAndSteepTrianglesHaveNoSpecks)
     }
 }
 
-TEST(Fill, LongSpansKeepTheirColours)
+TEST(Rasteriser, LongSpansKeepTheirColours)
 {
     Canvas canvas(4000, 16);
     const TriangleCorner c[3] = { corner(0, 0, 9, 0x000000), corner(3999, 0, 9, 0x00FF00), corner(0, 15, 9, 0x000000) };
@@ -187,7 +187,7 @@ TEST(Fill, LongSpansKeepTheirColours)
     EXPECT_GE(canvas.at(3998, 0) >> 5 & 63, 62u);
 }
 
-TEST(Fill, NoiseIsTheCounterSquaredAndRunsOn)
+TEST(Rasteriser, NoiseIsTheCounterSquaredAndRunsOn)
 {
     Canvas canvas(64, 4);
     canvas.fill.noiseAmplitude[0] = canvas.fill.noiseAmplitude[2] = 2048;
@@ -208,7 +208,7 @@ TEST(Fill, NoiseIsTheCounterSquaredAndRunsOn)
     EXPECT_EQ(canvas.fill.noiseCounter, 7u + 101 * 120);
 }
 
-TEST(Fill, TheGrainIsAboutOneStepAndMoreWithRough)
+TEST(Rasteriser, TheGrainIsAboutOneStepAndMoreWithRough)
 {
     auto spread = [](int32_t roughness)
     {
@@ -232,7 +232,7 @@ TEST(Fill, TheGrainIsAboutOneStepAndMoreWithRough)
     EXPECT_LE(spread(4096), 6u);
 }
 
-TEST(Fill, BlackAndWhiteKeepTheirFieldsUnderNoise)
+TEST(Rasteriser, BlackAndWhiteKeepTheirFieldsUnderNoise)
 {
     for (uint32_t colour : { 0x000000u, 0xFFFFFFu })
     {
@@ -247,7 +247,7 @@ TEST(Fill, BlackAndWhiteKeepTheirFieldsUnderNoise)
     }
 }
 
-TEST(Fill, TransparentLetsThePresentColourThrough)
+TEST(Rasteriser, TransparentLetsThePresentColourThrough)
 {
     Canvas canvas(8, 8);
     std::fill_n(canvas.fill.cells, 64, 5u << 16 | 31u << 11 | 32u << 5 | 16u);
@@ -275,7 +275,7 @@ static Image checkered(std::vector<uint32_t>* pixels, int32_t width, int32_t hei
     return { pixels->data(), width, height };
 }
 
-TEST(Fill, TexelsAreLitWithoutGrain)
+TEST(Rasteriser, TexelsAreLitWithoutGrain)
 {
     std::vector<uint32_t> pixels;
     Image image = checkered(&pixels, 8, 4);
@@ -296,7 +296,7 @@ TEST(Fill, TexelsAreLitWithoutGrain)
         }
 }
 
-TEST(Fill, TextureCoordinatesWrapBothWays)
+TEST(Rasteriser, TextureCoordinatesWrapBothWays)
 {
     std::vector<uint32_t> pixels;
     Image image = checkered(&pixels, 16, 16);
@@ -320,7 +320,7 @@ TEST(Fill, TextureCoordinatesWrapBothWays)
     EXPECT_EQ(drawn(256, -1024), plain);
 }
 
-TEST(Fill, ManyPeriodsOverOneTriangleStayInStep)
+TEST(Rasteriser, ManyPeriodsOverOneTriangleStayInStep)
 {
     std::vector<uint32_t> pixels;
     Image image = checkered(&pixels, 16, 16);
@@ -335,7 +335,7 @@ TEST(Fill, ManyPeriodsOverOneTriangleStayInStep)
             ASSERT_EQ(canvas.at(x, y), canvas.at(0, 0)) << x << ' ' << y;
 }
 
-TEST(Fill, TexturedTransparencyMixesWithThePresentColour)
+TEST(Rasteriser, TexturedTransparencyMixesWithThePresentColour)
 {
     std::vector<uint32_t> pixels(1, 0x00C88040);
     Image image = { pixels.data(), 1, 1 };
@@ -354,7 +354,7 @@ TEST(Fill, TexturedTransparencyMixesWithThePresentColour)
     EXPECT_EQ(canvas.at(2, 2), 9u << 16 | red << 11 | green << 5 | blue);
 }
 
-TEST(Fill, FillersStayWithinTheCells)
+TEST(Rasteriser, FillersStayWithinTheCells)
 {
     std::vector<uint32_t> pixels;
     Image image = checkered(&pixels, 7, 5);

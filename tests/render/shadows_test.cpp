@@ -2,7 +2,7 @@
 #include "render/shadows.h"
 
 #include "model/matrix.h"
-#include "render/edges.h"
+#include "render/triangle_edges.h"
 #include "render/materials.h"
 #include "render/project.h"
 #include "tests/recording/recording.h"

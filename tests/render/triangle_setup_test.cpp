@@ -1,4 +1,4 @@
-// tests/render/setup_test.cpp - the set-up of triangles, plain and fast
+// tests/render/triangle_setup_test.cpp - the set-up of triangles, plain and fast
 #include "tests/render/canvas.h"
 #include "tests/render/scenes.h"
 
@@ -30,7 +30,7 @@ static void expectSameState(const SpanState& a, const SpanState& b, const Triang
     }
 }
 
-TEST(Setup, Sse2EqualsPlainOnRandomTriangles)
+TEST(TriangleSetUp, Sse2EqualsPlainOnRandomTriangles)
 {
     std::mt19937 random(1);
     int drawn = 0;
@@ -54,7 +54,7 @@ TEST(Setup, Sse2EqualsPlainOnRandomTriangles)
     EXPECT_GT(drawn, 150000);
 }
 
-TEST(Setup, Sse2EqualsPlainForBrokenTextureCoordinates)
+TEST(TriangleSetUp, Sse2EqualsPlainForBrokenTextureCoordinates)
 {
     const float hard[] = { NAN, INFINITY, -INFINITY, 3e38f, -3e38f, 1e10f, -0.0f, 1e-40f, 0.5f, 2147483648.0f };
     for (float a : hard)
@@ -70,7 +70,7 @@ TEST(Setup, Sse2EqualsPlainForBrokenTextureCoordinates)
         }
 }
 
-TEST(Setup, ATriangleWithoutAreaIsDropped)
+TEST(TriangleSetUp, ATriangleWithoutAreaIsDropped)
 {
     const TriangleCorner line[3] = { corner(0, 0), corner(5, 5), corner(10, 10) };
     const TriangleCorner row[3] = { corner(0, 3), corner(5, 3), corner(10, 3) };

@@ -1,13 +1,14 @@
-// render/setup.cpp - edges and gradients of a triangle, in a plain version and one for SSE2 that gives the same bits
+// render/triangle_setup.cpp - edges and gradients of a triangle, in a plain version and one for SSE2 that gives the
+// same bits
 //
-// Both do the same float operations in the same order; edge slopes are whole-number quotients rounded up, which either
-// version gets exactly.
+// Both do the same float operations in the same order. Edge slopes are integer quotients rounded up, which both compute
+// exactly.
 #include "render/raster.h"
 
 #include "model/matrix.h"
-#include "render/edges.h"
+#include "render/simd.h"
+#include "render/triangle_edges.h"
 
-#include <emmintrin.h>
 #include <algorithm>
 
 constexpr float fixedOne = 65536.0f;
@@ -15,7 +16,7 @@ constexpr float texturePeriod = 2147483648.0f;
 
 // ----- plain
 
-// As the processor's own instructions: the second one when either is not a number.
+// Like the instructions minps and maxps, these give the second argument when either is not a number.
 static float lesser(float a, float b)
 {
     return a < b ? a : b;
@@ -44,7 +45,7 @@ static void readAttributes(float* lanes, const TriangleCorner& corner)
     lanes[laneSpare] = 0;
 }
 
-// To fixed point, to the nearest. Of texture periods only the part that is not whole counts.
+// Rounds to the nearest fixed-point value. A texture coordinate loses its whole periods, which change no texel.
 static uint32_t toFixed(float value, int32_t lane)
 {
     float scale = fixedOne;
@@ -56,8 +57,8 @@ static uint32_t toFixed(float value, int32_t lane)
     return static_cast<uint32_t>(floorToInt(value * scale + 0.5f));
 }
 
-// from and to are the ends of an edge of dx columns and dy rows. The fraction is that of the exact slope over the
-// rounded one's whole columns.
+// from and to are the ends of an edge of dx columns and dy rows. The fraction is what the exact slope has above the
+// whole columns of the rounded slope.
 static void setUpRowSteps(uint32_t (*rowStep)[laneCount], const float* from, const float* to, int32_t dx, int32_t dy,
                           int32_t slope, const float* gradient, const uint32_t* perPixel, int32_t lanes)
 {
@@ -109,16 +110,8 @@ int setUpTriangle(SpanState* state, const TriangleCorner* corners, int32_t lanes
 
 // ----- SSE2
 
-#define withSse2 __attribute__((target("sse2")))
-
-withSse2 static inline __m128i floorToIntSse2(__m128 value)
-{
-    __m128 inside = _mm_max_ps(_mm_min_ps(value, _mm_set1_ps(2147483520.0f)), _mm_set1_ps(-2147483648.0f));
-    __m128i truncated = _mm_cvttps_epi32(inside);
-    return _mm_add_epi32(truncated, _mm_castps_si128(_mm_cmplt_ps(inside, _mm_cvtepi32_ps(truncated))));
-}
-
-// Lanes 0 to 3, and 4 to 7 of which 1 and 2 are the texture's.
+// plainToFixedSse2 takes lanes 0 to 3, textureToFixedSse2 lanes 4 to 7, of which the middle two are texture
+// coordinates.
 withSse2 static inline __m128i plainToFixedSse2(__m128 value)
 {
     return floorToIntSse2(_mm_add_ps(_mm_mul_ps(value, _mm_set1_ps(fixedOne)), _mm_set1_ps(0.5f)));
@@ -180,7 +173,7 @@ withSse2 static inline void storeLanes(uint32_t* lanes, __m128i value)
     _mm_store_si128(reinterpret_cast<__m128i*>(lanes), value);
 }
 
-// Four lanes of everything that is stepped: part 0 or 1.
+// Fills lanes 0 to 3 of the state for part 0, lanes 4 to 7 for part 1.
 template <int part>
 withSse2 static inline void setUpLanesSse2(SpanState* state, const TriangleFrame& frame, const Slopes& slopes)
 {

@@ -1,13 +1,13 @@
-// render/edges.h - the rows that a triangle covers and its edges, for the screen and for the shadow map
+// render/triangle_edges.h - the rows that a triangle covers and its edges, for the screen and for the shadow map
 //
-// An edge's slope is rounded up to 1/65536 column a row. So rounded it keeps the edge's whole column where it would be
-// without rounding, over 255 rows and more.
+// An edge's slope is rounded up to 1/65536 column per row. Rounded up, it gives the same whole column as the exact
+// slope for at least 255 rows.
 #pragma once
 #include "render/raster.h"
 
 #include <algorithm>
 
-// The corners from top to bottom, and what the edges make of them.
+// The corners from top to bottom, and the edges between them.
 struct TriangleFrame
 {
     const TriangleCorner* corner[3];
@@ -15,7 +15,8 @@ struct TriangleFrame
     int32_t area;               // doubled; positive when corner 1 lies right of the edge from 0 to 2
 };
 
-// Corners in one row may come in any order: the edge between them covers no row.
+// Returns 0 for a triangle without area. Corners in one row keep any order, because the edge between them covers no
+// row.
 inline int frameTriangle(TriangleFrame* frame, const TriangleCorner* corners)
 {
     const TriangleCorner *a = corners, *b = corners + 1, *c = corners + 2;
@@ -59,7 +60,8 @@ constexpr int32_t slopeOf(int32_t dx, int32_t dy)
     return quotient + (quotient * dy < dx * 65536 ? 1 : 0);
 }
 
-// Triangles up to this size are common in finely cut models, and most of them lie between the pixels.
+// Triangles up to this size are common in finely cut models, and most of them cover no pixel. Their slopes come from a
+// table.
 constexpr int32_t smallRows = 4, smallColumns = 8;
 
 struct SmallSlopes
@@ -94,7 +96,7 @@ inline Slopes slopesOf(const TriangleFrame& frame)
              quickSlope(frame.dx2 - frame.dx1, frame.dy2 - frame.dy1) };
 }
 
-// 0 when it is quickly seen that no pixel is the triangle's: it has no area, or its few rows have empty spans.
+// Returns 0 when the triangle has no area, or is small and all its spans are empty. A larger triangle gives 1 unseen.
 inline int mayCoverPixels(const TriangleCorner* corners)
 {
     TriangleFrame frame;

@@ -1,0 +1,15 @@
+// render/simd.h - compiling a function for one instruction set, and what the SSE2 kernels share
+#pragma once
+#include <emmintrin.h>
+
+#define withSse2 __attribute__((target("sse2")))
+#define withAvx2 __attribute__((target("avx2")))
+#define inlineAvx2 __attribute__((target("avx2"), always_inline)) static inline
+
+// floorToInt (model/matrix.h) of four floats, with the same results for all of them.
+withSse2 static inline __m128i floorToIntSse2(__m128 value)
+{
+    __m128 inside = _mm_max_ps(_mm_min_ps(value, _mm_set1_ps(2147483520.0f)), _mm_set1_ps(-2147483648.0f));
+    __m128i truncated = _mm_cvttps_epi32(inside);
+    return _mm_add_epi32(truncated, _mm_castps_si128(_mm_cmplt_ps(inside, _mm_cvtepi32_ps(truncated))));
+}
