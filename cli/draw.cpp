@@ -117,5 +117,5 @@ void releaseDrawing()
 {
     destroyFrameBuffer(&frameBuffer);
     releaseModels();
-    releasePictures();
+    releaseImages();
 }

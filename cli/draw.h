@@ -3,10 +3,9 @@
 #include "cli/arguments.h"
 #include "model/mesh.h"
 
-// Makes the mesh the current model (which owns it from then on), sets everything the view asks for and draws its frames
-// into frameBuffer. Returns 1, or 0 when the texture, the memory or the frame buffer could not be had; all has been
-// said.
+// Installs the mesh, which the model list then owns, makes the choices of the view and draws its frames into
+// frameBuffer. Returns 1, or 0 after a message: the texture could not be read, or there is no memory for the picture.
 int drawModel(Mesh* mesh, bool builtIn, const ViewArguments& view);
 
-// Gives back what drawModel made.
+// Frees what drawModel made.
 void releaseDrawing();

@@ -2,7 +2,7 @@
 //
 // The ray from the eye is mirrored at the normal and points along (x, y, z) afterwards. The column follows from x
 // divided by the length of (x, z), the row from y. Each value t in -1..1 goes through the cubic (t^3 + t + 2) / 4,
-// which stands in for an angle. A ray that points up meets the top of the picture.
+// which stands in for an angle. A ray that points up meets the top row of the image.
 //
 // Source: environment mapping (Blinn and Newell, "Texture and Reflection in Computer Generated Images", 1976)
 #pragma once

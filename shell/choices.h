@@ -43,7 +43,7 @@ void showTexture(Choices* chosen, int32_t slot);
 // The same, on a White front and a Brick back.
 void chooseTexture(Choices* chosen, int32_t slot);
 
-// On: the reflection picture on a White front. Off: the chosen texture and the chosen preset again. The back is Brick
+// On: the reflection image on a White front. Off: the chosen texture and the chosen preset again. The back is Brick
 // either way. materialPreset and textureIndex stay, so that off finds them.
 void chooseMetallic(Choices* chosen, bool on);
 

@@ -18,18 +18,24 @@ static void moveTick(int first, int32_t from, int32_t to)
     checkMenuItem(first + to, 1);
 }
 
-static void showPresetChoice(int32_t preset)
+// Marks are set before the choice is made, while the record still holds the old one.
+static void markPreset(int32_t preset)
 {
     moveTick(ID_PRESET_BRASS, choices.materialPreset, preset);
-    checkPanelBox(ID_WIREFRAME, 0);
-    choosePreset(&choices, preset);
 }
 
-static void showTextureChoice(int32_t slot)
+static void markTexture(int32_t slot)
 {
     moveTick(ID_TEXTURE_WOOD, choices.textureIndex, slot);
     checkPanelBox(ID_TEXTURED, 1);
     checkPanelBox(ID_WIREFRAME, 0);
+}
+
+static void markAndChoosePreset(int32_t preset)
+{
+    markPreset(preset);
+    checkPanelBox(ID_WIREFRAME, 0);
+    choosePreset(&choices, preset);
 }
 
 static void endProgram(int)
@@ -37,7 +43,7 @@ static void endProgram(int)
     destroyMainWindow();
 }
 
-// The model stands still while the box is open and spins on afterwards.
+// A model that spins stops while the box is open and spins on afterwards.
 static void showAbout(int)
 {
     int spinning = frameState.continuousRedraw;
@@ -49,7 +55,7 @@ static void showAbout(int)
 static void openMesh(int)
 {
     if (openMeshFile())
-        showPresetChoice(presetProp);
+        markAndChoosePreset(presetProp);
     askForRedraw();
 }
 
@@ -66,7 +72,7 @@ static void loadTexture(int)
         return;
     renameMenuItem(ID_TEXTURE_USER, title);
     enableMenuItem(ID_TEXTURE_USER, 1);
-    showTextureChoice(textureUser);
+    markTexture(textureUser);
     showTexture(&choices, textureUser);
     askForRedraw();
 }
@@ -103,8 +109,8 @@ static void resetWholeView(int)
 static void runTexture(int id)
 {
     int32_t slot = id - ID_TEXTURE_WOOD;
-    showTextureChoice(slot);
-    moveTick(ID_PRESET_BRASS, choices.materialPreset, presetWhite);
+    markTexture(slot);
+    markPreset(presetWhite);
     chooseTexture(&choices, slot);
     askForRedraw();
 }
@@ -120,7 +126,7 @@ static void toggleLight(int id)
 
 static void runPreset(int id)
 {
-    showPresetChoice(id - ID_PRESET_BRASS);
+    markAndChoosePreset(id - ID_PRESET_BRASS);
     askForRedraw();
 }
 

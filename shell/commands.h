@@ -1,7 +1,7 @@
 // shell/commands.h - what the menu and the main window do
 #pragma once
 
-// Runs the menu command with this identifier. 1, or 0 when there is none such.
+// Runs the menu command with this identifier. Returns 1, or 0 when the menu has none.
 int runCommand(int id);
 
 // The main window was minimised, or took another size.

@@ -8,7 +8,7 @@
 #include <algorithm>
 
 constexpr int32_t smallestSide = 10;
-constexpr float leastTurn = 0.0001f; // sine of an angle that counts as no movement
+constexpr float leastTurn = 0.0001f; // sine of an angle; a smaller one counts as no movement
 constexpr float leastSpin = 0.017f;  // radians a step: a slower flick stops on release
 
 struct TrackballDrag
@@ -33,17 +33,16 @@ void displayCreated()
     frameState.fullRedraw = 1;
 }
 
-static bool bufferServes()
+static bool bufferIsLargeEnough()
 {
     return frameBuffer.pitch >= frameState.displayWidth + displayMargin &&
            frameBuffer.rows >= frameState.displayHeight + displayMargin;
 }
 
-// A display that has outgrown the frame buffer gets a larger one. Returns 0, with the old buffer, when there is no
-// memory.
+// Gives a display that has outgrown the frame buffer a larger one. Returns 0, and keeps the old buffer, without memory.
 static int fitFrameBuffer()
 {
-    if (!frameBuffer.cells || bufferServes())
+    if (!frameBuffer.cells || bufferIsLargeEnough())
         return 1;
     FrameBuffer larger = {};
     if (!createFrameBuffer(&larger, frameState.displayWidth, frameState.displayHeight))
@@ -96,7 +95,7 @@ void displayRightButton(DragCode code, int32_t y)
     }
     else if (code == dragUp)
     {
-        zoomDrag(dragDown, y); // the release re-anchors the zoom, on purpose
+        zoomDrag(dragDown, y); // a drag that ends outside the display goes on from here when the pointer comes back
         loopState.redrawPending = 1;
     }
 }
@@ -122,7 +121,7 @@ void zoomDrag(DragCode code, int32_t y)
     }
 }
 
-// The point of a ball behind the display that lies under the pointer; eye space, unit length.
+// The point of a ball behind the display that lies under the pointer, in eye space and of unit length.
 static void trackballPoint(int32_t x, int32_t y, float* point)
 {
     float halfWidth = static_cast<float>(frameState.displayWidth) * 0.5f;
@@ -143,8 +142,8 @@ static void moveReference()
         trackball.reference[i] = (trackball.reference[i] + trackball.current[i]) * 0.5f;
 }
 
-// The turn from the reference to the current point: the rotation about current x reference. Returns its angle in
-// radians, 0 with the identity for no movement.
+// The rotation from the reference point to the current point, about the cross product current x reference. Returns the
+// angle in radians; for no movement it returns 0 and the identity.
 static float turnBetween(Matrix* rotation)
 {
     float axis[3];
@@ -180,7 +179,7 @@ static void turn(int32_t x, int32_t y)
     loopState.redrawPending = 1;
 }
 
-// The dragging flag stays on: a later release applies one more step.
+// The dragging flag stays on, so a later release without a press applies one more step.
 static void endTurn(int32_t x, int32_t y)
 {
     moveReference();

@@ -2,14 +2,16 @@
 #pragma once
 #include "model/mesh.h"
 
-// The boxes as the switches stand, the list and the statistics.
+// Ticks the boxes as the choices say, and fills the list and the statistics.
 void initPanel();
 
-// What a button, a check box or a new selection in the list does. 1 when the identifier is one of the panel's.
+// Does what a button, a check box or a new selection in the list stands for. Returns 1, or 0 for an identifier that is
+// not the panel's.
 int runPanelCommand(int id);
 
-// Groups and materials of the mesh into the list, "All Groups" selected, "By Group" off. Null does nothing.
+// Fills the list with the groups and materials of the mesh, selects "All Groups" and switches "By Group" off. A null
+// mesh does nothing.
 void fillFilterList(const Mesh* mesh);
 
-// The six counts of the current mesh.
+// Shows the six counts of the current mesh.
 void updateStatistics();

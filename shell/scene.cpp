@@ -80,8 +80,8 @@ static void startSwitches()
     checkMenuItem(ID_EXACT_WELD, 1);
 }
 
-// Reads the command line's model into the mesh and returns it; frees it and returns null when it cannot be read. The
-// reader has said why.
+// Reads the command line's model into the mesh and returns it. Frees the mesh and returns null when the file cannot be
+// read; the reader has then shown why.
 static Mesh* readNamedModel(Mesh* mesh, const char* fileName)
 {
     if (!readModelFile(mesh, fileName, { choices.keyframes3ds != 0 }))
@@ -135,7 +135,7 @@ void releaseModels()
     clearModelList(&modelList);
 }
 
-void releasePictures()
+void releaseImages()
 {
     freeTextures();
 }

@@ -16,21 +16,22 @@ Mesh* currentMesh();
 // and returns 0.
 int acceptProcessor(uint32_t features);
 
-// Start-up: switches and menu marks, the four built-in pictures, the command line's file or the built-in model.
-// fileName "" shows the built-in one. Returns 1, or 0 when the program must end with exit status 1.
+// Starts the program's state: the choices with their ticks in the menu, the built-in textures, and the model. That is
+// the file of this name, or the teapot for "" and for a file that cannot be read. Returns 1, or 0 when the program must
+// end with exit status 1.
 int buildScene(const char* fileName);
 
-// What the program owns, in the order of its end: the models, then the pictures.
+// Free the models, and the images of the textures; the program ends in this order.
 void releaseModels();
-void releasePictures();
+void releaseImages();
 
-// Makes a mesh read by a command the current one: installs it, names it, refills the panel, resets the view, sets the
-// title.
+// Makes a mesh that a command has read the current one, which the list then owns: installs and names it, refills the
+// panel, resets the view's rotations and sets the title.
 void showLoadedMesh(Mesh* mesh, const char* shortName);
 
-// "PROGRAM: NAME" and "PROGRAM: File NAME saved" in the main window's title.
+// Set the main window's title to "PROGRAM: NAME" and "PROGRAM: File NAME saved".
 void showFileTitle();
 void showSavedTitle();
 
-// The next frame is drawn whole, at the next idle moment.
+// Lets the next frame be drawn at the next idle moment, and whole.
 void askForRedraw();

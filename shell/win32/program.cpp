@@ -132,7 +132,7 @@ static void shutDown()
     releaseModels();
     DeleteObject(aboutBitmap);
     DeleteObject(panelBrush);
-    releasePictures();
+    releaseImages();
 }
 
 int runDesktop(HINSTANCE instance, const char* commandLine, int showState)

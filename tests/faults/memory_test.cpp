@@ -193,7 +193,7 @@ protected:
     void TearDown() override
     {
         releaseModels();
-        releasePictures();
+        releaseImages();
         EXPECT_EQ(recorded.liveBlocks, 0);
     }
 };

@@ -1,3 +1,4 @@
+// tests/shell/command_line_test.cpp - the file name taken from the command line
 #include "shell/command_line.h"
 
 #include <gtest/gtest.h>

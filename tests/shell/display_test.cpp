@@ -4,7 +4,7 @@
 
 #include <math.h>
 
-class DisplayWindow : public ShellTest
+class Display : public ShellTest
 {
 protected:
     void TearDown() override
@@ -24,7 +24,7 @@ protected:
     }
 };
 
-TEST_F(DisplayWindow, TinySizesBecomeTen)
+TEST_F(Display, TinySizesBecomeTen)
 {
     displayResized(0, 0);
     EXPECT_EQ(frameState.displayWidth, 10);
@@ -32,7 +32,7 @@ TEST_F(DisplayWindow, TinySizesBecomeTen)
     EXPECT_TRUE(redrawAsked());
 }
 
-TEST_F(DisplayWindow, LargerDisplayIsDrawnWithoutHarm)
+TEST_F(Display, LargerDisplayIsDrawnWithoutHarm)
 {
     displayResized(1500, 900);
     drawFrame();
@@ -40,7 +40,7 @@ TEST_F(DisplayWindow, LargerDisplayIsDrawnWithoutHarm)
     EXPECT_GE(frameBuffer.rows, 900);
 }
 
-TEST_F(DisplayWindow, FailedEnlargementKeepsTheOldSize)
+TEST_F(Display, FailedEnlargementKeepsTheOldSize)
 {
     recorded.refusePictures = true;
     displayResized(1500, 900);
@@ -50,7 +50,7 @@ TEST_F(DisplayWindow, FailedEnlargementKeepsTheOldSize)
     drawFrame();
 }
 
-TEST_F(DisplayWindow, PaintShowsThePictureOnceRunning)
+TEST_F(Display, PaintShowsThePictureOnceRunning)
 {
     displayPainted();
     EXPECT_EQ(frameState.fullRedraw, 1);
@@ -62,7 +62,7 @@ TEST_F(DisplayWindow, PaintShowsThePictureOnceRunning)
     EXPECT_TRUE(recorded.presented.empty());
 }
 
-TEST_F(DisplayWindow, DragUpwardEnlarges)
+TEST_F(Display, DragUpwardEnlarges)
 {
     displayRightButton(dragDown, 300);
     displayMouseMoved(false, true, 100, 150);
@@ -70,14 +70,14 @@ TEST_F(DisplayWindow, DragUpwardEnlarges)
     EXPECT_EQ(loopState.redrawPending, 1);
 }
 
-TEST_F(DisplayWindow, ZoomStopsAtTheFittedSize)
+TEST_F(Display, ZoomStopsAtTheFittedSize)
 {
     displayRightButton(dragDown, 300);
     displayMouseMoved(false, true, 100, 450);
     EXPECT_EQ(frameState.view.zoom, 1.0f);
 }
 
-TEST_F(DisplayWindow, ZoomIgnoresRowsAboveTheDisplay)
+TEST_F(Display, ZoomIgnoresRowsAboveTheDisplay)
 {
     displayRightButton(dragDown, 300);
     displayMouseMoved(false, true, 100, 100);
@@ -87,7 +87,7 @@ TEST_F(DisplayWindow, ZoomIgnoresRowsAboveTheDisplay)
     EXPECT_FLOAT_EQ(frameState.view.zoom, 3.0f);
 }
 
-TEST_F(DisplayWindow, RightReleaseReanchorsTheZoom)
+TEST_F(Display, RightReleaseReanchorsTheZoom)
 {
     displayRightButton(dragDown, 300);
     displayMouseMoved(false, true, 100, 150);
@@ -97,14 +97,14 @@ TEST_F(DisplayWindow, RightReleaseReanchorsTheZoom)
     EXPECT_FLOAT_EQ(frameState.view.zoom, 4.0f);
 }
 
-TEST_F(DisplayWindow, RightPressStopsTheSpin)
+TEST_F(Display, RightPressStopsTheSpin)
 {
     frameState.continuousRedraw = 1;
     displayRightButton(dragDown, 10);
     EXPECT_EQ(frameState.continuousRedraw, 0);
 }
 
-TEST_F(DisplayWindow, MoveWithoutAPressDoesNothing)
+TEST_F(Display, MoveWithoutAPressDoesNothing)
 {
     displayMouseMoved(true, false, 100, 100);
     displayMouseMoved(false, true, 100, 100);
@@ -113,7 +113,7 @@ TEST_F(DisplayWindow, MoveWithoutAPressDoesNothing)
     EXPECT_EQ(frameState.view.zoom, 1.0f);
 }
 
-TEST_F(DisplayWindow, LeftHeldWinsOverRight)
+TEST_F(Display, LeftHeldWinsOverRight)
 {
     displayRightButton(dragDown, 300);
     displayLeftButton(dragDown, 300, 260);
@@ -121,7 +121,7 @@ TEST_F(DisplayWindow, LeftHeldWinsOverRight)
     EXPECT_EQ(frameState.view.zoom, 1.0f);
 }
 
-TEST_F(DisplayWindow, SurfacePointFollowsThePointer)
+TEST_F(Display, SurfacePointFollowsThePointer)
 {
     const float front[3] = { 0, 0, 1 }, up[3] = { 0, 1, 0 };
     displayLeftButton(dragDown, 310, 260);
@@ -137,7 +137,7 @@ TEST_F(DisplayWindow, SurfacePointFollowsThePointer)
     EXPECT_GT(out[1], 0.05f);
 }
 
-TEST_F(DisplayWindow, DragWithoutMovementIsTheIdentityAndNoSpin)
+TEST_F(Display, DragWithoutMovementIsTheIdentityAndNoSpin)
 {
     displayLeftButton(dragDown, 100, 100);
     displayMouseMoved(true, false, 100, 100);
@@ -150,7 +150,7 @@ TEST_F(DisplayWindow, DragWithoutMovementIsTheIdentityAndNoSpin)
     }
 }
 
-TEST_F(DisplayWindow, FastFlickSpinsAndSlowOneStops)
+TEST_F(Display, FastFlickSpinsAndSlowOneStops)
 {
     displayLeftButton(dragDown, 310, 260);
     displayMouseMoved(true, false, 315, 260);
@@ -164,7 +164,7 @@ TEST_F(DisplayWindow, FastFlickSpinsAndSlowOneStops)
     EXPECT_EQ(loopState.redrawPending, 1);
 }
 
-TEST_F(DisplayWindow, SpinGoesOnTheWayItWasFlung)
+TEST_F(Display, SpinGoesOnTheWayItWasFlung)
 {
     displayLeftButton(dragDown, 310, 260);
     displayMouseMoved(true, false, 320, 260);
@@ -175,7 +175,7 @@ TEST_F(DisplayWindow, SpinGoesOnTheWayItWasFlung)
     EXPECT_GT(turnedX(front), before);
 }
 
-TEST_F(DisplayWindow, ReleaseAfterAPressAlwaysAppliesOneMoreStep)
+TEST_F(Display, ReleaseAfterAPressAlwaysAppliesOneMoreStep)
 {
     displayLeftButton(dragDown, 310, 260);
     displayLeftButton(dragUp, 310, 260);
@@ -184,7 +184,7 @@ TEST_F(DisplayWindow, ReleaseAfterAPressAlwaysAppliesOneMoreStep)
     EXPECT_EQ(frameState.continuousRedraw, 1);
 }
 
-TEST_F(DisplayWindow, MinimisingEndsBothDrags)
+TEST_F(Display, MinimisingEndsBothDrags)
 {
     displayLeftButton(dragDown, 310, 260);
     displayRightButton(dragDown, 260);

@@ -1,3 +1,4 @@
+// tests/shell/placement_test.cpp - where the windows are placed
 #include "shell/placement.h"
 
 #include <gtest/gtest.h>

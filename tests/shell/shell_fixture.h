@@ -42,7 +42,7 @@ protected:
         loopState.appRunning = 0;
         destroyFrameBuffer(&frameBuffer);
         releaseModels();
-        releasePictures();
+        releaseImages();
         EXPECT_EQ(recorded.liveBlocks, 0);
         EXPECT_EQ(recorded.livePictures, 0);
         std::filesystem::remove_all(folder);
