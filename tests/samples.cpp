@@ -1,4 +1,4 @@
-// tests/samples.cpp
+// tests/samples.cpp - the bytes of the small files
 #include "tests/samples.h"
 
 #include "import/threeds/parts.h"

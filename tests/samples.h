@@ -1,4 +1,4 @@
-// tests/samples.h - small files that between them use all that each format has; the bytes of each
+// tests/samples.h - small files that together use everything that each format has
 #pragma once
 #include <string>
 #include <vector>

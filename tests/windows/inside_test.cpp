@@ -1,4 +1,4 @@
-// What can be seen of the desktop program only from inside: its menu, its bar, its keyboard focus, what it holds.
+// tests/windows/inside_test.cpp - what only the program itself can see: its menu, its bar, its focus, what it holds
 #include "tests/windows/dialogs.h"
 #include "tests/windows/inside.h"
 

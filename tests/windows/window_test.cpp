@@ -1,4 +1,4 @@
-// The desktop program as it is used: started, clicked, dragged, answered, closed.
+// tests/windows/window_test.cpp - the desktop program in use: started, clicked, dragged, answered, closed
 #include "tests/windows/dialogs.h"
 #include "tests/windows/program.h"
 
