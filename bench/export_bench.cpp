@@ -5,9 +5,8 @@
 #include "export/lux.h"
 #include "export/number_format.h"
 #include "export/obj.h"
-#include "export/output_file.h"
 #include "export/prop.h"
-#include "import/rkf.h"
+#include "export/rkf.h"
 #include "model/mesh.h"
 #include "model/normals.h"
 #include "platform/files.h"
@@ -89,7 +88,7 @@ static void writeObj(benchmark::State& state)
 {
     sheet();
     for (auto _ : state)
-        if (!writeObjFiles(sheet(), pathOf("export_bench.obj").c_str(), "export_bench.obj"))
+        if (!WriteObjFile(sheet(), pathOf("export_bench.obj").c_str(), "export_bench.obj", saveWhole))
             abort();
     countBytes(state, { "export_bench.obj", "export_bench.mtl" });
 }
@@ -98,7 +97,7 @@ static void writeProp(benchmark::State& state)
 {
     sheet();
     for (auto _ : state)
-        if (!writePropFiles(sheet(), pathOf("export_bench.pp2").c_str(), nullptr))
+        if (!WritePropFile(sheet(), pathOf("export_bench.pp2").c_str(), nullptr, saveWhole))
             abort();
     countBytes(state, { "export_bench.pp2" });
 }
@@ -107,7 +106,7 @@ static void writeLux(benchmark::State& state)
 {
     sheet();
     for (auto _ : state)
-        if (!writeLuxFiles(sheet(), pathOf("export_bench.lxs").c_str()))
+        if (!WriteLuxFiles(sheet(), pathOf("export_bench.lxs").c_str(), saveWhole))
             abort();
     countBytes(state, { "export_bench.lxo", "export_bench.lxm", "export_bench.lxs", "export_bench_textures.txt" });
 }
@@ -116,12 +115,8 @@ static void writeRkf(benchmark::State& state)
 {
     sheet();
     for (auto _ : state)
-    {
-        OutputFile output;
-        if (!openOutput(&output, pathOf("export_bench.rkf").c_str()) ||
-            !commitOutput(&output, WriteRkf(sheet(), output.file, 0)))
+        if (!WriteRkfFile(sheet(), pathOf("export_bench.rkf").c_str(), false, saveWhole))
             abort();
-    }
     countBytes(state, { "export_bench.rkf" });
 }
 

@@ -5,6 +5,7 @@
 #include "import/text/dxf.h"
 #include "import/text/off.h"
 #include "import/text/poser.h"
+#include "export/rkf.h"
 #include "import/rkf.h"
 
 #include <fstream>
@@ -112,7 +113,7 @@ static std::string makeRkf(int side)
 {
     Sample rkf("-made.rkf", "");
     Mesh* mesh = readOff(makeOff(side));
-    if (!saveRkfPath(mesh, rkf.path.c_str(), 0))
+    if (!WriteRkfFile(mesh, rkf.path.c_str(), false, saveInPlace))
         abort();
     freeMesh(mesh);
     std::ifstream file(rkf.path, std::ios::binary);
@@ -154,7 +155,7 @@ static void rkfWrite(benchmark::State& state)
     Mesh* mesh = readOff(makeOff(static_cast<int>(state.range(0))));
     for (auto _ : state)
     {
-        if (!saveRkfPath(mesh, sample.path.c_str(), 0))
+        if (!WriteRkfFile(mesh, sample.path.c_str(), false, saveInPlace))
             state.SkipWithError("not written");
     }
     sample.bytes = static_cast<double>(std::filesystem::file_size(sample.path));

@@ -4,9 +4,8 @@
 #include "cli/load.h"
 #include "export/lux.h"
 #include "export/obj.h"
-#include "export/output_file.h"
 #include "export/prop.h"
-#include "import/rkf.h"
+#include "export/rkf.h"
 #include "model/ascii.h"
 #include "platform/file_names.h"
 #include "shell/scene.h"
@@ -16,7 +15,7 @@
 
 static int writeObj(Mesh* mesh, const std::string& path)
 {
-    int ok = writeObjFiles(mesh, path.c_str(), fileNameOf(path.c_str()));
+    int ok = WriteObjFile(mesh, path.c_str(), fileNameOf(path.c_str()), saveWhole);
     freeMesh(mesh);
     return ok;
 }
@@ -29,7 +28,7 @@ static int writeProp(Mesh* mesh, const std::string& path)
     if (ok)
     {
         PreviewSource preview = { frameBuffer.picture.bits, view.width, view.height, frameBuffer.pitch * 3 };
-        ok = writePropFiles(mesh, path.c_str(), &preview);
+        ok = WritePropFile(mesh, path.c_str(), &preview, saveWhole);
     }
     releaseDrawing();
     return ok;
@@ -40,17 +39,16 @@ static int writeRkf(Mesh* mesh, const std::string& path)
     const char* obstacle = mesh->lineCount != 0 ? "the format carries no lines"
                            : !rkfCanHold(mesh)  ? "the format has no room for a face that begins behind vertex 1048576"
                                                 : nullptr;
-    OutputFile output = {};
     if (obstacle)
         fprintf(stderr, "kbx: %s cannot be written: %s\n", path.c_str(), obstacle);
-    int ok = !obstacle && openOutput(&output, path.c_str()) && commitOutput(&output, WriteRkf(mesh, output.file, 0));
+    int ok = !obstacle && WriteRkfFile(mesh, path.c_str(), false, saveWhole);
     freeMesh(mesh);
     return ok;
 }
 
 static int writeLux(Mesh* mesh, const std::string& path)
 {
-    int ok = writeLuxFiles(mesh, path.c_str());
+    int ok = WriteLuxFiles(mesh, path.c_str(), saveWhole);
     freeMesh(mesh);
     return ok;
 }

@@ -1,8 +1,7 @@
 // cli/decode.cpp - a JPEG file into a bitmap, by the decoder that textures go through
 #include "cli/commands.h"
-#include "export/output_file.h"
-#include "image/debug_bmp.h"
 #include "image/textures.h"
+#include "shell/picture_file.h"
 
 #include <stdio.h>
 #include <stdlib.h>
@@ -19,9 +18,7 @@ int runDecode(const Arguments& arguments)
             fprintf(stderr, "kbx: cannot read %s\n", path);
         return 1;
     }
-    OutputFile output = {};
-    int ok = openOutput(&output, arguments.output.c_str()) &&
-             commitOutput(&output, writeDebugBmpTo(output.file, described, image.pixels));
+    int ok = writeDecodedPicture(arguments.output.c_str(), described, image.pixels, saveWhole);
     free(image.pixels);
     return ok ? 0 : 1;
 }

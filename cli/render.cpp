@@ -2,25 +2,18 @@
 #include "cli/commands.h"
 #include "cli/draw.h"
 #include "cli/load.h"
-#include "export/output_file.h"
 #include "shell/picture_file.h"
 #include "shell/scene.h"
 
-static int writeBitmap(const std::string& path, const ViewArguments& view)
-{
-    OutputFile output = {};
-    if (!openOutput(&output, path.c_str()))
-        return 0;
-    return commitOutput(&output, writePicture(output.file, &frameBuffer, view.width, view.height));
-}
-
 int runRender(const Arguments& arguments)
 {
+    const ViewArguments& view = arguments.view;
     bool builtIn = arguments.inputs.empty();
     Mesh* mesh = builtIn ? loadTeapot(arguments.load) : loadModel(arguments.inputs[0], arguments.load);
     if (!mesh)
         return 1;
-    int ok = drawModel(mesh, builtIn, arguments.view) && writeBitmap(arguments.output, arguments.view);
+    int ok = drawModel(mesh, builtIn, view) &&
+             writePicture(arguments.output.c_str(), &frameBuffer, view.width, view.height, saveWhole);
     releaseDrawing();
     return ok ? 0 : 1;
 }

@@ -1,11 +1,8 @@
 // export/lux.cpp - the scene's view, its list of pictures, and the four files
 #include "export/lux.h"
 #include "export/lux_parts.h"
-#include "export/output_file.h"
 #include "model/memory.h"
-#include "platform/boxes.h"
 #include "platform/file_names.h"
-#include "platform/files.h"
 
 static void writeCamera(TextWriter* writer, const LuxScene* scene)
 {
@@ -111,48 +108,36 @@ static const LuxFile luxFiles[] = {
 };
 constexpr int luxFileCount = sizeof luxFiles / sizeof luxFiles[0];
 
-static int writeLuxFile(const LuxFile* which, FILE* file, LuxScene* scene)
+struct LuxText
 {
-    TextWriter writer;
-    startText(&writer, file);
-    which->write(&writer, scene);
-    return finishText(&writer);
+    LuxScene scene;
+    const LuxFile* file; // the one being written
+};
+
+static void writeLuxText(TextWriter* writer, void* context)
+{
+    LuxText* text = static_cast<LuxText*>(context);
+    text->file->write(writer, &text->scene);
 }
 
-int exportLuxRender(const Mesh* mesh, const char* modelFileName)
+std::string luxBaseName(const char* path)
 {
-    std::string folder = folderOf(modelFileName), baseName = upToFirstDot(fileNameOf(modelFileName));
-    LuxScene scene;
-    int ok = openLuxScene(&scene, mesh, baseName);
-    for (int i = 0; ok && i < luxFileCount; ++i)
-    {
-        FILE* file = openFile((folder + baseName + luxFiles[i].ending).c_str(), "wb");
-        ok = file != nullptr;
-        if (file)
-        {
-            writeLuxFile(&luxFiles[i], file, &scene);
-            fclose(file);
-        }
-    }
-    closeLuxScene(&scene);
-    if (ok)
-        messageBox((baseName + ".lxo, .lxm and .lxs files exported").c_str(), "LuxRender Export", iconNone);
-    return ok;
+    return upToFirstDot(fileNameOf(path));
 }
 
-int writeLuxFiles(const Mesh* mesh, const char* path)
+int WriteLuxFiles(const Mesh* mesh, const char* path, SaveMode mode)
 {
-    std::string folder = folderOf(path), baseName = upToFirstDot(fileNameOf(path));
-    LuxScene scene;
+    LuxText text;
     OutputFile outputs[luxFileCount] = {};
-    int ok = openLuxScene(&scene, mesh, baseName) || reportOutOfMemory();
+    std::string base = folderOf(path) + luxBaseName(path);
+    int ok = openLuxScene(&text.scene, mesh, luxBaseName(path));
+    if (!ok && mode == saveWhole)
+        reportOutOfMemory();
     for (int i = 0; ok && i < luxFileCount; ++i)
     {
-        ok = openOutput(&outputs[i], (folder + baseName + luxFiles[i].ending).c_str()) &&
-             closeOutput(&outputs[i], writeLuxFile(&luxFiles[i], outputs[i].file, &scene));
+        text.file = &luxFiles[i];
+        ok = writeTextOutput(&outputs[i], base + text.file->ending, mode, writeLuxText, &text);
     }
-    closeLuxScene(&scene);
-    ok = ok && commitOutputs(outputs, luxFileCount);
-    abandonOutputs(outputs, luxFileCount);
-    return ok;
+    closeLuxScene(&text.scene);
+    return commitOutputs(outputs, luxFileCount, ok != 0);
 }

@@ -2,15 +2,16 @@
 //
 // Four files with one base name: geometry (.lxo), materials (.lxm), the scene that includes both (.lxs) and a list of
 // the pictures it needs (_textures.txt). The mesh's y axis becomes the scene's z. Lines end in CR LF.
-//
-// The base name is the model's file name up to its first "."; dots in folder names do not count.
 #pragma once
+#include "export/output_file.h"
 #include "model/mesh.h"
 
-// Writes the scene beside the current model and shows "%s.lxo, .lxm and .lxs files exported". Returns 1, or 0 without a
-// box as soon as memory or a file is refused; files written before stay. Short writes are not noticed.
-int exportLuxRender(const Mesh* mesh, const char* modelFileName);
+// The base name of a scene's files: the file name of a path up to its first "."; dots in folder names do not count.
+std::string luxBaseName(const char* path);
 
-// The same without a box on success, into the folder of the path (its file name gives the base name), in place only
-// when all four files are whole. Returns 1, or 0 after a box with earlier files as they were.
-int writeLuxFiles(const Mesh* mesh, const char* path);
+// Writes the four files into the folder of a path, whose file name gives the base name.
+//
+// Returns 1, or 0 as soon as memory or a file is refused. In place that is silent, files written before stay and short
+// writes are not noticed; with saveWhole a box says what failed ("Out of memory" among them), and earlier files stay as
+// they were.
+int WriteLuxFiles(const Mesh* mesh, const char* path, SaveMode mode);

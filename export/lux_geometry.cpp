@@ -17,7 +17,7 @@ static int32_t slotOf(const LuxScene* scene, int32_t f)
     return whole && slot < scene->materials ? slot : -1;
 }
 
-static void sortFaces(LuxScene* scene)
+static void sortFacesBySlot(LuxScene* scene)
 {
     int32_t next[materialLimit] = {};
     for (int32_t f = 0; f < scene->mesh->faceCount; ++f)
@@ -66,7 +66,7 @@ int openLuxScene(LuxScene* scene, const Mesh* mesh, const std::string& baseName)
     scene->newIndex = static_cast<int32_t*>(takeRoom(mesh->vertexCount, sizeof(int32_t)));
     if (!scene->slotFaces || !scene->newIndex)
         return 0;
-    sortFaces(scene);
+    sortFacesBySlot(scene);
     int64_t mostCorners = 0;
     for (int32_t m = 0; m < scene->materials; ++m)
     {
@@ -171,7 +171,7 @@ static void writeTriangle(TextWriter* writer, int32_t a, int32_t b, int32_t c)
     *out++ = ' ';
     out = formatInt(out, b);
     *out++ = ' ';
-    textWritten(writer, endLine(formatInt(out, c)));
+    textWritten(writer, putLineEnd(formatInt(out, c)));
 }
 
 // A quad (a, b, c, d) is (a, b, c) and (c, d, a). Vertices of lines count, but make no triangle.
@@ -190,24 +190,24 @@ static void writeTriangles(TextWriter* writer, LuxScene* scene, int32_t slot, Sl
     }
 }
 
-static void writeTriple(TextWriter* writer, const float* v)
+static void writeLuxTriple(TextWriter* writer, const float* v)
 {
     char* out = formatPlain(textRoom(writer), v[0]);
     *out++ = ' ';
     out = formatPlain(out, -v[2]);
     *out++ = ' ';
-    textWritten(writer, endLine(formatPlain(out, v[1])));
+    textWritten(writer, putLineEnd(formatPlain(out, v[1])));
 }
 
-static void writeVertices(TextWriter* writer, const LuxScene* scene, const SlotShape* shape)
+static void writeLuxVertices(TextWriter* writer, const LuxScene* scene, const SlotShape* shape)
 {
     const Mesh* mesh = scene->mesh;
     writeLine(writer, "\t] \"point P\" [");
     for (int32_t i = 0; i < shape->vertexCount; ++i)
-        writeTriple(writer, mesh->vertices[scene->vertices[i].vertex].position);
+        writeLuxTriple(writer, mesh->vertices[scene->vertices[i].vertex].position);
     writeLine(writer, "\t] \"normal N\" [");
     for (int32_t i = 0; i < shape->vertexCount; ++i)
-        writeTriple(writer, mesh->vertices[scene->vertices[i].vertex].normal);
+        writeLuxTriple(writer, mesh->vertices[scene->vertices[i].vertex].normal);
     if (mesh->uvCount > 0)
     {
         writeLine(writer, "\t] \"float uv\" [");
@@ -215,7 +215,7 @@ static void writeVertices(TextWriter* writer, const LuxScene* scene, const SlotS
         {
             char* out = formatPlain(textRoom(writer), scene->vertices[i].u);
             *out++ = ' ';
-            textWritten(writer, endLine(formatPlain(out, scene->vertices[i].v)));
+            textWritten(writer, putLineEnd(formatPlain(out, scene->vertices[i].v)));
         }
     }
     writeLine(writer, "\t]");
@@ -239,7 +239,7 @@ static void writeShape(TextWriter* writer, LuxScene* scene, int32_t slot)
         writeLine(writer, "\tNamedMaterial \"%s\"", scene->mesh->materialNames[slot]);
         writeLine(writer, "\tShape \"trianglemesh\" \"integer indices\" [");
         writeTriangles(writer, scene, slot, &shape);
-        writeVertices(writer, scene, &shape);
+        writeLuxVertices(writer, scene, &shape);
     }
     forgetSlot(scene, &shape);
 }

@@ -82,7 +82,7 @@ static void writeMix(TextWriter* writer, const char* name, const std::string& gl
         writeLine(writer, R"(    "float amount" [%f])", transparency);
 }
 
-static void writeMaterial(TextWriter* writer, const Mesh* mesh, int32_t m)
+static void writeLuxMaterial(TextWriter* writer, const Mesh* mesh, int32_t m)
 {
     const Material* material = &mesh->materials[m];
     const char* name = mesh->materialNames[m];
@@ -117,5 +117,5 @@ static void writeMaterial(TextWriter* writer, const Mesh* mesh, int32_t m)
 void writeLuxMaterials(TextWriter* writer, LuxScene* scene)
 {
     for (int32_t m = 0; m < scene->materials; ++m)
-        writeMaterial(writer, scene->mesh, m);
+        writeLuxMaterial(writer, scene->mesh, m);
 }

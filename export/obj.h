@@ -1,21 +1,22 @@
 // export/obj.h - the mesh as a Wavefront OBJ file and its materials as an MTL file
 //
-// Vertices, texture coordinates, then the faces sorted by group and within a group by material, each in record order.
-// Faces whose group or material is past the mesh's count are not written. Lines end in CR LF. Source: import/obj.h.
+// The OBJ file holds the vertices, the texture coordinates, then the faces sorted by group and within a group by
+// material, each in record order. Faces whose group or material is past the mesh's count are not written. Lines end in
+// CR LF.
+//
+// Source: the appendix on object files of Wavefront's Advanced Visualizer manual
 #pragma once
+#include "export/output_file.h"
 #include "model/mesh.h"
 
-// Asks for a file, writes the mesh to it and, when there are materials, the MTL file beside it.
+// Writes the mesh as an OBJ file and, when there are materials, its MTL file beside it.
 //
-// name: the current model's file name on entry; receives the chosen file's name without its folder
-// Returns 1, or 0 when the user cancelled or the OBJ file could not be created (after a box). Only that is reported: a
-// short write or a missing MTL file is not.
-int SaveObjFile(const Mesh* mesh, char* name, size_t nameRoomBytes);
+// fileTitle: the file's name without its folder, from which the library's name in the OBJ file is made
+//
+// Returns 1, or 0 when a file could not be written. In place, only an OBJ file that cannot be created counts: a short
+// write or a missing MTL file does not. The library takes its place before the OBJ file that names it.
+int WriteObjFile(const Mesh* mesh, const char* path, const char* fileTitle, SaveMode mode);
 
-// The MTL file of an OBJ file: the last four characters of the path give way to ".mtl". Writes nothing for a mesh
-// without materials or a path shorter than 5 characters, and tells nobody when the file cannot be created.
-void WriteMtlFile(const Mesh* mesh, const char* objPath);
-
-// Both files without a dialog, in place only when both are whole. fileTitle: the file's name without its folder, from
-// which the library's name in the OBJ file is made. Returns 1, or 0 after a box with earlier files as they were.
-int writeObjFiles(const Mesh* mesh, const char* objPath, const char* fileTitle);
+// Writes the MTL file of an OBJ file alone: ".mtl" replaces the last four characters of the path. Writes nothing for a
+// mesh without materials or a path shorter than 5 characters. Returns 1, or 0 when the file could not be written.
+int WriteMtlFile(const Mesh* mesh, const char* objPath, SaveMode mode);

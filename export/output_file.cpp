@@ -3,7 +3,7 @@
 #include "platform/boxes.h"
 #include "platform/files.h"
 
-constexpr size_t pathRoom = 8192;
+constexpr size_t placeRoom = 8192;
 
 static int reportUnwritten(const OutputFile* output)
 {
@@ -13,12 +13,12 @@ static int reportUnwritten(const OutputFile* output)
 
 static FILE* openBeside(OutputFile* output)
 {
-    constexpr int mostNames = 100;
+    constexpr int nameLimit = 100;
     const std::string part = output->place + ".part";
     std::string name = part;
-    int taken; // what somebody has of that name is not ours to overwrite
+    int taken; // somebody else's file of that name must not be overwritten
     FILE* file = createFile(name.c_str(), &taken);
-    for (int i = 1; i < mostNames && taken; ++i)
+    for (int i = 1; i < nameLimit && taken; ++i)
     {
         name = part + std::to_string(i);
         file = createFile(name.c_str(), &taken);
@@ -28,36 +28,58 @@ static FILE* openBeside(OutputFile* output)
     return file;
 }
 
-int openOutput(OutputFile* output, const char* target)
+static FILE* openWhole(OutputFile* output)
 {
-    char place[pathRoom];
-    *output = { nullptr, target, "", "" };
-    FileTarget kind = findFileTarget(target, place, sizeof place);
-    if (kind != targetRefused)
-    {
-        output->place = place;
-        output->file = kind == targetDirect ? openFile(place, "wb") : openBeside(output);
-    }
-    if (!output->file)
-        messageBox(target, "Error cannot create", iconStop);
+    char place[placeRoom];
+    FileTarget kind = findFileTarget(output->target.c_str(), place, sizeof place);
+    if (kind == targetRefused)
+        return nullptr;
+    output->place = place;
+    return kind == targetDirect ? openFile(place, "wb") : openBeside(output);
+}
+
+int openOutput(OutputFile* output, const std::string& target, SaveMode mode)
+{
+    *output = { nullptr, mode, target, target, "" };
+    output->file = mode == saveInPlace ? openFile(target.c_str(), "wb") : openWhole(output);
+    if (!output->file && mode == saveWhole)
+        messageBox(target.c_str(), "Error cannot create", iconStop);
     return output->file != nullptr;
 }
 
-int closeOutput(OutputFile* output, int whole)
+// Closes and removes what has not been put in place, at whatever stage an output is.
+static void abandonOutputs(OutputFile* outputs, int count)
 {
-    if (ferror(output->file))
-        whole = 0;
-    if (fclose(output->file) != 0)
-        whole = 0;
+    for (int i = 0; i < count; ++i)
+    {
+        if (outputs[i].file)
+            fclose(outputs[i].file);
+        outputs[i].file = nullptr;
+        if (!outputs[i].temporary.empty())
+            removeFile(outputs[i].temporary.c_str());
+        outputs[i].temporary.clear();
+    }
+}
+
+int closeOutput(OutputFile* output, bool written)
+{
+    bool whole = written && !ferror(output->file);
+    if (fclose(output->file) != 0) // the last bytes reach the disk here, or do not
+        whole = false;
     output->file = nullptr;
     if (whole)
         return 1;
     abandonOutputs(output, 1);
-    return reportUnwritten(output);
+    return output->mode == saveWhole ? reportUnwritten(output) : 0;
 }
 
-int commitOutputs(OutputFile* outputs, int count)
+int commitOutputs(OutputFile* outputs, int count, bool whole)
 {
+    if (!whole)
+    {
+        abandonOutputs(outputs, count);
+        return 0;
+    }
     for (int i = 0; i < count; ++i)
     {
         if (outputs[i].temporary.empty()) // written where it belongs
@@ -72,20 +94,7 @@ int commitOutputs(OutputFile* outputs, int count)
     return 1;
 }
 
-void abandonOutputs(OutputFile* outputs, int count)
+int commitOutput(OutputFile* output, bool written)
 {
-    for (int i = 0; i < count; ++i)
-    {
-        if (outputs[i].file)
-            fclose(outputs[i].file);
-        outputs[i].file = nullptr;
-        if (!outputs[i].temporary.empty())
-            removeFile(outputs[i].temporary.c_str());
-        outputs[i].temporary.clear();
-    }
-}
-
-int commitOutput(OutputFile* output, int whole)
-{
-    return closeOutput(output, whole) && commitOutputs(output, 1);
+    return closeOutput(output, written) && commitOutputs(output, 1, true);
 }

@@ -1,15 +1,8 @@
 // export/prop.cpp - the Poser prop writer
 #include "export/prop.h"
-#include "export/file_names.h"
-#include "export/output_file.h"
 #include "export/save_progress.h"
 #include "export/text_writer.h"
-#include "platform/boxes.h"
-#include "platform/dialogs.h"
 #include "platform/file_names.h"
-#include "platform/files.h"
-
-#include <string>
 
 struct Channel
 {
@@ -20,31 +13,31 @@ struct Channel
     int isStatic;
     int hidden;
     int initialValue;
-    int withStaticValue;
+    bool withStaticValue;
 };
 
 // clang-format off
 static const Channel channels[] = {
-    { "xOffsetA OriginX", "GetStringRes(1028,44)", "-10000",  "0.004", 1, 1, 0, 1 },
-    { "yOffsetA OriginY", "GetStringRes(1028,45)", "-10000",  "0.004", 1, 1, 0, 1 },
-    { "zOffsetA OriginZ", "GetStringRes(1028,46)", "-10000",  "0.004", 1, 1, 0, 1 },
-    { "rotateX xRotate",  "xrot",                  "-10000",  "1",     0, 0, 0, 0 },
-    { "rotateY yRotate",  "yrot",                  "-10000",  "1",     0, 0, 0, 0 },
-    { "rotateZ zRotate",  "zrot",                  "-10000",  "1",     0, 0, 0, 0 },
-    { "scale Scale",      "GetStringRes(1028,5)",  "0.001",   "0.004", 0, 0, 1, 0 },
-    { "scaleX xScale",    "GetStringRes(1028,6)",  "0.001",   "0.004", 0, 0, 1, 0 },
-    { "scaleY yScale",    "GetStringRes(1028,7)",  "0.001",   "0.004", 0, 0, 1, 0 },
-    { "scaleZ zScale",    "GetStringRes(1028,8)",  "0.001",   "0.004", 0, 0, 1, 0 },
-    { "translateX xTran", "GetStringRes(1028,12)", "-100000", "0.001", 0, 0, 0, 0 },
-    { "translateY yTran", "GetStringRes(1028,13)", "-100000", "0.001", 0, 0, 0, 0 },
-    { "translateZ zTran", "GetStringRes(1028,14)", "-100000", "0.001", 0, 0, 0, 0 },
-    { "xOffsetB xOffB",   "xOffB",                 "-100000", "0.004", 1, 1, 0, 1 },
-    { "yOffsetB yOffB",   "yOffB",                 "-100000", "0.004", 1, 1, 0, 1 },
-    { "zOffsetB zOffB",   "zOffB",                 "-100000", "0.004", 1, 1, 0, 1 },
+    { "xOffsetA OriginX", "GetStringRes(1028,44)", "-10000",  "0.004", 1, 1, 0, true },
+    { "yOffsetA OriginY", "GetStringRes(1028,45)", "-10000",  "0.004", 1, 1, 0, true },
+    { "zOffsetA OriginZ", "GetStringRes(1028,46)", "-10000",  "0.004", 1, 1, 0, true },
+    { "rotateX xRotate",  "xrot",                  "-10000",  "1",     0, 0, 0, false },
+    { "rotateY yRotate",  "yrot",                  "-10000",  "1",     0, 0, 0, false },
+    { "rotateZ zRotate",  "zrot",                  "-10000",  "1",     0, 0, 0, false },
+    { "scale Scale",      "GetStringRes(1028,5)",  "0.001",   "0.004", 0, 0, 1, false },
+    { "scaleX xScale",    "GetStringRes(1028,6)",  "0.001",   "0.004", 0, 0, 1, false },
+    { "scaleY yScale",    "GetStringRes(1028,7)",  "0.001",   "0.004", 0, 0, 1, false },
+    { "scaleZ zScale",    "GetStringRes(1028,8)",  "0.001",   "0.004", 0, 0, 1, false },
+    { "translateX xTran", "GetStringRes(1028,12)", "-100000", "0.001", 0, 0, 0, false },
+    { "translateY yTran", "GetStringRes(1028,13)", "-100000", "0.001", 0, 0, 0, false },
+    { "translateZ zTran", "GetStringRes(1028,14)", "-100000", "0.001", 0, 0, 0, false },
+    { "xOffsetB xOffB",   "xOffB",                 "-100000", "0.004", 1, 1, 0, true },
+    { "yOffsetB yOffB",   "yOffB",                 "-100000", "0.004", 1, 1, 0, true },
+    { "zOffsetB zOffB",   "zOffB",                 "-100000", "0.004", 1, 1, 0, true },
 };
 // clang-format on
 
-static int64_t countCorners(const Mesh* mesh)
+static int64_t countPropCorners(const Mesh* mesh)
 {
     int64_t corners = 4 * int64_t{ mesh->faceCount };
     for (int32_t f = 0; f < mesh->faceCount; ++f)
@@ -52,15 +45,15 @@ static int64_t countCorners(const Mesh* mesh)
     return corners;
 }
 
-// Past two thousand million corners the count no longer fits a "%d".
+// The count of corners may exceed the range of "%d".
 static void writeCount(TextWriter* writer, const char* keyword, int64_t count)
 {
     writeLine(writer, "      %s %s", keyword, std::to_string(count).c_str());
 }
 
-static void writeHeader(TextWriter* writer, const Mesh* mesh)
+static void writePropHeader(TextWriter* writer, const Mesh* mesh)
 {
-    int64_t corners = countCorners(mesh);
+    int64_t corners = countPropCorners(mesh);
     writeLine(writer, "{");
     writeLine(writer, "// Prop exported by Kestrelbox3 - mesh viewer and converter");
     writeLine(writer, "version");
@@ -78,7 +71,7 @@ static void writeHeader(TextWriter* writer, const Mesh* mesh)
     writeCount(writer, "numbSets  ", corners);
 }
 
-static void writePoints(TextWriter* writer, const Mesh* mesh, SaveProgress* progress)
+static void writePropPoints(TextWriter* writer, const Mesh* mesh, SaveProgress* progress)
 {
     for (int32_t i = 0; i < mesh->vertexCount; ++i)
     {
@@ -91,7 +84,7 @@ static void writePoints(TextWriter* writer, const Mesh* mesh, SaveProgress* prog
             out = formatSix(out, mesh->vertices[i].position[k]);
         }
         *out++ = ' ';
-        textWritten(writer, endLine(out));
+        textWritten(writer, putLineEnd(out));
         countSaved(progress);
     }
     for (int32_t i = 0; i < mesh->uvCount; ++i)
@@ -102,12 +95,12 @@ static void writePoints(TextWriter* writer, const Mesh* mesh, SaveProgress* prog
         *out++ = ' ';
         out = formatSix(out, mesh->uvs[i].v);
         *out++ = ' ';
-        textWritten(writer, endLine(out));
+        textWritten(writer, putLineEnd(out));
         countSaved(progress);
     }
 }
 
-static void writeFace(TextWriter* writer, const Mesh* mesh, int32_t f)
+static void writePropFace(TextWriter* writer, const Mesh* mesh, int32_t f)
 {
     const Corners& corners = mesh->faces[f];
     char* out = textRoom(writer);
@@ -123,10 +116,10 @@ static void writeFace(TextWriter* writer, const Mesh* mesh, int32_t f)
             out = formatInt(out, static_cast<int32_t>(mesh->faceUvs[f][k] + 1));
         }
     }
-    textWritten(writer, endLine(out));
+    textWritten(writer, putLineEnd(out));
 }
 
-static void writeFaces(TextWriter* writer, const Mesh* mesh, SaveProgress* progress)
+static void writePropFaces(TextWriter* writer, const Mesh* mesh, SaveProgress* progress)
 {
     constexpr uint32_t noIndex = UINT32_MAX;
     uint32_t lastMaterial = noIndex, lastGroup = noIndex;
@@ -140,7 +133,7 @@ static void writeFaces(TextWriter* writer, const Mesh* mesh, SaveProgress* progr
             writeLine(writer, "      g %s", mesh->groupNames[group]);
         lastMaterial = material;
         lastGroup = group;
-        writeFace(writer, mesh, f);
+        writePropFace(writer, mesh, f);
         countSaved(progress);
     }
 }
@@ -193,12 +186,12 @@ static void writeActor(TextWriter* writer, const Mesh* mesh)
     writeLine(writer, "   customMaterial 32");
 }
 
-static void writeColour(TextWriter* writer, const char* keyword, const float* colour, float level)
+static void writePropColour(TextWriter* writer, const char* keyword, const float* colour, float level)
 {
     writeLine(writer, "       %s %f %f %f 1", keyword, colour[0] * level, colour[1] * level, colour[2] * level);
 }
 
-static void writeMap(TextWriter* writer, const char* keyword, const char* fileName)
+static void writePropMap(TextWriter* writer, const char* keyword, const char* fileName)
 {
     if (!*fileName)
     {
@@ -210,35 +203,35 @@ static void writeMap(TextWriter* writer, const char* keyword, const char* fileNa
 }
 
 // What every material has between its tMax and its end.
-static void writeMaterialRest(TextWriter* writer, const char* texture, const char* opacity)
+static void writePropMaterialRest(TextWriter* writer, const char* texture, const char* opacity)
 {
     writeLine(writer, "       tExpo 0.6");
     writeLine(writer, "       bumpStrength 1");
     writeLine(writer, "       ksIgnoreTexture 0");
     writeLine(writer, "       reflectThruLights 0");
     writeLine(writer, "       reflectThruKd 0");
-    writeMap(writer, "textureMap", texture);
+    writePropMap(writer, "textureMap", texture);
     writeLine(writer, "       bumpMap NO_MAP");
     writeLine(writer, "       reflectionMap NO_MAP");
-    writeMap(writer, "transparencyMap", opacity);
+    writePropMap(writer, "transparencyMap", opacity);
     writeLine(writer, "       ReflectionColor 0 0 0 1");
     writeLine(writer, "       reflectionStrength 0");
     writeLine(writer, "       }");
 }
 
-static void writeMaterial(TextWriter* writer, const Mesh* mesh, int32_t m)
+static void writePropMaterial(TextWriter* writer, const Mesh* mesh, int32_t m)
 {
     const Material* material = &mesh->materials[m];
     writeLine(writer, "   material %s", mesh->materialNames[m]);
     writeLine(writer, "       {");
-    writeColour(writer, "KdColor", material->diffuse, material->diffuseLevel);
-    writeColour(writer, "KaColor", material->ambient, material->ambientLevel);
-    writeColour(writer, "KsColor", material->specular, material->specularLevel);
+    writePropColour(writer, "KdColor", material->diffuse, material->diffuseLevel);
+    writePropColour(writer, "KaColor", material->ambient, material->ambientLevel);
+    writePropColour(writer, "KsColor", material->specular, material->specularLevel);
     writeLine(writer, "       TextureColor 0.8 0.8 0.8 1");
     writeLine(writer, "       NsExponent %d", material->shininess);
     writeLine(writer, "       tMin 0");
     writeLine(writer, "       tMax %f", material->transparency);
-    writeMaterialRest(writer, mesh->textureNames[m], mesh->opacityNames[m]);
+    writePropMaterialRest(writer, mesh->textureNames[m], mesh->opacityNames[m]);
 }
 
 // Poser looks for a material of this name in every prop.
@@ -253,31 +246,41 @@ static void writePreviewMaterial(TextWriter* writer)
     writeLine(writer, "       NsExponent 10");
     writeLine(writer, "       tMin 0");
     writeLine(writer, "       tMax 0");
-    writeMaterialRest(writer, "", "");
+    writePropMaterialRest(writer, "", "");
 }
 
-static void writeMaterials(TextWriter* writer, const Mesh* mesh)
+static void writePropMaterials(TextWriter* writer, const Mesh* mesh)
 {
     int previewWritten = 0;
     for (int32_t m = 0; m < mesh->materialCount; ++m)
     {
-        writeMaterial(writer, mesh, m);
+        writePropMaterial(writer, mesh, m);
         previewWritten |= strcmp(mesh->materialNames[m], "Preview") == 0;
     }
     if (!previewWritten)
         writePreviewMaterial(writer);
 }
 
-static void writePropText(TextWriter* writer, const Mesh* mesh, SaveProgress* progress)
+// What the prop is made of, and how far it has come.
+struct PropText
 {
-    writeHeader(writer, mesh);
-    writePoints(writer, mesh, progress);
-    writeFaces(writer, mesh, progress);
+    const Mesh* mesh;
+    SaveProgress progress;
+};
+
+static void writePropText(TextWriter* writer, void* context)
+{
+    PropText* text = static_cast<PropText*>(context);
+    const Mesh* mesh = text->mesh;
+    startSaveProgress(&text->progress, int64_t{ mesh->vertexCount } + mesh->uvCount + mesh->faceCount);
+    writePropHeader(writer, mesh);
+    writePropPoints(writer, mesh, &text->progress);
+    writePropFaces(writer, mesh, &text->progress);
     writeLine(writer, "      }");
     writeLine(writer, "   }");
     writeBlankLine(writer);
     writeActor(writer, mesh);
-    writeMaterials(writer, mesh);
+    writePropMaterials(writer, mesh);
     writeLine(writer, "   locked 0");
     writeLine(writer, "   }");
     writeLine(writer, "doc");
@@ -287,14 +290,10 @@ static void writePropText(TextWriter* writer, const Mesh* mesh, SaveProgress* pr
     writeLine(writer, "}");
 }
 
-static int writeProp(FILE* file, const Mesh* mesh)
+static void writePreviewBytes(TextWriter* writer, void* context)
 {
-    SaveProgress progress;
-    startSaveProgress(&progress, int64_t{ mesh->vertexCount } + mesh->uvCount + mesh->faceCount);
-    TextWriter writer;
-    startText(&writer, file);
-    writePropText(&writer, mesh, &progress);
-    return finishText(&writer); // the bar stays up for the preview
+    std::string bytes = previewFile(*static_cast<const PreviewSource**>(context));
+    writeBytes(writer, bytes.data(), bytes.size());
 }
 
 static std::string previewPathOf(const char* propPath)
@@ -302,70 +301,13 @@ static std::string previewPathOf(const char* propPath)
     return folderOf(propPath) + upToLastDot(fileNameOf(propPath)) + ".rsr";
 }
 
-static int writePreviewTo(FILE* file, const PreviewSource* frame)
+int WritePropFile(const Mesh* mesh, const char* propPath, const PreviewSource* frame, SaveMode mode)
 {
-    std::string bytes = previewFile(frame);
-    TextWriter writer;
-    startText(&writer, file);
-    writeBytes(&writer, bytes.data(), bytes.size());
-    return finishText(&writer);
-}
-
-int savePoserProp(const Mesh* mesh, const char* suggestedName, int writePreview, const PreviewSource* frame)
-{
-    char path[saveNameRoom];
-    proposeName(path, upToLastDot(suggestedName), ".pp2");
-    FileDialog dialog = { .filterText = "Poser prop (*.pp2)",
-                          .filterPattern = "*.pp2",
-                          .title = "save mesh",
-                          .defaultExtension = "pp2",
-                          .flags = dialogOverwritePrompt | dialogHideReadOnly,
-                          .path = path,
-                          .pathRoom = saveNameCharacters,
-                          .fileTitle = nullptr,
-                          .fileTitleRoom = 0 };
-    if (!chooseFileToSave(&dialog))
-        return 0;
-    FILE* file = openFile(path, "wb");
-    if (!file)
-    {
-        messageBox(path, "Error cannot create", iconStop);
-        return 0;
-    }
-    writeProp(file, mesh);
-    fclose(file);
-    FILE* preview = writePreview && frame ? openFile(previewPathOf(path).c_str(), "wb") : nullptr;
-    if (preview)
-    {
-        writePreviewTo(preview, frame);
-        fclose(preview);
-    }
-    closeProgress();
-    return 1;
-}
-
-static int prepareProp(OutputFile* output, const Mesh* mesh, const char* propPath)
-{
-    if (!openOutput(output, propPath))
-        return 0;
-    int whole = writeProp(output->file, mesh);
-    closeProgress();
-    return closeOutput(output, whole);
-}
-
-static int preparePreview(OutputFile* output, const char* propPath, const PreviewSource* frame)
-{
-    return openOutput(output, previewPathOf(propPath).c_str()) &&
-           closeOutput(output, writePreviewTo(output->file, frame));
-}
-
-int writePropFiles(const Mesh* mesh, const char* propPath, const PreviewSource* frame)
-{
-    OutputFile outputs[2] = {};
-    if (!prepareProp(&outputs[1], mesh, propPath) || (frame && !preparePreview(&outputs[0], propPath, frame)))
-    {
-        abandonOutputs(outputs, 2);
-        return 0;
-    }
-    return frame ? commitOutputs(outputs, 2) : commitOutputs(outputs + 1, 1);
+    OutputFile outputs[2] = {}; // the preview takes its place first
+    PropText text = { mesh, {} };
+    int ok = writeTextOutput(&outputs[1], propPath, mode, writePropText, &text);
+    if (ok && frame && !writeTextOutput(&outputs[0], previewPathOf(propPath), mode, writePreviewBytes, &frame))
+        ok = mode == saveInPlace;
+    endSaveProgress(&text.progress);
+    return commitOutputs(outputs, 2, ok != 0);
 }

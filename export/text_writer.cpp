@@ -65,7 +65,7 @@ static void writeField(TextWriter* writer, char kind, va_list* arguments)
 
 void writeBlankLine(TextWriter* writer)
 {
-    textWritten(writer, endLine(textRoom(writer)));
+    textWritten(writer, putLineEnd(textRoom(writer)));
 }
 
 void writeLine(TextWriter* writer, const char* format, ...)
@@ -85,4 +85,16 @@ void writeLine(TextWriter* writer, const char* format, ...)
     }
     va_end(arguments);
     writeBlankLine(writer);
+}
+
+int writeTextOutput(OutputFile* output, const std::string& target, SaveMode mode,
+                    void (*writeText)(TextWriter* writer, void* context), void* context)
+{
+    if (!openOutput(output, target, mode))
+        return 0;
+    TextWriter writer;
+    startText(&writer, output->file);
+    writeText(&writer, context);
+    int whole = closeOutput(output, finishText(&writer) != 0);
+    return whole || mode == saveInPlace;
 }

@@ -1,9 +1,10 @@
 // export/text_writer.h - text through one block into a file
 //
 // Every writer fills a block of its own and hands it to the file when it is full, so that a number costs its digits and
-// nothing else. A write that fails is remembered: nothing more is written, and finishText tells.
+// nothing else. A failed write is remembered: nothing more is written, and finishText returns 0.
 #pragma once
 #include "export/number_format.h"
+#include "export/output_file.h"
 
 #include <stddef.h>
 #include <stdio.h>
@@ -26,8 +27,8 @@ int finishText(TextWriter* writer);
 
 void flushText(TextWriter* writer);
 
-// Where the next bytes go: room for textLineRoom bytes, and numberSlack more to spoil. textWritten takes the end of
-// what was put there.
+// Where the next bytes go: there is room for textLineRoom bytes, and numberSlack more may be overwritten. textWritten
+// takes the end of what was put there.
 inline char* textRoom(TextWriter* writer)
 {
     if (writer->usedBytes + textLineRoom > textBlockBytes)
@@ -40,7 +41,8 @@ inline void textWritten(TextWriter* writer, const char* end)
     writer->usedBytes = static_cast<size_t>(end - writer->block);
 }
 
-inline char* endLine(char* out)
+// Ends a line at out and returns the end of that.
+inline char* putLineEnd(char* out)
 {
     out[0] = '\r';
     out[1] = '\n';
@@ -57,3 +59,8 @@ __attribute__((format(printf, 2, 3)))
 void writeLine(TextWriter* writer, const char* format, ...);
 
 void writeBlankLine(TextWriter* writer);
+
+// Opens an output, has its text written and closes it. Returns 1; or 0 when the file could not be created or, with
+// saveWhole, not be written whole. A short write in place is not noticed: a full disk leaves a short file there.
+int writeTextOutput(OutputFile* output, const std::string& target, SaveMode mode,
+                    void (*writeText)(TextWriter* writer, void* context), void* context);

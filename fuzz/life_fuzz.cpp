@@ -5,6 +5,7 @@
 #include "export/lux.h"
 #include "export/obj.h"
 #include "export/prop.h"
+#include "export/rkf.h"
 #include "fuzz/memory_file.h"
 #include "import/text/dxf.h"
 #include "import/obj/obj.h"
@@ -109,15 +110,15 @@ static void readBack(const char* name, int (*load)(Mesh*, const char*))
 
 static void write(const Mesh* mesh, const FrameState& state)
 {
-    if (writeObjFiles(mesh, (folder() + "m.obj").c_str(), "m.obj"))
+    if (WriteObjFile(mesh, (folder() + "m.obj").c_str(), "m.obj", saveWhole))
         readBack("m.obj", LoadObjFile);
     PreviewSource preview = { frameBuffer.picture.bits, state.displayWidth, state.displayHeight,
                               frameBuffer.pitch * 3 };
-    if (frameBuffer.cells && writePropFiles(mesh, (folder() + "m.pp2").c_str(), &preview))
+    if (frameBuffer.cells && WritePropFile(mesh, (folder() + "m.pp2").c_str(), &preview, saveWhole))
         readBack("m.pp2", LoadPoserFile);
-    if (saveRkfPath(mesh, (folder() + "m.rkf").c_str(), 0))
+    if (WriteRkfFile(mesh, (folder() + "m.rkf").c_str(), false, saveInPlace))
         readBack("m.rkf", LoadRkfFile);
-    writeLuxFiles(mesh, (folder() + "m.lxs").c_str());
+    WriteLuxFiles(mesh, (folder() + "m.lxs").c_str(), saveWhole);
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)

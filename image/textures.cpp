@@ -2,16 +2,13 @@
 #include "image/textures.h"
 
 #include "image/jpeg.h"
-#include "model/ascii.h"
 #include "platform/boxes.h"
-#include "platform/dialogs.h"
 #include "platform/files.h"
 #include "platform/resources.h"
 
 #include <stdlib.h>
 
 constexpr Image emptyUserTexture = { nullptr, 1, 1 };
-constexpr size_t pathCharacters = 128;
 
 Image TextureSlots[textureCount] = { {}, {}, {}, emptyUserTexture };
 Image ReflectionImage;
@@ -51,28 +48,6 @@ int loadTextureFile(const char* path, Image* image, int* opened, JpegOutput* out
     free(image->pixels);
     *image = fresh;
     return 1;
-}
-
-static void lowerCase(char* text)
-{
-    for (; *text; ++text)
-        *text = asciiLower(*text);
-}
-
-int loadUserTexture(Image* image, char* title)
-{
-    char path[dialogBytes(pathCharacters)] = "";
-    FileDialog dialog = {};
-    dialog.filterText = "JPG Files(*.JPG)";
-    dialog.filterPattern = "*.JPG";
-    dialog.path = path;
-    dialog.pathRoom = pathCharacters;
-    dialog.fileTitle = title;
-    dialog.fileTitleRoom = textureTitleCharacters;
-    if (!chooseFileToOpen(&dialog))
-        return 0;
-    lowerCase(title);
-    return loadTextureFile(path, image);
 }
 
 void freeTextures()

@@ -2,4 +2,3 @@
 #include "model/settings.h"
 
 int32_t usePlainKernels;
-char currentFileName[fileNameRoom];

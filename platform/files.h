@@ -3,6 +3,7 @@
 #include <stdio.h>
 #include <stddef.h>
 #include <stdint.h>
+#include <string>
 
 // fopen for a UTF-8 path. Null when it does not open, for a folder, and for reading from a device, which may never end.
 FILE* openFile(const char* path, const char* mode);
@@ -13,6 +14,10 @@ FILE* createFile(const char* path, int* taken);
 
 // Whether a file stands there, links followed: no folder, device or pipe.
 int isPlainFile(const char* path);
+
+// The path with the current folder in front when it does not name one from the root, so that it still means the same
+// file after the current folder has changed. An empty path stays empty.
+std::string fullPathOf(const char* path);
 
 // The size of an open file in bytes and the position back at its start; -1 when it cannot be measured.
 int64_t measureFile(FILE* file);

@@ -4,9 +4,7 @@
 // never nearer than the face's nearest corner. The depth is computed in 64 bits, wide enough for faces seen edge-on.
 #include "render/shadows.h"
 
-#include "model/bitmap.h"
 #include "model/matrix.h"
-#include "platform/files.h"
 #include "render/triangle_edges.h"
 #include "render/kernels.h"
 #include "render/project.h"
@@ -14,7 +12,6 @@
 
 #include <immintrin.h>
 #include <math.h>
-#include <stdlib.h>
 #include <string.h>
 #include <algorithm>
 
@@ -316,37 +313,4 @@ void MarkShadowedVertices(const FrameBuffer* target, Mesh* mesh, const FrameTran
         bool hidden = entry > depth && !isOwnSurface(entry - depth, dotProduct(mesh->vertices[i].normal, light));
         vertex->flags = hidden ? vertex->flags | vertexShadowed : vertex->flags & ~vertexShadowed;
     }
-}
-
-// ----- the diagnostic picture
-
-static int writeShadowPicture(FILE* file, const FrameBuffer* target)
-{
-    if (!writeBitmapHeader(file, { target->shadowSize, target->shadowSize, 1, 0, 0 }))
-        return 0;
-    uint32_t side = static_cast<uint32_t>(target->shadowSize);
-    size_t rowBytes = bitmapRowBytes(target->shadowSize);
-    uint8_t* row = static_cast<uint8_t*>(calloc(rowBytes, 1));
-    int ok = row != nullptr;
-    for (uint32_t y = side; ok && y-- > 0;)
-    {
-        for (uint32_t x = 0; x < side; ++x)
-            memset(row + x * 3, std::min(target->shadowMap[y * side + x] >> 6, 255), 3);
-        ok = fwrite(row, rowBytes, 1, file) == 1;
-    }
-    free(row);
-    return ok;
-}
-
-int DumpShadowMap(const FrameBuffer* target)
-{
-    static bool called = false;
-    if (called)
-        return 0;
-    called = true;
-    FILE* file = openFile("shadow.bmp", "wb");
-    if (!file)
-        return 0;
-    int written = writeShadowPicture(file, target);
-    return fclose(file) == 0 && written;
 }

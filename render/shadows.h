@@ -50,8 +50,3 @@ void fillShadowRowsAvx2(uint16_t* map, int32_t side, const ShadowTriangle* trian
 // more than its own surface can rise within that entry. On a finely cut, steep surface the entry holds the depth of a
 // neighbour in the same column and row, and that neighbour must not shadow the vertex.
 void MarkShadowedVertices(const FrameBuffer* target, Mesh* mesh, const FrameTransforms* transforms);
-
-// A diagnostic for a debugger or a test; no command of the program calls it. Writes the map as a grey picture to
-// "shadow.bmp" in the current folder. Only the first call of a run writes, so that a call left in the frame writes one
-// picture. Returns 1, or 0 on a later call or when the file could not be written.
-int DumpShadowMap(const FrameBuffer* target);

@@ -6,6 +6,7 @@
 #include "resources/ids.h"
 #include "shell/choices.h"
 #include "shell/display.h"
+#include "shell/file_dialogs.h"
 #include "shell/loop.h"
 #include "shell/model_files.h"
 #include "shell/picture_file.h"
@@ -67,10 +68,10 @@ static void exportModel(int id)
 
 static void loadTexture(int)
 {
-    char title[textureTitleRoom];
-    if (!loadUserTexture(&TextureSlots[textureUser], title))
+    std::string title;
+    if (!loadUserTexture(&TextureSlots[textureUser], &title))
         return;
-    renameMenuItem(ID_TEXTURE_USER, title);
+    renameMenuItem(ID_TEXTURE_USER, title.c_str());
     enableMenuItem(ID_TEXTURE_USER, 1);
     markTexture(textureUser);
     showTexture(&choices, textureUser);

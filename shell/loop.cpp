@@ -1,7 +1,6 @@
 // shell/loop.cpp - a frame is drawn only when something asked for one
 #include "shell/loop.h"
 
-#include "model/settings.h"
 #include "shell/choices.h"
 #include "shell/scene.h"
 

@@ -1,48 +1,36 @@
 // shell/model_files.cpp - file commands
 #include "shell/model_files.h"
 
-#include "export/obj.h"
-#include "export/prop.h"
+#include "export/lux.h"
 #include "import/dispatch.h"
-#include "import/rkf.h"
-#include "model/settings.h"
+#include "platform/boxes.h"
 #include "platform/controls.h"
-#include "platform/dialogs.h"
-#include "platform/file_names.h"
 #include "resources/ids.h"
 #include "shell/choices.h"
+#include "shell/file_dialogs.h"
 #include "shell/scene.h"
 
-#include <stdio.h>
-
-constexpr size_t openPathCharacters = 128;
-constexpr size_t openTitleCharacters = 32;
-
-int openMeshFile()
+int openMeshInto(Mesh* mesh, const char* path)
 {
-    Mesh* mesh = createMesh("prop");
-    if (!mesh)
-        return 0;
-    char path[dialogBytes(openPathCharacters)] = "";
-    char title[dialogBytes(openTitleCharacters)] = "";
-    FileDialog dialog = {
-        .filterText = "*.obj *.3ds *.dxf *.ply *.pp2 *.hr2 *.cr2 *.off",
-        .filterPattern = "*.obj;*.3ds;*.dxf;*.ply;*.pp2;*.hr2;*.cr2;*.off",
-        .title = nullptr,
-        .defaultExtension = nullptr,
-        .flags = 0,
-        .path = path,
-        .pathRoom = openPathCharacters,
-        .fileTitle = title,
-        .fileTitleRoom = openTitleCharacters,
-    };
-    if (!chooseFileToOpen(&dialog) || !readModelFile(mesh, path, { choices.keyframes3ds != 0 }))
+    if (!readModelFile(mesh, path, { choices.keyframes3ds != 0 }))
     {
         freeMesh(mesh);
         return 0;
     }
-    showLoadedMesh(mesh, fileNameOf(path));
+    showLoadedMesh(mesh, path);
     return 1;
+}
+
+int openMeshAt(const char* path)
+{
+    Mesh* mesh = createMesh("prop");
+    return mesh && openMeshInto(mesh, path);
+}
+
+int openMeshFile()
+{
+    std::string path;
+    return chooseModelToOpen(&path) && openMeshAt(path.c_str());
 }
 
 static void selectPropMaterial()
@@ -57,14 +45,13 @@ int readRkfFile()
     Mesh* mesh = createMesh("prop");
     if (!mesh)
         return 0;
-    char path[rkfPathRoom] = "";
-    char title[rkfPathRoom] = "";
-    if (!RkfFileDialog(mesh, path, title, 0, 0))
+    std::string path, title;
+    if (!RkfFileDialog(mesh, &path, &title, false, false))
     {
         freeMesh(mesh);
         return 0;
     }
-    showLoadedMesh(mesh, title);
+    showLoadedMesh(mesh, path.c_str());
     if (mesh->materialCount != 0)
         selectPropMaterial();
     return 1;
@@ -73,28 +60,49 @@ int readRkfFile()
 int saveRkfFile()
 {
     Mesh* mesh = currentMesh();
-    if (!mesh || mesh->lineCount != 0)
+    std::string path = currentFileName, title;
+    if (!mesh || mesh->lineCount != 0 || !RkfFileDialog(mesh, &path, &title, true, false))
         return 0;
-    char path[rkfPathRoom];
-    char title[rkfPathRoom] = "";
-    snprintf(path, sizeof path, "%.*s", static_cast<int>(rkfPathRoom - 1), currentFileName);
-    if (!RkfFileDialog(mesh, path, title, 1, 0))
-        return 0;
-    snprintf(currentFileName, sizeof currentFileName, "%s", title);
+    nameModel(title, path);
     showSavedTitle();
     return 1;
+}
+
+static int exportObjFile(const Mesh* mesh)
+{
+    std::string name = currentFileName, path;
+    if (!SaveObjFile(mesh, &name, &path))
+        return 0;
+    nameModel(name, path);
+    return 1;
+}
+
+static int exportPropFile(const Mesh* mesh)
+{
+    PreviewSource preview = { frameBuffer.picture.bits, frameState.displayWidth, frameState.displayHeight,
+                              frameBuffer.pitch * 3 };
+    return savePoserProp(mesh, currentFileName, true, &preview);
 }
 
 int exportMesh(ExportKind kind)
 {
     const Mesh* mesh = currentMesh();
-    if (!mesh)
+    if (!mesh || !(kind == exportObj ? exportObjFile(mesh) : exportPropFile(mesh)))
         return 0;
-    PreviewSource preview = { frameBuffer.picture.bits, frameState.displayWidth, frameState.displayHeight,
-                              frameBuffer.pitch * 3 };
-    int ok = kind == exportObj ? SaveObjFile(mesh, currentFileName, sizeof currentFileName)
-                               : savePoserProp(mesh, currentFileName, 1, &preview);
-    if (ok)
-        showSavedTitle();
-    return ok;
+    showSavedTitle();
+    return 1;
+}
+
+int exportLuxRender(const Mesh* mesh, const char* modelFileName)
+{
+    if (!WriteLuxFiles(mesh, modelFileName, saveInPlace))
+        return 0;
+    messageBox((luxBaseName(modelFileName) + ".lxo, .lxm and .lxs files exported").c_str(), "LuxRender Export",
+               iconNone);
+    return 1;
+}
+
+const char* currentModelPath()
+{
+    return currentFilePath.empty() ? currentFileName.c_str() : currentFilePath.c_str();
 }

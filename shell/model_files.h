@@ -1,8 +1,9 @@
-// shell/model_files.h - opening, saving and exporting models by the menu
+// shell/model_files.h - opening, saving and exporting models
 //
 // All return 1 when it was done and 0 when it was not: cancelled, or failed after the reader or writer has said why.
-// A failed load never disturbs the model on screen.
+// A failed load never disturbs the model on screen; a failed save leaves title and file name as they were.
 #pragma once
+#include "model/mesh.h"
 
 enum ExportKind
 {
@@ -10,7 +11,21 @@ enum ExportKind
     exportProp
 };
 
-int openMeshFile();
+// Opens a model file without asking and makes it the current model: its path is remembered, the panel filled, the view
+// reset and the title set. Every way of opening a file but RKF ends here.
+int openMeshAt(const char* path);
+
+// The same, read into a fresh mesh, which becomes the current model or is freed.
+int openMeshInto(Mesh* mesh, const char* path);
+
+int openMeshFile(); // asks for the file
 int readRkfFile();
-int saveRkfFile(); // refused without a word for a model with lines: the format carries none
+int saveRkfFile(); // refused without a word for a model with polylines: the format carries none
 int exportMesh(ExportKind kind);
+
+// Writes the mesh as a scene for LuxRender beside the file of a model and shows "%s.lxo, .lxm and .lxs files exported".
+// Returns 1, or 0 without a box as soon as memory or a file is refused; files written before stay.
+int exportLuxRender(const Mesh* mesh, const char* modelFileName);
+
+// The file that the current model's scene is written beside: in the current folder for the built-in model.
+const char* currentModelPath();

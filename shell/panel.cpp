@@ -1,12 +1,11 @@
 // shell/panel.cpp - one row for each control of the tool panel
 #include "shell/panel.h"
 
-#include "export/lux.h"
-#include "model/settings.h"
 #include "platform/boxes.h"
 #include "platform/controls.h"
 #include "resources/ids.h"
 #include "shell/choices.h"
+#include "shell/model_files.h"
 #include "shell/scene.h"
 #include "tools/filter.h"
 #include "tools/tools.h"
@@ -152,7 +151,7 @@ static int runTool(const MeshTool* tool)
 static void exportLux(int)
 {
     const Mesh* mesh = currentMesh();
-    if (!mesh || !exportLuxRender(mesh, currentFileName))
+    if (!mesh || !exportLuxRender(mesh, currentModelPath()))
         messageBox("Failed to export", "LuxRender Export", iconNone);
     askForRedraw();
 }

@@ -1,62 +1,77 @@
-// shell/picture_file.cpp - "Save Image"
+// shell/picture_file.cpp - where the rows of each bitmap come from
 #include "shell/picture_file.h"
 
-#include "model/bitmap.h"
-#include "model/settings.h"
-#include "platform/dialogs.h"
-#include "platform/files.h"
+#include "export/bmp.h"
+#include "shell/file_dialogs.h"
 #include "shell/scene.h"
 
 #include <string.h>
+#include <algorithm>
 
-constexpr size_t pathCharacters = 320;
-
-int writePicture(FILE* file, const FrameBuffer* target, int32_t width, int32_t height)
+static void fillFrameRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
 {
-    size_t rowBytes = bitmapRowBytes(width);
+    const FrameBuffer* target = static_cast<const FrameBuffer*>(picture->source);
     size_t strideBytes = static_cast<size_t>(target->pitch) * 3;
-    if (!writeBitmapHeader(file, { width, height, 1, 0, 0 }))
-        return 0;
-    for (int32_t row = height - 1; row >= 0; --row)
-    {
-        const uint8_t* bytes = target->picture.bits + static_cast<size_t>(row) * strideBytes;
-        if (fwrite(bytes, 1, rowBytes, file) != rowBytes)
-            return 0;
-    }
-    return 1;
+    size_t fromTop = static_cast<size_t>(picture->height - 1 - row);
+    memcpy(bytes, target->picture.bits + fromTop * strideBytes, bmpRowBytes(picture->width));
 }
 
-void replaceExtension(const char* name, const char* extension, char* replaced, size_t roomBytes)
+int writePicture(const char* path, const FrameBuffer* target, int32_t width, int32_t height, SaveMode mode)
 {
-    const char* dot = strrchr(name, '.');
-    size_t length = dot && dot != name ? static_cast<size_t>(dot - name) : strlen(name);
-    size_t extensionLength = strlen(extension);
-    if (length > roomBytes - 1 - extensionLength)
-        length = roomBytes - 1 - extensionLength;
-    memcpy(replaced, name, length);
-    memcpy(replaced + length, extension, extensionLength + 1);
+    BmpPicture picture = { width, height, true, 0, 0, fillFrameRow, target };
+    return WriteBmpFile(path, &picture, mode);
+}
+
+static void fillDecodedRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
+{
+    const uint32_t* words = static_cast<const uint32_t*>(picture->source) + ptrdiff_t{ row } * picture->width;
+    for (int32_t x = 0; x < picture->width; ++x)
+    {
+        *bytes++ = static_cast<uint8_t>(words[x]);
+        *bytes++ = static_cast<uint8_t>(words[x] >> 8);
+        *bytes++ = static_cast<uint8_t>(words[x] >> 16);
+    }
+}
+
+int writeDecodedPicture(const char* path, const JpegOutput& decoded, const uint32_t* pixels, SaveMode mode)
+{
+    constexpr int32_t dotsPerCentimetre = 2;
+    BmpPicture picture = { decoded.width, decoded.height, false, 0, 0, fillDecodedRow, pixels };
+    if (decoded.densityUnit == dotsPerCentimetre)
+    {
+        picture.xPerMetre = static_cast<uint32_t>(decoded.xDensity) * 100;
+        picture.yPerMetre = static_cast<uint32_t>(decoded.yDensity) * 100;
+    }
+    return WriteBmpFile(path, &picture, mode);
 }
 
 int saveImage()
 {
-    char path[dialogBytes(pathCharacters)];
-    replaceExtension(currentFileName, ".bmp", path, pathCharacters);
-    FileDialog dialog = {
-        .filterText = "Windows Bitmap (*.bmp)",
-        .filterPattern = "*.bmp",
-        .title = "save image",
-        .defaultExtension = "pp2", // kept on purpose
-        .flags = dialogOverwritePrompt | dialogHideReadOnly,
-        .path = path,
-        .pathRoom = pathCharacters,
-        .fileTitle = nullptr,
-        .fileTitleRoom = 0,
-    };
-    if (!chooseFileToSave(&dialog))
+    std::string path;
+    return choosePictureToSave(currentFileName, &path) &&
+           writePicture(path.c_str(), &frameBuffer, frameState.displayWidth, frameState.displayHeight, saveInPlace);
+}
+
+int writeDebugBmp(const JpegOutput& decoded, const uint32_t* pixels)
+{
+    return writeDecodedPicture("test.bmp", decoded, pixels, saveInPlace);
+}
+
+static void fillShadowRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
+{
+    const FrameBuffer* target = static_cast<const FrameBuffer*>(picture->source);
+    int32_t fromTop = target->shadowSize - 1 - row;
+    const uint16_t* depths = target->shadowMap + ptrdiff_t{ fromTop } * target->shadowSize;
+    for (int32_t x = 0; x < target->shadowSize; ++x)
+        memset(bytes + x * 3, std::min(depths[x] >> 6, 255), 3);
+}
+
+int DumpShadowMap(const FrameBuffer* target)
+{
+    static bool called = false;
+    if (called)
         return 0;
-    FILE* file = openFile(path, "wb");
-    if (!file)
-        return 0;
-    int ok = writePicture(file, &frameBuffer, frameState.displayWidth, frameState.displayHeight);
-    return fclose(file) == 0 && ok;
+    called = true;
+    BmpPicture picture = { target->shadowSize, target->shadowSize, true, 0, 0, fillShadowRow, target };
+    return WriteBmpFile("shadow.bmp", &picture, saveInPlace);
 }

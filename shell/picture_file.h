@@ -1,17 +1,26 @@
-// shell/picture_file.h - the picture of the display as a Windows bitmap
+// shell/picture_file.h - pictures in memory as bitmap files: the display's, a decoded one, the shadow map
 #pragma once
+#include "export/output_file.h"
+#include "image/jpeg.h"
 #include "render/frame.h"
 
-#include <stddef.h>
-#include <stdio.h>
+// Writes the display's part of the frame buffer's bitmap; rows are padded with what lies to the right of the display.
+// Returns 1, or 0 as WriteBmpFile does.
+int writePicture(const char* path, const FrameBuffer* target, int32_t width, int32_t height, SaveMode mode);
 
-// Writes the display's part of the frame buffer's bitmap: 24 bits, bottom row first, rows padded to 4 bytes with what
-// lies to the right of the display. Returns 1, or 0 after a short write.
-int writePicture(FILE* file, const FrameBuffer* target, int32_t width, int32_t height);
+// Writes the pixels that the decoder made of a picture, with the density that its file names in dots per centimetre.
+// Returns 1, or 0 as WriteBmpFile does.
+int writeDecodedPicture(const char* path, const JpegOutput& decoded, const uint32_t* pixels, SaveMode mode);
 
-// The name with everything from its last '.' on replaced by an extension; a '.' in first position, or none, is kept.
-void replaceExtension(const char* name, const char* extension, char* replaced, size_t roomBytes);
-
-// "Save Image": asks for a file and writes the picture into it. No message for any failure. Returns 1 when it is
+// "Save Image": asks for a file and writes the picture into it. No failure shows a message. Returns 1 when the file is
 // written.
 int saveImage();
+
+// The dumps are for whoever looks for a fault in the decoder or the shadows; no command calls them. Both write into the
+// current folder, say nothing, and return 1, or 0 when the file could not be written whole.
+
+// Writes a decoded picture to "test.bmp".
+int writeDebugBmp(const JpegOutput& decoded, const uint32_t* pixels);
+
+// Writes the shadow map to "shadow.bmp", nearer to the light being brighter; only the first call of a run does.
+int DumpShadowMap(const FrameBuffer* target);

@@ -2,24 +2,23 @@
 #include "shell/scene.h"
 
 #include "image/textures.h"
-#include "import/dispatch.h"
 #include "model/builtin.h"
-#include "model/settings.h"
 #include "platform/boxes.h"
 #include "platform/controls.h"
 #include "platform/file_names.h"
+#include "platform/files.h"
 #include "platform/processor.h"
 #include "resources/ids.h"
 #include "shell/choices.h"
 #include "shell/loop.h"
+#include "shell/model_files.h"
 #include "shell/panel.h"
-
-#include <stdio.h>
-#include <string.h>
 
 ModelList modelList;
 FrameBuffer frameBuffer;
 FrameState frameState = startFrameState;
+std::string currentFileName;
+std::string currentFilePath;
 
 Mesh* currentMesh()
 {
@@ -32,29 +31,26 @@ void askForRedraw()
     loopState.redrawPending = 1;
 }
 
-static void nameModel(const char* name)
+void nameModel(const std::string& name, const std::string& path)
 {
-    snprintf(currentFileName, sizeof currentFileName, "%s", name);
+    currentFileName = name;
+    currentFilePath = fullPathOf(path.c_str());
 }
 
 void showFileTitle()
 {
-    char title[fileNameRoom + 64];
-    snprintf(title, sizeof title, "%s: %s", programName, currentFileName);
-    setWindowTitle(title);
+    setWindowTitle((programName + (": " + currentFileName)).c_str());
 }
 
 void showSavedTitle()
 {
-    char title[fileNameRoom + 64];
-    snprintf(title, sizeof title, "%s: File %s saved", programName, currentFileName);
-    setWindowTitle(title);
+    setWindowTitle((programName + (": File " + currentFileName) + " saved").c_str());
 }
 
-void showLoadedMesh(Mesh* mesh, const char* shortName)
+void showLoadedMesh(Mesh* mesh, const char* path)
 {
     installMesh(&modelList, mesh);
-    nameModel(shortName);
+    nameModel(fileNameOf(path), path);
     fillFilterList(mesh);
     updateStatistics();
     resetViewRotations(&frameState.view);
@@ -80,22 +76,9 @@ static void startSwitches()
     checkMenuItem(ID_EXACT_WELD, 1);
 }
 
-// Reads the command line's model into the mesh and returns it. Frees the mesh and returns null when the file cannot be
-// read; the reader has then shown why.
-static Mesh* readNamedModel(Mesh* mesh, const char* fileName)
-{
-    if (!readModelFile(mesh, fileName, { choices.keyframes3ds != 0 }))
-    {
-        freeMesh(mesh);
-        return nullptr;
-    }
-    nameModel(fileNameOf(fileName));
-    return mesh;
-}
-
 static Mesh* makeBuiltInModel(int* hasMaterials)
 {
-    nameModel("teapot");
+    nameModel("teapot", "");
     Mesh* mesh = createMesh("teapot");
     if (mesh && !loadBuiltInModel(mesh, hasMaterials))
     {
@@ -106,25 +89,31 @@ static Mesh* makeBuiltInModel(int* hasMaterials)
     return mesh;
 }
 
-int buildScene(const char* fileName)
+// Shows the built-in model. Returns 1, or 0 when it cannot be made.
+static int showBuiltInModel(int* hasMaterials)
+{
+    Mesh* mesh = makeBuiltInModel(hasMaterials);
+    if (!mesh)
+        return 0;
+    installMesh(&modelList, mesh);
+    resetViewRotations(&frameState.view);
+    return 1;
+}
+
+int buildScene(const char* path)
 {
     startSwitches();
     loadBuiltInTextures();
     choices.render.currentTexture = &TextureSlots[textureWood];
     checkMenuItem(ID_TEXTURE_WOOD, 1);
-    int hasMaterials = 1;
+    int hasMaterials = 1; // what is said of every file, also of one that brings none
     Mesh* mesh = createMesh("object");
     if (!mesh)
         return 0;
-    mesh = readNamedModel(mesh, fileName);
-    if (!mesh)
-        mesh = makeBuiltInModel(&hasMaterials);
-    if (!mesh)
+    if (!openMeshInto(mesh, path) && !showBuiltInModel(&hasMaterials))
         return 0;
     choosePreset(&choices, hasMaterials ? presetProp : presetBrass);
     checkMenuItem(ID_PRESET_BRASS + choices.materialPreset, 1);
-    resetViewRotations(&frameState.view);
-    installMesh(&modelList, mesh);
     chooseLight(&choices, 0, true);
     checkMenuItem(ID_LIGHT_1, 1);
     return 1;

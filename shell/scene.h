@@ -3,11 +3,18 @@
 #include "model/mesh.h"
 #include "render/frame.h"
 
+#include <string>
+
 constexpr char programName[] = "Kestrelbox";
 
 extern ModelList modelList;
 extern FrameBuffer frameBuffer;
 extern FrameState frameState;
+
+// The file of the current model: the one it was read from, or the one it was saved to last. The path is a full one and
+// empty for the built-in model; the name is without its folder. nameModel sets both.
+extern std::string currentFileName;
+extern std::string currentFilePath;
 
 // Entry 0 of the list; null when it is empty.
 Mesh* currentMesh();
@@ -17,17 +24,20 @@ Mesh* currentMesh();
 int acceptProcessor(uint32_t features);
 
 // Starts the program's state: the choices with their ticks in the menu, the built-in textures, and the model. That is
-// the file of this name, or the teapot for "" and for a file that cannot be read. Returns 1, or 0 when the program must
+// the file at this path, or the teapot for "" and for a file that cannot be read. Returns 1, or 0 when the program must
 // end with exit status 1.
-int buildScene(const char* fileName);
+int buildScene(const char* path);
 
 // Free the models, and the images of the textures; the program ends in this order.
 void releaseModels();
 void releaseImages();
 
-// Makes a mesh that a command has read the current one, which the list then owns: installs and names it, refills the
-// panel, resets the view's rotations and sets the title.
-void showLoadedMesh(Mesh* mesh, const char* shortName);
+// Names the current model. path: from the root or from the current folder, "" for the built-in model.
+void nameModel(const std::string& name, const std::string& path);
+
+// Makes a mesh that has been read from a file the current one, which the list then owns: installs it, names it by the
+// path, refills the panel, resets the view's rotations and sets the title.
+void showLoadedMesh(Mesh* mesh, const char* path);
 
 // Set the main window's title to "PROGRAM: NAME" and "PROGRAM: File NAME saved".
 void showFileTitle();

@@ -1,7 +1,6 @@
 // shell/speed.cpp - polygons per millisecond, once a second
 #include "shell/speed.h"
 
-#include "model/settings.h"
 #include "platform/clock.h"
 #include "platform/controls.h"
 #include "shell/scene.h"
@@ -16,16 +15,15 @@ void startSpeedMeter(SpeedMeter* meter)
         meter->timerStart = tickCount();
 }
 
-static void showSpeed(const Mesh* mesh, const char* modelName, int32_t polygonsPerMs)
+static void showSpeed(const Mesh* mesh, const std::string& modelName, int32_t polygonsPerMs)
 {
-    char title[sizeof programName + fileNameRoom + 128];
-    snprintf(title, sizeof title, "%s: %s - vert %ld  pol %ld  uv %ld   %ld Kpol/s", programName, modelName,
-             static_cast<long>(mesh->vertexCount), static_cast<long>(mesh->faceCount), static_cast<long>(mesh->uvCount),
-             static_cast<long>(polygonsPerMs));
-    setWindowTitle(title);
+    char counts[128];
+    snprintf(counts, sizeof counts, " - vert %ld  pol %ld  uv %ld   %ld Kpol/s", static_cast<long>(mesh->vertexCount),
+             static_cast<long>(mesh->faceCount), static_cast<long>(mesh->uvCount), static_cast<long>(polygonsPerMs));
+    setWindowTitle((programName + (": " + modelName) + counts).c_str());
 }
 
-void measureFrame(SpeedMeter* meter, const Mesh* mesh, const char* modelName, uint32_t polygons)
+void measureFrame(SpeedMeter* meter, const Mesh* mesh, const std::string& modelName, uint32_t polygons)
 {
     meter->accumulatedPolygons += polygons;
     uint32_t now = tickCount();

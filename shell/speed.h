@@ -3,6 +3,7 @@
 #include "model/mesh.h"
 
 #include <stdint.h>
+#include <string>
 
 // Both fields are 0 before the first frame.
 struct SpeedMeter
@@ -16,4 +17,4 @@ void startSpeedMeter(SpeedMeter* meter);
 
 // Counts the polygons of a drawn frame. When more than a second has passed, the title shows the model's name and counts
 // and the speed in thousands of polygons per second, and the meter restarts. A clock that has wrapped only restarts it.
-void measureFrame(SpeedMeter* meter, const Mesh* mesh, const char* modelName, uint32_t polygons);
+void measureFrame(SpeedMeter* meter, const Mesh* mesh, const std::string& modelName, uint32_t polygons);

@@ -50,6 +50,16 @@ int isPlainFile(const char* path)
     return stat(path, &facts) == 0 && S_ISREG(facts.st_mode);
 }
 
+std::string fullPathOf(const char* path)
+{
+    if (*path == 0 || *path == '/')
+        return path;
+    char* folder = getcwd(nullptr, 0);
+    std::string full = folder ? std::string(folder) + "/" + path : path;
+    free(folder);
+    return full;
+}
+
 int64_t measureFile(FILE* file)
 {
     if (fseeko(file, 0, SEEK_END) != 0)

@@ -64,6 +64,13 @@ int isPlainFile(const char* path)
     return facts != INVALID_FILE_ATTRIBUTES && !(facts & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE));
 }
 
+std::string fullPathOf(const char* path)
+{
+    std::wstring wide = wideFromUtf8(path), full(GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');
+    DWORD length = GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+    return length > 0 && length < full.size() ? utf8FromWide(full.c_str()) : path;
+}
+
 int64_t measureFile(FILE* file)
 {
     if (_fseeki64(file, 0, SEEK_END) != 0)

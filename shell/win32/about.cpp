@@ -2,7 +2,7 @@
 #include "platform/controls.h"
 #include "platform/win32/handles.h"
 #include "resources/ids.h"
-#include "shell/win32/windows.h"
+#include "shell/win32/desktop.h"
 
 constexpr COLORREF textColour = 0xC00000; // dark blue
 constexpr COLORREF greyColour = 0xC0C0C0;

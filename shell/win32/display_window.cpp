@@ -1,5 +1,5 @@
 // shell/win32/display_window.cpp - the display window's messages
-#include "shell/win32/windows.h"
+#include "shell/win32/desktop.h"
 
 #include "shell/display.h"
 #include "shell/loop.h"

@@ -1,6 +1,6 @@
 // shell/win32/main.cpp - the entry point of the desktop program
 #include "platform/win32/names.h"
-#include "shell/win32/windows.h"
+#include "shell/win32/desktop.h"
 
 // What follows the program's own name on the command line.
 static const wchar_t* argumentsOf(const wchar_t* line)

@@ -1,5 +1,5 @@
 // shell/win32/main_window.cpp - the main window's messages
-#include "shell/win32/windows.h"
+#include "shell/win32/desktop.h"
 
 #include "shell/commands.h"
 

@@ -5,9 +5,9 @@
 #include "shell/command_line.h"
 #include "shell/loop.h"
 #include "shell/panel.h"
-#include "shell/placement.h"
+#include "shell/win32/placement.h"
 #include "shell/scene.h"
-#include "shell/win32/windows.h"
+#include "shell/win32/desktop.h"
 
 #include <commctrl.h>
 

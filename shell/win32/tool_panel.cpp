@@ -1,5 +1,5 @@
 // shell/win32/tool_panel.cpp - the tool panel's messages
-#include "shell/win32/windows.h"
+#include "shell/win32/desktop.h"
 
 #include "platform/win32/handles.h"
 #include "resources/ids.h"

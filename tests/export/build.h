@@ -71,7 +71,7 @@ inline std::string crlf(const std::vector<std::string>& lines)
 }
 
 // A clean test with a folder of its own.
-class ExportTest : public CleanTest
+class InOwnFolder : public CleanTest
 {
 protected:
     void SetUp() override

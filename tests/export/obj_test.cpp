@@ -3,7 +3,8 @@
 #include "export/face_order.h"
 #include "tests/export/build.h"
 
-using ObjWriter = ExportTest;
+using ObjWriter = InOwnFolder;
+using MtlWriter = InOwnFolder;
 
 static const std::vector<Point> square = { { 0, 0, 0 }, { 1, 0, 0 }, { 1, 1.5f, 0 }, { 0, 1, -0.25f } };
 static const Uv placeholder = { 0, 0 };
@@ -27,7 +28,7 @@ static std::vector<std::string> faceLinesOf(const std::string& text)
 static std::string written(const Mesh* mesh, const std::string& folder)
 {
     std::string path = folder + "out.obj";
-    EXPECT_EQ(writeObjFiles(mesh, path.c_str(), "out.obj"), 1);
+    EXPECT_EQ(WriteObjFile(mesh, path.c_str(), "out.obj", saveWhole), 1);
     return contents(path);
 }
 
@@ -198,7 +199,7 @@ TEST_F(ObjWriter, AnEmptyMeshHasItsFiveCounts)
               crlf({ "#vertices  0", "#tvertices 0", "#faces     0", "#groups    0", "#materials 0" }));
 }
 
-TEST_F(ObjWriter, AmbientIsWrittenTimesItsLevel)
+TEST_F(MtlWriter, AmbientIsWrittenTimesItsLevel)
 {
     MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
     mesh->materials[0].ambient[0] = 0.5f;
@@ -218,106 +219,71 @@ TEST_F(ObjWriter, TheProgressBarMovesAfterMoreThanTenThousandLines)
     EXPECT_TRUE(recorded.progress[0].closed);
 }
 
-TEST_F(ObjWriter, TheDialogAsksAndTheTitleComesBack)
+TEST_F(ObjWriter, InPlaceAFileThatCannotBeCreatedFailsInSilence)
 {
-    MeshPointer mesh = mixedFaces();
-    char name[64] = "my.model.3ds";
-    recorded.dialogAnswers = { folder + "fine.one.obj" };
-    EXPECT_EQ(SaveObjFile(mesh.get(), name, sizeof name), 1);
-    ASSERT_EQ(recorded.dialogs.size(), 1u);
-    const RecordedDialog& dialog = recorded.dialogs[0];
-    EXPECT_TRUE(dialog.save);
-    EXPECT_EQ(dialog.title, "save mesh");
-    EXPECT_EQ(dialog.filterText, "wavefront obj files");
-    EXPECT_EQ(dialog.filterPattern, "*.obj");
-    EXPECT_EQ(dialog.defaultExtension, "obj");
-    EXPECT_EQ(dialog.proposed, "my.model.obj");
-    EXPECT_EQ(dialog.flags, 6u);
-    EXPECT_EQ(dialog.pathRoom, 320u);
-    EXPECT_EQ(dialog.fileTitleRoom, 320u);
-    EXPECT_STREQ(name, "fine.one.obj");
-    EXPECT_EQ(filesInFolder(), (Names{ "fine.one.mtl", "fine.one.obj" }));
-    EXPECT_EQ(faceLinesOf(contents(folder + "fine.one.obj"))[0], "mtllib fine.one.mtl");
-    ASSERT_EQ(recorded.progress.size(), 1u);
-    EXPECT_EQ(recorded.progress[0].caption, "SAVING.....");
-    EXPECT_TRUE(recorded.progress[0].closed);
-}
-
-TEST_F(ObjWriter, ProposedNamesLoseOnlyTheirLastExtension)
-{
-    MeshPointer mesh = mixedFaces();
-    const char* const names[][2] = {
-        { "teapot", "teapot.obj" }, { ".hidden", ".hidden.obj" }, { "a.b.obj", "a.b.obj" }, { "", ".obj" },
-        { "a.", "a.obj" },
-    };
-    for (const auto& [current, proposed] : names)
-    {
-        char name[64];
-        strcpy(name, current);
-        EXPECT_EQ(SaveObjFile(mesh.get(), name, sizeof name), 0);
-        EXPECT_EQ(recorded.dialogs.back().proposed, proposed);
-        EXPECT_STREQ(name, current) << "cancelled";
-    }
-    char longName[512];
-    memset(longName, 'n', sizeof longName);
-    longName[511] = 0;
-    EXPECT_EQ(SaveObjFile(mesh.get(), longName, sizeof longName), 0);
-    EXPECT_EQ(recorded.dialogs.back().proposed, std::string(315, 'n') + ".obj");
-    EXPECT_EQ(filesInFolder(), Names{});
-    EXPECT_TRUE(recorded.progress.empty());
-}
-
-TEST_F(ObjWriter, AFileThatCannotBeCreatedIsReported)
-{
-    MeshPointer mesh = mixedFaces();
-    char name[64] = "a.obj";
     std::string path = folder + "missing/b.obj";
-    recorded.dialogAnswers = { path };
-    EXPECT_EQ(SaveObjFile(mesh.get(), name, sizeof name), 0);
-    EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
+    EXPECT_EQ(WriteObjFile(mixedFaces().get(), path.c_str(), "b.obj", saveInPlace), 0);
+    EXPECT_EQ(recorded.boxes, Boxes{});
     EXPECT_TRUE(recorded.progress.empty());
 }
 
-// A dialog's short write is not reported; the whole paths are checked below.
-TEST_F(ObjWriter, AMissingMtlFileIsNotReported)
+TEST_F(ObjWriter, InPlaceAMissingMtlFileDoesNotCount)
 {
-    MeshPointer mesh = mixedFaces();
     std::filesystem::create_directory(folder + "a.mtl");
-    char name[64] = "a.obj";
-    recorded.dialogAnswers = { folder + "a.obj" };
-    EXPECT_EQ(SaveObjFile(mesh.get(), name, sizeof name), 1);
+    EXPECT_EQ(WriteObjFile(mixedFaces().get(), (folder + "a.obj").c_str(), "a.obj", saveInPlace), 1);
     EXPECT_EQ(recorded.boxes, Boxes{});
     EXPECT_TRUE(recorded.progress.back().closed);
+    EXPECT_EQ(filesInFolder(), (Names{ "a.mtl", "a.obj" }));
 }
 
-TEST_F(ObjWriter, TheMtlPathLosesExactlyFourCharacters)
+TEST_F(ObjWriter, TheTitleNamesTheLibraryAndThePathPlacesIt)
 {
-    MeshPointer mesh = mixedFaces();
-    char name[64] = "x";
-    recorded.dialogAnswers = { folder + "longname" };
-    EXPECT_EQ(SaveObjFile(mesh.get(), name, sizeof name), 1);
-    EXPECT_EQ(filesInFolder(), (Names{ "long.mtl", "longname" }));
-    EXPECT_EQ(faceLinesOf(contents(folder + "longname"))[0], "mtllib longname.mtl");
+    for (SaveMode mode : { saveInPlace, saveWhole })
+    {
+        EXPECT_EQ(WriteObjFile(mixedFaces().get(), (folder + "longname").c_str(), "one.two.obj", mode), 1);
+        EXPECT_EQ(filesInFolder(), (Names{ "long.mtl", "longname" })) << "four characters give way, a dot or not";
+        EXPECT_EQ(faceLinesOf(contents(folder + "longname"))[0], "mtllib one.two.mtl");
+        std::filesystem::remove(folder + "long.mtl");
+    }
 }
 
-TEST_F(ObjWriter, APathOfFourCharactersHasNoMtlFile)
+TEST_F(ObjWriter, BothModesWriteTheSameBytes)
+{
+    EXPECT_EQ(WriteObjFile(mixedFaces().get(), (folder + "out.obj").c_str(), "out.obj", saveInPlace), 1);
+    std::string inPlace = contents(folder + "out.obj"), library = contents(folder + "out.mtl");
+    EXPECT_EQ(written(mixedFaces().get(), folder), inPlace);
+    EXPECT_EQ(contents(folder + "out.mtl"), library);
+    EXPECT_EQ(faceLinesOf(inPlace), mixedLines);
+}
+
+TEST_F(MtlWriter, APathOfFourCharactersHasNoMtlFile)
 {
     MeshPointer mesh = mixedFaces();
     std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(folder);
-    WriteMtlFile(mesh.get(), ".obj");
+    EXPECT_EQ(WriteMtlFile(mesh.get(), ".obj", saveInPlace), 1);
     EXPECT_EQ(filesInFolder(), Names{});
-    WriteMtlFile(mesh.get(), "a.obj");
+    EXPECT_EQ(WriteMtlFile(mesh.get(), "a.obj", saveInPlace), 1);
     EXPECT_EQ(filesInFolder(), Names{ "a.mtl" });
     std::filesystem::current_path(before);
 }
 
-TEST_F(ObjWriter, WithoutMaterialsNoMtlFileIsWritten)
+TEST_F(MtlWriter, WithoutMaterialsNoMtlFileIsWritten)
 {
     MeshPointer mesh = mixedFaces();
     mesh->materialCount = 0;
-    WriteMtlFile(mesh.get(), (folder + "a.obj").c_str());
+    EXPECT_EQ(WriteMtlFile(mesh.get(), (folder + "a.obj").c_str(), saveInPlace), 1);
     EXPECT_EQ(filesInFolder(), Names{});
+}
+
+TEST_F(MtlWriter, OneThatCannotBeCreatedIsReportedOnlyWhenItMustBeWhole)
+{
+    MeshPointer mesh = mixedFaces();
+    std::filesystem::create_directory(folder + "a.mtl");
+    EXPECT_EQ(WriteMtlFile(mesh.get(), (folder + "a.obj").c_str(), saveInPlace), 0);
+    EXPECT_EQ(recorded.boxes, Boxes{});
+    EXPECT_EQ(WriteMtlFile(mesh.get(), (folder + "a.obj").c_str(), saveWhole), 0);
+    EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "a.mtl", "Error cannot create", iconStop } }));
 }
 
 TEST_F(ObjWriter, WhenAFolderIsInTheMtlFilesPlaceTheEarlierObjFileStays)
@@ -326,7 +292,7 @@ TEST_F(ObjWriter, WhenAFolderIsInTheMtlFilesPlaceTheEarlierObjFileStays)
     std::string path = folder + "a.obj";
     putFile(path, "earlier");
     std::filesystem::create_directory(folder + "a.mtl");
-    EXPECT_EQ(writeObjFiles(mesh.get(), path.c_str(), "a.obj"), 0);
+    EXPECT_EQ(WriteObjFile(mesh.get(), path.c_str(), "a.obj", saveWhole), 0);
     EXPECT_EQ(contents(path), "earlier");
     EXPECT_EQ(filesInFolder(), (Names{ "a.mtl", "a.obj" }));
     EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "a.mtl", "Error cannot create", iconStop } }));
@@ -335,7 +301,7 @@ TEST_F(ObjWriter, WhenAFolderIsInTheMtlFilesPlaceTheEarlierObjFileStays)
 TEST_F(ObjWriter, AMissingFolderFailsWithABoxAndNothingLeft)
 {
     std::string path = folder + "missing/a.obj";
-    EXPECT_EQ(writeObjFiles(mixedFaces().get(), path.c_str(), "a.obj"), 0);
+    EXPECT_EQ(WriteObjFile(mixedFaces().get(), path.c_str(), "a.obj", saveWhole), 0);
     EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
     EXPECT_TRUE(recorded.progress.empty());
 }

@@ -10,114 +10,129 @@
 #include <functional>
 #endif
 
-using OutputFileTest = ExportTest;
+using OutputFiles = InOwnFolder;
 
-TEST_F(OutputFileTest, TakesThePlaceOfAnEarlierFileWhenCommitted)
+TEST_F(OutputFiles, TakesThePlaceOfAnEarlierFileWhenCommitted)
 {
     std::string path = folder + "a.bmp";
     putFile(path, "earlier");
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, path.c_str()), 1);
+    ASSERT_EQ(openOutput(&output, path, saveWhole), 1);
     fputs("new", output.file);
     EXPECT_EQ(contents(path), "earlier");
-    EXPECT_EQ(commitOutput(&output, 1), 1);
+    EXPECT_EQ(commitOutput(&output, true), 1);
     EXPECT_EQ(contents(path), "new");
     EXPECT_EQ(filesInFolder(), Names{ "a.bmp" });
     EXPECT_EQ(recorded.boxes, Boxes{});
 }
 
-TEST_F(OutputFileTest, AFailedWriteLeavesTheEarlierFileAndSaysSo)
+TEST_F(OutputFiles, InPlaceTheTargetIsWrittenAtOnceAndNothingIsShown)
 {
     std::string path = folder + "a.bmp";
     putFile(path, "earlier");
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, path.c_str()), 1);
+    ASSERT_EQ(openOutput(&output, path, saveInPlace), 1);
+    EXPECT_EQ(contents(path), "");
     fputs("half", output.file);
-    EXPECT_EQ(commitOutput(&output, 0), 0);
+    EXPECT_EQ(commitOutput(&output, false), 0);
+    EXPECT_EQ(contents(path), "half");
+    EXPECT_EQ(openOutput(&output, folder + "missing/a.bmp", saveInPlace), 0);
+    EXPECT_EQ(filesInFolder(), Names{ "a.bmp" });
+    EXPECT_EQ(recorded.boxes, Boxes{});
+}
+
+TEST_F(OutputFiles, AFailedWriteLeavesTheEarlierFileAndSaysSo)
+{
+    std::string path = folder + "a.bmp";
+    putFile(path, "earlier");
+    OutputFile output;
+    ASSERT_EQ(openOutput(&output, path, saveWhole), 1);
+    fputs("half", output.file);
+    EXPECT_EQ(commitOutput(&output, false), 0);
     EXPECT_EQ(contents(path), "earlier");
     EXPECT_EQ(filesInFolder(), Names{ "a.bmp" });
     EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot write", iconStop } }));
 }
 
-TEST_F(OutputFileTest, AMissingFolderCannotBeCreatedIn)
+TEST_F(OutputFiles, AMissingFolderCannotBeCreatedIn)
 {
     std::string path = folder + "missing/a.bmp";
     OutputFile output;
-    EXPECT_EQ(openOutput(&output, path.c_str()), 0);
+    EXPECT_EQ(openOutput(&output, path, saveWhole), 0);
     EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
-    abandonOutputs(&output, 1);
+    EXPECT_EQ(commitOutputs(&output, 1, false), 0);
     EXPECT_EQ(filesInFolder(), Names{});
 }
 
-TEST_F(OutputFileTest, AnEmptyNameCannotBeCreated)
+TEST_F(OutputFiles, AnEmptyNameCannotBeCreated)
 {
     OutputFile output;
-    EXPECT_EQ(openOutput(&output, ""), 0);
+    EXPECT_EQ(openOutput(&output, "", saveWhole), 0);
     EXPECT_EQ(recorded.boxes, (Boxes{ { "", "Error cannot create", iconStop } }));
 }
 
-TEST_F(OutputFileTest, AFolderInTheTargetsPlaceStays)
+TEST_F(OutputFiles, AFolderInTheTargetsPlaceStays)
 {
     std::string path = folder + "a.bmp";
     std::filesystem::create_directory(path);
     putFile(path + "/inside", "x");
     OutputFile output;
-    EXPECT_EQ(openOutput(&output, path.c_str()), 0);
+    EXPECT_EQ(openOutput(&output, path, saveWhole), 0);
     EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
     EXPECT_EQ(contents(path + "/inside"), "x");
     EXPECT_EQ(filesInFolder(), Names{ "a.bmp" });
 }
 
 #ifndef _WIN32
-TEST_F(OutputFileTest, ALinkIsFollowedAndStays)
+TEST_F(OutputFiles, ALinkIsFollowedAndStays)
 {
     std::string path = folder + "real.bmp", link = folder + "link.bmp";
     putFile(path, "earlier");
     ASSERT_EQ(symlink("real.bmp", link.c_str()), 0);
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, link.c_str()), 1);
+    ASSERT_EQ(openOutput(&output, link, saveWhole), 1);
     fputs("new", output.file);
-    EXPECT_EQ(commitOutput(&output, 1), 1);
+    EXPECT_EQ(commitOutput(&output, true), 1);
     EXPECT_TRUE(std::filesystem::is_symlink(link));
     EXPECT_EQ(contents(path), "new");
     EXPECT_EQ(filesInFolder(), (Names{ "link.bmp", "real.bmp" }));
 }
 
-TEST_F(OutputFileTest, ALinkToNoFileMakesThatFile)
+TEST_F(OutputFiles, ALinkToNoFileMakesThatFile)
 {
     std::filesystem::create_directory(folder + "inside");
     std::string link = folder + "link.bmp";
     ASSERT_EQ(symlink("inside/second.bmp", link.c_str()), 0);
     ASSERT_EQ(symlink("real.bmp", (folder + "inside/second.bmp").c_str()), 0);
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, link.c_str()), 1);
+    ASSERT_EQ(openOutput(&output, link, saveWhole), 1);
     fputs("new", output.file);
-    EXPECT_EQ(commitOutput(&output, 1), 1);
+    EXPECT_EQ(commitOutput(&output, true), 1);
     EXPECT_EQ(contents(folder + "inside/real.bmp"), "new");
     EXPECT_TRUE(std::filesystem::is_symlink(link));
     EXPECT_TRUE(std::filesystem::is_symlink(folder + "inside/second.bmp"));
 }
 
-TEST_F(OutputFileTest, ALinkToItselfGivesWay)
+TEST_F(OutputFiles, ALinkToItselfGivesWay)
 {
     std::string link = folder + "link.bmp";
     ASSERT_EQ(symlink("link.bmp", link.c_str()), 0);
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, link.c_str()), 1);
-    EXPECT_EQ(commitOutput(&output, 1), 1);
+    ASSERT_EQ(openOutput(&output, link, saveWhole), 1);
+    EXPECT_EQ(commitOutput(&output, true), 1);
     EXPECT_TRUE(std::filesystem::is_regular_file(link));
     EXPECT_EQ(filesInFolder(), Names{ "link.bmp" });
 }
 
-TEST_F(OutputFileTest, APipeGetsTheBytesAndIsNotReplaced)
+TEST_F(OutputFiles, APipeGetsTheBytesAndIsNotReplaced)
 {
     std::string path = folder + "pipe";
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     int reader = open(path.c_str(), O_RDONLY | O_NONBLOCK);
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, path.c_str()), 1);
+    ASSERT_EQ(openOutput(&output, path, saveWhole), 1);
     fputs("new", output.file);
-    EXPECT_EQ(commitOutput(&output, 1), 1);
+    EXPECT_EQ(commitOutput(&output, true), 1);
     char bytes[8] = {};
     EXPECT_EQ(read(reader, bytes, sizeof bytes), 3);
     close(reader);
@@ -126,14 +141,14 @@ TEST_F(OutputFileTest, APipeGetsTheBytesAndIsNotReplaced)
     EXPECT_EQ(filesInFolder(), Names{ "pipe" });
 }
 
-TEST_F(OutputFileTest, PermissionsOfAReplacedFileStay)
+TEST_F(OutputFiles, PermissionsOfAReplacedFileStay)
 {
     std::string path = folder + "a.bmp";
     putFile(path, "earlier");
     chmod(path.c_str(), 0640);
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, path.c_str()), 1);
-    EXPECT_EQ(commitOutput(&output, 1), 1);
+    ASSERT_EQ(openOutput(&output, path, saveWhole), 1);
+    EXPECT_EQ(commitOutput(&output, true), 1);
     struct stat facts;
     ASSERT_EQ(stat(path.c_str(), &facts), 0);
     EXPECT_EQ(facts.st_mode & 07777, 0640u);
@@ -152,7 +167,7 @@ static int asOrdinaryUser(const std::function<bool()>& check)
     return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
 }
 
-TEST_F(OutputFileTest, AFileThatMayNotBeWrittenIsNotReplaced)
+TEST_F(OutputFiles, AFileThatMayNotBeWrittenIsNotReplaced)
 {
     std::string path = folder + "a.bmp";
     putFile(path, "earlier");
@@ -161,9 +176,9 @@ TEST_F(OutputFileTest, AFileThatMayNotBeWrittenIsNotReplaced)
     auto refused = [&]
     {
         OutputFile output, other;
-        bool otherwiseFree = openOutput(&other, (folder + "b.bmp").c_str()) == 1;
-        abandonOutputs(&other, 1);
-        return otherwiseFree && openOutput(&output, path.c_str()) == 0 &&
+        bool otherwiseFree = openOutput(&other, folder + "b.bmp", saveWhole) == 1;
+        commitOutputs(&other, 1, false);
+        return otherwiseFree && openOutput(&output, path, saveWhole) == 0 &&
                recorded.boxes == Boxes{ { path, "Error cannot create", iconStop } };
     };
     int status = asOrdinaryUser(refused);
@@ -175,25 +190,25 @@ TEST_F(OutputFileTest, AFileThatMayNotBeWrittenIsNotReplaced)
 }
 #endif
 
-TEST_F(OutputFileTest, SomebodysPartFileIsLeftAlone)
+TEST_F(OutputFiles, SomebodysPartFileIsLeftAlone)
 {
     std::string path = folder + "a.obj";
     putFile(path + ".part", "theirs");
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, path.c_str()), 1);
-    EXPECT_EQ(commitOutput(&output, 1), 1);
+    ASSERT_EQ(openOutput(&output, path, saveWhole), 1);
+    EXPECT_EQ(commitOutput(&output, true), 1);
     EXPECT_EQ(contents(path + ".part"), "theirs");
     EXPECT_EQ(contents(path), "");
     EXPECT_EQ(filesInFolder(), (Names{ "a.obj", "a.obj.part" }));
 }
 
-TEST_F(OutputFileTest, AbandoningRemovesWhatIsNotInPlace)
+TEST_F(OutputFiles, AbandoningRemovesWhatIsNotInPlace)
 {
     OutputFile outputs[3] = {};
-    ASSERT_EQ(openOutput(&outputs[0], (folder + "a").c_str()), 1);
-    ASSERT_EQ(openOutput(&outputs[1], (folder + "b").c_str()), 1);
-    ASSERT_EQ(closeOutput(&outputs[1], 1), 1);
+    ASSERT_EQ(openOutput(&outputs[0], (folder + "a"), saveWhole), 1);
+    ASSERT_EQ(openOutput(&outputs[1], (folder + "b"), saveWhole), 1);
+    ASSERT_EQ(closeOutput(&outputs[1], true), 1);
     EXPECT_EQ(filesInFolder().size(), 2u);
-    abandonOutputs(outputs, 3);
+    EXPECT_EQ(commitOutputs(outputs, 3, false), 0);
     EXPECT_EQ(filesInFolder(), Names{});
 }

@@ -2,14 +2,14 @@
 #include "export/prop.h"
 #include "tests/export/build.h"
 
-using PropWriter = ExportTest;
+using PropWriter = InOwnFolder;
 
 static const std::vector<Point> square = { { 0, 0, 0 }, { 2, 0, 0 }, { 2, 1.5f, 0 }, { 0, 1, -0.25f } };
 
 static std::string written(const Mesh* mesh, const std::string& folder)
 {
     std::string path = folder + "out.pp2";
-    EXPECT_EQ(writePropFiles(mesh, path.c_str(), nullptr), 1);
+    EXPECT_EQ(WritePropFile(mesh, path.c_str(), nullptr, saveWhole), 1);
     return contents(path);
 }
 
@@ -268,70 +268,31 @@ TEST_F(PropWriter, MaterialAndGroupLinesComeWhenTheyChange)
 static const uint8_t greyPixel[3] = { 50, 60, 70 };
 static const PreviewSource onePixel = { greyPixel, 1, 1, 3 };
 
-TEST_F(PropWriter, TheDialogAsksAndThePreviewStandsBesideTheProp)
+TEST_F(PropWriter, ThePreviewStandsBesideTheProp)
 {
     MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
-    recorded.dialogAnswers = { folder + "a.b.pp2" };
-    EXPECT_EQ(savePoserProp(mesh.get(), "cup.one.obj", 1, &onePixel), 1);
-    ASSERT_EQ(recorded.dialogs.size(), 1u);
-    const RecordedDialog& dialog = recorded.dialogs[0];
-    EXPECT_TRUE(dialog.save);
-    EXPECT_EQ(dialog.title, "save mesh");
-    EXPECT_EQ(dialog.filterText, "Poser prop (*.pp2)");
-    EXPECT_EQ(dialog.filterPattern, "*.pp2");
-    EXPECT_EQ(dialog.defaultExtension, "pp2");
-    EXPECT_EQ(dialog.proposed, "cup.one.pp2");
-    EXPECT_EQ(dialog.flags, 6u);
-    EXPECT_EQ(dialog.pathRoom, 320u);
-    EXPECT_EQ(dialog.fileTitleRoom, 0u);
-    EXPECT_EQ(filesInFolder(), (Names{ "a.b.pp2", "a.b.rsr" }));
-    EXPECT_EQ(contents(folder + "a.b.rsr"), previewFile(&onePixel));
-    ASSERT_EQ(recorded.progress.size(), 1u);
-    EXPECT_EQ(recorded.progress[0].caption, "SAVING.....");
-    EXPECT_TRUE(recorded.progress[0].closed);
-}
-
-TEST_F(PropWriter, WithoutTheFlagThereIsNoPreview)
-{
-    MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
-    recorded.dialogAnswers = { folder + "a.pp2" };
-    EXPECT_EQ(savePoserProp(mesh.get(), "a", 0, &onePixel), 1);
-    EXPECT_EQ(filesInFolder(), Names{ "a.pp2" });
-}
-
-TEST_F(PropWriter, ProposedNamesAreCutAtTheirLastDotEvenTheFirstCharacter)
-{
-    MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
-    const char* const names[][2] = {
-        { "teapot", "teapot.pp2" },
-        { "a.b.obj", "a.b.pp2" },
-        { ".hidden", ".pp2" },
-        { "x.pp2", "x.pp2" },
-    };
-    for (const auto& [current, proposed] : names)
+    for (SaveMode mode : { saveInPlace, saveWhole })
     {
-        EXPECT_EQ(savePoserProp(mesh.get(), current, 1, &onePixel), 0);
-        EXPECT_EQ(recorded.dialogs.back().proposed, proposed);
+        EXPECT_EQ(WritePropFile(mesh.get(), (folder + "a.b.pp2").c_str(), &onePixel, mode), 1);
+        EXPECT_EQ(filesInFolder(), (Names{ "a.b.pp2", "a.b.rsr" }));
+        EXPECT_EQ(contents(folder + "a.b.rsr"), previewFile(&onePixel));
+        std::filesystem::remove(folder + "a.b.rsr");
     }
-    EXPECT_EQ(filesInFolder(), Names{});
 }
 
-TEST_F(PropWriter, AFileThatCannotBeCreatedIsReported)
+TEST_F(PropWriter, InPlaceAFileThatCannotBeCreatedFailsInSilence)
 {
     MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
-    std::string path = folder + "missing/b.pp2";
-    recorded.dialogAnswers = { path };
-    EXPECT_EQ(savePoserProp(mesh.get(), "a", 1, &onePixel), 0);
-    EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
+    EXPECT_EQ(WritePropFile(mesh.get(), (folder + "missing/b.pp2").c_str(), &onePixel, saveInPlace), 0);
+    EXPECT_EQ(recorded.boxes, Boxes{});
     EXPECT_TRUE(recorded.progress.empty());
 }
 
-TEST_F(PropWriter, APreviewThatCannotBeCreatedIsNotReportedAfterTheDialog)
+TEST_F(PropWriter, InPlaceAMissingPreviewDoesNotCount)
 {
     MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
     std::filesystem::create_directory(folder + "a.rsr");
-    recorded.dialogAnswers = { folder + "a.pp2" };
-    EXPECT_EQ(savePoserProp(mesh.get(), "a", 1, &onePixel), 1);
+    EXPECT_EQ(WritePropFile(mesh.get(), (folder + "a.pp2").c_str(), &onePixel, saveInPlace), 1);
     EXPECT_EQ(recorded.boxes, Boxes{});
     EXPECT_TRUE(recorded.progress.back().closed);
 }
@@ -350,12 +311,12 @@ TEST_F(PropWriter, PropAndPreviewAreReplacedTogetherOrNotAtAll)
 {
     MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
     std::string path = folder + "v1.0 a.pp2";
-    EXPECT_EQ(writePropFiles(mesh.get(), path.c_str(), &onePixel), 1);
+    EXPECT_EQ(WritePropFile(mesh.get(), path.c_str(), &onePixel, saveWhole), 1);
     EXPECT_EQ(filesInFolder(), (Names{ "v1.0 a.pp2", "v1.0 a.rsr" }));
     putFile(path, "earlier");
     std::filesystem::remove(folder + "v1.0 a.rsr");
     std::filesystem::create_directory(folder + "v1.0 a.rsr");
-    EXPECT_EQ(writePropFiles(mesh.get(), path.c_str(), &onePixel), 0);
+    EXPECT_EQ(WritePropFile(mesh.get(), path.c_str(), &onePixel, saveWhole), 0);
     EXPECT_EQ(contents(path), "earlier");
     EXPECT_EQ(filesInFolder(), (Names{ "v1.0 a.pp2", "v1.0 a.rsr" }));
     EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "v1.0 a.rsr", "Error cannot create", iconStop } }));
@@ -365,6 +326,6 @@ TEST_F(PropWriter, ADotInAFolderIsNoExtension)
 {
     std::filesystem::create_directory(folder + "v1.0");
     MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
-    EXPECT_EQ(writePropFiles(mesh.get(), (folder + "v1.0/cup").c_str(), &onePixel), 1);
+    EXPECT_EQ(WritePropFile(mesh.get(), (folder + "v1.0/cup").c_str(), &onePixel, saveWhole), 1);
     EXPECT_TRUE(std::filesystem::exists(folder + "v1.0/cup.rsr"));
 }

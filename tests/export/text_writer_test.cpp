@@ -2,9 +2,9 @@
 #include "export/text_writer.h"
 #include "tests/export/build.h"
 
-using TextWriterTest = ExportTest;
+using TextBlocks = InOwnFolder;
 
-TEST_F(TextWriterTest, LinesEndInCrLfAndTakeStringsNumbersAndPercentSigns)
+TEST_F(TextBlocks, LinesEndInCrLfAndTakeStringsNumbersAndPercentSigns)
 {
     std::string path = folder + "lines";
     FILE* file = fopen(path.c_str(), "wb");
@@ -18,7 +18,7 @@ TEST_F(TextWriterTest, LinesEndInCrLfAndTakeStringsNumbersAndPercentSigns)
     EXPECT_EQ(contents(path), "a text b -5 c 0.500000 100%\r\n\r\n\t\"" + std::string(1000, 'x') + "\"[7]\r\n");
 }
 
-TEST_F(TextWriterTest, BytesOfAnyNumberComeOutInOrder)
+TEST_F(TextBlocks, BytesOfAnyNumberComeOutInOrder)
 {
     std::string path = folder + "bytes", expected;
     FILE* file = fopen(path.c_str(), "wb");
@@ -37,7 +37,7 @@ TEST_F(TextWriterTest, BytesOfAnyNumberComeOutInOrder)
     EXPECT_TRUE(contents(path) == expected);
 }
 
-TEST_F(TextWriterTest, AFullDiskIsToldAtTheEnd)
+TEST_F(TextBlocks, AFullDiskIsToldAtTheEnd)
 {
     FILE* file = fopen("/dev/full", "wb");
     if (!file)

@@ -102,6 +102,11 @@ int isPlainFile(const char* path)
     return std::filesystem::is_regular_file(path, unknown);
 }
 
+std::string fullPathOf(const char* path)
+{
+    return *path ? std::filesystem::absolute(path).string() : "";
+}
+
 int64_t measureFile(FILE* file)
 {
     if (fseeko(file, 0, SEEK_END) != 0)

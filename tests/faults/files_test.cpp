@@ -4,11 +4,11 @@
 #include "export/lux.h"
 #include "export/obj.h"
 #include "export/prop.h"
+#include "export/rkf.h"
 #include "image/textures.h"
 #include "import/dispatch.h"
 #include "import/rkf.h"
 #include "model/memory.h"
-#include "shell/picture_file.h"
 #include "tests/check_mesh.h"
 #include "tests/image/jpeg_builder.h"
 #include "tests/recording/recording.h"
@@ -22,7 +22,7 @@
 #include <iterator>
 #include <map>
 
-class FileFaultsTest : public testing::Test
+class FailingFiles : public testing::Test
 {
 protected:
     void SetUp() override
@@ -68,7 +68,7 @@ static int loadAny(Mesh* mesh, const char* path)
 }
 
 // As for a file that ends there: a whole mesh, or a refusal that says so.
-TEST_F(FileFaultsTest, AReadThatFailsAnywhereIsNoHarm)
+TEST_F(FailingFiles, AReadThatFailsAnywhereIsNoHarm)
 {
     const std::pair<const char*, Samples> formats[] = {
         { "a.obj", objSamples() }, { "a.off", offSamples() },     { "a.dxf", dxfSamples() },
@@ -96,7 +96,7 @@ TEST_F(FileFaultsTest, AReadThatFailsAnywhereIsNoHarm)
     }
 }
 
-TEST_F(FileFaultsTest, APictureWhoseReadFailsKeepsTheOldOne)
+TEST_F(FailingFiles, APictureWhoseReadFailsKeepsTheOldOne)
 {
     JpegPlan plan;
     Bytes bytes = buildJpeg(plan);
@@ -144,17 +144,17 @@ static void failEveryWrite(const std::function<int()>& write, const std::functio
     EXPECT_GT(room, 64);
 }
 
-TEST_F(FileFaultsTest, AWriteThatFailsAnywhereKeepsTheEarlierFiles)
+TEST_F(FailingFiles, AWriteThatFailsAnywhereKeepsTheEarlierFiles)
 {
     Mesh* mesh = sampleMesh(put("in.obj", objSamples()[0] + objSamples()[2]));
     mesh->materialCount = 2;
     std::vector<uint8_t> pixels(64 * 64 * 3, 0x5A);
     PreviewSource frame = { pixels.data(), 64, 64, 64 * 3 };
     const std::pair<std::vector<const char*>, std::function<int()>> writers[] = {
-        { { "m.obj", "m.mtl" }, [&] { return writeObjFiles(mesh, (folder + "m.obj").c_str(), "m.obj"); } },
-        { { "m.pp2", "m.rsr" }, [&] { return writePropFiles(mesh, (folder + "m.pp2").c_str(), &frame); } },
+        { { "m.obj", "m.mtl" }, [&] { return WriteObjFile(mesh, (folder + "m.obj").c_str(), "m.obj", saveWhole); } },
+        { { "m.pp2", "m.rsr" }, [&] { return WritePropFile(mesh, (folder + "m.pp2").c_str(), &frame, saveWhole); } },
         { { "m.lxs", "m.lxo", "m.lxm", "m_textures.txt" },
-          [&] { return writeLuxFiles(mesh, (folder + "m.lxs").c_str()); } },
+          [&] { return WriteLuxFiles(mesh, (folder + "m.lxs").c_str(), saveWhole); } },
     };
     for (const auto& writer : writers)
     {
@@ -173,7 +173,7 @@ TEST_F(FileFaultsTest, AWriteThatFailsAnywhereKeepsTheEarlierFiles)
     freeMesh(mesh);
 }
 
-TEST_F(FileFaultsTest, AFileThatCannotBePutInPlaceIsReportedAndLeavesNothingBeside)
+TEST_F(FailingFiles, AFileThatCannotBePutInPlaceIsReportedAndLeavesNothingBeside)
 {
     Mesh* mesh = sampleMesh(put("in.obj", objSamples()[2]));
     const char* const names[] = { "m.lxs", "m.lxo", "m.lxm", "m_textures.txt" };
@@ -184,7 +184,7 @@ TEST_F(FileFaultsTest, AFileThatCannotBePutInPlaceIsReportedAndLeavesNothingBesi
         size_t files = everything().size();
         recorded.boxes.clear();
         fileFaults = { .renamesAllowed = placed };
-        EXPECT_EQ(writeLuxFiles(mesh, (folder + "m.lxs").c_str()), 0);
+        EXPECT_EQ(WriteLuxFiles(mesh, (folder + "m.lxs").c_str(), saveWhole), 0);
         fileFaults = {};
         ASSERT_EQ(recorded.boxes.size(), 1u);
         EXPECT_EQ(recorded.boxes[0].caption, "Error cannot write");
@@ -193,17 +193,17 @@ TEST_F(FileFaultsTest, AFileThatCannotBePutInPlaceIsReportedAndLeavesNothingBesi
     freeMesh(mesh);
 }
 
-TEST_F(FileFaultsTest, AnRkfFileThatCannotBeWrittenIsReported)
+TEST_F(FailingFiles, AnRkfFileThatCannotBeWrittenIsReported)
 {
     Mesh* mesh = sampleMesh(put("in.rkf", rkfSamples()[0]));
-    failEveryWrite([&] { return saveRkfPath(mesh, (folder + "out.rkf").c_str(), 0); },
+    failEveryWrite([&] { return WriteRkfFile(mesh, (folder + "out.rkf").c_str(), false, saveInPlace); },
                    [](int64_t) {
                        EXPECT_EQ(recorded.boxes[0], (RecordedBox{ "File Error", "Error", iconNone }));
                    });
     freeMesh(mesh);
 }
 
-TEST_F(FileFaultsTest, AFileThatCannotBeCreatedIsReported)
+TEST_F(FailingFiles, AFileThatCannotBeCreatedIsReported)
 {
     Mesh* mesh = sampleMesh(put("in.obj", objSamples()[2]));
     auto before = everything();
@@ -211,7 +211,7 @@ TEST_F(FileFaultsTest, AFileThatCannotBeCreatedIsReported)
     {
         recorded.boxes.clear();
         fileFaults = { .openAllowed = opened };
-        int ok = writeLuxFiles(mesh, (folder + "m.lxs").c_str());
+        int ok = WriteLuxFiles(mesh, (folder + "m.lxs").c_str(), saveWhole);
         int failures = fileFaults.failures;
         fileFaults = {};
         ASSERT_EQ(ok, recorded.boxes.empty());

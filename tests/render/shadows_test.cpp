@@ -318,33 +318,3 @@ TEST_F(Shadows, SmallTrianglesRaiseTheEntriesThatLargeOnesWould)
         ASSERT_TRUE(std::equal(expected.begin(), expected.end(), display.target.shadowMap)) << round;
     }
 }
-
-TEST_F(Shadows, TheMapIsDumpedOnce)
-{
-    Display display(64, 64);
-    installMesh(&display.list, makeCube());
-    markShadows(&display);
-    display.target.shadowMap[1023 * 1024 + 2] = 0xFFFF;
-    display.target.shadowMap[1023 * 1024 + 3] = 0x0140;
-    char folder[] = "shadow-XXXXXX";
-    ASSERT_TRUE(mkdtemp(folder));
-    ASSERT_EQ(chdir(folder), 0);
-    int first = DumpShadowMap(&display.target);
-    FILE* file = fopen("shadow.bmp", "rb");
-    ASSERT_TRUE(file);
-    std::string bytes(size_t{ 1024 } * 3072 + 100, '\0');
-    bytes.resize(fread(bytes.data(), 1, bytes.size(), file));
-    fclose(file);
-    EXPECT_EQ(remove("shadow.bmp"), 0);
-    int second = DumpShadowMap(&display.target);
-    EXPECT_EQ(fopen("shadow.bmp", "rb"), nullptr);
-    ASSERT_EQ(chdir(".."), 0);
-    EXPECT_EQ(rmdir(folder), 0);
-    EXPECT_EQ(first, 1);
-    EXPECT_EQ(second, 0);
-    ASSERT_EQ(bytes.size(), size_t{ 1024 } * 3072 + 54);
-    EXPECT_EQ(bytes.substr(0, 2), "BM");
-    EXPECT_EQ(bytes.substr(2, 4), std::string("\x36\x00\x30\x00", 4));
-    EXPECT_EQ(bytes.substr(14, 8), std::string("\x28\0\0\0\0\4\0\0", 8));
-    EXPECT_EQ(bytes.substr(54 + 6, 6), "\xFF\xFF\xFF\x05\x05\x05") << "the last map row comes first";
-}

@@ -19,7 +19,7 @@ TEST_F(Commands, StartUpTicksTheStartingChoices)
     for (int id :
          { ID_BACKGROUND_GREY1, ID_KEYFRAMES_3DS, ID_EXACT_WELD, ID_TEXTURE_WOOD, ID_PRESET_BRASS, ID_LIGHT_1 })
         EXPECT_TRUE(recorded.menuChecks[id]) << id;
-    EXPECT_STREQ(currentFileName, "teapot");
+    EXPECT_EQ(currentFileName, "teapot");
     EXPECT_EQ(choices.render.renderFlags, renderBackCulled | renderVertexColour);
     EXPECT_EQ(choices.render.currentTexture, &TextureSlots[0]);
     EXPECT_EQ(modelList.count, 1);
@@ -99,7 +99,7 @@ TEST_F(Commands, FailedLoadKeepsTheModelOnScreen)
     Mesh* before = currentMesh();
     EXPECT_TRUE(runCommand(ID_OPEN_MESH));
     EXPECT_EQ(currentMesh(), before);
-    EXPECT_STREQ(currentFileName, "teapot");
+    EXPECT_EQ(currentFileName, "teapot");
     EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ { "Error: failed to open", path, iconStop } }));
     EXPECT_TRUE(recorded.titles.empty());
     EXPECT_EQ(choices.materialPreset, 0);
@@ -162,7 +162,7 @@ TEST_F(Commands, SaveImageProposesTheNameWithoutItsLastExtension)
     };
     for (const auto& [current, proposed] : names)
     {
-        snprintf(currentFileName, sizeof currentFileName, "%s", current);
+        currentFileName = current;
         EXPECT_TRUE(runCommand(ID_SAVE_IMAGE)); // cancelled
         EXPECT_EQ(recorded.dialogs.back().proposed, proposed);
     }

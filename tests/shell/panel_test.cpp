@@ -212,7 +212,7 @@ TEST_F(Panel, SplitRebuildsTheListAndUnticksByGroup)
 
 TEST_F(Panel, LuxExportThatFailsSaysSo)
 {
-    snprintf(currentFileName, sizeof currentFileName, "no-such-folder/x.obj");
+    nameModel("x.obj", (folder / "no-such-folder" / "x.obj").string());
     EXPECT_TRUE(runPanelCommand(ID_LUX_EXPORT));
     EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ { "Failed to export", "LuxRender Export", iconNone } }));
     EXPECT_TRUE(redrawAsked());

@@ -1,5 +1,5 @@
 // tests/shell/placement_test.cpp - where the windows are placed
-#include "shell/placement.h"
+#include "shell/win32/placement.h"
 
 #include <gtest/gtest.h>
 

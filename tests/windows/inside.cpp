@@ -6,7 +6,7 @@
 #include "platform/win32/handles.h"
 #include "platform/win32/names.h"
 #include "resources/ids.h"
-#include "shell/win32/windows.h"
+#include "shell/win32/desktop.h"
 #include "tests/windows/dialogs.h"
 
 #include <string.h>

@@ -1,4 +1,4 @@
-// shell/win32/windows.h - the windows of the desktop program: its run, and what each procedure is for
+// shell/win32/desktop.h - the windows of the desktop program: its run, and what each procedure is for
 #pragma once
 #include <windows.h>
 

@@ -1,4 +1,4 @@
-// shell/placement.h - where the windows stand
+// shell/win32/placement.h - where the windows stand
 #pragma once
 #include <stdint.h>
 

@@ -1,5 +1,5 @@
-// shell/placement.cpp - the arithmetic of the window layout
-#include "shell/placement.h"
+// shell/win32/placement.cpp - the arithmetic of the window layout
+#include "shell/win32/placement.h"
 
 constexpr int32_t firstExtraWidth = 163;
 constexpr int32_t firstExtraHeight = 50;

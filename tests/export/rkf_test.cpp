@@ -1,5 +1,5 @@
-// tests/import/rkf_saving_test.cpp - writing RKF, what a round trip keeps, and the dialogs
-#include "platform/dialogs.h"
+// tests/export/rkf_test.cpp - RKF files byte for byte, and what a round trip keeps
+#include "export/rkf.h"
 #include "tests/import/rkf_building.h"
 
 #include <math.h>
@@ -8,11 +8,12 @@
 #include <sstream>
 
 using namespace rkf;
+using RkfWriter = CleanTest;
 
-static std::string savedBytes(const Mesh* mesh, int omitMaterials = 0)
+static std::string savedBytes(const Mesh* mesh, bool omitMaterials = false)
 {
     ScratchFile file("");
-    EXPECT_EQ(saveRkfPath(mesh, file.path.c_str(), omitMaterials), 1);
+    EXPECT_EQ(WriteRkfFile(mesh, file.path.c_str(), omitMaterials, saveInPlace), 1);
     std::ifstream stream(file.path, std::ios::binary);
     std::stringstream bytes;
     bytes << stream.rdbuf();
@@ -49,7 +50,7 @@ static Mesh* makeSample()
     return mesh;
 }
 
-TEST_F(Rkf, WritesTheWholeLayout)
+TEST_F(RkfWriter, WritesTheWholeLayout)
 {
     Mesh* mesh = makeSample();
     std::string bytes = savedBytes(mesh);
@@ -66,16 +67,16 @@ TEST_F(Rkf, WritesTheWholeLayout)
     freeMesh(mesh);
 }
 
-TEST_F(Rkf, MaterialsCanBeLeftOut)
+TEST_F(RkfWriter, MaterialsCanBeLeftOut)
 {
     Mesh* mesh = makeSample();
-    std::string bytes = savedBytes(mesh, 1);
+    std::string bytes = savedBytes(mesh, true);
     EXPECT_EQ(bytes.size(), 16u + 12 * 4 + 32 * 2);
     EXPECT_EQ(bytes.substr(0, 16), words({ 4, 2, 0, 96 }));
     freeMesh(mesh);
 }
 
-TEST_F(Rkf, RoundTripKeepsPositionsAndMaterialsAndNumbersTheNames)
+TEST_F(RkfWriter, RoundTripKeepsPositionsAndMaterialsAndNumbersTheNames)
 {
     Mesh* mesh = makeSample();
     LoadedMesh loaded(LoadRkfFile, savedBytes(mesh));
@@ -95,7 +96,7 @@ TEST_F(Rkf, RoundTripKeepsPositionsAndMaterialsAndNumbersTheNames)
     freeMesh(mesh);
 }
 
-TEST_F(Rkf, CoordinatesAreQuantisedToTheStep)
+TEST_F(RkfWriter, CoordinatesAreQuantisedToTheStep)
 {
     Mesh* mesh = makeSample();
     for (int i = 0; i <= 200; ++i)
@@ -110,7 +111,7 @@ TEST_F(Rkf, CoordinatesAreQuantisedToTheStep)
     freeMesh(mesh);
 }
 
-TEST_F(Rkf, OneIsWrittenAs32767AndReadAsExactlyOne)
+TEST_F(RkfWriter, OneIsWrittenAs32767AndReadAsExactlyOne)
 {
     Mesh* mesh = makeSample();
     std::string bytes = savedBytes(mesh);
@@ -121,7 +122,7 @@ TEST_F(Rkf, OneIsWrittenAs32767AndReadAsExactlyOne)
     freeMesh(mesh);
 }
 
-TEST_F(Rkf, NegativeCoordinatesDoNotSurvive)
+TEST_F(RkfWriter, NegativeCoordinatesDoNotSurvive)
 {
     Mesh* mesh = makeSample();
     mesh->uvs[3] = { -0.5f, -0.25f };
@@ -133,7 +134,7 @@ TEST_F(Rkf, NegativeCoordinatesDoNotSurvive)
     freeMesh(mesh);
 }
 
-TEST_F(Rkf, CoordinatesBeyondTheRangeAreWrittenWithoutHarm)
+TEST_F(RkfWriter, CoordinatesBeyondTheRangeAreWrittenWithoutHarm)
 {
     Mesh* mesh = makeSample();
     for (float value : { 3.0f, 1e6f, -1e6f, 1e30f, -1e30f, INFINITY, NAN })
@@ -146,7 +147,7 @@ TEST_F(Rkf, CoordinatesBeyondTheRangeAreWrittenWithoutHarm)
     freeMesh(mesh);
 }
 
-TEST_F(Rkf, DeletedFacesAndPolylinesAreNotWritten)
+TEST_F(RkfWriter, DeletedFacesAndPolylinesAreNotWritten)
 {
     Mesh* mesh = makeSample();
     mesh->faceAttributes[0] |= faceDeleted;
@@ -158,7 +159,7 @@ TEST_F(Rkf, DeletedFacesAndPolylinesAreNotWritten)
     freeMesh(mesh);
 }
 
-TEST_F(Rkf, AFirstCornerWithoutRoomForTheMaterialIsRefused)
+TEST_F(RkfWriter, AFirstCornerWithoutRoomForTheMaterialIsRefused)
 {
     Mesh* mesh = makeSample();
     growVertices(mesh, 1 << 20);
@@ -171,14 +172,14 @@ TEST_F(Rkf, AFirstCornerWithoutRoomForTheMaterialIsRefused)
     }
     mesh->faces[1][0] = 1u << 20;
     ScratchFile file("earlier");
-    EXPECT_EQ(saveRkfPath(mesh, file.path.c_str(), 0), 0);
+    EXPECT_EQ(WriteRkfFile(mesh, file.path.c_str(), false, saveInPlace), 0);
     ASSERT_EQ(recorded.boxes.size(), 1u);
     EXPECT_EQ(recorded.boxes[0], (RecordedBox{ "File Error", "Error", iconNone }));
     EXPECT_EQ(std::filesystem::file_size(file.path), strlen("earlier"));
     freeMesh(mesh);
 }
 
-TEST_F(Rkf, LargeMeshesSurviveTheBlocks)
+TEST_F(RkfWriter, LargeMeshesSurviveTheBlocks)
 {
     constexpr int32_t count = 10000; // several blocks, the last one partly filled
     Mesh* mesh = createMesh("prop");
@@ -213,85 +214,38 @@ TEST_F(Rkf, LargeMeshesSurviveTheBlocks)
     freeMesh(mesh);
 }
 
-TEST_F(Rkf, AFullDiskIsAnError)
+TEST_F(RkfWriter, AFullDiskIsAnError)
 {
     if (FILE* full = fopen("/dev/full", "wb"))
         fclose(full);
     else
         GTEST_SKIP() << "no full device here";
     Mesh* mesh = makeSample();
-    EXPECT_EQ(saveRkfPath(mesh, "/dev/full", 0), 0);
+    EXPECT_EQ(WriteRkfFile(mesh, "/dev/full", false, saveInPlace), 0);
     ASSERT_EQ(recorded.boxes.size(), 1u);
     EXPECT_EQ(recorded.boxes[0], (RecordedBox{ "File Error", "Error", iconNone }));
     freeMesh(mesh);
 }
 
-TEST_F(Rkf, FilesThatDoNotOpenFailSilently)
+TEST_F(RkfWriter, InPlaceFilesThatDoNotOpenFailSilently)
 {
     Mesh* mesh = makeSample();
-    EXPECT_EQ(saveRkfPath(mesh, "no such folder/x.rkf", 0), 0);
-    EXPECT_EQ(LoadRkfFile(mesh, "no such folder/x.rkf"), 0);
+    EXPECT_EQ(WriteRkfFile(mesh, "no such folder/x.rkf", false, saveInPlace), 0);
     EXPECT_TRUE(recorded.boxes.empty());
     freeMesh(mesh);
 }
 
-TEST_F(Rkf, SaveDialogProposesTheNameAndAsksBeforeOverwriting)
+TEST_F(RkfWriter, AFileThatMustBeWholeKeepsTheEarlierOneAndSaysWhy)
 {
-    const char* names[][2] = { { "chair.obj", "chair.rkf" }, { "chair", "chair.rkf" }, { "a.b.c", "a.b.rkf" },
-                               { ".hidden", ".hidden.rkf" }, { "", ".rkf" },           { "x.", "x.rkf" } };
+    if (FILE* full = fopen("/dev/full", "wb"))
+        fclose(full);
+    else
+        GTEST_SKIP() << "no full device here";
     Mesh* mesh = makeSample();
-    for (const auto& [current, proposed] : names)
-    {
-        resetRecording();
-        char path[rkfPathRoom], title[rkfPathRoom];
-        snprintf(path, sizeof path, "%s", current);
-        EXPECT_EQ(RkfFileDialog(mesh, path, title, 1, 0), 0); // cancelled
-        ASSERT_EQ(recorded.dialogs.size(), 1u);
-        const RecordedDialog& dialog = recorded.dialogs[0];
-        EXPECT_TRUE(dialog.save);
-        EXPECT_EQ(dialog.proposed, proposed);
-        EXPECT_EQ(dialog.filterText, "rkf Files(*.rkf)");
-        EXPECT_EQ(dialog.filterPattern, "*.rkf");
-        EXPECT_EQ(dialog.title, "(none)");
-        EXPECT_EQ(dialog.defaultExtension, "(none)");
-        EXPECT_EQ(dialog.flags, dialogOverwritePrompt);
-        EXPECT_EQ(dialog.pathRoom, 320u);
-        EXPECT_EQ(dialog.fileTitleRoom, 320u);
-        EXPECT_TRUE(recorded.boxes.empty());
-    }
-    freeMesh(mesh);
-}
-
-TEST_F(Rkf, SaveDialogOfTheLongestNameStaysInItsRoom)
-{
-    Mesh* mesh = makeSample();
-    char path[rkfPathRoom], title[rkfPathRoom];
-    memset(path, 'n', sizeof path - 1);
-    path[rkfPathRoom - 1] = 0;
-    EXPECT_EQ(RkfFileDialog(mesh, path, title, 1, 0), 0);
-    EXPECT_EQ(recorded.dialogs[0].proposed, std::string(rkfPathCharacters - 5, 'n') + ".rkf");
-    freeMesh(mesh);
-}
-
-TEST_F(Rkf, DialogsWriteAndReadTheChosenFile)
-{
-    Mesh* mesh = makeSample();
-    ScratchFile file("", "rkf");
-    char path[rkfPathRoom] = "chair.obj", title[rkfPathRoom];
-    recorded.dialogAnswers = { file.path, file.path };
-    EXPECT_EQ(RkfFileDialog(mesh, path, title, 1, 0), 1);
-    EXPECT_EQ(path, file.path);
-    EXPECT_EQ(title, file.path.substr(file.path.find_last_of('/') + 1));
-
-    Mesh* fresh = createMesh("prop");
-    EXPECT_EQ(RkfFileDialog(fresh, path, title, 0, 0), 1);
-    EXPECT_EQ(facesOf(fresh), facesOf(mesh));
-    EXPECT_EQ(fresh->materialCount, 2);
-    ASSERT_EQ(recorded.dialogs.size(), 2u);
-    EXPECT_FALSE(recorded.dialogs[1].save);
-    EXPECT_EQ(recorded.dialogs[1].proposed, "");
-    EXPECT_EQ(recorded.dialogs[1].filterText, "rkf Files(*.rkf)");
-    EXPECT_EQ(recorded.dialogs[1].flags, 0u);
-    freeMesh(fresh);
+    EXPECT_EQ(WriteRkfFile(mesh, "no such folder/x.rkf", false, saveWhole), 0);
+    EXPECT_EQ(WriteRkfFile(mesh, "/dev/full", false, saveWhole), 0);
+    std::vector<RecordedBox> expected = { { "no such folder/x.rkf", "Error cannot create", iconStop },
+                                          { "/dev/full", "Error cannot write", iconStop } };
+    EXPECT_EQ(recorded.boxes, expected);
     freeMesh(mesh);
 }

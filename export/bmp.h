@@ -1,0 +1,32 @@
+// export/bmp.h - pictures as Windows bitmaps of 24 bits a pixel: "Save Image", kbx and the dumps
+//
+// Behind a header of 54 bytes stand the rows, the bottom one first: blue, green and red bytes, padded to a multiple
+// of 4.
+//
+// Source: BITMAPFILEHEADER and BITMAPINFOHEADER of the Windows API
+#pragma once
+#include "export/output_file.h"
+
+#include <stddef.h>
+#include <stdint.h>
+
+struct BmpPicture
+{
+    int32_t width, height;         // pixels
+    bool namesSize;                // the header names the bytes of all rows, which a reader can also work out
+    uint32_t xPerMetre, yPerMetre; // pixels; 0: not known
+
+    // Fills in a row of bmpRowBytes(width) bytes; row 0 is the bottom one. Before the first row all bytes are 0.
+    void (*fillRow)(uint8_t* bytes, int32_t row, const BmpPicture* picture);
+    const void* source; // for fillRow
+};
+
+// Bytes of a row, the padding included.
+inline size_t bmpRowBytes(int32_t width)
+{
+    return (static_cast<size_t>(width) * 3 + 3) & ~size_t{ 3 };
+}
+
+// Returns 1, or 0 when the file could not be written whole or there is no memory for a row: in place in silence, with
+// saveWhole after a box. Of sizes past 32 bits the header has the low ones.
+int WriteBmpFile(const char* path, const BmpPicture* picture, SaveMode mode);

@@ -1,0 +1,130 @@
+// export/rkf.cpp - writing RKF
+#include "export/rkf.h"
+
+#include "model/rkf_format.h"
+#include "platform/boxes.h"
+
+#include <string.h>
+
+static bool writeRecords(FILE* file, const void* records, int32_t count, size_t recordBytes)
+{
+    auto given = static_cast<size_t>(count);
+    return fwrite(records, recordBytes, given, file) == given;
+}
+
+static bool isWritten(const Mesh* mesh, int32_t f)
+{
+    return isSurface(mesh->faceAttributes[f]);
+}
+
+// Returns how many faces there are to write, or -1 when a first corner leaves no room for the material.
+static int32_t countWritten(const Mesh* mesh)
+{
+    int32_t count = 0;
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    {
+        if (!isWritten(mesh, f))
+            continue;
+        if (mesh->faces[f][0] > rkfFirstCornerMask)
+            return -1;
+        ++count;
+    }
+    return count;
+}
+
+static bool writeRkfPositions(FILE* file, const Mesh* mesh)
+{
+    RkfPosition block[rkfBlockRecords];
+    for (int32_t done = 0; done < mesh->vertexCount;)
+    {
+        int32_t count = rkfBlockCount(done, mesh->vertexCount);
+        for (int32_t i = 0; i < count; ++i)
+            memcpy(block[i].xyz, mesh->vertices[done + i].position, sizeof block[i].xyz);
+        if (!writeRecords(file, block, count, sizeof block[0]))
+            return false;
+        done += count;
+    }
+    return true;
+}
+
+static Corners packFace(const Mesh* mesh, int32_t f)
+{
+    Corners corners = mesh->faces[f];
+    corners[0] |= mesh->faceAttributes[f] << rkfFirstCornerBits;
+    return corners;
+}
+
+// value x 32767 without its fraction, in the 32 bits of a two's complement; 0 for what is no number.
+static uint32_t fixedCoord(float value)
+{
+    float scaled = value * rkfCoordScale;
+    if (!(scaled > -9e18f && scaled < 9e18f))
+        return 0;
+    return static_cast<uint32_t>(static_cast<int64_t>(scaled));
+}
+
+static Corners packCoords(const Mesh* mesh, int32_t f)
+{
+    Corners packed = {};
+    for (size_t k = 0; k < 4; ++k)
+    {
+        uint32_t coord = mesh->faceUvs[f][k];
+        if (mesh->faces[f][k] == noCorner || coord >= static_cast<uint32_t>(mesh->uvCount))
+            continue;
+        packed[k] = fixedCoord(mesh->uvs[coord].u) << 16 | (fixedCoord(mesh->uvs[coord].v) & 0xFFFF);
+    }
+    return packed;
+}
+
+// Four words for each face that is written, made by pack.
+static bool writeFaceWords(FILE* file, const Mesh* mesh, Corners (*pack)(const Mesh* mesh, int32_t f))
+{
+    Corners block[rkfBlockRecords];
+    int32_t used = 0;
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    {
+        if (!isWritten(mesh, f))
+            continue;
+        block[used++] = pack(mesh, f);
+        if (used < rkfBlockRecords)
+            continue;
+        if (!writeRecords(file, block, used, sizeof block[0]))
+            return false;
+        used = 0;
+    }
+    return writeRecords(file, block, used, sizeof block[0]);
+}
+
+int rkfCanHold(const Mesh* mesh)
+{
+    return countWritten(mesh) >= 0;
+}
+
+int WriteRkf(const Mesh* mesh, FILE* file, bool omitMaterials)
+{
+    RkfHeader header = { mesh->vertexCount, countWritten(mesh), omitMaterials ? 0 : mesh->materialCount,
+                         static_cast<int32_t>(sizeof(Material)) };
+    if (header.faceCount < 0)
+        return 0;
+    return writeRecords(file, &header, 1, sizeof header) && writeRkfPositions(file, mesh) &&
+           writeFaceWords(file, mesh, packFace) && writeFaceWords(file, mesh, packCoords) &&
+           writeRecords(file, mesh->materials, header.materialCount, sizeof(Material));
+}
+
+static int reportFileError()
+{
+    messageBox("File Error", "Error", iconNone);
+    return 0;
+}
+
+int WriteRkfFile(const Mesh* mesh, const char* path, bool omitMaterials, SaveMode mode)
+{
+    if (!rkfCanHold(mesh))
+        return reportFileError();
+    OutputFile output;
+    if (!openOutput(&output, path, mode))
+        return 0;
+    if (commitOutput(&output, WriteRkf(mesh, output.file, omitMaterials) != 0))
+        return 1;
+    return mode == saveInPlace ? reportFileError() : 0;
+}

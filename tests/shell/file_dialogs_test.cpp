@@ -1,0 +1,308 @@
+// tests/shell/file_dialogs_test.cpp - what each dialog asks, and what is done with the answer
+#include "shell/file_dialogs.h"
+#include "image/textures.h"
+#include "platform/dialogs.h"
+#include "tests/export/build.h"
+#include "tests/image/jpeg_builder.h"
+
+using FileDialogs = InOwnFolder;
+
+static const uint8_t greyPixel[3] = { 50, 60, 70 };
+static const PreviewSource onePixel = { greyPixel, 1, 1, 3 };
+
+static MeshPointer triangle(int32_t materials = 1)
+{
+    return buildMesh({ { 0, 0, 0 }, { 1, 0, 0 }, { 0, 1, 0 } }, { { 0, 0 } }, { { { 0, 1, 2, none }, {}, 0, 0, 0 } },
+                     materials, 1);
+}
+
+static void expectDialog(const char* filterText, const char* filterPattern, const char* title,
+                         const char* defaultExtension, uint32_t flags, size_t pathRoom, size_t titleRoom)
+{
+    ASSERT_FALSE(recorded.dialogs.empty());
+    const RecordedDialog& dialog = recorded.dialogs.back();
+    EXPECT_EQ(dialog.filterText, filterText);
+    EXPECT_EQ(dialog.filterPattern, filterPattern);
+    EXPECT_EQ(dialog.title, title);
+    EXPECT_EQ(dialog.defaultExtension, defaultExtension);
+    EXPECT_EQ(dialog.flags, flags);
+    EXPECT_EQ(dialog.pathRoom, pathRoom);
+    EXPECT_EQ(dialog.fileTitleRoom, titleRoom);
+}
+
+TEST_F(FileDialogs, AModelToOpenIsAskedForByAllItsExtensions)
+{
+    std::string path = "before";
+    EXPECT_EQ(chooseModelToOpen(&path), 0);
+    EXPECT_EQ(path, "before");
+    expectDialog("*.obj *.3ds *.dxf *.ply *.pp2 *.hr2 *.cr2 *.off", "*.obj;*.3ds;*.dxf;*.ply;*.pp2;*.hr2;*.cr2;*.off",
+                 "(none)", "(none)", 0, 128, 32);
+    EXPECT_FALSE(recorded.dialogs.back().save);
+    recorded.dialogAnswers = { "some/where.obj" };
+    EXPECT_EQ(chooseModelToOpen(&path), 1);
+    EXPECT_EQ(path, "some/where.obj");
+}
+
+TEST_F(FileDialogs, ObjIsAskedForAndItsTitleComesBack)
+{
+    MeshPointer mesh = triangle();
+    std::string name = "my.model.3ds", path = "before";
+    recorded.dialogAnswers = { folder + "fine.one.obj" };
+    EXPECT_EQ(SaveObjFile(mesh.get(), &name, &path), 1);
+    expectDialog("wavefront obj files", "*.obj", "save mesh", "obj", 6, 320, 320);
+    EXPECT_TRUE(recorded.dialogs.back().save);
+    EXPECT_EQ(recorded.dialogs.back().proposed, "my.model.obj");
+    EXPECT_EQ(name, "fine.one.obj");
+    EXPECT_EQ(path, folder + "fine.one.obj");
+    EXPECT_EQ(filesInFolder(), (Names{ "fine.one.mtl", "fine.one.obj" }));
+    EXPECT_NE(contents(path).find("\r\nmtllib fine.one.mtl\r\n"), std::string::npos);
+    ASSERT_EQ(recorded.progress.size(), 1u);
+    EXPECT_EQ(recorded.progress[0].caption, "SAVING.....");
+    EXPECT_TRUE(recorded.progress[0].closed);
+    EXPECT_EQ(recorded.boxes, Boxes{});
+}
+
+TEST_F(FileDialogs, ProposedObjNamesLoseOnlyTheirLastExtension)
+{
+    MeshPointer mesh = triangle();
+    const char* const names[][2] = {
+        { "teapot", "teapot.obj" }, { ".hidden", ".hidden.obj" }, { "a.b.obj", "a.b.obj" }, { "", ".obj" },
+        { "a.", "a.obj" },
+    };
+    for (const auto& [current, proposed] : names)
+    {
+        std::string name = current, path = "before";
+        EXPECT_EQ(SaveObjFile(mesh.get(), &name, &path), 0);
+        EXPECT_EQ(recorded.dialogs.back().proposed, proposed);
+        EXPECT_EQ(name, current) << "cancelled";
+        EXPECT_EQ(path, "before");
+    }
+    EXPECT_EQ(filesInFolder(), Names{});
+    EXPECT_TRUE(recorded.progress.empty());
+}
+
+// The room of a dialog is counted in its characters of 16 bits.
+TEST_F(FileDialogs, ALongProposalIsCutAtAWholeCharacter)
+{
+    MeshPointer mesh = triangle();
+    auto repeated = [](const char* text, int count)
+    {
+        std::string all;
+        for (int i = 0; i < count; ++i)
+            all += text;
+        return all;
+    };
+    const struct
+    {
+        const char* character;
+        int fit;
+    } rows[] = { { "n", 315 }, { "\u00FC", 315 }, { "\u6728", 315 }, { "\U0001F375", 157 } };
+    for (const auto& row : rows)
+    {
+        std::string name = repeated(row.character, 511), path;
+        EXPECT_EQ(SaveObjFile(mesh.get(), &name, &path), 0);
+        EXPECT_EQ(recorded.dialogs.back().proposed, repeated(row.character, row.fit) + ".obj");
+        EXPECT_EQ(savePoserProp(mesh.get(), name, true, &onePixel), 0);
+        EXPECT_EQ(recorded.dialogs.back().proposed, repeated(row.character, row.fit) + ".pp2");
+        std::string title;
+        EXPECT_EQ(RkfFileDialog(mesh.get(), &name, &title, true, false), 0);
+        EXPECT_EQ(recorded.dialogs.back().proposed, repeated(row.character, row.fit) + ".rkf");
+        EXPECT_EQ(choosePictureToSave(name, &path), 0);
+        EXPECT_EQ(recorded.dialogs.back().proposed, repeated(row.character, row.fit) + ".bmp");
+    }
+}
+
+TEST_F(FileDialogs, AnObjFileThatCannotBeCreatedIsReportedAndTheNameStays)
+{
+    std::string name = "a.obj", path = "before", chosen = folder + "missing/b.obj";
+    recorded.dialogAnswers = { chosen };
+    EXPECT_EQ(SaveObjFile(triangle().get(), &name, &path), 0);
+    EXPECT_EQ(recorded.boxes, (Boxes{ { chosen, "Error cannot create", iconStop } }));
+    EXPECT_TRUE(recorded.progress.empty());
+    EXPECT_EQ(name, "a.obj");
+    EXPECT_EQ(path, "before");
+}
+
+TEST_F(FileDialogs, AMissingMtlFileIsNotReported)
+{
+    std::filesystem::create_directory(folder + "a.mtl");
+    std::string name = "a.obj", path;
+    recorded.dialogAnswers = { folder + "a.obj" };
+    EXPECT_EQ(SaveObjFile(triangle().get(), &name, &path), 1);
+    EXPECT_EQ(recorded.boxes, Boxes{});
+    EXPECT_TRUE(recorded.progress.back().closed);
+}
+
+TEST_F(FileDialogs, APropIsAskedForAndHasItsPreviewBeside)
+{
+    MeshPointer mesh = triangle();
+    recorded.dialogAnswers = { folder + "a.b.pp2" };
+    EXPECT_EQ(savePoserProp(mesh.get(), "cup.one.obj", true, &onePixel), 1);
+    expectDialog("Poser prop (*.pp2)", "*.pp2", "save mesh", "pp2", 6, 320, 0);
+    EXPECT_TRUE(recorded.dialogs.back().save);
+    EXPECT_EQ(recorded.dialogs.back().proposed, "cup.one.pp2");
+    EXPECT_EQ(filesInFolder(), (Names{ "a.b.pp2", "a.b.rsr" }));
+    EXPECT_EQ(contents(folder + "a.b.rsr"), previewFile(&onePixel));
+    ASSERT_EQ(recorded.progress.size(), 1u);
+    EXPECT_EQ(recorded.progress[0].caption, "SAVING.....");
+    EXPECT_TRUE(recorded.progress[0].closed);
+}
+
+TEST_F(FileDialogs, WithoutTheFlagThereIsNoPreview)
+{
+    recorded.dialogAnswers = { folder + "a.pp2" };
+    EXPECT_EQ(savePoserProp(triangle().get(), "a", false, &onePixel), 1);
+    EXPECT_EQ(filesInFolder(), Names{ "a.pp2" });
+}
+
+TEST_F(FileDialogs, ProposedPropNamesAreCutAtTheirLastDotEvenTheFirstCharacter)
+{
+    MeshPointer mesh = triangle();
+    const char* const names[][2] = {
+        { "teapot", "teapot.pp2" },
+        { "a.b.obj", "a.b.pp2" },
+        { ".hidden", ".pp2" },
+        { "x.pp2", "x.pp2" },
+    };
+    for (const auto& [current, proposed] : names)
+    {
+        EXPECT_EQ(savePoserProp(mesh.get(), current, true, &onePixel), 0);
+        EXPECT_EQ(recorded.dialogs.back().proposed, proposed);
+    }
+    EXPECT_EQ(filesInFolder(), Names{});
+}
+
+TEST_F(FileDialogs, APropThatCannotBeCreatedIsReportedAndAPreviewIsNot)
+{
+    std::string path = folder + "missing/b.pp2";
+    std::filesystem::create_directory(folder + "a.rsr");
+    recorded.dialogAnswers = { path, folder + "a.pp2" };
+    EXPECT_EQ(savePoserProp(triangle().get(), "a", true, &onePixel), 0);
+    EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
+    EXPECT_TRUE(recorded.progress.empty());
+    EXPECT_EQ(savePoserProp(triangle().get(), "a", true, &onePixel), 1);
+    EXPECT_EQ(recorded.boxes.size(), 1u);
+    EXPECT_TRUE(recorded.progress.back().closed);
+}
+
+TEST_F(FileDialogs, RkfProposesTheNameAndAsksBeforeOverwriting)
+{
+    const char* names[][2] = { { "chair.obj", "chair.rkf" }, { "chair", "chair.rkf" }, { "a.b.c", "a.b.rkf" },
+                               { ".hidden", ".hidden.rkf" }, { "", ".rkf" },           { "x.", "x.rkf" } };
+    MeshPointer mesh = triangle();
+    for (const auto& [current, proposed] : names)
+    {
+        std::string path = current, title;
+        EXPECT_EQ(RkfFileDialog(mesh.get(), &path, &title, true, false), 0); // cancelled
+        EXPECT_TRUE(recorded.dialogs.back().save);
+        EXPECT_EQ(recorded.dialogs.back().proposed, proposed);
+        expectDialog("rkf Files(*.rkf)", "*.rkf", "(none)", "(none)", dialogOverwritePrompt, 320, 320);
+        EXPECT_EQ(recorded.boxes, Boxes{});
+    }
+}
+
+TEST_F(FileDialogs, RkfIsWrittenToTheChosenFileAndReadFromIt)
+{
+    MeshPointer mesh = triangle(2);
+    std::string path = "chair.obj", title;
+    recorded.dialogAnswers = { folder + "a.rkf", folder + "a.rkf", folder + "b.rkf" };
+    EXPECT_EQ(RkfFileDialog(mesh.get(), &path, &title, true, false), 1);
+    EXPECT_EQ(path, folder + "a.rkf");
+    EXPECT_EQ(title, "a.rkf");
+
+    MeshPointer fresh(createMesh("prop"));
+    EXPECT_EQ(RkfFileDialog(fresh.get(), &path, &title, false, false), 1);
+    EXPECT_FALSE(recorded.dialogs.back().save);
+    EXPECT_EQ(recorded.dialogs.back().proposed, "");
+    expectDialog("rkf Files(*.rkf)", "*.rkf", "(none)", "(none)", 0, 320, 320);
+    ASSERT_EQ(fresh->faceCount, 1);
+    EXPECT_EQ(fresh->faces[0], mesh->faces[0]);
+    EXPECT_EQ(fresh->materialCount, 2);
+
+    EXPECT_EQ(RkfFileDialog(mesh.get(), &path, &title, true, true), 1); // without the materials
+    EXPECT_EQ(contents(folder + "b.rkf").size() + 2 * sizeof(Material), contents(folder + "a.rkf").size());
+}
+
+TEST_F(FileDialogs, RkfSaysFileErrorButNotThatAFileDoesNotOpen)
+{
+    MeshPointer mesh(createMesh("prop"));
+    std::string path, title;
+    putFile(folder + "short.rkf", "RKF?");
+    recorded.dialogAnswers = { folder + "missing.rkf", folder + "missing/a.rkf", folder + "short.rkf" };
+    EXPECT_EQ(RkfFileDialog(mesh.get(), &path, &title, false, false), 0);
+    EXPECT_EQ(RkfFileDialog(mesh.get(), &path, &title, true, false), 0);
+    EXPECT_EQ(recorded.boxes, Boxes{});
+    EXPECT_EQ(RkfFileDialog(mesh.get(), &path, &title, false, false), 0);
+    EXPECT_EQ(recorded.boxes, (Boxes{ { "File Error", "Error", iconNone } }));
+}
+
+TEST_F(FileDialogs, APictureIsAskedForWithThePropsExtension)
+{
+    std::string path;
+    recorded.dialogAnswers = { folder + "a.bmp" };
+    EXPECT_EQ(choosePictureToSave(".obj", &path), 1);
+    EXPECT_EQ(path, folder + "a.bmp");
+    EXPECT_EQ(recorded.dialogs.back().proposed, ".obj.bmp");
+    EXPECT_TRUE(recorded.dialogs.back().save);
+    expectDialog("Windows Bitmap (*.bmp)", "*.bmp", "save image", "pp2", 6, 320, 0);
+}
+
+// The user's texture.
+class TextureDialog : public InOwnFolder
+{
+protected:
+    std::string pictureFile(const std::string& name, int width, int frameCode = 0xC0)
+    {
+        JpegPlan plan;
+        plan.width = width;
+        plan.frameCode = frameCode;
+        Bytes bytes = buildJpeg(plan);
+        putFile(folder + name, std::string(bytes.begin(), bytes.end()));
+        return folder + name;
+    }
+    void TearDown() override
+    {
+        free(image.pixels);
+        InOwnFolder::TearDown();
+    }
+    Image image = {};
+    std::string title = "before";
+};
+
+TEST_F(TextureDialog, AJpegIsAskedFor)
+{
+    EXPECT_EQ(loadUserTexture(&image, &title), 0); // cancelled
+    EXPECT_FALSE(recorded.dialogs.back().save);
+    EXPECT_EQ(recorded.dialogs.back().proposed, "");
+    expectDialog("JPG Files(*.JPG)", "*.JPG", "(none)", "(none)", 0, 128, 32);
+    EXPECT_EQ(title, "before");
+    EXPECT_EQ(image.pixels, nullptr);
+    EXPECT_EQ(recorded.boxes, Boxes{});
+}
+
+TEST_F(TextureDialog, TheTitleIsLowerCaseAndCutByTheDialog)
+{
+    recorded.dialogAnswers = { pictureFile("LEAVES A.JpG", 40),
+                               pictureFile("A_PICTURE_WITH_A_NAME_OF_MORE_THAN_31_CHARACTERS.JPG", 8) };
+    ASSERT_EQ(loadUserTexture(&image, &title), 1);
+    EXPECT_EQ(image.width, 40);
+    EXPECT_EQ(title, "leaves a.jpg");
+    ASSERT_EQ(loadUserTexture(&image, &title), 1);
+    EXPECT_EQ(image.width, 8);
+    EXPECT_EQ(title, "a_picture_with_a_name_of_more_t");
+    EXPECT_EQ(recorded.boxes, Boxes{});
+}
+
+TEST_F(TextureDialog, AFailureKeepsTheOldPicture)
+{
+    recorded.dialogAnswers = { pictureFile("good.jpg", 24), pictureFile("progressive.jpg", 24, 0xC2),
+                               folder + "nowhere.jpg" };
+    ASSERT_EQ(loadUserTexture(&image, &title), 1);
+    const uint32_t* pixels = image.pixels;
+    EXPECT_EQ(loadUserTexture(&image, &title), 0);
+    EXPECT_EQ(recorded.boxes, (Boxes{ { "Progressive Jpeg not supported", "error", iconNone } }));
+    EXPECT_EQ(loadUserTexture(&image, &title), 0); // does not open: in silence
+    EXPECT_EQ(recorded.boxes.size(), 1u);
+    EXPECT_EQ(image.pixels, pixels);
+    EXPECT_EQ(image.width, 24);
+}
