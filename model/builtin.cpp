@@ -1,4 +1,4 @@
-// model/builtin.cpp - from the embedded file's words to a mesh
+// model/builtin.cpp - making a mesh of the words of the embedded file
 #include "model/builtin.h"
 
 #include "model/normals.h"
@@ -9,8 +9,8 @@
 #include <bit>
 
 constexpr int32_t headerBytes = 16;
-constexpr int32_t spareSlots = 256; // vertices and faces that the mesh tools may add without growing
-constexpr float texturePart = std::bit_cast<float>(0x38000100u); // 1/32767
+constexpr int32_t spareCapacity = 256;                      // for vertices and faces that the mesh tools may add
+constexpr float uvUnit = std::bit_cast<float>(0x38000100u); // 1/32767
 
 struct ModelHeader
 {
@@ -21,19 +21,19 @@ struct ModelHeader
 };
 static_assert(sizeof(ModelHeader) == headerBytes);
 
-static bool bringsMaterials(const ModelHeader& header)
+static bool hasMaterialRecords(const ModelHeader& header)
 {
     return header.materialCount >= 1 && header.materialBytes == static_cast<int32_t>(sizeof(Material));
 }
 
 static bool headerUsable(const ModelHeader& header, size_t size)
 {
-    if (header.vertexCount < 0 || header.vertexCount > INT32_MAX - spareSlots || header.faceCount < 0 ||
-        header.faceCount > INT32_MAX - spareSlots)
+    if (header.vertexCount < 0 || header.vertexCount > INT32_MAX - spareCapacity || header.faceCount < 0 ||
+        header.faceCount > INT32_MAX - spareCapacity)
         return false;
     uint64_t needed =
         headerBytes + 12 * static_cast<uint64_t>(header.vertexCount) + 32 * static_cast<uint64_t>(header.faceCount);
-    if (bringsMaterials(header))
+    if (hasMaterialRecords(header))
     {
         if (header.materialCount > materialLimit)
             return false;
@@ -51,8 +51,8 @@ static void readVertices(Mesh* mesh, const uint8_t* bytes)
     }
 }
 
-// Whether every corner that the slot counts as present is a vertex, and none follows an absent one.
-static bool cornersUsable(const Corners& corners, uint32_t vertexCount)
+// Whether all corners are vertices but for the third and fourth, or the fourth, which may be absent.
+static bool isSoundFace(const Corners& corners, uint32_t vertexCount)
 {
     if (corners[0] >= vertexCount || corners[1] >= vertexCount)
         return false;
@@ -69,7 +69,7 @@ static void readFaces(Mesh* mesh, const uint8_t* bytes)
         memcpy(corners.data(), bytes, 16);
         mesh->faceAttributes[f] = corners[0] >> 20 & faceMaterialMask;
         corners[0] &= 0xFFFFFu;
-        if (cornersUsable(corners, static_cast<uint32_t>(mesh->vertexCount)))
+        if (isSoundFace(corners, static_cast<uint32_t>(mesh->vertexCount)))
             continue;
         mesh->faceAttributes[f] |= faceDeleted;
         --mesh->liveFaceCount;
@@ -89,8 +89,7 @@ static void readTextureCoordinates(Mesh* mesh, const uint8_t* bytes)
                 continue;
             uint32_t word;
             memcpy(&word, bytes, 4);
-            mesh->uvs[vertex] = { static_cast<float>(word >> 16) * texturePart,
-                                  static_cast<float>(word & 0xFFFF) * texturePart };
+            mesh->uvs[vertex] = { static_cast<float>(word >> 16) * uvUnit, static_cast<float>(word & 0xFFFF) * uvUnit };
         }
     }
 }
@@ -114,13 +113,13 @@ int loadModelBytes(const uint8_t* bytes, size_t size, Mesh* mesh, int* hasMateri
         return 0;
 
     mesh->vertexCount = header.vertexCount;
-    if (!growVertices(mesh, header.vertexCount + spareSlots))
+    if (!growVertices(mesh, header.vertexCount + spareCapacity))
         return 0;
     mesh->uvCount = header.vertexCount;
     if (!growUvs(mesh, header.vertexCount))
         return 0;
     mesh->faceCount = mesh->liveFaceCount = header.faceCount;
-    if (!growFaces(mesh, header.faceCount + spareSlots))
+    if (!growFaces(mesh, header.faceCount + spareCapacity))
         return 0;
 
     const uint8_t* at = bytes + headerBytes;
@@ -133,7 +132,7 @@ int loadModelBytes(const uint8_t* bytes, size_t size, Mesh* mesh, int* hasMateri
 
     mesh->materialCount = 0;
     copyName(mesh->materialNames[0], "Preview");
-    if (bringsMaterials(header))
+    if (hasMaterialRecords(header))
     {
         readMaterials(mesh, at, header.materialCount);
         *hasMaterials = 1;

@@ -1,6 +1,6 @@
-// model/builtin.h - the model that the program carries, shown when no file is
+// model/builtin.h - the built-in model, which the program shows when it has no file
 //
-// The file, little endian, 32-bit words back to back:
+// Its file, little endian, 32-bit words back to back:
 //   vertices V, faces F, materials M, bytes of a material record
 //   V x 3 floats        positions
 //   F x 4 words         corners; the first one holds the material in bits 20-28 and the vertex in bits 0-19
@@ -9,13 +9,13 @@
 #pragma once
 #include "model/mesh.h"
 
-// Fills a fresh mesh from the embedded file "model"; hasMaterials receives 1 when it brought materials, else 0.
-// Returns 1, or 0: silently when the file is not there or not whole, after "Out of memory" when there is no room. The
-// mesh is then only good for freeMesh.
+// Fills a fresh mesh from the embedded file "model". hasMaterials receives 1 when the file has materials, else 0.
+// Returns 1, or 0 when the file is missing or incomplete (silently) or after "Out of memory". The mesh is then only
+// good for freeMesh.
 int loadBuiltInModel(Mesh* mesh, int* hasMaterials);
 
-// The same from bytes in memory; what follows the last record is ignored.
+// The same from bytes in memory. Bytes behind the last record are ignored.
 //
-// Texture coordinates are kept per vertex: of several values for one vertex the last one stands. A face with a corner
-// that is no vertex keeps its corners as read, but its slot is a deleted one, so that nobody looks them up.
+// Texture coordinates are kept per vertex: of several values for one vertex the last one counts. A face with a corner
+// that is not a vertex keeps its corners as read, but its slot is deleted, so that they are never looked up.
 int loadModelBytes(const uint8_t* bytes, size_t size, Mesh* mesh, int* hasMaterials);

@@ -1,11 +1,11 @@
-// model/image.h - a decoded picture, filled by the decoder and sampled by the renderer
+// model/image.h - an image, decoded from a JPEG file and used as a texture
 #pragma once
 #include <stdint.h>
 
 struct Image
 {
-    uint32_t*
-        pixels; // width x height words 0x00RRGGBB from malloc, row 0 the bottom row; null when there is no picture
+    // width x height words 0x00RRGGBB from malloc, the bottom row first; null when there is no image.
+    uint32_t* pixels;
     int32_t width;
     int32_t height;
 };

@@ -1,8 +1,9 @@
-// model/matrix.h - the small matrix and vector library of the camera, the light's view and the object frames of files
+// model/matrix.h - matrices and vectors, for the camera, the light's view and the object frames of files
 //
-// A matrix is row-major and points are columns: x' = m0 x + m1 y + m2 z + m3, the translation sits in elements 3, 7 and
-// 11. Points and directions are three floats. The fourth row is kept by products and inverses, and ignored where a
-// point is transformed.
+// A matrix is row-major and points are columns: x' = m0 x + m1 y + m2 z + m3, so the translation is in elements 3, 7
+// and
+// 11. Points and directions are three floats. Products and inverses include the fourth row; transforming a point
+// ignores it. A matrix is copied by assignment.
 #pragma once
 #include <stdint.h>
 
@@ -13,6 +14,7 @@ struct Matrix
 
 constexpr Matrix identityMatrix = { { 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1 } };
 
+// Make the identity, a scale, a translation.
 void setIdentity(Matrix* matrix);
 void setScale(Matrix* matrix, float x, float y, float z);
 void setTranslation(Matrix* matrix, float x, float y, float z);
@@ -22,25 +24,28 @@ void multiplyMatrices(Matrix* out, const Matrix* a, const Matrix* b);
 
 void transposeMatrix(Matrix* matrix);
 
-// Of the leading 2 x 2 and 3 x 3 elements, and of the whole, expanded along the first column.
-float determinant2(float a, float b, float c, float d); // a d - b c
+// Determinants: a d - b c, of the leading 3 x 3 elements, and of the whole matrix, expanded along the first column.
+// They are for any layer; at present only tests use them. invertMatrix does not, because a determinant says little
+// about whether a matrix of large and small elements can be inverted.
+float determinant2(float a, float b, float c, float d);
 float determinant3(const Matrix* matrix);
 float determinant4(const Matrix* matrix);
 
-// Inverse of any 4 x 4 matrix; out may be the matrix itself.
+// The inverse of any 4 x 4 matrix; out may be the matrix itself. Returns 1.
 //
-// Errors: a matrix that is singular (to about six digits, by the size of its columns) or not finite returns 0 and
-//         leaves out as the identity
+// Errors: for a matrix that is singular (to about six digits, by the size of its columns) or not finite, out becomes
+// the
+//         identity and the result is 0
 // Source: Gauss-Jordan elimination with row pivoting
 int invertMatrix(Matrix* out, const Matrix* matrix);
 
 // The three coordinates of a transformed point; out may be the point itself.
 void transformPoint(float* out, const Matrix* matrix, const float* point);
 
-// The same rounded toward minus infinity by floorToInt.
+// The same, each coordinate rounded toward minus infinity by floorToInt.
 void transformPointToInt(int32_t* out, const Matrix* matrix, const float* point);
 
-// The upper 3 x 3 elements only: a direction does not move with the translation. out may be the direction itself.
+// Transforms a direction by the upper 3 x 3 elements, without the translation. out may be the direction itself.
 inline void transformDirection(float* out, const Matrix* matrix, const float* direction)
 {
     const float* m = matrix->m;
@@ -50,7 +55,8 @@ inline void transformDirection(float* out, const Matrix* matrix, const float* di
     out[2] = (m[8] * x + m[9] * y) + m[10] * z;
 }
 
-void crossProduct(const float* a, const float* b, float* out); // out is neither of them
+// out = a x b; out may not be either of them.
+void crossProduct(const float* a, const float* b, float* out);
 
 inline float dotProduct(const float* a, const float* b)
 {
@@ -63,11 +69,12 @@ inline float squaredDistance(const float* a, const float* b)
     return dotProduct(difference, difference);
 }
 
-// Divides by the length and returns it. A length that is 0 or no number leaves the vector as it is and returns 0.
+// Divides a vector by its length and returns the length. A vector whose length is 0 or not finite stays as it is; the
+// result is then 0.
 float normalise(float* v);
 
-// The largest whole number not above the value, whatever the processor's rounding mode. Values past the range of int32
-// give its nearest end; what is not a number gives the upper one.
+// The largest whole number not above the value, in every rounding mode of the processor. Values past the range of int32
+// give its nearest end, and a NaN gives the upper end.
 inline int32_t floorToInt(float value)
 {
     constexpr float highest = 2147483520.0f, lowest = -2147483648.0f;

@@ -29,7 +29,7 @@ void* tableAlloc(size_t size)
 {
     if (size == 0)
         return nullptr;
-    if (memoryTable.highWater >= memoryTableSize) // the mark, not the free entries: a full table stays full
+    if (memoryTable.highWater >= memoryEntryLimit) // by the mark, not by free entries: a table that was full stays full
     {
         messageBox("Malloc Table Full", "Error", iconNone);
         return nullptr;

@@ -1,34 +1,36 @@
-// model/memory.h - where large blocks come from
+// model/memory.h - large blocks of memory
 //
 // Blocks that live long (the mesh and its arrays, the renderer's buffers) are entered in one table of 1024 entries, so
-// that a block can be grown or released by its address alone. Work blocks of the mesh tools are not recorded. Every
-// block starts at a page boundary and is zero-filled. One thread.
+// that a block can be grown or released by its address alone. Work blocks of the mesh tools are not entered. Every
+// block starts at a page boundary and is zero-filled. The table has no lock: only one thread may use it.
 #pragma once
 #include <stddef.h>
 #include <stdint.h>
 
-constexpr int32_t memoryTableSize = 1024;
+constexpr int32_t memoryEntryLimit = 1024;
 
 struct MemoryEntry
 {
     void* address; // null: the entry is free
-    size_t size;   // bytes; stays as it was when the block is released
+    size_t size;   // bytes; releasing the block leaves it as it was
 };
 
 struct MemoryTable
 {
-    MemoryEntry entries[memoryTableSize];
-    int32_t highWater; // entries ever used; only grows
+    MemoryEntry entries[memoryEntryLimit];
+    int32_t highWater; // entries that were ever used; never falls
 };
 
 extern MemoryTable memoryTable;
 
-// A block of size bytes in the lowest free entry, or null: silently for size 0 and when the system refuses (the entry
-// is used up all the same), after the box "Malloc Table Full" once 1024 entries have ever been used, free ones or not.
+// A block of size bytes, entered in the lowest free entry. Null for size 0, and when the operating system refuses,
+// which still uses an entry up; both without a message. Also null, after the message box "Malloc Table Full", once
+// highWater has reached 1024, whether entries are free or not.
 void* tableAlloc(size_t size);
 
-// A block of the new size with the old bytes, as many as fit; the rest is zero. Null pointer: tableAlloc. Size 0:
-// releases the block and returns null. Null with nothing changed when the address is unknown or the system refuses.
+// A block of the new size with as many of the old bytes as fit; the rest is zero. The old block is released. A null
+// pointer allocates as tableAlloc; size 0 releases the block and returns null. When the address is unknown or the
+// operating system refuses, the result is null and nothing changes.
 void* tableRealloc(void* pointer, size_t size);
 
 // Releases the block. Null and unknown addresses are ignored.
@@ -37,9 +39,10 @@ void tableFree(void* pointer);
 // Shows "Out of memory" and returns 0, so that a caller can report and fail in one step.
 int reportOutOfMemory();
 
-// A block that is not recorded, or null after the box "Out of memory"; null without a box for size 0.
+// A block that is not entered in the table. Null for size 0, and after the message box "Out of memory".
 void* workAlloc(size_t size);
-void workFree(void* pointer);
+void workFree(void* pointer); // null is ignored
 
-// count x elementSize in 64 bits; SIZE_MAX, which no allocation can satisfy, when that does not fit in a size.
+// count x elementSize, computed in 64 bits. SIZE_MAX, for which every allocation fails, when count is negative or the
+// product does not fit in a size_t.
 size_t blockSize(int64_t count, size_t elementSize);

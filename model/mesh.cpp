@@ -69,7 +69,7 @@ void freeMesh(Mesh* mesh)
     tableFree(mesh);
 }
 
-// Reallocates one array to a new capacity; it stays as it was when that fails.
+// Reallocates one array to a new capacity. Returns 1, or 0 with the array as it was.
 template <typename T>
 static int growArray(T*& array, int32_t capacity)
 {
@@ -148,7 +148,7 @@ static void widenBox(Box* box, const float* min, const float* max)
     }
 }
 
-// Writes a box with its centre and the half length of its diagonal, into a mesh or a list.
+// Stores a box with its centre and half the length of its diagonal in a mesh or a list.
 template <typename Bounded>
 static void storeBounds(Bounded* target, const Box& box)
 {
@@ -164,7 +164,7 @@ static void storeBounds(Bounded* target, const Box& box)
     target->radius = sqrtf(sum < 0 ? 0 : sum);
 }
 
-// The box of one vertex or more.
+// The box of at least one vertex.
 static Box boxOfVertices(const MeshVertex* vertices, int32_t count)
 {
     Box box = boxOfPoint(vertices[0].position);
@@ -173,14 +173,14 @@ static Box boxOfVertices(const MeshVertex* vertices, int32_t count)
     return box;
 }
 
-// boxOfVertices, the three coordinates in one register. Of two zeros, and beside a NaN, the instructions keep their
-// second operand, which is the box: exactly the comparisons above.
+// boxOfVertices with the three coordinates in one register. For two zeros and for a NaN, the instructions give their
+// second operand, which is the box, exactly as the comparisons above do.
 static Box boxOfVerticesSse(const MeshVertex* vertices, int32_t count)
 {
     __m128 smallest = _mm_loadu_ps(vertices[0].position), largest = smallest;
     for (int32_t i = 1; i < count; ++i)
     {
-        __m128 point = _mm_loadu_ps(vertices[i].position); // the fourth is the colour's bits
+        __m128 point = _mm_loadu_ps(vertices[i].position); // the fourth word is the colour
         smallest = _mm_min_ps(point, smallest);
         largest = _mm_max_ps(point, largest);
     }

@@ -1,7 +1,8 @@
 // model/mesh.h - the record that every reader fills, every tool edits, every frame draws and every writer reads
 //
-// A face has four corners: -1 in slot 3 makes it a triangle, in slots 2 and 3 a line. A deleted face keeps its slot.
-// Corners run so that Newell's sum makes the face normal point outward. Units are the file's own.
+// A face has four corners: noCorner (-1) as the fourth makes it a triangle, as the third and fourth a segment of a
+// polyline. A deleted face keeps its slot. Corners run so that Newell's sum makes the face normal point outward. Units
+// are those of the file.
 #pragma once
 #include <stddef.h>
 #include <stdint.h>
@@ -13,16 +14,16 @@ constexpr int32_t groupLimit = 512;        // groups of one mesh
 constexpr int32_t nameRoom = 64;           // bytes of a name, its terminator included
 constexpr uint32_t opaqueWhite = 0xFFFFFFFFu;
 
-// faceAttributes: what a face belongs to and what has been found out about it
+// faceAttributes: the material and group of a face, and its flags
 constexpr uint32_t faceMaterialMask = 0x1FFu; // bits 0-8, index into materials
 constexpr uint32_t faceGroupShift = 9;        // bits 9-17, index into groupNames
 constexpr uint32_t faceGroupMask = 0x1FFu << faceGroupShift;
-constexpr uint32_t faceLinePointsShift = 18; // first record of a polyline: its number of points
-constexpr uint32_t faceHidden = 1u << 27;    // by the tool panel's filter
-constexpr uint32_t faceDeleted = 1u << 28;   // ignored by every operation
-constexpr uint32_t faceLine = 1u << 29;      // belongs to a polyline, not to a surface
-constexpr uint32_t faceLit = 1u << 30;       // rewritten by every frame: turned toward the light, or nearly
-constexpr uint32_t faceEyeFacing = 1u << 31; // rewritten by every frame
+constexpr uint32_t faceLinePointsShift = 18; // in the first record of a polyline: its number of points
+constexpr uint32_t faceHidden = 1u << 27;    // by the filter of the tool panel
+constexpr uint32_t faceDeleted = 1u << 28;   // every operation ignores the slot
+constexpr uint32_t faceLine = 1u << 29;      // a record of a polyline, not a face of the surface
+constexpr uint32_t faceLit = 1u << 30;       // set by every frame: the face is turned toward the light, or nearly
+constexpr uint32_t faceEyeFacing = 1u << 31; // set by every frame: the face is turned toward the eye
 
 static_assert(materialLimit == faceMaterialMask + 1 && groupLimit == (faceGroupMask >> faceGroupShift) + 1);
 
@@ -32,12 +33,12 @@ struct MeshVertex
 {
     float position[3];
     uint32_t colour; // alpha << 24 | red << 16 | green << 8 | blue
-    float normal[3]; // normalised sum of the normals of the faces that use the vertex
+    float normal[3]; // the normalised sum of the normals of the faces that use the vertex
     uint32_t spare;
 };
 static_assert(sizeof(MeshVertex) == 32);
 
-// Written by the renderer every frame.
+// A vertex on the screen, written by the renderer in every frame.
 struct ProjectedVertex
 {
     uint32_t xy;    // screen x << 16 | (screen y & 0xFFFF)
@@ -55,10 +56,10 @@ struct Uv
 struct Plane
 {
     float normal[3]; // unit length to about 12 bits, or zero for a face without area
-    float distance;  // normal . first corner
+    float distance;  // dot product of normal and first corner
 };
 
-// 96 bytes, fields back to back: files carry whole records, so the order is binding.
+// 96 bytes with the fields back to back. Files contain whole records, so the order must stay.
 struct Material
 {
     float ambient[3];
@@ -82,9 +83,9 @@ struct Mesh
 {
     int32_t vertexCount;
     int32_t uvCount;
-    int32_t lineCount;     // polylines read
+    int32_t lineCount;     // polylines that were read
     int32_t liveFaceCount; // faces that are not deleted, as the statistics show them
-    int32_t faceCount;     // slots in use, deleted ones included
+    int32_t faceCount;     // face slots in use, deleted ones included
     int32_t materialCount;
     int32_t groupCount;
     int32_t faceCapacity;   // of faceUvs, faces, facePlanes and faceAttributes
@@ -93,8 +94,8 @@ struct Mesh
     MeshVertex* vertices;
     ProjectedVertex* projected;
     Uv* uvs;
-    Corners* faceUvs; // a slot beyond the corner count holds 0
-    Corners* faces;   // a slot beyond the corner count holds noCorner
+    Corners* faceUvs; // 0 for an absent corner
+    Corners* faces;   // noCorner for an absent corner
     Plane* facePlanes;
     uint32_t* faceAttributes;
     Material materials[materialLimit];
@@ -105,18 +106,18 @@ struct Mesh
     int32_t screenRect[4]; // smallest x, y and largest x, y of the last frame
     char groupNames[groupLimit][nameRoom];
     char materialNames[materialLimit][nameRoom];
-    char textureNames[materialLimit][nameRoom]; // per material, empty when none
+    char textureNames[materialLimit][nameRoom]; // per material, empty for none
     char opacityNames[materialLimit][nameRoom];
     char name[nameRoom];
 };
 
-constexpr int32_t modelListSize = 32;
+constexpr int32_t modelListLimit = 32;
 
-// The meshes that a frame draws and the bounds of them all. Owns what it points to.
+// The meshes that a frame draws, which the list owns, and the bounds around all of them.
 struct ModelList
 {
     int32_t count;
-    Mesh* meshes[modelListSize];
+    Mesh* meshes[modelListLimit];
     float boundsMin[3];
     float boundsMax[3];
     float centre[3];
@@ -157,8 +158,8 @@ inline size_t usedCorners(const Corners& corners)
     return count;
 }
 
-// Whether the first count corners are vertices of the mesh. Files and tools see to that for faces in use; a deleted
-// slot may hold anything.
+// Whether the first count corners are vertices of the mesh. Readers and tools make sure of that for live faces. A
+// deleted slot may hold anything.
 inline bool cornersAreVertices(const Mesh* mesh, const Corners& corners, size_t count)
 {
     bool ok = true;
@@ -167,23 +168,23 @@ inline bool cornersAreVertices(const Mesh* mesh, const Corners& corners, size_t 
     return ok;
 }
 
-// An empty mesh with default materials, "Preview" and "default" as first names, and room for nothing.
-// The caller owns it until it is installed. Null after "Out of memory".
+// An empty mesh with default materials, "Preview" and "default" as first names, and all capacities 0. The caller owns
+// it until it is installed. Null after "Out of memory".
 Mesh* createMesh(const char* name);
 
 // Frees the arrays and the record. Null is ignored.
 void freeMesh(Mesh* mesh);
 
-// Add n to a capacity, what is there stays; n = 0 does nothing. Return 1, or 0 after "Out of memory": the mesh is then
-// only good for freeMesh. A negative n, or a capacity past 2^31 - 1, is refused the same way.
+// Add n to a capacity and keep the contents; n = 0 does nothing. Return 1, or 0 after "Out of memory", also for a
+// negative n or a capacity past 2^31 - 1. The mesh is then only good for freeMesh.
 int growVertices(Mesh* mesh, int32_t n);
 int growUvs(Mesh* mesh, int32_t n);
 int growFaces(Mesh* mesh, int32_t n);
 
-// Bounds, centre and radius over the used vertices. Returns 1, or 0 with nothing changed when there is no vertex.
+// Computes bounds, centre and radius of the vertices in use. Returns 1, or 0 with nothing changed when there are none.
 int computeBounds(Mesh* mesh);
 
-// The same over the corners of faces that are neither deleted nor hidden; a box of -0.1..0.1 when there are none.
+// The same for the corners of faces that are neither deleted nor hidden. Without any, the bounds are -0.1..0.1.
 void computeVisibleBounds(Mesh* mesh);
 
 // Frees every mesh of the list and empties it.
@@ -192,7 +193,7 @@ void clearModelList(ModelList* list);
 // Empties the list, makes the mesh its only entry and fits the list to it. The list owns the mesh from then on.
 void installMesh(ModelList* list, Mesh* mesh);
 
-// Bounds, centre and radius of the list from those of its meshes; the camera frames the picture by them.
+// Computes bounds, centre and radius of the list from those of its meshes. The camera uses them to fit the picture.
 void fitModelList(ModelList* list);
 
 // Copies at most nameRoom - 1 bytes of a name and terminates it.

@@ -1,7 +1,8 @@
 // model/normals.cpp - Newell's planes and the vertex normals they add up to
 //
-// The fast versions take four faces at a time, or eight, a coordinate of all in one register, and add their normals to
-// the vertices in the order of the plain one: every sum has the same terms in the same order, so all bits are the same.
+// The fast versions take four or eight faces at a time, with one coordinate of all of them in a register. They add the
+// normals to the vertices in the order of the plain version: every sum has the same terms in the same order, so all
+// bits are the same.
 #include "model/normals.h"
 
 #include "model/matrix.h"
@@ -13,15 +14,15 @@
 #include <emmintrin.h>
 #endif
 
-// Windows hands its 32-bit callbacks a stack on a boundary of 4 bytes; four floats want one of 16.
+// 32-bit Windows aligns the stack of a callback to 4 bytes only. A register of four floats needs 16.
 #ifdef __i386__
 #define WITH_ALIGNED_STACK __attribute__((force_align_arg_pointer))
 #else
 #define WITH_ALIGNED_STACK
 #endif
 
-// Multiplies by the reciprocal square root estimate of the squared length. A length of 0 stays as it is, and so does
-// one whose square is too small for the estimate, which would give an infinity.
+// Multiplies a vector by the reciprocal square root estimate of its squared length. A vector of length 0 stays as it
+// is. So does one whose squared length is so small that the estimate would be infinite.
 static void normaliseEstimated(float* v)
 {
     float squared = dotProduct(v, v);
@@ -50,7 +51,7 @@ static Plane newellPlane(const MeshVertex* vertices, const Corners& corners, int
     return plane;
 }
 
-// The plane of a slot, and its share of the normals of its corners.
+// Computes the plane of a face slot and adds its normal to those of its corners.
 static void addFaceNormal(Mesh* mesh, int32_t f)
 {
     MeshVertex* vertices = mesh->vertices;
@@ -72,7 +73,7 @@ static void addFaceNormal(Mesh* mesh, int32_t f)
     }
 }
 
-// Returns the bits that any vertex has in its spare word.
+// Clears the normals of all vertices. Returns the bits that are set in the spare word of any vertex.
 static uint32_t clearNormals(Mesh* mesh)
 {
     uint32_t spareBits = 0;
@@ -91,7 +92,7 @@ void addFaceNormalsPlain(Mesh* mesh, int32_t from, int32_t to)
         addFaceNormal(mesh, f);
 }
 
-// A vector for each of four faces or vertices.
+// One vector each of four faces or vertices.
 struct FourVectors
 {
     __m128 x, y, z;
@@ -109,7 +110,7 @@ static inline __m128 chosen(__m128 mask, __m128 there, __m128 elsewhere)
     return _mm_or_ps(_mm_and_ps(mask, there), _mm_andnot_ps(mask, elsewhere));
 }
 
-// normaliseEstimated of four.
+// normaliseEstimated of four vectors.
 static inline FourVectors normalisedEstimated(const FourVectors& v)
 {
     __m128 squared = _mm_add_ps(_mm_add_ps(_mm_mul_ps(v.x, v.x), _mm_mul_ps(v.y, v.y)), _mm_mul_ps(v.z, v.z));
@@ -118,7 +119,7 @@ static inline FourVectors normalisedEstimated(const FourVectors& v)
              chosen(large, _mm_mul_ps(v.z, scale), v.z) };
 }
 
-// Corner k of four faces.
+// The positions of corner k of four faces.
 static inline FourVectors cornerOfFour(const MeshVertex* vertices, const Corners* faces, size_t k)
 {
     return columnsOf(_mm_load_ps(vertices[faces[0][k]].position), _mm_load_ps(vertices[faces[1][k]].position),
@@ -132,7 +133,8 @@ static inline void addEdge(FourVectors* normal, const FourVectors& a, const Four
     normal->z = _mm_add_ps(normal->z, _mm_mul_ps(_mm_sub_ps(a.x, b.x), _mm_add_ps(a.y, b.y)));
 }
 
-// addFaceNormal of four faces of `count` corners each, which are vertices. The vertices' spare words are 0 and stay so.
+// addFaceNormal of four faces with `count` corners each, all of them vertices. The spare words of the vertices are 0
+// and stay 0.
 template <size_t count>
 static inline void addFourNormals(MeshVertex* vertices, const Corners* faces, Plane* planes)
 {
@@ -163,7 +165,7 @@ static inline void addFourNormals(MeshVertex* vertices, const Corners* faces, Pl
     }
 }
 
-// How many corners four faces have when they all have as many, triangles or quads, and all are vertices; else 0.
+// 3 for four triangles, 4 for four quads, if all their corners are vertices; else 0.
 static inline int commonCorners(const Corners* faces, uint32_t vertexCount)
 {
 #ifdef __SSE2__
@@ -192,7 +194,7 @@ static inline int commonCorners(const Corners* faces, uint32_t vertexCount)
 #endif
 }
 
-// Four vertices, whose spare words are 0.
+// normaliseEstimated of the normals of four vertices, whose spare words are 0.
 static inline void normaliseFour(MeshVertex* vertices)
 {
     FourVectors unit = normalisedEstimated(columnsOf(_mm_load_ps(vertices[0].normal), _mm_load_ps(vertices[1].normal),
@@ -205,7 +207,7 @@ static inline void normaliseFour(MeshVertex* vertices)
 
 WITH_ALIGNED_STACK void addFaceNormalsSse(Mesh* mesh, int32_t from, int32_t to)
 {
-    constexpr int32_t ahead = 32; // faces whose corners are asked for before they are needed
+    constexpr int32_t ahead = 32; // faces between the one in work and the one whose vertices are prefetched
     MeshVertex* vertices = mesh->vertices;
     int32_t f = from;
     for (; f + 4 <= to; f += 4)
@@ -250,7 +252,7 @@ void computeNormalsPlain(Mesh* mesh)
 
 static void computeNormalsFast(Mesh* mesh, FaceNormalAdder addFaces)
 {
-    if (clearNormals(mesh) != 0) // nobody uses the word, but a file may bring it; a sum would change some of its bits
+    if (clearNormals(mesh) != 0) // the fast versions would change bits of a spare word
         return computeNormalsPlain(mesh);
     addFaces(mesh, 0, mesh->faceCount);
     normaliseVerticesSse(mesh);

@@ -1,4 +1,4 @@
-// model/normals.h - face planes and vertex normals, which every change of positions or faces brings up to date
+// model/normals.h - face planes and vertex normals, computed again after every change of positions or faces
 #pragma once
 #include "model/mesh.h"
 
@@ -6,20 +6,22 @@
 //
 // In:     vertices[vertexCount] positions in model units, faces[faceCount], deleted slots and lines included
 // Out:    facePlanes[faceCount], normal x y z and d = normal . corner 0; the normal words of the vertices
-// Errors: none; a face without area, a line, or a slot with a corner that is no vertex gets the normal (0, 0, 0)
+// Errors: none; a face without area, a segment of a polyline, or a slot with a corner that is not a vertex gets the
+// normal
+//         (0, 0, 0)
 // Source: Newell's sum over the edges (Sutherland, Sproull, Schumacker 1974): a bent quad gets its mean plane
 //
-// Lengths are 1 to about 12 bits: they come from the processor's reciprocal square root estimate.
+// Lengths are 1 to about 12 bits, because they come from the processor's reciprocal square root estimate.
 void computeNormals(Mesh* mesh);
 
-// computeNormals in steps, for a reader that has all vertices before its faces: it adds the slots while they are in the
-// cache, each once and in order. Before the first step the normal and spare words of the vertices are 0, as in a fresh
-// mesh. The bits are those of computeNormals.
+// computeNormals in steps, for a reader that has all vertices before the faces and adds face slots while they are in
+// the cache, each once and in order. Before the first step the normal and spare words of the vertices must be 0, as in
+// a fresh mesh. The result has the same bits as that of computeNormals.
 void addFaceNormals(Mesh* mesh, int32_t from, int32_t to);
 void finishNormals(Mesh* mesh);
 
-// The versions, which give the same bits for every mesh; the fastest is taken unless usePlainKernels is set. The fast
-// ones of adding faces rely on spare words of 0. Avx2 is for processors that have it.
+// The versions, of which kernelLevel() chooses one. All give the same bits for every mesh. The fast versions of adding
+// faces need spare words of 0. Avx2 is for processors that have it.
 void computeNormalsPlain(Mesh* mesh);
 void computeNormalsSse(Mesh* mesh);
 void computeNormalsAvx2(Mesh* mesh);

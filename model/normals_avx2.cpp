@@ -1,7 +1,7 @@
-// model/normals_avx2.cpp - the planes and sums of normals.cpp, eight faces a step, same bits
+// model/normals_avx2.cpp - the planes and sums of normals.cpp, eight faces at a time, with the same bits
 //
-// The halves of a register stand for faces 0 to 3 and 4 to 7. Every number is made by the operations of the plain
-// version in their order, and the faces' normals are added to the vertices in the order of the faces.
+// The halves of a register hold faces 0 to 3 and 4 to 7. Every number results from the operations of the plain version
+// in their order, and the normals are added to the vertices in the order of the faces.
 #include "model/normals.h"
 
 #include <float.h>
@@ -22,7 +22,7 @@ inlineAvx2 __m256 halves(const MeshVertex& low, const MeshVertex& high)
     return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_load_ps(low.position)), _mm_load_ps(high.position), 1);
 }
 
-// Corner k of eight faces.
+// The positions of corner k of eight faces.
 inlineAvx2 EightVectors cornerOfEight(const MeshVertex* vertices, const Corners* faces, size_t k)
 {
     __m256 row[4];
@@ -54,7 +54,7 @@ inlineAvx2 EightVectors normalisedEstimated(const EightVectors& v)
              _mm256_blendv_ps(v.z, _mm256_mul_ps(v.z, scale), large) };
 }
 
-// The planes of faces 0 and 1, 2 and 3, and so on.
+// Turns columns into rows: the planes of faces 0 and 1, 2 and 3, and so on.
 inlineAvx2 void rowsOf(__m256 (&rows)[4], const EightVectors& normal, __m256 distance)
 {
     __m256 a = _mm256_unpacklo_ps(normal.x, normal.y), b = _mm256_unpackhi_ps(normal.x, normal.y);
@@ -77,7 +77,7 @@ inlineAvx2 void addShare(MeshVertex* vertices, const Corners& corners, __m128 sh
     }
 }
 
-// Eight faces of `count` corners each, which are vertices. The vertices' spare words are 0 and stay so.
+// Adds eight faces with `count` corners each, all of them vertices. The spare words of the vertices are 0 and stay 0.
 template <size_t count>
 inlineAvx2 void addEightNormals(MeshVertex* vertices, const Corners* faces, Plane* planes)
 {
@@ -103,7 +103,7 @@ inlineAvx2 void addEightNormals(MeshVertex* vertices, const Corners* faces, Plan
     }
 }
 
-// How many corners eight faces have when they all have as many, triangles or quads, and all are vertices; else 0.
+// 3 for eight triangles, 4 for eight quads, if all their corners are vertices; else 0.
 inlineAvx2 int commonCorners(const Corners* faces, uint32_t vertexCount)
 {
     const __m256i none = _mm256_set1_epi32(-1), limit = _mm256_set1_epi32(static_cast<int32_t>(vertexCount));
@@ -122,7 +122,7 @@ inlineAvx2 int commonCorners(const Corners* faces, uint32_t vertexCount)
 
 withAvx2 void addFaceNormalsAvx2(Mesh* mesh, int32_t from, int32_t to)
 {
-    constexpr int32_t ahead = 32; // faces whose corners are asked for before they are needed
+    constexpr int32_t ahead = 32; // faces between the ones in work and those whose vertices are prefetched
     MeshVertex* vertices = mesh->vertices;
     const auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
     int32_t f = from;

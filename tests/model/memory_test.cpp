@@ -34,7 +34,7 @@ TEST_F(MemoryTableTest, BlocksAreZeroAndStartAtAPage)
 TEST_F(MemoryTableTest, FullTableStaysFullAfterAFree)
 {
     void* first = nullptr;
-    for (int i = 0; i < memoryTableSize; ++i)
+    for (int i = 0; i < memoryEntryLimit; ++i)
     {
         void* block = tableAlloc(1);
         ASSERT_NE(block, nullptr);
