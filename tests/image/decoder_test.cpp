@@ -217,11 +217,14 @@ TEST(JpegDecoder, ColourSpaces)
     EXPECT_EQ(colourOf(four, adobeSegment(2)), yccWord(158 + 148, 88, 178));
 }
 
-TEST(JpegDecoder, ApplicationSegmentsTooShortAreIgnored)
+TEST(JpegDecoder, ApplicationSegmentsTooShortOrOfOthersAreIgnored)
 {
     Bytes shortAdobe = segmentOf(0xEE, { 'A', 'd', 'o', 'b', 'e', 0, 100, 0, 0, 0, 0 }); // no transform byte
     Bytes shortJfif = segmentOf(0xE0, { 'J', 'F', 'I', 'F', 0, 1, 1, 2, 0, 9, 0, 9, 0 });
-    for (const Bytes& application : { shortAdobe, shortJfif, segmentOf(0xE0, {}), Bytes{ 0xFF, 0xEE, 0, 0 } })
+    Bytes otherAdobe = adobeSegment(1), otherJfif = jfifSegment(2, 9, 9);
+    otherAdobe[8] = otherJfif[8] = 'x'; // the last byte of the names "Adobe" and "JFIF" with its zero
+    for (const Bytes& application :
+         { shortAdobe, shortJfif, otherAdobe, otherJfif, segmentOf(0xE0, {}), Bytes{ 0xFF, 0xEE, 0, 0 } })
     {
         JpegPlan plan = flatPlan({ { 'R', 1, 1 }, { 'G', 1, 1 }, { 'B', 1, 1 } }, { { 30 }, { -40 }, { 50 } });
         plan.application = application;

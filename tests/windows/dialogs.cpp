@@ -6,10 +6,10 @@
 #include <wchar.h>
 #include <vector>
 
-constexpr int patienceMs = 30000; // two targets are tested at once, beside compilers
+constexpr int patienceMs = 30000; // other tests and compilers may run at the same time
 constexpr int messageText = 0xFFFF;
 constexpr int fileNameEdit = 0x480;  // edt1 of the common file dialogs
-constexpr int fileNameCombo = 0x47C; // cmb13, where the edit stands in newer ones
+constexpr int fileNameCombo = 0x47C; // cmb13, which contains the edit in newer ones
 
 bool eventually(const std::function<bool()>& condition)
 {
@@ -134,8 +134,9 @@ void closeDialogs(DWORD processId)
         });
 }
 
-// A number posted to the filter's list comes behind all that was posted before. The program has no use for the number
-// that a list keeps with an entry, and answers the question for it only after it has drawn.
+// The number that a list keeps with an entry is free for the test, because the program does not use it. A new number
+// posted to the filter's list arrives behind every earlier message, and the list answers only after the program has
+// drawn.
 bool workOff(HWND toolPanel)
 {
     static LPARAM last;

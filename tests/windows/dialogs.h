@@ -1,11 +1,11 @@
-// tests/windows/dialogs.h - the dialogs of a running program, told apart by what stands in them
+// tests/windows/dialogs.h - the dialogs of a running program, recognised by their contents
 #pragma once
 #include <windows.h>
 
 #include <functional>
 #include <string>
 
-// true as soon as the condition holds; false after 30 seconds without.
+// Waits for a condition. Returns true as soon as it holds, false after 30 seconds.
 bool eventually(const std::function<bool()>& condition);
 
 std::wstring windowText(HWND window);
@@ -15,23 +15,23 @@ enum class DialogKind
     message, // a text and an OK button
     notice,
     progress,
-    file, // one that has a field for a file's name
+    file, // with a field for a file name
     about
 };
 
-// A dialog of this kind that the process shows, waited for. A box without its texts, be it new or closing, is none.
-// null: it did not come.
+// Waits for a dialog of this kind of the process; null when none appears. A box without its texts, because it is just
+// opening or closing, does not count.
 HWND waitForDialog(DWORD processId, DialogKind kind);
 bool waitUntilGone(HWND dialog);
 
-// Types a path into the file dialog and accepts it. false: no such dialog came, or it stays.
+// Types a path into the file dialog and accepts it. Returns false when no such dialog appears, or when it stays open.
 bool answerFileDialog(DWORD processId, const std::wstring& path);
 
-// The text of the message box and, in brackets, its caption; OK closes it.
+// Closes the message box with OK. Returns its text and, in brackets, its caption.
 std::wstring answerMessageBox(DWORD processId);
 
-// Closes every dialog that is open, as a test that failed may have left it.
+// Closes every open dialog, because a test that failed may have left one.
 void closeDialogs(DWORD processId);
 
-// Waits until the messages posted to the program before have been worked off, the frame that they asked for included.
+// Waits until the program has handled all messages posted to it and drawn the frame that they requested.
 bool workOff(HWND toolPanel);

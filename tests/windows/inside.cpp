@@ -1,4 +1,4 @@
-// tests/windows/inside.cpp - the program's thread, watched by a hook
+// tests/windows/inside.cpp - the program's thread, which a hook watches
 #include "tests/windows/inside.h"
 
 #include "model/settings.h"
@@ -22,7 +22,7 @@ static std::function<void()> toRun;
 static std::mutex guard;
 static std::deque<std::string> answers;
 static std::vector<int> barLengths;
-static std::atomic<HWND> noticeBox; // the one open; null: none
+static std::atomic<HWND> noticeBox; // the open one, or null
 static Notice notice;               // the last one
 static ULONGLONG noticeShown;
 
@@ -145,7 +145,7 @@ bool startInside()
     if (!there)
         return false;
     hook = SetWindowsHookExW(WH_CALLWNDPROCRET, watch, nullptr, programThreadId);
-    return hook && workOff(toolPanel); // posted messages are taken by the loop: the start is over
+    return hook && workOff(toolPanel); // once the loop handles posted messages, the start is over
 }
 
 DWORD endInside()

@@ -1,7 +1,7 @@
-// tests/windows/inside.h - the desktop program run on a thread of the tests' own process
+// tests/windows/inside.h - the desktop program on a thread of the test's own process
 //
-// Everything of it is the real thing but the file dialogs, which a script answers. Menus and counts, which other
-// processes cannot read, can be read here.
+// It is the real program, except that a script answers the file dialogs. Here a test can read menus and counts, which
+// other processes cannot read.
 #pragma once
 #include <windows.h>
 
@@ -9,32 +9,33 @@
 #include <string>
 #include <vector>
 
-// Starts the program once for all tests. false: it did not come.
+// Starts the program once for all tests. Returns false when its windows do not appear.
 bool startInside();
 
-// Closes its window; returns the exit status, or 9999 when it does not end.
+// Closes the window. Returns the exit status, or 9999 when the program does not end.
 DWORD endInside();
 
-// The answers to the next file dialogs, in UTF-8; "" is Cancel, and so is everything after the last one.
+// The answers to the next file dialogs, in UTF-8; "" is Cancel, and so is every answer after the last one.
 void answerDialogs(const std::vector<std::string>& paths);
 size_t dialogsUnanswered();
 
 // Calls a function on the program's thread, between two of its messages, and waits for its return.
 void onProgramThread(const std::function<void()>& function);
 
-// Sends a menu command and waits until it has been carried out and the frame it asked for has been drawn.
+// Sends a menu command and waits until the program has carried it out and drawn the frame that it requested.
 void command(int id);
 
-// A notice as it stood on the screen.
+// A notice as the user saw it.
 struct Notice
 {
     std::wstring text;
     bool fits;     // the box is wide enough for the text
     int width;     // of the box, pixels
-    DWORD shownMs; // for so long
+    DWORD shownMs; // from the time it appeared until it closed
 };
 
-// Does something on the program's thread that ends with a notice. The notice is hurried unless it is left its time.
+// Calls a function on the program's thread that ends with a notice, and returns the notice. The test closes the notice
+// at once, unless it leaves it its own time.
 enum class NoticeTime
 {
     hurried,
@@ -42,11 +43,11 @@ enum class NoticeTime
 };
 Notice noticeAfter(const std::function<void()>& function, NoticeTime time = NoticeTime::hurried);
 
-// Posts something that ends with a message box: returns its text and caption, and presses OK.
+// Posts a command that ends with a message box, presses OK, and returns the text and the caption of the box.
 std::wstring boxAfter(HWND window, int id);
 
-// How long the progress bar was after each time it was painted, in pixels on the screen, since the last call.
+// The length of the progress bar after each time it was painted since the last call, in pixels on the screen.
 std::vector<int> takeBarLengths();
 
-// The control that has the keyboard.
+// The control with the keyboard focus.
 HWND focusOfProgram();

@@ -1,4 +1,4 @@
-// tests/windows/inside_test.cpp - what only the program itself can see: its menu, its bar, its focus, what it holds
+// tests/windows/inside_test.cpp - the desktop program from inside: menu, progress bar, keyboard focus, resources
 #include "tests/windows/dialogs.h"
 #include "tests/windows/inside.h"
 
@@ -33,7 +33,7 @@ class ProgramInside : public testing::Environment
 
 static const auto* const environment = testing::AddGlobalTestEnvironment(new ProgramInside);
 
-class InsideTest : public testing::Test
+class DesktopInside : public testing::Test
 {
 protected:
     void SetUp() override
@@ -98,7 +98,7 @@ protected:
 
 constexpr char square[] = "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\ng one\nf 1 2 3 4\n";
 
-TEST_F(InsideTest, MenuHoldsItsEntriesInTheirOrder)
+TEST_F(DesktopInside, MenuHoldsItsEntriesInTheirOrder)
 {
     static const struct
     {
@@ -161,7 +161,7 @@ TEST_F(InsideTest, MenuHoldsItsEntriesInTheirOrder)
     }
 }
 
-TEST_F(InsideTest, MarksFollowTheChoices)
+TEST_F(DesktopInside, MarksFollowTheChoices)
 {
     EXPECT_EQ(checkedItems(), (std::set<int>{ 160, 200, 300, 336, 339, 340 }));
     EXPECT_NE(GetMenuState(GetMenu(mainWindow), 163, MF_BYCOMMAND) & MF_GRAYED, 0u);
@@ -181,7 +181,7 @@ TEST_F(InsideTest, MarksFollowTheChoices)
     EXPECT_EQ(checkedItems(), (std::set<int>{ 160, 200, 310, 336, 339, 340 }));
 }
 
-TEST_F(InsideTest, EveryToolReportsInABoxWideEnough)
+TEST_F(DesktopInside, EveryToolReportsInABoxWideEnough)
 {
     write("a.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nv 0 0 0\nv 5 0 0\nv 6 0 0\nv 6 1 0\n"
                    "f 1 2 3 4\nf 4 3 2 1\nf 6 7 8\n");
@@ -214,7 +214,7 @@ TEST_F(InsideTest, EveryToolReportsInABoxWideEnough)
     EXPECT_EQ(SendDlgItemMessageW(toolPanel, ID_FILTER_LIST, CB_GETCOUNT, 0, 0), 4);
 }
 
-TEST_F(InsideTest, NoticeOfTheLargestCountIsReadable)
+TEST_F(DesktopInside, NoticeOfTheLargestCountIsReadable)
 {
     Notice narrow = noticeAfter([] { showNotice("short"); });
     Notice wide = noticeAfter([] { showNotice("Removed 2147483647 vertices"); });
@@ -223,7 +223,7 @@ TEST_F(InsideTest, NoticeOfTheLargestCountIsReadable)
     EXPECT_GT(wide.width, narrow.width);
 }
 
-TEST_F(InsideTest, NoticeClosesByItselfAndOnlyThenTheCallerGoesOn)
+TEST_F(DesktopInside, NoticeClosesByItselfAndOnlyThenTheCallerGoesOn)
 {
     DWORD waitedMs = 0;
     auto show = [&]
@@ -236,7 +236,7 @@ TEST_F(InsideTest, NoticeClosesByItselfAndOnlyThenTheCallerGoesOn)
     EXPECT_GE(waitedMs, 1290u);
 }
 
-TEST_F(InsideTest, MinimisingPutsTheTitleBackAndStopsTheSpin)
+TEST_F(DesktopInside, MinimisingPutsTheTitleBackAndStopsTheSpin)
 {
     write("a.obj", square);
     open("a.obj");
@@ -255,7 +255,7 @@ TEST_F(InsideTest, MinimisingPutsTheTitleBackAndStopsTheSpin)
     EXPECT_FALSE(IsIconic(mainWindow));
 }
 
-TEST_F(InsideTest, LuxExportWritesItsFilesOrSaysThatItFailed)
+TEST_F(DesktopInside, LuxExportWritesItsFilesOrSaysThatItFailed)
 {
     write("a.obj", square);
     open("a.obj");
@@ -268,7 +268,7 @@ TEST_F(InsideTest, LuxExportWritesItsFilesOrSaysThatItFailed)
     EXPECT_EQ(boxAfter(toolPanel, ID_LUX_EXPORT), L"Failed to export [LuxRender Export]");
 }
 
-TEST_F(InsideTest, LoadedTextureNamesAndEnablesItsMenuEntry)
+TEST_F(DesktopInside, LoadedTextureNamesAndEnablesItsMenuEntry)
 {
     ResourceBytes wood;
     ASSERT_TRUE(findResource("wood", &wood));
@@ -294,12 +294,12 @@ TEST_F(InsideTest, LoadedTextureNamesAndEnablesItsMenuEntry)
     write("salt&pepper.jpg", std::string(reinterpret_cast<const char*>(wood.bytes), wood.size));
     answerDialogs({ "salt&pepper.jpg" });
     command(ID_LOAD_TEXTURE);
-    EXPECT_EQ(menuText(163), L"salt&&pepper.jpg"); // which shows as one
+    EXPECT_EQ(menuText(163), L"salt&&pepper.jpg"); // shown as one &
     command(ID_TEXTURE_WOOD);
     SendDlgItemMessageW(toolPanel, ID_TEXTURED, BM_CLICK, 0, 0);
 }
 
-TEST_F(InsideTest, NamesOfAnyScriptOpenAndSave)
+TEST_F(DesktopInside, NamesOfAnyScriptOpenAndSave)
 {
     fs::path greek = folder / L"\u03c6\u03ac\u03ba\u03b5\u03bb\u03bf\u03c2";
     fs::create_directory(greek);
@@ -320,9 +320,9 @@ TEST_F(InsideTest, NamesOfAnyScriptOpenAndSave)
     EXPECT_TRUE(titleNames(L"\u6728.rkf"));
 }
 
-TEST_F(InsideTest, LongestPathOfAnyScriptOpens)
+TEST_F(DesktopInside, LongestPathOfAnyScriptOpens)
 {
-    std::wstring name(100, L'\u6728'); // 300 bytes, and well within 127 characters
+    std::wstring name(100, L'\u6728'); // 300 bytes, but fewer than 127 characters
     write(folder / (name + L".obj"), square);
     std::string path;
     for (int i = 0; i < 100; ++i)
@@ -331,7 +331,7 @@ TEST_F(InsideTest, LongestPathOfAnyScriptOpens)
     EXPECT_EQ(panelText(ID_VERT_COUNT), L"4");
 }
 
-TEST_F(InsideTest, ProgressBarHoldsOneCharacterForEachStep)
+TEST_F(DesktopInside, ProgressBarHoldsOneCharacterForEachStep)
 {
     std::wstring caption;
     std::vector<std::wstring> bars;
@@ -354,7 +354,7 @@ TEST_F(InsideTest, ProgressBarHoldsOneCharacterForEachStep)
     EXPECT_FALSE(IsWindow(box));
 }
 
-TEST_F(InsideTest, ProgressBarMovesDuringALoad)
+TEST_F(DesktopInside, ProgressBarMovesDuringALoad)
 {
     std::string text;
     for (int i = 0; i < 40000; ++i)
@@ -370,7 +370,7 @@ TEST_F(InsideTest, ProgressBarMovesDuringALoad)
     EXPECT_EQ(panelText(ID_VERT_COUNT), L"40000");
 }
 
-TEST_F(InsideTest, KeysWalkAndPressInThePanel)
+TEST_F(DesktopInside, KeysWalkAndPressInThePanel)
 {
     auto press = [](WPARAM key)
     {
@@ -400,7 +400,7 @@ TEST_F(InsideTest, KeysWalkAndPressInThePanel)
     onProgramThread([] { SetFocus(displayWindow); });
 }
 
-TEST_F(InsideTest, MessagesAreTakenWhileTheModelSpins)
+TEST_F(DesktopInside, MessagesAreTakenWhileTheModelSpins)
 {
     PostMessageW(displayWindow, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(300, 260));
     PostMessageW(displayWindow, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(340, 260));
@@ -435,7 +435,7 @@ static Holdings measure()
     return held;
 }
 
-TEST_F(InsideTest, ThousandCommandsLeaveNoObjectsBehind)
+TEST_F(DesktopInside, ThousandCommandsLeaveNoObjectsBehind)
 {
     for (int id = ID_PRESET_BRASS; id <= ID_PRESET_PROP; ++id)
         command(id);
@@ -449,7 +449,7 @@ TEST_F(InsideTest, ThousandCommandsLeaveNoObjectsBehind)
     EXPECT_LE(last.handles, first.handles + 2);
 }
 
-TEST_F(InsideTest, FiveHundredLoadsLeaveNothingBehind)
+TEST_F(DesktopInside, FiveHundredLoadsLeaveNothingBehind)
 {
     write("a.obj", std::string("mtllib a.mtl\nusemtl red\n") + square);
     write("a.mtl", "newmtl red\nKd 1 0 0\n");
@@ -477,5 +477,5 @@ TEST_F(InsideTest, FiveHundredLoadsLeaveNothingBehind)
     EXPECT_LE(last.gdi, first.gdi + 2);
     EXPECT_LE(last.user, first.user + 2);
     EXPECT_LE(last.handles, first.handles + 2);
-    EXPECT_LE(last.bytes, first.bytes + (1 << 20)); // one mesh is 350 KB: 500 of them would be 170 MB
+    EXPECT_LE(last.bytes, first.bytes + (1 << 20)); // 500 meshes of 350 KB would be 170 MB
 }

@@ -49,7 +49,7 @@ DWORD runProgram(const std::wstring& commandLine, const std::wstring& folder)
     return process ? endOf(process, 2 * endMs) : killed;
 }
 
-// Another program's window of the same class, which a run before may have left for a moment, is not ours.
+// A window of the same class may belong to an earlier run that is just ending.
 static HWND mainWindowOf(DWORD processId)
 {
     HWND window = FindWindowW(L"Kestrelbox", nullptr);
@@ -70,7 +70,7 @@ bool Program::start(const std::wstring& folder, const std::wstring& arguments)
             panel = main ? FindWindowExW(main, nullptr, L"#32770", nullptr) : nullptr;
             return display && panel && IsWindowVisible(display) && IsWindowVisible(panel);
         });
-    return there && workOff(panel); // posted messages are taken by the loop: the start is over
+    return there && workOff(panel); // once the loop handles posted messages, the start is over
 }
 
 DWORD Program::close()

@@ -1,4 +1,4 @@
-// tests/windows/program.h - kestrelbox.exe started for real, and its windows as a user's hands and eyes reach them
+// tests/windows/program.h - starts kestrelbox.exe and uses its windows as a user does
 #pragma once
 #include <windows.h>
 
@@ -17,24 +17,24 @@ struct Shot
 class Program
 {
 public:
-    // Starts kestrelbox.exe in a folder with the rest of its command line and waits for its windows. false: it did not
-    // come.
+    // Starts kestrelbox.exe in a folder with the rest of its command line and waits for its windows. Returns false when
+    // they do not appear.
     bool start(const std::wstring& folder, const std::wstring& arguments);
 
-    // Posts WM_SYSCOMMAND SC_CLOSE and waits for the end; returns the exit code, or 9999 when it had to be killed.
+    // Posts WM_SYSCOMMAND SC_CLOSE and waits for the end. Returns the exit status, or 9999 when it had to be killed.
     DWORD close();
     DWORD waitForEnd(DWORD ms);
 
-    void command(int id);             // a menu command that shows no dialog
-    void postCommand(int id);         // one that does
+    void command(int id);             // a menu command without a dialog
+    void postCommand(int id);         // one with a dialog
     void click(int panelControl);     // a button or check box of the tool panel
-    void postClick(int panelControl); // one that shows a notice or a message box
+    void postClick(int panelControl); // one with a notice or a message box
     bool checked(int panelControl) const;
     std::wstring panelText(int control) const;
     void selectFilter(int index);
     std::wstring title() const;
 
-    // Waits until the messages posted so far have been worked off and a frame that they asked for has been drawn.
+    // Waits until the program has handled all messages posted so far and drawn the frame that they requested.
     void settle() const;
 
     void mouse(UINT message, WPARAM buttons, int x, int y) const;
@@ -45,7 +45,7 @@ public:
     DWORD processId = 0;
 };
 
-// A program run to its end; its exit code, 9999 when it had to be killed.
+// Runs a program to its end. Returns its exit status, or 9999 when it had to be killed.
 DWORD runProgram(const std::wstring& commandLine, const std::wstring& folder);
 
 // The folder of the programs under test.

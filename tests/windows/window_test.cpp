@@ -1,4 +1,4 @@
-// tests/windows/window_test.cpp - the desktop program in use: started, clicked, dragged, answered, closed
+// tests/windows/window_test.cpp - the desktop program from outside: start, clicks, drags, dialogs, end
 #include "tests/windows/dialogs.h"
 #include "tests/windows/program.h"
 
@@ -12,7 +12,7 @@
 
 namespace fs = std::filesystem;
 
-class WindowTest : public testing::Test
+class DesktopWindow : public testing::Test
 {
 protected:
     void SetUp() override
@@ -28,7 +28,7 @@ protected:
     void TearDown() override
     {
         if (sharing && HasFailure())
-            shared.close(); // the next test gets one that nothing has happened to
+            shared.close(); // the next test gets a fresh one
         else if (program.process && !sharing)
             program.close();
         std::error_code ignored;
@@ -46,7 +46,7 @@ protected:
             shared.close();
     }
 
-    // The program with the built-in model, for tests that leave it as they found it; it is started once.
+    // The program with the built-in model, started once, for tests that leave it as they found it.
     void share()
     {
         ASSERT_TRUE(shared.process || shared.start(fs::temp_directory_path().wstring(), L""));
@@ -66,7 +66,7 @@ protected:
         return (folder / name).wstring();
     }
 
-    // What kbx renders with these options, as far as the display's client area shows it.
+    // The part of kbx's picture with these options that fits in the client area of the display.
     Shot rendered(const std::wstring& options)
     {
         RECT client;
@@ -90,7 +90,7 @@ protected:
         return shot;
     }
 
-    // What has been drawn comes to the screen in its own time.
+    // The picture may reach the screen some time after it is drawn.
     void expectShot(const Shot& expected) const
     {
         Shot shown;
@@ -108,7 +108,7 @@ protected:
         expectShot(rendered(options));
     }
 
-    // The first of the pictures shown that is another than this one.
+    // The first picture on the screen that differs from this one.
     Shot otherThan(const Shot& before) const
     {
         Shot shown;
@@ -116,7 +116,7 @@ protected:
         return shown;
     }
 
-    // The file shown or saved, until the next frame's statistics take its place with the current name.
+    // Whether the title names a loaded or a saved file; after the next frame the statistics take its place.
     bool titleNames(const std::wstring& name) const
     {
         std::wstring start = L"Kestrelbox: ";
@@ -130,12 +130,12 @@ protected:
     static Program shared;
 };
 
-Program WindowTest::shared;
+Program DesktopWindow::shared;
 
-TEST_F(WindowTest, StartsWithTheTeapot)
+TEST_F(DesktopWindow, StartsWithTheTeapot)
 {
     start();
-    EXPECT_TRUE(program.title() == L"Kestrelbox" || titleNames(L"teapot")); // a frame late enough counts polygons
+    EXPECT_TRUE(program.title() == L"Kestrelbox" || titleNames(L"teapot")); // a later frame shows its polygons
     EXPECT_EQ(program.panelText(ID_VERT_COUNT), L"2828");
     EXPECT_EQ(program.panelText(ID_FACE_COUNT), L"4096");
     EXPECT_EQ(program.panelText(ID_GROUP_COUNT), L"1");
@@ -156,7 +156,7 @@ TEST_F(WindowTest, StartsWithTheTeapot)
     EXPECT_EQ(program.close(), 1u);
 }
 
-TEST_F(WindowTest, SecondStartRestoresAndRaisesTheFirstAndLeaves)
+TEST_F(DesktopWindow, SecondStartRestoresAndRaisesTheFirstAndLeaves)
 {
     share();
     ShowWindow(program.main, SW_MINIMIZE);
@@ -166,7 +166,7 @@ TEST_F(WindowTest, SecondStartRestoresAndRaisesTheFirstAndLeaves)
     EXPECT_TRUE(eventually([&] { return GetForegroundWindow() == program.main; }));
 }
 
-TEST_F(WindowTest, FailedLoadKeepsTheModel)
+TEST_F(DesktopWindow, FailedLoadKeepsTheModel)
 {
     write("bad.obj", "nothing\n");
     share();
@@ -177,7 +177,7 @@ TEST_F(WindowTest, FailedLoadKeepsTheModel)
     EXPECT_TRUE(program.title() == L"Kestrelbox" || titleNames(L"teapot"));
 }
 
-TEST_F(WindowTest, DragTurnsFlickSpinsPressStopsResetRestores)
+TEST_F(DesktopWindow, DragTurnsFlickSpinsPressStopsResetRestores)
 {
     share();
     Shot before = rendered(L"");
@@ -202,7 +202,7 @@ TEST_F(WindowTest, DragTurnsFlickSpinsPressStopsResetRestores)
     expectShot(before);
 }
 
-TEST_F(WindowTest, MinimiseAndRestore)
+TEST_F(DesktopWindow, MinimiseAndRestore)
 {
     share();
     ShowWindow(program.main, SW_MINIMIZE);
@@ -211,7 +211,7 @@ TEST_F(WindowTest, MinimiseAndRestore)
     expectPicture(L"");
 }
 
-TEST_F(WindowTest, AboutOpensAndCloses)
+TEST_F(DesktopWindow, AboutOpensAndCloses)
 {
     share();
     program.postCommand(ID_ABOUT);
@@ -227,7 +227,7 @@ TEST_F(WindowTest, AboutOpensAndCloses)
     EXPECT_TRUE(waitUntilGone(about));
 }
 
-TEST_F(WindowTest, QuotedCommandLineOpensTheFile)
+TEST_F(DesktopWindow, QuotedCommandLineOpensTheFile)
 {
     start(L"\"" + path(L"two parts.obj") + L"\" more");
     EXPECT_EQ(program.panelText(ID_VERT_COUNT), L"6");
@@ -235,7 +235,7 @@ TEST_F(WindowTest, QuotedCommandLineOpensTheFile)
     expectPicture(L"\"two parts.obj\"");
 }
 
-TEST_F(WindowTest, MenuChoicesShowWhatTheCommandLineRenders)
+TEST_F(DesktopWindow, MenuChoicesShowWhatTheCommandLineRenders)
 {
     start();
     program.command(ID_PRESET_GOLD);
@@ -251,7 +251,7 @@ TEST_F(WindowTest, MenuChoicesShowWhatTheCommandLineRenders)
     expectPicture(L"--texture pattern");
 }
 
-TEST_F(WindowTest, PanelBoxesShowWhatTheCommandLineRenders)
+TEST_F(DesktopWindow, PanelBoxesShowWhatTheCommandLineRenders)
 {
     start();
     program.click(ID_SHADOWS);
@@ -270,7 +270,7 @@ TEST_F(WindowTest, PanelBoxesShowWhatTheCommandLineRenders)
     expectPicture(L"--metallic");
 }
 
-TEST_F(WindowTest, OpenSaveAndReadThroughTheDialogs)
+TEST_F(DesktopWindow, OpenSaveAndReadThroughTheDialogs)
 {
     start();
     program.postCommand(ID_OPEN_MESH);
@@ -294,7 +294,8 @@ TEST_F(WindowTest, OpenSaveAndReadThroughTheDialogs)
         ASSERT_TRUE(answerFileDialog(program.processId, path(name))) << id;
         EXPECT_TRUE(eventually([&] { return fs::exists(folder / name); })) << id;
         program.settle();
-        EXPECT_TRUE(titleNames(id == ID_EXPORT_PP2 ? L"out.obj" : name)) << id; // a prop leaves the model its name
+        EXPECT_TRUE(titleNames(id == ID_EXPORT_PP2 ? L"out.obj" : name))
+            << id; // saving a prop does not rename the model
     }
     EXPECT_TRUE(fs::exists(folder / "out.mtl"));
     EXPECT_TRUE(fs::exists(folder / "out.rsr"));
@@ -306,7 +307,7 @@ TEST_F(WindowTest, OpenSaveAndReadThroughTheDialogs)
     EXPECT_EQ(program.panelText(ID_VERT_COUNT), L"4");
 }
 
-TEST_F(WindowTest, FilterShowsOneGroup)
+TEST_F(DesktopWindow, FilterShowsOneGroup)
 {
     start(L"\"two parts.obj\"");
     program.selectFilter(1);
@@ -318,7 +319,7 @@ TEST_F(WindowTest, FilterShowsOneGroup)
     expectPicture(L"\"two parts.obj\"");
 }
 
-TEST_F(WindowTest, RightDragZooms)
+TEST_F(DesktopWindow, RightDragZooms)
 {
     start();
     program.mouse(WM_RBUTTONDOWN, MK_RBUTTON, 300, 400);
@@ -326,7 +327,7 @@ TEST_F(WindowTest, RightDragZooms)
     expectPicture(L"--zoom 2");
 }
 
-TEST_F(WindowTest, EndsCleanlyDuringASpinADragAndADialog)
+TEST_F(DesktopWindow, EndsCleanlyDuringASpinADragAndADialog)
 {
     start();
     program.mouse(WM_LBUTTONDOWN, MK_LBUTTON, 300, 260);
