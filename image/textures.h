@@ -19,9 +19,9 @@ int loadTextureResource(Image* image, const char* name);
 // Loads the three embedded textures and the reflection image. A file that fails leaves its slot empty.
 void loadBuiltInTextures();
 
-// Decodes a JPEG file into the image, whose old pixels are freed then. Returns 1, or 0: not to be opened, in silence;
-// not decoded, with a message. The image is then as it was. *opened, where given, tells the two apart; *output gets
-// what the file says beside its pixels.
+// Decodes a JPEG file into the image and frees the old pixels. Returns 1; or 0, with the image as it was: without a
+// message when the file cannot be opened, with one when it cannot be decoded. *opened, where given, tells the two
+// apart; *output gets what the file says beside its pixels.
 int loadTextureFile(const char* path, Image* image, int* opened = nullptr, JpegOutput* output = nullptr);
 
 // Frees the pixels of all slots and of the reflection image.

@@ -31,7 +31,7 @@ protected:
         writeFile(files.back(), bytes);
         return files.back();
     }
-    static Bytes picture(int width, int frameCode = 0xC0)
+    static Bytes jpegOf(int width, int frameCode = 0xC0)
     {
         JpegPlan plan;
         plan.width = width;
@@ -51,9 +51,9 @@ TEST_F(Textures, UserSlotStartsEmptyAndOneByOne)
 
 TEST_F(Textures, ALoadedFileReplacesTheOldPixels)
 {
-    ASSERT_EQ(loadTextureFile(fileOf("first.jpg", picture(24)).c_str(), user), 1);
+    ASSERT_EQ(loadTextureFile(fileOf("first.jpg", jpegOf(24)).c_str(), user), 1);
     EXPECT_EQ(user->width, 24);
-    ASSERT_EQ(loadTextureFile(fileOf("second.jpg", picture(40)).c_str(), user), 1);
+    ASSERT_EQ(loadTextureFile(fileOf("second.jpg", jpegOf(40)).c_str(), user), 1);
     EXPECT_EQ(user->width, 40);
     EXPECT_EQ(user->height, 16);
     EXPECT_TRUE(recorded.boxes.empty());
@@ -61,10 +61,10 @@ TEST_F(Textures, ALoadedFileReplacesTheOldPixels)
 
 TEST_F(Textures, FailuresAreToldAndKeepTheOldPixels)
 {
-    ASSERT_EQ(loadTextureFile(fileOf("good.jpg", picture(24)).c_str(), user), 1);
+    ASSERT_EQ(loadTextureFile(fileOf("good.jpg", jpegOf(24)).c_str(), user), 1);
     uint32_t* pixels = user->pixels;
-    EXPECT_EQ(loadTextureFile(fileOf("progressive.jpg", picture(24, 0xC2)).c_str(), user), 0);
-    EXPECT_EQ(loadTextureFile(fileOf("arithmetic.jpg", picture(24, 0xCA)).c_str(), user), 0);
+    EXPECT_EQ(loadTextureFile(fileOf("progressive.jpg", jpegOf(24, 0xC2)).c_str(), user), 0);
+    EXPECT_EQ(loadTextureFile(fileOf("arithmetic.jpg", jpegOf(24, 0xCA)).c_str(), user), 0);
     EXPECT_EQ(loadTextureFile(fileOf("text.jpg", { 'h', 'i' }).c_str(), user), 0);
     EXPECT_EQ(user->pixels, pixels);
     EXPECT_EQ(user->width, 24);
@@ -85,7 +85,7 @@ TEST_F(Textures, FileThatDoesNotOpenFailsInSilence)
 TEST_F(Textures, UnknownResourceLeavesTheImage)
 {
     Image image = { nullptr, 7, 7 };
-    EXPECT_EQ(loadTextureResource(&image, "no such picture"), 0);
+    EXPECT_EQ(loadTextureResource(&image, "no such texture"), 0);
     EXPECT_EQ(image.width, 7);
 }
 
