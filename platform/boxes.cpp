@@ -1,4 +1,4 @@
-// platform/boxes.cpp - the arithmetic of the progress bar, the same for every implementation
+// platform/boxes.cpp - the arithmetic of the progress bar, which all implementations share
 #include "platform/boxes.h"
 
 int progressSteps(float fraction)

@@ -1,7 +1,7 @@
-// platform/boxes.h - what the system says while it works: message boxes, notices, the progress bar, the beep
+// platform/boxes.h - message boxes, notices, the progress bar and the beep
 //
-// Every program links exactly one implementation: windows and dialogs, lines on standard error, or a recorder for
-// tests.
+// kestrelbox.exe links win32/boxes.cpp (windows), kbx on every operating system links terminal/boxes.cpp (lines on
+// standard error), and tests and fuzzers link tests/recording.
 #pragma once
 
 enum BoxIcon
@@ -10,19 +10,20 @@ enum BoxIcon
     iconStop
 };
 
-// Shows a text and waits until the user has seen it. caption null: the system's default one; "" is an empty caption.
+// Shows a text and waits until the user has closed it. A null caption means the default one of the operating system; ""
+// is an empty caption.
 void messageBox(const char* text, const char* caption, BoxIcon icon);
 
-// Shows the outcome of a mesh tool for 1.3 seconds; the caller goes on when it has closed by itself.
+// Shows the result of a mesh tool for 1.3 seconds and returns when the notice has closed.
 void showNotice(const char* text);
 
-// One progress box at a time: open it with its caption line, move its bar, close it.
+// Open the progress bar with a line of text, move it, close it. There is one at a time.
 void showProgress(const char* caption);
 void setProgress(float fraction);
 void closeProgress();
 
 void beep();
 
-// The bar has 76 steps; a fraction of 1 fills it. Truncated, below 0 (or not a number) is none, above 76 is 76.
+// How many of the 76 steps of the bar a fraction fills, rounded down: none below 0 and for a NaN, all from 1 on.
 constexpr int progressStepCount = 76;
 int progressSteps(float fraction);

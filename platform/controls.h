@@ -1,7 +1,8 @@
 // platform/controls.h - the menu, the tool panel and the windows, by the identifiers of resources/ids.h
 //
-// on and what panelBoxChecked returns are 1 or 0; texts are UTF-8 and copied; list indices count from 0. An identifier
-// that no control has does nothing, and reads as 0.
+// kestrelbox.exe links win32/controls.cpp, kbx links terminal/window.cpp, where there are no controls, and tests link
+// tests/recording. `on` and the result of panelBoxChecked are 1 or 0. Texts are UTF-8 and are copied. List indices
+// count from 0. An identifier without a control does nothing and reads as 0.
 #pragma once
 
 void checkMenuItem(int id, int on);

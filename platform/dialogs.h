@@ -1,4 +1,7 @@
 // platform/dialogs.h - asking the user for a file
+//
+// kestrelbox.exe links win32/dialogs.cpp. In kbx (terminal/window.cpp) every dialog is cancelled. Tests script the
+// answers in tests/recording.
 #pragma once
 #include <stddef.h>
 #include <stdint.h>
@@ -6,8 +9,8 @@
 constexpr uint32_t dialogOverwritePrompt = 0x2;
 constexpr uint32_t dialogHideReadOnly = 0x4;
 
-// Dialogs count characters, the rest of the program bytes: the bytes of UTF-8 that so many 16-bit characters take at
-// most.
+// The most bytes of UTF-8 that a number of 16-bit characters takes: dialogs count characters, the rest of the program
+// counts bytes.
 constexpr size_t dialogBytes(size_t characters)
 {
     return 3 * characters;
@@ -17,15 +20,16 @@ struct FileDialog
 {
     const char* filterText;       // description of the one filter
     const char* filterPattern;    // its patterns, separated by ';'
-    const char* title;            // null: the system's own
-    const char* defaultExtension; // appended to a name typed without one; null: none
+    const char* title;            // null: the default one of the operating system
+    const char* defaultExtension; // appended to a name that is typed without one; null: none
     uint32_t flags;
-    char* path;      // in: the name proposed, out: the path chosen; dialogBytes(pathRoom) bytes of the caller's
+    char* path;      // in: the proposed name, out: the chosen path; a buffer of dialogBytes(pathRoom) bytes
     size_t pathRoom; // characters, the terminator included; a longer path counts as cancelled
-    char* fileTitle; // out: the chosen name without its folder, cut to fit; null: not wanted; the caller's, likewise
+    char*
+        fileTitle; // out: the chosen name without its folder, cut to fit; dialogBytes(fileTitleRoom); null: not wanted
     size_t fileTitleRoom;
 };
 
-// Return 1 with the choice filled in, or 0 when the user cancelled.
+// Ask, and return 1 with path and fileTitle filled in, or 0 when the user cancelled.
 int chooseFileToOpen(FileDialog* dialog);
 int chooseFileToSave(FileDialog* dialog);

@@ -1,48 +1,57 @@
-// platform/files.h - files by names in UTF-8, whatever the system calls them
+// platform/files.h - files by names in UTF-8, whatever encoding the operating system uses
+//
+// Programs on Windows link win32/files.cpp, others posix/files.cpp. The tests of faults have their own, which fails on
+// request.
 #pragma once
 #include <stdio.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <string>
 
-// fopen for a UTF-8 path. Null when it does not open, for a folder, and for reading from a device, which may never end.
+// fopen for a UTF-8 path. Null when the file does not open, for a folder, and for reading from a device, which may
+// never end.
 FILE* openFile(const char* path, const char* mode);
 
-// Creates a file to be written where nothing stands yet, not even a link to nowhere. Null when it cannot be made;
-// *taken tells whether because something stands there.
+// Creates a file for writing at a path where there is nothing yet, not even a dangling link. Null when that fails;
+// *taken is then 1 if something is there, else 0.
 FILE* createFile(const char* path, int* taken);
 
-// Whether a file stands there, links followed: no folder, device or pipe.
+// Returns 1 when the path, with links followed, leads to a regular file, and 0 for a folder, a device, a pipe or
+// nothing.
 int isPlainFile(const char* path);
 
-// The path with the current folder in front when it does not name one from the root, so that it still means the same
-// file after the current folder has changed. An empty path stays empty.
+// The path with the current folder in front when it is relative, so that it still means the same file after the current
+// folder has changed. An empty path stays empty.
 std::string fullPathOf(const char* path);
 
-// The size of an open file in bytes and the position back at its start; -1 when it cannot be measured.
+// The size of an open file in bytes, or -1 when it cannot be measured. Moves the position to the start of the file.
 int64_t measureFile(FILE* file);
 
-// The position from the start of the file in bytes; -1 when unknown. Both go past 2 GiB on every target.
+// Get the position in bytes from the start of the file (-1 when unknown), and set it (returns 1, or 0 when that fails).
+// Both go past 2 GiB in every build.
 int64_t filePosition(FILE* file);
 int seekFile(FILE* file, int64_t position);
 
-// Looks in a folder ("" is the current one) for a file whose name equals the given one but for the case of ASCII
-// letters. Writes the name as it stands there and returns 1; 0 when there is none or it does not fit in roomBytes.
+// Looks in a folder ("" is the current one) for a file whose name is the given one in any case of its ASCII letters.
+// Writes the name as the folder spells it and returns 1, or returns 0 when there is none or it does not fit in
+// roomBytes.
 int findNameIgnoringCase(const char* folder, const char* name, char* found, size_t roomBytes);
 
-// What a path to be written stands for.
+// What is at the path of a target.
 enum FileTarget
 {
     targetReplaceable, // a file, or nothing yet: a whole file may take its place
-    targetDirect,      // a device or a pipe: written as it stands, never replaced
-    targetRefused      // a folder, or a file that must not be written
+    targetDirect,      // a device or a pipe: written to directly, never replaced
+    targetRefused      // a folder, or a file without the permission to write
 };
 
-// Looks at what stands at a path. Writes the path of the file itself, links followed; an empty path is refused, as is
+// Finds out what is at a path, and writes the path of the file itself, with links followed. Refuses an empty path, and
 // one that does not fit in roomBytes.
 FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes);
 
-// Replaces a file by another one in one step; the permissions stay those of the file that was there. Returns 1, or 0
-// with both as they were.
+// Puts a file in the place of another one in one step. It gets the permissions of the file that it replaces. Returns 1,
+// or 0 with both as they were.
 int renameFile(const char* from, const char* to);
+
+// Returns 1, or 0 when the file cannot be removed.
 int removeFile(const char* path);

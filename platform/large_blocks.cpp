@@ -16,7 +16,7 @@ void* allocateLarge(size_t sizeBytes)
     void* block = nullptr;
     if (posix_memalign(&block, largePage, sizeBytes) != 0)
         return nullptr;
-    madvise(block, sizeBytes & ~(smallPage - 1), MADV_HUGEPAGE); // without it the block is only slower
+    madvise(block, sizeBytes & ~(smallPage - 1), MADV_HUGEPAGE); // if it fails, the block is only slower
     return block;
 }
 #else

@@ -1,7 +1,9 @@
-// platform/large_blocks.h - heap memory for what is written from end to end at once
+// platform/large_blocks.h - heap memory for large blocks that are written from end to end at once
+//
+// The same file serves every program.
 #pragma once
 #include <stddef.h>
 
-// sizeBytes of memory with any content; null when there is none. Freed by free(). A block of some megabytes asks the
-// system for large pages where it has them: touching 4 KiB pages for the first time costs more than writing them.
+// sizeBytes of memory with any content, to be freed by free(); null when there is none. For blocks from 4 MiB on Linux
+// it asks for large pages, because touching 4 KiB pages for the first time takes longer than writing them.
 void* allocateLarge(size_t sizeBytes);

@@ -1,21 +1,24 @@
-// platform/picture.h - the off-screen bitmap that frames are converted into
+// platform/picture.h - the picture: the off-screen bitmap that every frame is converted into
+//
+// kestrelbox.exe links win32/picture.cpp (a DIB section), kbx links terminal/window.cpp (plain memory), and tests link
+// tests/recording.
 #pragma once
 #include <stdint.h>
 
 struct Picture
 {
-    uint8_t*
-        bits; // rows x widthPixels x 3 bytes, top row first, blue green red; rows start widthPixels * 3 bytes apart
+    // Blue, green and red bytes, the top row first; rows start widthPixels * 3 bytes apart.
+    uint8_t* bits;
     int32_t widthPixels; // a multiple of 4
     int32_t rows;
-    void* handle; // the platform's own
+    void* handle; // for the implementation
 };
 
-// Makes the bitmap, zero-filled. Returns 1, or 0 with the record cleared.
+// Makes a zero-filled bitmap. Returns 1, or 0 with the record cleared.
 int makePicture(Picture* picture, int32_t widthPixels, int32_t rows);
 
 // Copies a rectangle of the bitmap, in pixels from its upper left corner, to the same place in the display window.
 void presentPicture(const Picture* picture, int32_t x, int32_t y, int32_t width, int32_t height);
 
-// Releases the bitmap and clears the record; a cleared record is fine.
+// Releases the bitmap and clears the record. A cleared record stays as it is.
 void destroyPicture(Picture* picture);

@@ -1,4 +1,4 @@
-// platform/processor.cpp - CPUID, the same on every system
+// platform/processor.cpp - CPUID, and the level of kernels that follows from it
 #include "platform/processor.h"
 
 #include <cpuid.h>

@@ -1,4 +1,6 @@
 // platform/processor.h - what the processor can do, and which kernels are chosen for it
+//
+// The same file serves every program.
 #pragma once
 #include <stdint.h>
 
@@ -9,7 +11,7 @@ constexpr uint32_t processorSse2 = 1u << 26;
 // The feature bits that CPUID reports in EDX for function 1.
 uint32_t processorFeatures();
 
-// 1 when AVX2 is there and the operating system saves its registers.
+// 1 when the processor has AVX2 and the operating system saves its registers, else 0.
 int processorHasAvx2();
 
 // The same for AVX-512 with its byte, word and short-register operations.

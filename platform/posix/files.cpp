@@ -1,4 +1,4 @@
-// platform/posix/files.cpp - files where names are bytes and letter case counts
+// platform/posix/files.cpp - files on operating systems where names are bytes and letter case counts
 #include "platform/files.h"
 
 #include <dirent.h>
@@ -11,13 +11,13 @@
 #include <unistd.h>
 #include <string>
 
-// A write past the limit of a file's size is to fail, as on a full disk; unasked, the system would end the program.
+// Makes a write past the size limit of files fail as on a full disk. By default the operating system ends the program.
 static void letLongWritesFail()
 {
-    static int done;
+    static bool done;
     if (!done)
         signal(SIGXFSZ, SIG_IGN);
-    done = 1;
+    done = true;
 }
 
 FILE* openFile(const char* path, const char* mode)
@@ -27,7 +27,7 @@ FILE* openFile(const char* path, const char* mode)
     struct stat facts;
     if (!file || fstat(fileno(file), &facts) != 0)
         return file;
-    int endless = S_ISCHR(facts.st_mode) && *mode == 'r'; // as a model named by a link to /dev/zero
+    bool endless = S_ISCHR(facts.st_mode) && *mode == 'r'; // such as a link to /dev/zero
     if (endless || S_ISDIR(facts.st_mode))
     {
         fclose(file);
@@ -97,12 +97,12 @@ int findNameIgnoringCase(const char* folder, const char* name, char* found, size
     return ok;
 }
 
-// The path that a link without a file at its end points to, else the path itself. It may point to another such link.
+// The path at the end of a chain of dangling links; for any other path, the path itself.
 static std::string followEmptyLinks(std::string path)
 {
-    constexpr int mostLinks = 40;
+    constexpr int linkLimit = 40;
     char target[4096];
-    for (int i = 0; i < mostLinks; ++i)
+    for (int i = 0; i < linkLimit; ++i)
     {
         ssize_t length = readlink(path.c_str(), target, sizeof target);
         if (length <= 0 || length == static_cast<ssize_t>(sizeof target))
@@ -110,13 +110,13 @@ static std::string followEmptyLinks(std::string path)
         std::string name(target, static_cast<size_t>(length));
         if (name[0] == '/')
             path.clear();
-        path.resize(path.rfind('/') + 1); // its folder; nothing when there is none
+        path.resize(path.rfind('/') + 1); // leaves its folder, or nothing
         path += name;
     }
     return path;
 }
 
-// The file itself, links followed.
+// The path of the file itself, with links followed.
 static std::string actualPath(const char* path)
 {
     char* followed = realpath(path, nullptr);
@@ -144,7 +144,7 @@ int renameFile(const char* from, const char* to)
 {
     struct stat facts;
     if (stat(to, &facts) == 0 && S_ISREG(facts.st_mode))
-        (void)!chmod(from, facts.st_mode & 07777); // a file system without permissions has none to keep
+        (void)!chmod(from, facts.st_mode & 07777); // not every file system has permissions
     return rename(from, to) == 0;
 }
 

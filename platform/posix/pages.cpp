@@ -1,9 +1,8 @@
 // platform/posix/pages.cpp - pages by mmap
 //
-// A block is preceded by a page of its own that remembers the mapping, so that a block can be released by its address
-// alone. Large blocks are laid on 2 MiB boundaries, take whole 2 MiB pages to their end and ask for huge ones: touching
-// fresh memory in 4 KiB steps costs more than reading a file into it, and a huge page no more than a hundred small
-// ones.
+// A page in front of every block stores its mapping, so that the block can be released by its address alone. Large
+// blocks start at 2 MiB boundaries, consist of whole 2 MiB pages and ask for huge ones: touching fresh memory in pages
+// of 4 KiB takes longer than reading a file into it, and a huge page takes no longer than a hundred small ones.
 #include "platform/pages.h"
 
 #include <stdint.h>
@@ -11,8 +10,8 @@
 #include <unistd.h>
 
 constexpr size_t hugePage = size_t{ 2 } << 20;
-constexpr size_t hugeFrom = 2 * hugePage;          // of blocks that may stay empty in part
-constexpr size_t hugeWorkFrom = size_t{ 1 } << 20; // of blocks that are filled
+constexpr size_t hugeFrom = 2 * hugePage;          // bytes from which a block gets huge pages
+constexpr size_t hugeWorkFrom = size_t{ 1 } << 20; // the same for a block that is filled at once
 
 struct BlockHeader
 {

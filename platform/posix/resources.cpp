@@ -1,4 +1,4 @@
-// platform/posix/resources.cpp - the files that resources/embed.S puts into the program
+// platform/posix/resources.cpp - the files that resources/embed.S includes in the program
 #include "platform/resources.h"
 
 #include <strings.h>

@@ -1,4 +1,4 @@
-// platform/posix/terminal.cpp - arguments are bytes here, and so is standard output
+// platform/posix/terminal.cpp - arguments and standard output are bytes and need no preparation
 #include "platform/terminal/terminal.h"
 
 std::vector<std::string> prepareTerminal(int argc, char** argv)

@@ -1,6 +1,6 @@
-// platform/terminal/boxes.cpp - boxes as lines on standard error, progress as a bar when that is a terminal
+// platform/terminal/boxes.cpp - message boxes and notices as lines on standard error, progress as a bar on a terminal
 //
-// A bar is wiped before anything else is printed, so that lines never mix with it.
+// The bar is wiped before anything else is printed, so that lines do not mix with it.
 #include "platform/boxes.h"
 #include "platform/terminal/terminal.h"
 
@@ -14,13 +14,13 @@
 #include <unistd.h>
 #endif
 
-static const char* progressCaption; // null: no box is open
+static const char* progressCaption; // null: there is no bar
 static int shownSteps = -1;
 static int boxCount;
 
-static int barWanted()
+static bool barWanted()
 {
-    static const int isTerminal = isatty(fileno(stderr));
+    static const bool isTerminal = isatty(fileno(stderr)) != 0;
     return isTerminal;
 }
 
@@ -66,7 +66,7 @@ void setProgress(float fraction)
     shownSteps = steps;
     static const char full[] = "############################################################################";
     static_assert(sizeof full == progressStepCount + 1);
-    int columns = steps / 2; // half the bar's steps, so that caption and bar stay on a line of 80
+    int columns = steps / 2; // half the steps of the bar, so that caption and bar fit into 80 columns
     fprintf(stderr, "\r%s [%.*s%*s]", progressCaption, columns, full, progressStepCount / 2 - columns, "");
     fflush(stderr);
 }

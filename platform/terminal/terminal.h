@@ -1,10 +1,10 @@
-// platform/terminal/terminal.h - what a command line asks of the terminal implementation
+// platform/terminal/terminal.h - the arguments of kbx, and the number of message boxes it has shown
 #pragma once
 #include <string>
 #include <vector>
 
-// Message boxes shown so far: a tool that showed one has failed, whatever it returned.
+// How many message boxes have been shown so far. A tool that shows one has failed, whatever it returns.
 int terminalBoxCount();
 
-// The program's arguments in UTF-8, without its own name; and standard output left as it is, byte for byte.
+// Returns the arguments of the program in UTF-8, without its own name, and makes standard output take bytes unchanged.
 std::vector<std::string> prepareTerminal(int argc, char** argv);

@@ -1,4 +1,4 @@
-// platform/terminal/window.cpp - a picture in plain memory; no menu, no panel, no window, and files are never asked for
+// platform/terminal/window.cpp - a picture in plain memory; there are no controls, and every dialog is cancelled
 #include "platform/controls.h"
 #include "platform/dialogs.h"
 #include "platform/picture.h"

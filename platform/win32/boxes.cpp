@@ -8,7 +8,7 @@
 
 constexpr UINT_PTR noticeTimer = 1;
 constexpr UINT noticeMs = 1300;
-constexpr wchar_t barCharacter = 127; // the bar's text is so many of these; each is drawn as a solid block
+constexpr wchar_t barCharacter = 127; // the text of the bar consists of these; each is drawn as a solid block
 
 static HWND progressBox;
 
@@ -19,7 +19,7 @@ void messageBox(const char* text, const char* caption, BoxIcon icon)
                 MB_OK | (icon == iconStop ? MB_ICONSTOP : 0u));
 }
 
-// The bar is as long as its text, whatever the font has to say about its characters.
+// Draws the bar by the length of its text, so that its width does not depend on the font.
 static void drawBar(const DRAWITEMSTRUCT* item)
 {
     RECT bar = item->rcItem;
@@ -58,7 +58,7 @@ void setProgress(float fraction)
         return;
     SetWindowTextW(control, bar.c_str());
     InvalidateRect(control, nullptr, FALSE);
-    UpdateWindow(control); // paints at once: the reader pumps no messages
+    UpdateWindow(control); // paints at once, because a reader does not process messages
 }
 
 void closeProgress()
@@ -68,7 +68,7 @@ void closeProgress()
     progressBox = nullptr;
 }
 
-// A text that is too long for the box makes it wider; a shorter one leaves it as it is.
+// Makes the box wider for a text that is too long for it. It never becomes narrower.
 static void widenNotice(HWND box, const wchar_t* text)
 {
     HWND control = GetDlgItem(box, ID_NOTICE_TEXT);

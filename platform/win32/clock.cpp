@@ -1,4 +1,4 @@
-// platform/win32/clock.cpp - the system's tick count
+// platform/win32/clock.cpp - the tick count of Windows
 #include "platform/clock.h"
 
 #include <windows.h>

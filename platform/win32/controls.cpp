@@ -28,7 +28,7 @@ void renameMenuItem(int id, const char* text)
 {
     std::wstring wide;
     for (wchar_t c : wideFromUtf8(text))
-        wide.append(c == L'&' ? 2 : 1, c); // a single one would underline the letter behind it
+        wide.append(c == L'&' ? 2 : 1, c); // a single & would underline the next letter
     MENUITEMINFOW item = {};
     item.cbSize = sizeof item;
     item.fMask = MIIM_STRING;

@@ -1,4 +1,4 @@
-// platform/win32/dialogs.cpp - the system's open and save dialogs
+// platform/win32/dialogs.cpp - the open and save dialogs of Windows
 #include "platform/dialogs.h"
 #include "platform/win32/handles.h"
 #include "platform/win32/names.h"
@@ -8,7 +8,7 @@
 
 static_assert(dialogOverwritePrompt == OFN_OVERWRITEPROMPT && dialogHideReadOnly == OFN_HIDEREADONLY);
 
-// Cut to so many characters, the terminator among them.
+// Stores a text as UTF-8, cut to a number of characters, the terminator included.
 static void storeText(const std::wstring& wide, char* text, size_t room)
 {
     std::string narrow = utf8FromWide(wide.substr(0, room - 1).c_str());

@@ -1,4 +1,4 @@
-// platform/win32/files.cpp - files by wide names; letter case does not count here
+// platform/win32/files.cpp - files by wide names, where letter case does not count
 #include "platform/files.h"
 #include "platform/win32/names.h"
 
@@ -43,7 +43,7 @@ FILE* openFile(const char* path, const char* mode)
     if (facts != INVALID_FILE_ATTRIBUTES && (facts & FILE_ATTRIBUTE_DIRECTORY))
         return nullptr;
     FILE* file = _wfopen(widePath.c_str(), wideFromUtf8(mode).c_str());
-    if (file && *mode == 'r' && GetFileType(handleOf(file)) == FILE_TYPE_CHAR) // as a library named CON
+    if (file && *mode == 'r' && GetFileType(handleOf(file)) == FILE_TYPE_CHAR) // such as a material library named CON
     {
         fclose(file);
         return nullptr;

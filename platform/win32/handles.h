@@ -1,6 +1,6 @@
-// platform/win32/handles.h - the windows that the desktop program's part of the seam works on
+// platform/win32/handles.h - the windows of the desktop program, which boxes, controls, dialogs and picture work on
 //
-// Null until a window exists; every call on a null window does nothing.
+// A handle is null until its window exists. Calls with a null window do nothing.
 #pragma once
 #include <windows.h>
 

@@ -1,4 +1,4 @@
-// platform/win32/names.h - UTF-8 to the wide characters that Windows wants, so that every file name opens
+// platform/win32/names.h - names in UTF-8 to the wide characters of Windows and back
 #pragma once
 #include <string>
 

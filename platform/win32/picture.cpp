@@ -8,7 +8,7 @@ struct PictureHandles
 {
     HDC memoryDc;
     HBITMAP dibSection;
-    HGDIOBJ previousBitmap; // what the device context held before
+    HGDIOBJ previousBitmap; // selected in the device context before dibSection
 };
 
 static BITMAPINFO describeBitmap(int32_t widthPixels, int32_t rows)
@@ -16,7 +16,7 @@ static BITMAPINFO describeBitmap(int32_t widthPixels, int32_t rows)
     BITMAPINFO info = {};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
     info.bmiHeader.biWidth = widthPixels;
-    info.bmiHeader.biHeight = -rows; // the first row is the top
+    info.bmiHeader.biHeight = -rows; // negative: the top row comes first
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 24;
     info.bmiHeader.biCompression = BI_RGB;

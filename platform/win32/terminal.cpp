@@ -1,4 +1,4 @@
-// platform/win32/terminal.cpp - arguments as Windows keeps them, and no line ends added behind our back
+// platform/win32/terminal.cpp - arguments as Windows stores them, and standard output without conversion of line ends
 #include "platform/terminal/terminal.h"
 #include "platform/win32/names.h"
 
