@@ -1,4 +1,4 @@
-// cli/arguments.cpp - every command and option of kbx, once
+// cli/arguments.cpp - the commands and options of kbx, and parsing them
 #include "cli/arguments.h"
 #include "cli/usage.h"
 #include "image/textures.h"
@@ -15,8 +15,9 @@ static const char* const presetNames[] = { "brass", "wood",  "pewter",  "silver"
                                            "chalk", "brick", "crystal", "white",  "prop material" };
 static const char* const backgroundNames[] = { "grey1", "grey2", "black" };
 
-constexpr int32_t smallestSide = 10; // what the display window is never below
-constexpr int32_t largestSide = 16384;
+// Of a picture, in pixels. The display window is never smaller than the first.
+constexpr int32_t smallestSide = 10;
+constexpr int32_t sideLimit = 16384;
 
 constexpr char footerEnd[] = "\n"
                              "Exit status:\n"
@@ -28,7 +29,7 @@ constexpr char footerEnd[] = "\n"
                              "  kbx render chair.obj --rotate 20,30,0 --shadows -o chair.bmp\n"
                              "  kbx render --preset gold -o teapot.bmp";
 
-// What follows the commands in the help: what each tool does, its names in a column, and the rest.
+// The end of the help: a line for each tool with its name and what it does, the exit status and examples.
 static std::string makeFooter()
 {
     constexpr size_t nameColumns = 13;
@@ -99,7 +100,7 @@ static bool parseSize(const std::string& text, ViewArguments* view)
     if (text.size() > 20 || sscanf(text.c_str(), "%9dx%9d%n", &width, &height, &used) != 2 ||
         static_cast<size_t>(used) != text.size())
         return false;
-    if (std::min(width, height) < smallestSide || std::max(width, height) > largestSide)
+    if (std::min(width, height) < smallestSide || std::max(width, height) > sideLimit)
         return false;
     view->width = width;
     view->height = height;
@@ -120,7 +121,7 @@ static bool parseLights(const std::string& text, uint32_t* mask)
     return true;
 }
 
-// A name of a list in any letter case, '-' for a blank, or its index.
+// Takes a name of a list, in any letter case and with '-' for a blank, or an index into the list.
 template <size_t N>
 static bool parseChoice(const std::string& text, const char* const (&names)[N], int32_t* index)
 {
@@ -137,7 +138,8 @@ static bool parseChoice(const std::string& text, const char* const (&names)[N], 
     return false;
 }
 
-// An option whose text one of the parsers above understands, or the usage line says what was expected.
+// Adds an option whose text is parsed by one of the functions above. Where that fails, the user reads what was
+// expected.
 template <typename Parse>
 static void addParsed(CLI::App* command, const std::string& name, const char* typeName, const char* help, Parse parse)
 {
@@ -153,7 +155,7 @@ static void addParsed(CLI::App* command, const std::string& name, const char* ty
         ->option_text(typeName);
 }
 
-// A switch that is on unless it is given.
+// Adds a switch that turns a value off.
 static void addOffSwitch(CLI::App* command, const char* name, bool* value, const char* help)
 {
     command->add_flag_callback(
@@ -273,7 +275,7 @@ void describeUsage(CLI::App* app, Arguments* arguments)
     app->description("kbx - inspect, repair, convert and render 3D polygon models");
     app->set_help_flag("-h,--help", "this help; kbx COMMAND --help shows the options of a command");
     app->get_formatter()->label("SUBCOMMAND", "COMMAND");
-    app->allow_windows_style_options(false); // "/models/a.obj" is a file on every system
+    app->allow_windows_style_options(false); // "/models/a.obj" is a file on every operating system
     app->require_subcommand(1);
     app->set_version_flag("--version", "kbx " KBX_VERSION " (" KBX_BUILD ")", "version and build");
 
@@ -304,10 +306,10 @@ void describeUsage(CLI::App* app, Arguments* arguments)
     addInput(decode, arguments, "IN", "JPEG file to read")->required();
     decode->add_option("OUT", arguments->output, "bitmap to write")->option_text(" ")->required();
 
-    app->footer(makeFooter()); // after the commands, which would inherit it
+    app->footer(makeFooter()); // after adding the commands, which would inherit it
 }
 
-// Nothing is left to run.
+// The arguments when there is no command to run.
 static Arguments answered(int exitStatus)
 {
     Arguments arguments;
@@ -322,7 +324,7 @@ Arguments parseArguments(const std::vector<std::string>& words)
     describeUsage(&app, &arguments);
     try
     {
-        app.parse(std::vector<std::string>(words.rbegin(), words.rend())); // it takes them from the back
+        app.parse(std::vector<std::string>(words.rbegin(), words.rend())); // the parser takes them from the back
     }
     catch (const CLI::CallForHelp&)
     {

@@ -10,7 +10,7 @@
 
 enum class Command
 {
-    none, // answered already: help, version or wrong usage
+    none, // help, version or wrong usage: there is nothing to run
     info,
     dump,
     convert,
@@ -18,12 +18,12 @@ enum class Command
     decode,
 };
 
-// What happens to a file between the disk and the use of it.
+// How a model is read, and what is done to it before the command uses it.
 struct LoadArguments
 {
     bool keyframes = true;
     std::vector<const MeshTool*> tools; // in the order given
-    std::optional<int> filter;          // the tool panel's list index with "By Group" on
+    std::optional<int> filter;          // index in the filter list of the tool panel
 };
 
 struct ViewArguments
@@ -39,12 +39,12 @@ struct ViewArguments
     bool metallic = false;
     bool moon = false;
     int32_t background = 0;
-    std::array<float, 3> rotateDegrees = { 0, 0, 0 }; // about the screen's axes, x first
+    std::array<float, 3> rotateDegrees = { 0, 0, 0 }; // about the axes of the screen, x first
     std::optional<std::array<float, 9>> view;         // the rotation, row by row
     float zoom = 1;
     int32_t width = 620;
     int32_t height = 520;
-    std::optional<int32_t> frames; // how many; their speed is reported when it is given
+    std::optional<int32_t> frames; // how many to draw; when given, their speed is reported
 };
 
 struct Arguments
@@ -59,6 +59,6 @@ struct Arguments
     std::string output;
 };
 
-// Takes the arguments apart. Help and version go to standard output; wrong usage gets a line on standard error that
-// says what was expected and exit status 2.
+// Parses the arguments. Prints help and version on standard output. For wrong usage it prints a line on standard error
+// that says what was expected, and sets exit status 2.
 Arguments parseArguments(const std::vector<std::string>& words);

@@ -1,4 +1,4 @@
-// cli/dump.cpp - the whole mesh as text, a line for each thing
+// cli/dump.cpp - kbx dump: the whole mesh as text, a line for each vertex, face, name and so on
 #include "cli/commands.h"
 #include "cli/load.h"
 #include "cli/output.h"
@@ -79,7 +79,7 @@ static void dumpFaces(Output* out, const Mesh* mesh, bool planes)
                 putInteger(out, static_cast<int32_t>(corner));
             }
         }
-        uint32_t attributes = mesh->faceAttributes[f] & ~(faceLit | faceEyeFacing); // those are a frame's
+        uint32_t attributes = mesh->faceAttributes[f] & ~(faceLit | faceEyeFacing); // which only frames set
         putWords(out, &attributes, 1);
         endLine(out);
     }

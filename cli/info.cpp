@@ -1,4 +1,4 @@
-// cli/info.cpp - what is in a model, for people and as JSON
+// cli/info.cpp - kbx info: what is in a model, as text and as JSON
 #include "cli/commands.h"
 #include "cli/load.h"
 #include "cli/output.h"
@@ -209,7 +209,8 @@ int runInfo(const Arguments& arguments)
         Facts facts;
         if (!mesh || !gatherFacts(mesh, &facts))
         {
-            if (arguments.inputs.size() > 1 && terminalBoxCount() != boxesBefore) // few boxes name the file
+            if (arguments.inputs.size() > 1 &&
+                terminalBoxCount() != boxesBefore) // most message boxes do not name the file
                 fprintf(stderr, "kbx: %s left out\n", path.c_str());
             freeMesh(mesh);
             allRead = false;

@@ -1,4 +1,4 @@
-// cli/load.cpp - reading, repairing and filtering, with what goes wrong said on standard error
+// cli/load.cpp - reading a model, running the tools and applying the filter
 #include "cli/load.h"
 
 #include "import/dispatch.h"
@@ -29,7 +29,7 @@ static int readModel(Mesh* mesh, const std::string& path, const ReadOptions& opt
     return readModelFile(mesh, path.c_str(), options);
 }
 
-// A tool that did nothing is no failure; one that showed a box is.
+// Returns 0 when a tool shows a message box. A tool that finds nothing to do has not failed, whatever it returns.
 static int runTools(Mesh* mesh, const std::vector<const MeshTool*>& tools)
 {
     for (const MeshTool* tool : tools)
@@ -42,7 +42,7 @@ static int runTools(Mesh* mesh, const std::vector<const MeshTool*>& tools)
     return 1;
 }
 
-// Tools, then the filter. Frees the mesh and returns null when a tool failed.
+// Runs the tools, then applies the filter. Frees the mesh and returns null when a tool fails.
 static Mesh* repair(Mesh* mesh, const LoadArguments& load)
 {
     if (!runTools(mesh, load.tools))
@@ -63,7 +63,7 @@ Mesh* loadModel(const std::string& path, const LoadArguments& load)
         return nullptr;
     if (!readModel(mesh, path, { load.keyframes }))
     {
-        if (terminalBoxCount() == boxesBefore) // some readers fail without a word
+        if (terminalBoxCount() == boxesBefore) // some readers fail without a message
             fprintf(stderr, "kbx: cannot read %s\n", path.c_str());
         freeMesh(mesh);
         return nullptr;

@@ -1,4 +1,4 @@
-// cli/main.cpp - kbx, the same system without a window
+// cli/main.cpp - kbx, the command line
 #include "cli/arguments.h"
 #include "cli/commands.h"
 #include "platform/terminal/terminal.h"

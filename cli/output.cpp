@@ -1,4 +1,4 @@
-// cli/output.cpp - text in blocks to standard output
+// cli/output.cpp - formatting text and writing it to standard output in blocks
 #include "cli/output.h"
 
 #include <stdio.h>

@@ -1,32 +1,32 @@
-// cli/output.h - standard output in large blocks that notices when it is not taken
+// cli/output.h - writing standard output in large blocks and noticing when that fails
 #pragma once
 #include <stdint.h>
 #include <string>
 
-// Text for standard output; finishOutput says whether all of it was taken.
+// Text for standard output. A write that fails is remembered until finishOutput.
 struct Output
 {
     std::string pending;
     bool failed = false;
 };
 
-// Hands what is pending to standard output; a failure is remembered.
+// Writes the pending text.
 void flushOutput(Output* out);
 
-// Append to the line.
+// Append to the pending text.
 void put(Output* out, const char* text);
 void putInteger(Output* out, int64_t value);
 void putHex(Output* out, uint32_t value); // 8 lower-case digits
 void putFloat(Output* out, float value);  // its 32 bits as hex
 
-// A name in double quotes; a double quote, a backslash and every byte outside 32..126 as \xHH.
+// Appends a name in double quotes. A double quote, a backslash and every byte outside 32..126 become \xHH.
 void putName(Output* out, const char* name);
 
-// The same for people: a backslash stands as it is.
+// The same for people: a backslash stays as it is.
 void putReadableName(Output* out, const char* name);
 
-// Ends a line; writes when enough has come together.
+// Ends a line, and writes the pending text when it is large enough.
 void endLine(Output* out);
 
-// Returns 1, or 0 after a line on standard error when the output was not taken whole.
+// Writes the rest. Returns 1, or 0 after a line on standard error when any write has failed.
 int finishOutput(Output* out);

@@ -2,7 +2,8 @@
 //
 //   make_manual FOLDER
 //
-// kbx.1 is the page; kbx.bash, _kbx (zsh) and kbx.fish complete commands, options and the words that an option takes.
+// It writes kbx.1, the page, and kbx.bash, _kbx (zsh) and kbx.fish, which complete commands, options and the words that
+// an option takes.
 #include "cli/usage.h"
 #include "model/ascii.h"
 
@@ -45,12 +46,12 @@ static std::vector<std::string> spellings(const CLI::Option* option)
     return names;
 }
 
-static std::vector<std::string> valuesOf(const CLI::Option* option)
+static std::vector<std::string> wordsOf(const CLI::Option* option)
 {
     return option->get_lnames().empty() ? std::vector<std::string>() : valuesOf(option->get_lnames()[0]);
 }
 
-// Whether a file name is (or may be, beside the words of valuesOf) what the option wants.
+// Whether the option takes a file name, alone or beside the words of wordsOf.
 static bool takesFile(const CLI::Option* option)
 {
     const std::vector<std::string>& names = option->get_lnames();
@@ -65,7 +66,7 @@ static std::string joined(const std::vector<std::string>& words, const char* bet
     return text;
 }
 
-// Each of the characters with the text before it.
+// The text with another one before each of the characters.
 static std::string escaped(const std::string& text, const char* characters, const std::string& before)
 {
     std::string result;
@@ -78,7 +79,7 @@ static std::string escaped(const std::string& text, const char* characters, cons
     return result;
 }
 
-// In single quotes for a shell.
+// The text in single quotes for a shell.
 static std::string shellQuoted(const std::string& text)
 {
     std::string result = "'";
@@ -142,7 +143,7 @@ static std::string capitals(std::string text)
     return text;
 }
 
-// The footer's headings become sections; its indented lines stand as they are.
+// Headings of the footer become sections; indented lines stay lines.
 static void printFooter(std::ostream* out, const std::string& footer)
 {
     size_t start = 0;
@@ -196,7 +197,7 @@ static std::vector<std::string> allSpellings(const CLI::App* app)
     return words;
 }
 
-static std::vector<std::string> namesOf(const Commands& commands)
+static std::vector<std::string> commandNames(const Commands& commands)
 {
     std::vector<std::string> names;
     for (const CLI::App* command : commands)
@@ -204,7 +205,7 @@ static std::vector<std::string> namesOf(const Commands& commands)
     return names;
 }
 
-// The options of all commands, those of one name once.
+// The options of all commands; of several with one name the first.
 static Options distinctOptions(const CLI::App& app)
 {
     Options distinct;
@@ -223,7 +224,7 @@ static Options distinctOptions(const CLI::App& app)
     return distinct;
 }
 
-// Where nothing is offered the shell completes file names.
+// Where the function offers nothing, the shell completes file names.
 static void printBash(std::ostream* out, const CLI::App& app)
 {
     Commands commands = commandsOf(app);
@@ -242,8 +243,8 @@ static void printBash(std::ostream* out, const CLI::App& app)
         *out << "    " << joined(spellings(option), " | ") << ") ";
         if (!takesFile(option))
             *out << "compopt +o bashdefault +o default 2>/dev/null; ";
-        if (!valuesOf(option).empty())
-            *out << "COMPREPLY=($(compgen -W " << shellQuoted(joined(valuesOf(option), " ")) << " -- \"$word\")); ";
+        if (!wordsOf(option).empty())
+            *out << "COMPREPLY=($(compgen -W " << shellQuoted(joined(wordsOf(option), " ")) << " -- \"$word\")); ";
         *out << "return ;;\n";
     }
     *out << "    esac\n    case $command,$word in\n";
@@ -251,13 +252,14 @@ static void printBash(std::ostream* out, const CLI::App& app)
         *out << "    " << command->get_name() << ",-*) COMPREPLY=($(compgen -W "
              << shellQuoted(joined(allSpellings(command), " ")) << " -- \"$word\")) ;;\n";
     *out << "    ,*) COMPREPLY=($(compgen -W "
-         << shellQuoted(joined(namesOf(commands), " ") + " " + joined(allSpellings(&app), " "))
+         << shellQuoted(joined(commandNames(commands), " ") + " " + joined(allSpellings(&app), " "))
          << " -- \"$word\")) ;;\n"
             "    esac\n}\n"
             "complete -o bashdefault -o default -F _kbx kbx\n";
 }
 
-// '*--option=[description]:value:what is offered': = for the value in the same word or in the next, + likewise for -o.
+// '*--option=[description]:value:words'. After a long option, = allows the value in the same word or in the next one;
+// after a short option, + does.
 static std::string zshArgument(const CLI::Option* option, const std::string& name)
 {
     std::string text = "*" + name;
@@ -266,7 +268,7 @@ static std::string zshArgument(const CLI::Option* option, const std::string& nam
     text += "[" + escaped(option->get_description(), "[]:\\", "\\") + "]";
     if (takesValue(option))
     {
-        std::string words = joined(valuesOf(option), " ");
+        std::string words = joined(wordsOf(option), " ");
         text += ":" + escaped(option->get_option_text(), ":\\", "\\") + ":";
         if (takesFile(option))
             text += " _kbx_words_or_files " + words;
@@ -330,8 +332,8 @@ static void printFishOptions(std::ostream* out, const CLI::App* app, const std::
             *out << " -l " << name;
         if (takesValue(option))
             *out << (takesFile(option) ? " -r" : " -x"); // -x: no files beside the words
-        if (!valuesOf(option).empty())
-            *out << " -a " << shellQuoted(joined(valuesOf(option), " "));
+        if (!wordsOf(option).empty())
+            *out << " -a " << shellQuoted(joined(wordsOf(option), " "));
         *out << " -d " << shellQuoted(option->get_description()) << "\n";
     }
 }
