@@ -268,6 +268,20 @@ TEST_F(DesktopInside, LuxExportWritesItsFilesOrSaysThatItFailed)
     EXPECT_EQ(boxAfter(toolPanel, ID_LUX_EXPORT), L"Failed to export [LuxRender Export]");
 }
 
+TEST_F(DesktopInside, LuxExportWritesBesideTheModelWhereverADialogHasGone)
+{
+    fs::create_directory("models");
+    fs::create_directory("elsewhere");
+    write("models/a.b.obj", square);
+    open("models\\a.b.obj");
+    fs::current_path(folder / "elsewhere"); // as a file dialog leaves it
+    EXPECT_EQ(boxAfter(toolPanel, ID_LUX_EXPORT), L"a.lxo, .lxm and .lxs files exported [LuxRender Export]");
+    for (const char* name : { "a.lxs", "a.lxo", "a.lxm", "a_textures.txt" })
+        EXPECT_TRUE(fs::exists(folder / "models" / name)) << name;
+    EXPECT_TRUE(fs::is_empty(folder / "elsewhere"));
+    fs::current_path(folder);
+}
+
 TEST_F(DesktopInside, LoadedTextureNamesAndEnablesItsMenuEntry)
 {
     ResourceBytes wood;

@@ -235,6 +235,22 @@ TEST_F(DesktopWindow, QuotedCommandLineOpensTheFile)
     expectPicture(L"\"two parts.obj\"");
 }
 
+// A dialog moves the current folder to that of the file chosen in it.
+TEST_F(DesktopWindow, LuxExportWritesBesideTheModelOfTheCommandLine)
+{
+    fs::create_directory(folder / "elsewhere");
+    start(L"\"two parts.obj\"");
+    EXPECT_TRUE(titleNames(L"two parts.obj"));
+    program.postCommand(ID_SAVE_IMAGE);
+    ASSERT_TRUE(answerFileDialog(program.processId, path(L"elsewhere\\saved.bmp")));
+    EXPECT_TRUE(eventually([&] { return fs::exists(folder / "elsewhere" / "saved.bmp"); }));
+    program.postClick(ID_LUX_EXPORT);
+    EXPECT_EQ(answerMessageBox(program.processId), L"two parts.lxo, .lxm and .lxs files exported [LuxRender Export]");
+    for (const wchar_t* name : { L"two parts.lxs", L"two parts.lxo", L"two parts.lxm", L"two parts_textures.txt" })
+        EXPECT_TRUE(fs::exists(folder / name)) << fs::path(name);
+    EXPECT_FALSE(fs::exists(folder / "elsewhere" / "two parts.lxo"));
+}
+
 TEST_F(DesktopWindow, MenuChoicesShowWhatTheCommandLineRenders)
 {
     start();
