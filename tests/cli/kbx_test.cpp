@@ -1,4 +1,4 @@
-// The built program as a user meets it: what it prints, what it writes, how it ends.
+// tests/cli/kbx_test.cpp - the built program as a user meets it: what it prints, what it writes, how it ends
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/wait.h>

@@ -1,4 +1,4 @@
-// The manual page and the completions, as the build leaves them.
+// tests/cli/manual_test.cpp - the manual page and the completions, as the build leaves them
 #include <gtest/gtest.h>
 #include <stdio.h>
 #include <stdlib.h>

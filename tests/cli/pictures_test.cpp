@@ -1,5 +1,7 @@
-// Pictures of the built-in model beside the ones that were looked at and kept: the mean colour of each block of 16 x 16
-// pixels. tests/data/pictures/pictures.txt names them with kbx's options; scripts/pictures keeps them anew.
+// tests/cli/pictures_test.cpp - pictures of the built-in model compared with ones that a person has looked at
+//
+// What is compared is the mean colour of each block of 16 x 16 pixels. tests/data/pictures/pictures.txt names the
+// pictures with kbx's options; scripts/pictures redraws them.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <unistd.h>

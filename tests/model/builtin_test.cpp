@@ -1,3 +1,4 @@
+// tests/model/builtin_test.cpp - the model that the program carries, and damaged copies of its format
 #include "model/builtin.h"
 #include "tests/clean_test.h"
 

@@ -1,4 +1,4 @@
-// tests/model/matrix_test.cpp
+// tests/model/matrix_test.cpp - matrices, vectors and rounding
 #include "model/matrix.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// tests/model/memory_test.cpp - large blocks and the table that they are entered in
 #include "model/memory.h"
 #include "tests/clean_test.h"
 

@@ -1,3 +1,4 @@
+// tests/platform/boxes_test.cpp - the steps of the progress bar
 #include "platform/boxes.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// tests/platform/files_test.cpp - files by name: opening, measuring, finding, replacing
 #include "platform/files.h"
 
 #include <gtest/gtest.h>

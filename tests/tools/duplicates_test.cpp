@@ -1,3 +1,4 @@
+// tests/tools/duplicates_test.cpp - Dup Faces: which faces repeat an earlier one
 #include "tools/duplicates.h"
 
 #include "tests/tools/random.h"

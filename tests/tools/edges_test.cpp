@@ -1,3 +1,4 @@
+// tests/tools/edges_test.cpp - the edge table: neighbours, chains, the overflow
 #include "tools/edges.h"
 
 #include "tests/tools/random.h"

@@ -1,3 +1,4 @@
+// tests/tools/filter_test.cpp - showing one group or one material
 #include "tools/filter.h"
 
 #include "tests/tools/random.h"

@@ -1,3 +1,4 @@
+// tests/tools/orientation_test.cpp - Fix Normals and Invert
 #include "tools/orientation.h"
 
 #include "tests/tools/random.h"

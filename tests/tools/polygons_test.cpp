@@ -1,3 +1,4 @@
+// tests/tools/polygons_test.cpp - TRI and Quad
 #include "tools/polygons.h"
 
 #include "tests/tools/random.h"

@@ -1,3 +1,4 @@
+// tests/tools/split_test.cpp - Split: which faces form a piece, and how the groups are named
 #include "tools/split.h"
 
 #include "tests/tools/random.h"

@@ -1,3 +1,4 @@
+// tests/tools/statistics_test.cpp - the counts of faults that kbx info shows
 #include "tools/statistics.h"
 
 #include "tests/tools/random.h"

@@ -1,3 +1,4 @@
+// tests/tools/uvs_test.cpp - placeholder and generated texture coordinates
 #include "tools/uvs.h"
 
 #include "tests/tools/build.h"
