@@ -18,8 +18,8 @@ constexpr int32_t statementCorners = 32; // most corners of one face or line sta
 int ParseFaceCorners(const char* text, int32_t vertexCount, int32_t uvCount, int32_t (&vertices)[statementCorners],
                      int32_t (&uvs)[statementCorners]);
 
-// The same for a text with numberPadding readable bytes after its end, faster. *end receives where reading stopped: the
-// text's end when the statement was not rejected.
+// The same for a text with numberPaddingRoom readable bytes after its end, faster. *end receives where reading stopped:
+// the text's end when the statement was not rejected.
 int parseFaceCornersPadded(const char* text, int32_t vertexCount, int32_t uvCount,
                            int32_t (&vertices)[statementCorners], int32_t (&uvs)[statementCorners], const char** end);
 

@@ -3,6 +3,8 @@
 
 #include "model/ascii.h"
 
+#include "model/ascii.h"
+
 #include <math.h>
 #include <stdlib.h>
 

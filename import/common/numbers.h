@@ -1,66 +1,56 @@
 // import/common/numbers.h - numbers in text, exactly as scanf's %f and %d take them
 //
-// A text ends with a byte that no number goes on with: 0 or a line end. None of these skip anything in front of the
-// number. They return the first byte after what scanf would have taken, or null where scanf finds no number; *value is
-// then left alone.
+// The byte after a text cannot continue a number: it is 0 or a line end. None of these functions skips anything in
+// front of the number. They return the first byte after what scanf would have taken, or null where scanf finds no
+// number; *value then stays as it was.
 //
-// The padded ones give the same, faster: they take eight bytes at a time and need numberPadding readable bytes after
-// the end of the text.
+// The padded functions give the same results faster: they take eight bytes at a time and need numberPaddingRoom
+// readable bytes after the end of the text.
 #pragma once
-#include <stdint.h>
-#include <string.h>
+#include "import/common/characters.h"
+
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
 
-constexpr int numberPadding = 16;
+constexpr int numberPaddingRoom = 16;
 
 const char* scanFloat(const char* at, float* value);
 
-// Past the range of 64 bits a number stays at its end, and the low 32 bits are the value.
+// A number outside of the range of 64 bits becomes the end of that range. The value is the low 32 bits.
 const char* scanInt(const char* at, int32_t* value);
 
 // sscanf(text, "%f %f ...") and "%d %d ...": how many were found, at most count.
 int scanFloats(const char* text, float* values, int count);
 int scanInts(const char* text, int32_t* values, int count);
 
-// isspace of the C locale.
-inline bool isSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-inline bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-inline uint64_t loadEight(const char* at)
-{
-    uint64_t bytes;
-    memcpy(&bytes, at, sizeof bytes);
-    return bytes;
-}
-
-// How many of eight bytes, from the lowest on, are decimal digits. Carries only run upward, past the first that is
-// none.
+// How many of eight bytes, from the lowest on, are decimal digits. The addition moves what lies above '9' into the top
+// bit of a byte, the subtraction what lies below '0'. Carries only run upward, past the first byte that is not a digit.
 inline int leadingDigits(uint64_t bytes)
 {
-    uint64_t others = ((bytes + 0x4646464646464646) | (bytes - 0x3030303030303030)) & 0x8080808080808080;
+    constexpr uint8_t topBit = 0x80;
+    uint64_t others = ((bytes + eightTimes(topBit - '9' - 1)) | (bytes - eightTimes('0'))) & eightTimes(topBit);
     return others ? __builtin_ctzll(others) >> 3 : 8;
 }
 
-// The value of the lowest 1 to 8 bytes, all digits: they move to the top, and neighbours join by twos, fours and
+// Two numbers stand side by side in 2 x bits, the more significant one in the lower half. Multiplied by this factor,
+// the upper half becomes the lower number times `scale` plus the upper number.
+constexpr uint64_t pairFactor(uint64_t scale, int bits)
+{
+    return (scale << bits) + 1;
+}
+
+// The value of the lowest 1 to 8 bytes, all digits: they move to the top, and neighbours join to twos, fours and
 // eights.
 inline uint32_t digitsValue(uint64_t bytes, int count)
 {
     bytes <<= 64 - 8 * count;
-    bytes = ((bytes & 0x0F0F0F0F0F0F0F0F) * 2561) >> 8;
-    bytes = ((bytes & 0x00FF00FF00FF00FF) * 6553601) >> 16;
-    return static_cast<uint32_t>(((bytes & 0x0000FFFF0000FFFF) * 42949672960001) >> 32);
+    bytes = ((bytes & eightTimes(0x0F)) * pairFactor(10, 8)) >> 8;
+    bytes = ((bytes & 0x00FF00FF00FF00FF) * pairFactor(100, 16)) >> 16;
+    return static_cast<uint32_t>(((bytes & 0x0000FFFF0000FFFF) * pairFactor(10000, 32)) >> 32);
 }
 
-// digitsValue of two at a time, 1 to 8 digits each: one in each half of a register.
+// digitsValue of two numbers at once, of 1 to 8 digits each: one in each half of a register.
 inline void twoDigitsValues(uint64_t first, int firstCount, uint64_t second, int secondCount, int32_t* firstValue,
                             int32_t* secondValue)
 {
@@ -68,7 +58,7 @@ inline void twoDigitsValues(uint64_t first, int firstCount, uint64_t second, int
     __m128i bytes = _mm_set_epi64x(static_cast<int64_t>(second << (64 - 8 * secondCount)),
                                    static_cast<int64_t>(first << (64 - 8 * firstCount)));
     bytes = _mm_and_si128(bytes, _mm_set1_epi8(0x0F));
-    __m128i twos = _mm_srli_epi16(_mm_mullo_epi16(bytes, _mm_set1_epi16(2561)), 8);
+    __m128i twos = _mm_srli_epi16(_mm_mullo_epi16(bytes, _mm_set1_epi16(static_cast<int16_t>(pairFactor(10, 8)))), 8);
     __m128i fours = _mm_madd_epi16(twos, _mm_set1_epi32(1 << 16 | 100));
     __m128i eights = _mm_madd_epi16(_mm_packs_epi32(fours, fours), _mm_set1_epi32(1 << 16 | 10000));
     *firstValue = _mm_cvtsi128_si32(eights);
@@ -87,13 +77,16 @@ constexpr double tenths[] = { 1e0,  1e-1,  1e-2,  1e-3,  1e-4,  1e-5,  1e-6,  1e
 constexpr uint64_t wholePowersOfTen[] = { 1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000 };
 
 // A double within three units in its last place of a number gives that number's nearest float, unless it lies so near
-// the middle of two floats that the error could decide. Good between the smallest normal float and 2^127.
+// the middle of two floats that the error could decide: then this returns false. Good between the smallest normal float
+// and 2^127.
 inline bool nearestFloat(double close, float* value)
 {
     uint64_t bits;
     memcpy(&bits, &close, sizeof bits);
     *value = static_cast<float>(close);
-    return (bits & 0x1FFFFFFF) - 0x0FFFFFFC > 8;
+    constexpr uint64_t middle = 1 << (52 - 23 - 1); // of the bits of a double that a float does not have
+    constexpr uint64_t error = 4;
+    return (bits & (2 * middle - 1)) - (middle - error) > 2 * error;
 }
 
 inline const char* scanFloatPadded(const char* at, float* value)

@@ -6,12 +6,39 @@
 //
 // What is written in any other way is refused and left to the scanners of numbers.h, which give the same values.
 #pragma once
+#include "import/common/block_source.h"
 #include "import/common/numbers.h"
+#include "import/common/sanitize.h"
 #include "model/mesh.h"
 
 // Readable bytes that a line must have before it, and from its first byte on.
-constexpr int plainFront = 8;
-constexpr int plainPadding = 96;
+constexpr size_t plainFrontRoom = 8;
+constexpr size_t plainLineRoom = 96;
+static_assert(plainFrontRoom <= blockFrontRoom && plainLineRoom <= blockPaddingRoom);
+
+// Takes lines one after the other as long as the block holds all the bytes that a line may have, at most `most` lines.
+// take(line, k) returns where the next line begins, or null when it does not take the k-th. Returns how many it took.
+template <typename Take>
+inline int32_t takePlainLines(BlockSource* source, size_t lineRoom, int32_t most, Take take)
+{
+    int32_t taken = 0;
+    while (taken < most && holdBytes(source, lineRoom) >= lineRoom)
+    {
+        const char* at = source->at;
+        const char* last = source->end - lineRoom;
+        const char* next = at;
+        while (next && taken < most && at <= last)
+        {
+            next = take(at, taken);
+            taken += next != nullptr;
+            at = next ? next : at;
+        }
+        readOnFrom(source, at);
+        if (!next)
+            break;
+    }
+    return taken;
+}
 
 #ifdef __SSE2__
 
@@ -73,7 +100,7 @@ alignas(16) inline constexpr uint8_t lastNibbles[16] = { 0, 0, 0, 0, 0, 0, 0, 0,
 // Sixteen digits, the most significant one first: the value of each four of them.
 inline __m128i joinFours(__m128i digits)
 {
-    __m128i tenAndOne = _mm_set1_epi16(10 * 256 + 1);
+    __m128i tenAndOne = _mm_set1_epi16(static_cast<int16_t>(pairFactor(10, 8)));
     asm("" : "+x"(tenAndOne)); // or GCC makes four shifts and additions of the product
     __m128i twos = _mm_srli_epi16(_mm_mullo_epi16(digits, tenAndOne), 8);
     return _mm_madd_epi16(twos, _mm_set1_epi32(1 << 16 | 100));
@@ -169,7 +196,7 @@ inline bool coordinatesOf(__m128d first, __m128d second, __m128* values)
     __m128i fromMiddle = _mm_add_epi32(_mm_slli_epi32(_mm_castps_si128(lowWords), 3), _mm_set1_epi32(4 << 3));
     __m128i tooClose = _mm_cmplt_epi32(fromMiddle, _mm_set1_epi32(INT32_MIN + (9 << 3)));
     __m128 magnitude = _mm_andnot_ps(_mm_set1_ps(-0.0f), nearest);
-    __m128 tooLarge = _mm_cmpge_ps(magnitude, _mm_set1_ps(1 << 20));
+    __m128 tooLarge = _mm_cmpge_ps(magnitude, _mm_set1_ps(1 << coordinateExponentLimit));
     *values = _mm_add_ps(nearest, _mm_setzero_ps()); // -0 becomes 0
     return _mm_movemask_ps(_mm_or_ps(_mm_castsi128_ps(tooClose), tooLarge)) == 0;
 }

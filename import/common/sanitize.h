@@ -1,28 +1,59 @@
 // import/common/sanitize.h - the check that every reader applies to every number it takes for a coordinate
+//
+// Models are smaller than 2^20 units. A larger magnitude, an infinity or a NaN is a damaged file, and would spoil the
+// bounds of all that is sound in it.
 #pragma once
 #include <stdint.h>
 #include <string.h>
+#include <bit>
+#include <cstddef>
+
+constexpr int32_t coordinateExponentLimit = 20; // of the magnitudes that are kept, by their power of two
+
+constexpr uint32_t floatExponent(uint32_t bits)
+{
+    return (bits >> 23) & 0xFF;
+}
+constexpr uint32_t badFloatExponent = 127 + coordinateExponentLimit; // and all above it
 
 // Magnitudes from 2^20 on, infinities and NaN become 0 and are reported bad (returns 0); zeros and denormals become 0
 // and are good (returns 1); anything else stays.
 inline int SanitizeFloat(float* value)
 {
-    uint32_t bits;
-    memcpy(&bits, value, sizeof bits);
-    uint32_t exponent = (bits >> 23) & 0xFF;
-    if (exponent != 0 && exponent < 147)
+    uint32_t exponent = floatExponent(std::bit_cast<uint32_t>(*value));
+    if (exponent != 0 && exponent < badFloatExponent)
         return 1;
     *value = 0;
     return exponent == 0;
 }
 
-// The bits that SanitizeFloat leaves and its answer, without a branch.
+// The bits that SanitizeFloat leaves, and its answer, without a branch.
 inline uint32_t sanitizedBits(uint32_t bits)
 {
-    uint32_t exponent = (bits >> 23) & 0xFF;
-    return exponent - 1 < 146 ? bits : 0;
+    return floatExponent(bits) - 1 < badFloatExponent - 1 ? bits : 0;
 }
 inline bool isGoodFloat(uint32_t bits)
 {
-    return ((bits >> 23) & 0xFF) < 147;
+    return floatExponent(bits) < badFloatExponent;
+}
+
+// Each value by itself.
+template <size_t count>
+inline void sanitizeEach(float (&values)[count])
+{
+    for (float& value : values)
+        SanitizeFloat(&value);
+}
+
+// The values of one position or texture coordinate: all of them become 0 when one is bad. Without a branch.
+template <size_t count>
+inline void sanitizeTogether(float (&values)[count])
+{
+    uint32_t bits[count];
+    memcpy(bits, values, sizeof bits);
+    int good = 1;
+    for (uint32_t word : bits)
+        good &= int{ isGoodFloat(word) };
+    for (size_t i = 0; i < count; ++i)
+        values[i] = std::bit_cast<float>(good ? sanitizedBits(bits[i]) : 0);
 }

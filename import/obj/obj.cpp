@@ -2,9 +2,10 @@
 #include "import/obj/obj.h"
 
 #include "import/common/corners.h"
-#include "import/obj/parts.h"
+#include "import/common/growth.h"
 #include "import/common/paths.h"
 #include "import/common/sanitize.h"
+#include "import/obj/parts.h"
 #include "model/normals.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
@@ -14,17 +15,18 @@
 
 int32_t ClampTexCoords = 0;
 
-constexpr int32_t growthStep = 65536;
+constexpr int32_t leastGrowth = 65536;
 constexpr int32_t progressStep = 10000; // statements
 
 enum Outcome
 {
-    readingGoesOn,
+    readingContinues,
     readingEnds, // the statement has no end
     readingFails // out of memory
 };
 
-// Samples: small against what they are to save, and enough that a section of a file is met in proportion.
+// The samples are small compared with what they save, and there are enough of them to meet each section of a file in
+// proportion.
 constexpr int64_t estimateFrom = int64_t{ 4 } << 20;
 constexpr int sampleCount = 64;
 constexpr int64_t sampleBytes = 4096;
@@ -38,9 +40,9 @@ struct SampleCounts
 static int64_t recordsInLine(const char* at, const char* end)
 {
     int corners = 0;
-    for (; at < end && *at != '\n' && *at != '\r'; ++at)
+    for (; at < end && !isLineEnd(*at); ++at)
         corners += at[-1] == ' ' && *at != ' ';
-    return corners <= 4 ? 1 : corners - 2;
+    return polygonRecords(corners);
 }
 
 static SampleCounts countSample(const char* text, size_t length)
@@ -49,30 +51,31 @@ static SampleCounts countSample(const char* text, size_t length)
     const char* end = text + length;
     for (const char* c = text; c + 3 < end; ++c)
     {
-        if (*c != '\n' && *c != '\r')
+        if (!isLineEnd(*c))
             continue;
-        counts.vertices += c[1] == 'v' && (c[2] == ' ' || c[2] == '\t');
+        counts.vertices += c[1] == 'v' && isBlank(c[2]);
         counts.uvs += c[1] == 'v' && c[2] == 't';
-        if (c[1] == 'f' && (c[2] == ' ' || c[2] == '\t'))
+        if (c[1] == 'f' && isBlank(c[2]))
             counts.faces += recordsInLine(c + 3, end);
     }
     return counts;
 }
 
-// The file's count from that of the samples. Where a section begins and ends between two samples is not known, so one
-// sample's worth is added. Statements worth their memory take 8 bytes of the file or more.
+// The file's count from that of the samples. A section may begin or end anywhere between two samples, so the count of
+// one sample is added. A statement takes at least 8 bytes of the file.
 static int32_t scaleCount(int64_t total, int64_t most, int64_t sizeBytes)
 {
     int64_t count = (total + most) * (sizeBytes / sampleBytes) / sampleCount;
     return static_cast<int32_t>(std::min({ count + count / 32, sizeBytes / 8, int64_t{ 1 } << 30 }));
 }
 
-// Arrays of the right size from the start need no copy on growth, which for a large file would cost more than the
-// reading. Looks at a few places of the file and leaves it at its start.
-static ObjEstimate estimateObj(const ObjSource* source)
+// Arrays of the right size from the start are never copied, which for a large file would cost more than the reading.
+// Reads a few places of the file and puts it back at its start. Returns false when that fails.
+static bool estimateObj(const BlockSource* source, ObjEstimate* estimate)
 {
+    *estimate = {};
     if (source->sizeBytes < estimateFrom)
-        return {};
+        return true;
     SampleCounts total = {}, most = {};
     char sample[sampleBytes];
     for (int i = 0; i < sampleCount; ++i)
@@ -85,52 +88,48 @@ static ObjEstimate estimateObj(const ObjSource* source)
         most = { std::max(most.vertices, counts.vertices), std::max(most.uvs, counts.uvs),
                  std::max(most.faces, counts.faces) };
     }
-    return { scaleCount(total.vertices, most.vertices, source->sizeBytes),
-             scaleCount(total.uvs, most.uvs, source->sizeBytes),
-             scaleCount(total.faces, most.faces, source->sizeBytes) };
+    *estimate = { scaleCount(total.vertices, most.vertices, source->sizeBytes),
+                  scaleCount(total.uvs, most.uvs, source->sizeBytes),
+                  scaleCount(total.faces, most.faces, source->sizeBytes) };
+    return seekFile(source->file, 0);
 }
 
-// Steps in proportion to what is there, so that growing takes linear time.
-static int32_t stepOf(int32_t capacity)
+// The numbers of a position or a texture coordinate; all of them 0 when one is missing or bad. *stop is where reading
+// stopped.
+template <size_t count>
+static void readCoordinates(const char* at, float (&values)[count], const char** stop)
 {
-    return std::max(growthStep, capacity / 2);
-}
-
-// Up to count floats. *stop is where reading stopped.
-static int readFloats(const char* at, float* values, int count, const char** stop)
-{
-    int found = 0;
+    size_t found = 0;
     *stop = at;
     for (; found < count; ++found)
     {
-        while (*at == ' ' || *at == '\t' || *at == '\v' || *at == '\f')
+        while (isSpaceInLine(*at))
             ++at;
         at = scanFloatPadded(at, &values[found]);
         if (!at)
             break;
         *stop = at;
     }
-    return found;
+    if (found == count)
+        sanitizeTogether(values);
+    else
+        memset(values, 0, sizeof values);
 }
 
 static Outcome readVertex(ObjReader* reader, const char* text)
 {
     float position[3];
     const char* stop;
-    int found = readFloats(text, position, 3, &stop);
+    readCoordinates(text, position, &stop);
     if (!endObjStatement(&reader->source, stop))
         return readingEnds;
-    if (found < 3 || !(SanitizeFloat(&position[0]) & SanitizeFloat(&position[1]) & SanitizeFloat(&position[2])))
-        position[0] = position[1] = position[2] = 0;
     Mesh* mesh = reader->mesh;
-    if (reader->vertexCount == mesh->vertexCapacity && !growVertices(mesh, stepOf(mesh->vertexCapacity)))
+    if (!growVertices(mesh, growthFor(mesh->vertexCapacity, int64_t{ reader->vertexCount } + 1, leastGrowth)))
         return readingFails;
     MeshVertex* vertex = &mesh->vertices[reader->vertexCount++];
-    vertex->position[0] = position[0];
-    vertex->position[1] = position[1];
-    vertex->position[2] = position[2];
+    memcpy(vertex->position, position, sizeof position);
     vertex->colour = opaqueWhite;
-    return readingGoesOn;
+    return readingContinues;
 }
 
 static float clampUnit(float value)
@@ -144,25 +143,23 @@ static Outcome readUv(ObjReader* reader, const char* text)
 {
     float uv[2];
     const char* stop;
-    int found = readFloats(text, uv, 2, &stop);
+    readCoordinates(text, uv, &stop);
     if (!endObjStatement(&reader->source, stop))
         return readingEnds;
-    if (found < 2 || !(SanitizeFloat(&uv[0]) & SanitizeFloat(&uv[1])))
-        uv[0] = uv[1] = 0;
     if (ClampTexCoords)
     {
         uv[0] = clampUnit(uv[0]);
         uv[1] = clampUnit(uv[1]);
     }
     Mesh* mesh = reader->mesh;
-    if (reader->uvCount == mesh->uvCapacity && !growUvs(mesh, stepOf(mesh->uvCapacity)))
+    if (!growUvs(mesh, growthFor(mesh->uvCapacity, int64_t{ reader->uvCount } + 1, leastGrowth)))
         return readingFails;
     mesh->uvs[reader->uvCount++] = { uv[0], uv[1] };
-    return readingGoesOn;
+    return readingContinues;
 }
 
-// Room for that many more face records. The first time the vertices are there to estimate by.
-static int makeFaceRoom(ObjReader* reader, int32_t records)
+// Makes room for more face records. The first time, the vertices are there to estimate by.
+static bool makeFaceRoom(ObjReader* reader, int32_t records)
 {
     Mesh* mesh = reader->mesh;
     if (!mesh->faces)
@@ -170,13 +167,11 @@ static int makeFaceRoom(ObjReader* reader, int32_t records)
         int64_t expected = reader->estimate.faces;
         if (expected == 0)
             expected = int64_t{ 2 } * reader->vertexCount + reader->vertexCount / 2;
-        expected = std::clamp<int64_t>(expected, growthStep, INT32_MAX);
+        expected = std::clamp<int64_t>(expected, leastGrowth, INT32_MAX);
         if (!growFaces(mesh, static_cast<int32_t>(expected)))
-            return 0;
+            return false;
     }
-    if (records > mesh->faceCapacity - reader->faceCount)
-        return growFaces(mesh, stepOf(mesh->faceCapacity));
-    return 1;
+    return growFaces(mesh, growthFor(mesh->faceCapacity, int64_t{ reader->faceCount } + records, leastGrowth));
 }
 
 static Outcome readCorners(ObjReader* reader, const char* text, int kind)
@@ -188,7 +183,7 @@ static Outcome readCorners(ObjReader* reader, const char* text, int kind)
         return readingEnds;
     bool line = kind == objPolyline;
     if (count < (line ? 2 : 3))
-        return readingGoesOn;
+        return readingContinues;
     if (!makeFaceRoom(reader, line ? polylineRecords(count) : polygonRecords(count)))
         return readingFails;
     CornerList corners = { vertices, uvs, count, -1, -1 };
@@ -196,15 +191,15 @@ static Outcome readCorners(ObjReader* reader, const char* text, int kind)
     {
         reader->faceCount += storePolyline(reader->mesh, reader->faceCount, corners, reader->attributes);
         ++reader->lineCount;
-        return readingGoesOn;
+        return readingContinues;
     }
     int32_t records = storePolygon(reader->mesh, reader->faceCount, corners, reader->attributes);
     reader->faceCount += records;
     reader->polygonCount += records;
-    return readingGoesOn;
+    return readingContinues;
 }
 
-// A group or material name: the rest of the line, blanks included. A new name past the last slot changes nothing.
+// A group or material name: the rest of the line, blanks included. A new name changes nothing when all slots are taken.
 static void readName(ObjReader* reader, const char* text, int kind)
 {
     int32_t slot = findOrAddName(kind == objGroup ? &reader->groups : &reader->materials, text);
@@ -225,7 +220,7 @@ static Outcome readStatement(ObjReader* reader, int kind, const char* text)
     case objUv: return readUv(reader, text);
     case objPolygon:
     case objPolyline: return readCorners(reader, text, kind);
-    case objEmpty: return readingGoesOn;
+    case objEmpty: return readingContinues;
     }
     if (!endObjStatement(&reader->source, text)) // the text stays where it is
         return readingEnds;
@@ -233,16 +228,16 @@ static Outcome readStatement(ObjReader* reader, int kind, const char* text)
         copyNameFromText(reader->library, text);
     else
         readName(reader, text, kind);
-    return readingGoesOn;
+    return readingContinues;
 }
 
-static int readStatements(ObjReader* reader)
+static bool readStatements(ObjReader* reader)
 {
     ObjSource* source = &reader->source;
     const char* text;
     int32_t untilProgress = progressStep;
-    Outcome outcome = readingGoesOn;
-    while (outcome == readingGoesOn)
+    Outcome outcome = readingContinues;
+    while (outcome == readingContinues)
     {
         untilProgress -= takePlainStatements(reader, untilProgress);
         if (untilProgress > 0)
@@ -251,50 +246,62 @@ static int readStatements(ObjReader* reader)
             if (kind == objEnd)
                 break;
             outcome = readStatement(reader, kind, text);
-            untilProgress -= outcome == readingGoesOn;
+            untilProgress -= outcome == readingContinues;
         }
         if (untilProgress == 0)
         {
-            setProgress(static_cast<float>(objPosition(source)) / static_cast<float>(source->sizeBytes));
+            setProgress(static_cast<float>(objPosition(source)) / static_cast<float>(source->blocks.sizeBytes));
             untilProgress = progressStep;
         }
     }
     return outcome != readingFails && reader->vertexCount > 0 && reader->faceCount > 0;
 }
 
-static int readGeometry(ObjReader* reader, const char* path)
+static bool readGeometry(ObjReader* reader)
 {
     Mesh* mesh = reader->mesh;
-    startNames(&reader->groups, mesh->groupNames);
-    startNames(&reader->materials, mesh->materialNames);
-    if (!openObjSource(&reader->source, path))
-        return 0;
-    reader->estimate = estimateObj(&reader->source);
-    int ok = seekFile(reader->source.file, 0) && growVertices(mesh, std::max(growthStep, reader->estimate.vertices)) &&
-             growUvs(mesh, std::max(growthStep, reader->estimate.uvs)) && readStatements(reader);
-    closeObjSource(&reader->source);
-    return ok;
+    return estimateObj(&reader->source.blocks, &reader->estimate) &&
+           growVertices(mesh, std::max(leastGrowth, reader->estimate.vertices)) &&
+           growUvs(mesh, std::max(leastGrowth, reader->estimate.uvs)) && readStatements(reader);
 }
 
-int ParseObjFile(Mesh* mesh, const char* path)
+static int finishMesh(const ObjReader* reader, const char* path)
 {
-    ObjReader reader = {};
-    reader.mesh = mesh;
-    if (!readGeometry(&reader, path))
-        return 0;
-    mesh->vertexCount = reader.vertexCount;
-    mesh->uvCount = reader.uvCount;
-    mesh->lineCount = reader.lineCount;
-    mesh->liveFaceCount = reader.polygonCount;
-    mesh->faceCount = reader.faceCount;
-    mesh->materialCount = reader.materials.count;
-    mesh->groupCount = reader.groups.count;
+    Mesh* mesh = reader->mesh;
+    mesh->vertexCount = reader->vertexCount;
+    mesh->uvCount = reader->uvCount;
+    mesh->lineCount = reader->lineCount;
+    mesh->liveFaceCount = reader->polygonCount;
+    mesh->faceCount = reader->faceCount;
+    mesh->materialCount = reader->materials.count;
+    mesh->groupCount = reader->groups.count;
     computeNormals(mesh);
     computeBounds(mesh);
     if (mesh->uvCount == 0 && !resetUvs(mesh))
         return 0;
-    ReadMtlFile(mesh, findModelFile(path, reader.library).c_str());
+    ReadMtlFile(mesh, findModelFile(path, reader->library).c_str());
     return 1;
+}
+
+int parseObjInBlocks(Mesh* mesh, const char* path, size_t blockBytes)
+{
+    ObjReader reader;
+    if (!openObjSource(&reader.source, path, blockBytes))
+        return 0;
+    reader.mesh = mesh;
+    reader.vertexCount = reader.uvCount = reader.faceCount = reader.polygonCount = reader.lineCount = 0;
+    reader.attributes = 0;
+    startNames(&reader.groups, mesh->groupNames);
+    startNames(&reader.materials, mesh->materialNames);
+    reader.library[0] = 0;
+    bool ok = readGeometry(&reader);
+    closeObjSource(&reader.source);
+    return ok && finishMesh(&reader, path);
+}
+
+int ParseObjFile(Mesh* mesh, const char* path)
+{
+    return parseObjInBlocks(mesh, path, blockRoom);
 }
 
 int LoadObjFile(Mesh* mesh, const char* path)

@@ -1,26 +1,26 @@
-// import/obj/plain.cpp - the lines that nearly all of an OBJ file is, without a look at anything but their numbers
+// import/obj/plain.cpp - the lines that nearly all of an OBJ file consists of, read by their numbers alone
 #include "import/obj/parts.h"
 
-#include "import/obj/obj.h"
 #include "import/common/plain_lines.h"
-#include "model/settings.h"
+#include "import/obj/obj.h"
+#include "platform/processor.h"
 
 #ifdef __SSE2__
 
 #include <algorithm>
 
-// From the place after the last number to the next line; null when the rest of the line has to be looked at.
+// From the place behind the last number to the next line; null when the rest of the line has to be examined.
 static const char* endPlainLine(const char* argument, const char* at)
 {
     if (*at == '\n' || *at == '\r')
         return at + 1;
     if (*at != ' ')
         return nullptr;
-    at = findObjLineEnd(at);
+    at = findLineEnd(at);
     return at - argument < objTextRoom ? at + 1 : nullptr;
 }
 
-static const char* skipBlanks(const char* at)
+static const char* skipSpaces(const char* at)
 {
     while (*at == ' ')
         ++at;
@@ -29,7 +29,7 @@ static const char* skipBlanks(const char* at)
 
 static const char* takeVertex(const char* at, MeshVertex* vertex)
 {
-    at = skipBlanks(at);
+    at = skipSpaces(at);
     __m128 position;
     const char* end = scanPlainPosition(at, &position);
     if (end)
@@ -41,7 +41,7 @@ static const char* takeVertex(const char* at, MeshVertex* vertex)
 
 static const char* takeUv(const char* at, Uv* uv)
 {
-    at = skipBlanks(at);
+    at = skipSpaces(at);
     PlainLine line = startPlainLine(at);
     PlainNumber u, v;
     if (!takePlainNumber(&line, &u) || at[line.at - 1] != ' ' || !takePlainNumber(&line, &v) || !signsAreInPlace(line))
@@ -56,15 +56,14 @@ static const char* takeUv(const char* at, Uv* uv)
     return end;
 }
 
-// The corners of a triangle or quad, as in the file: 0 for a texture coordinate that is not there and for corners past
-// the last one.
+// The corners of a triangle or quad, as in the file: 0 for a missing texture coordinate and for missing corners.
 struct PlainFace
 {
     __m128i vertices, uvs;
     int count;
 };
 
-// "7", "7/3", "7/3/5" or "7//5"; what follows it is passed, too. The last of three numbers means nothing.
+// Takes "7", "7/3", "7/3/5" or "7//5" and the byte behind it. The last of three numbers, the normal, is not used.
 static bool takeCorner(DigitLine* line, __m128i* fours)
 {
     constexpr uint64_t longest = 28; // three numbers and what separates them
@@ -126,7 +125,7 @@ static const char* takeCorners(const char* at, PlainFace* face)
     return face->count >= 3 ? at : nullptr;
 }
 
-// Of four numbers, a bit for each that is no index below count.
+// Of four numbers, a bit for each that is not an index below count.
 static int outOfRange(__m128i indices, int32_t count)
 {
     __m128i inside = _mm_cmplt_epi32(indices, _mm_set1_epi32(count));
@@ -136,7 +135,7 @@ static int outOfRange(__m128i indices, int32_t count)
 static const char* takeFace(const char* at, const ObjReader* reader, int32_t slot)
 {
     PlainFace face;
-    const char* end = takeCorners(skipBlanks(at), &face);
+    const char* end = takeCorners(skipSpaces(at), &face);
     if (!end)
         return nullptr;
     __m128i one = _mm_set1_epi32(1);
@@ -151,12 +150,12 @@ static const char* takeFace(const char* at, const ObjReader* reader, int32_t slo
     return end;
 }
 
-// Statements of one keyword, one after the other. take(argument, k) returns where the next line begins, or null when it
-// does not take the k-th; then it has changed nothing.
+// Takes statements of one keyword, one after the other. take(argument, k) returns where the next line begins, or null
+// when it does not take the k-th; then it has changed nothing.
 template <size_t room, typename Take>
-static int32_t takeRun(ObjSource* source, const char (&keyword)[room], int32_t most, Take take)
+static int32_t takeStatements(ObjSource* source, const char (&keyword)[room], int32_t most, Take take)
 {
-    const char* at = source->at;
+    const char* at = source->blocks.at;
     int32_t taken = 0;
     while (taken < most && at < source->linesEnd)
     {
@@ -169,7 +168,7 @@ static int32_t takeRun(ObjSource* source, const char (&keyword)[room], int32_t m
         at = next;
         ++taken;
     }
-    source->at = at;
+    readOnFrom(&source->blocks, at);
     return taken;
 }
 
@@ -177,8 +176,8 @@ static int32_t takeVertices(ObjReader* reader, int32_t most)
 {
     MeshVertex* vertices = reader->mesh->vertices + reader->vertexCount;
     most = std::min(most, reader->mesh->vertexCapacity - reader->vertexCount);
-    int32_t taken = takeRun(&reader->source, "v ", most,
-                            [vertices](const char* at, int32_t k) { return takeVertex(at, &vertices[k]); });
+    int32_t taken = takeStatements(&reader->source, "v ", most,
+                                   [vertices](const char* at, int32_t k) { return takeVertex(at, &vertices[k]); });
     reader->vertexCount += taken;
     return taken;
 }
@@ -188,7 +187,7 @@ static int32_t takeUvs(ObjReader* reader, int32_t most)
     Uv* uvs = reader->mesh->uvs + reader->uvCount;
     most = std::min(most, reader->mesh->uvCapacity - reader->uvCount);
     int32_t taken =
-        takeRun(&reader->source, "vt ", most, [uvs](const char* at, int32_t k) { return takeUv(at, &uvs[k]); });
+        takeStatements(&reader->source, "vt ", most, [uvs](const char* at, int32_t k) { return takeUv(at, &uvs[k]); });
     reader->uvCount += taken;
     return taken;
 }
@@ -197,8 +196,8 @@ static int32_t takeFaces(ObjReader* reader, int32_t most)
 {
     most = std::min(most, reader->mesh->faceCapacity - reader->faceCount);
     int32_t taken =
-        takeRun(&reader->source, "f ", most,
-                [reader](const char* at, int32_t k) { return takeFace(at, reader, reader->faceCount + k); });
+        takeStatements(&reader->source, "f ", most,
+                       [reader](const char* at, int32_t k) { return takeFace(at, reader, reader->faceCount + k); });
     reader->faceCount += taken;
     reader->polygonCount += taken;
     return taken;
@@ -206,7 +205,7 @@ static int32_t takeFaces(ObjReader* reader, int32_t most)
 
 int32_t takePlainStatements(ObjReader* reader, int32_t most)
 {
-    if (usePlainKernels || ClampTexCoords)
+    if (kernelLevel() < kernelsSse2 || ClampTexCoords)
         return 0;
     int32_t taken = 0, before;
     do

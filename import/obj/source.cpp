@@ -1,38 +1,20 @@
 // import/obj/source.cpp - finding statements, a byte at a time or in whole lines
-#include "import/obj/source.h"
+#include "import/obj/parts.h"
 
-#include "import/common/plain_lines.h"
 #include "platform/files.h"
 
-size_t objBlockBytes = objLargestBlock;
-
-static char storage[plainFront + objLargestBlock + plainPadding];
-static char* const block = storage + plainFront;
-
-// Neither a keyword nor an argument: the scan goes on after it.
+// Neither a keyword nor an argument: the scan continues behind it.
 constexpr int objDropped = -1;
 
-static bool isBlank(char c)
+int openObjSource(ObjSource* source, const char* path, size_t blockBytes)
 {
-    return c == ' ' || c == '\t';
-}
-
-static bool isLineEnd(char c)
-{
-    return c == '\n' || c == '\r';
-}
-
-int openObjSource(ObjSource* source, const char* path)
-{
-    source->file = openFile(path, "rb");
-    if (!source->file)
+    FILE* file = openFile(path, "rb");
+    if (!file)
         return 0;
-    setvbuf(source->file, nullptr, _IONBF, 0); // blocks go straight to where they are looked at
-    source->sizeBytes = measureFile(source->file);
-    source->readBytes = 0;
-    source->at = source->blockEnd = source->linesEnd = block;
-    source->ended = source->copied = false;
-    if (source->sizeBytes > 0)
+    startBlocks(&source->blocks, file, blockBytes);
+    source->linesEnd = source->blocks.at;
+    source->copied = false;
+    if (source->blocks.sizeBytes > 0)
         return 1;
     closeObjSource(source);
     return 0;
@@ -40,37 +22,34 @@ int openObjSource(ObjSource* source, const char* path)
 
 void closeObjSource(ObjSource* source)
 {
-    fclose(source->file);
-    source->file = nullptr;
+    fclose(source->blocks.file);
+    source->blocks.file = nullptr;
 }
 
-static int readBlock(ObjSource* source)
+// Nothing of the old block is left unread here: a statement that runs across two blocks is copied together.
+static bool nextBlock(ObjSource* source)
 {
-    if (source->ended)
-        return 0;
-    size_t came = fread(block, 1, objBlockBytes, source->file);
-    source->ended = came < objBlockBytes;
-    source->readBytes += static_cast<int64_t>(came);
-    source->at = block;
-    source->blockEnd = source->linesEnd = block + came;
-    while (source->linesEnd > block && !isLineEnd(source->linesEnd[-1]))
+    BlockSource* blocks = &source->blocks;
+    size_t held = holdBytes(blocks, 1);
+    source->linesEnd = blocks->end;
+    while (source->linesEnd > blocks->at && !isLineEnd(source->linesEnd[-1]))
         --source->linesEnd;
-    return came > 0;
+    return held > 0;
 }
 
 int ReadObjChar(ObjSource* source, char* out)
 {
-    if (source->at == source->blockEnd && !readBlock(source))
+    BlockSource* blocks = &source->blocks;
+    if (blocks->at == blocks->end && !nextBlock(source))
         return 0;
-    *out = *source->at++;
+    *out = *blocks->at++;
     return 1;
 }
 
 int64_t objPosition(const ObjSource* source)
 {
-    int64_t taken = source->readBytes - (source->blockEnd - source->at);
-    int64_t position = (taken + 4095) / 4096 * 4096;
-    return position < source->sizeBytes ? position : source->sizeBytes;
+    int64_t position = (blockPosition(&source->blocks) + 4095) / 4096 * 4096;
+    return position < source->blocks.sizeBytes ? position : source->blocks.sizeBytes;
 }
 
 // The rest of a line whose next byte is c, its end included.
@@ -84,8 +63,8 @@ static int dropLine(ObjSource* source, char c)
     return objDropped;
 }
 
-// What follows a long keyword's first letter. A byte that does not fit is taken and the rest of the line is looked at
-// as if it were a new one, on purpose.
+// What follows a long keyword's first letter. A byte that does not fit is taken, and the rest of the line is read as
+// if it were a new line: the scan has no way back, since the byte may be the last one of a block.
 static int matchKeyword(ObjSource* source, const char* rest, int kind)
 {
     char c;
@@ -130,7 +109,7 @@ static int matchStatement(ObjSource* source, char first)
     }
 }
 
-// Copies an argument together. Returns its kind, objEmpty when there is none, objEnd when it has no end.
+// Copies an argument. Returns its kind, objEmpty when there is none, objEnd when it has no end.
 static int copyArgument(ObjSource* source, int kind)
 {
     char c;
@@ -153,7 +132,7 @@ static int copyArgument(ObjSource* source, int kind)
     return kind;
 }
 
-// One statement, or one line that is none, byte by byte: the meaning of the scan.
+// One statement, or one line without one, byte by byte: the meaning of the scan.
 static int scanBytes(ObjSource* source)
 {
     char c;
@@ -166,37 +145,16 @@ static int scanBytes(ObjSource* source)
     return kind > objEnd ? copyArgument(source, kind) : kind;
 }
 
-// Eight bytes at a time; few bytes of a text lie below 14.
-const char* findObjLineEnd(const char* at)
-{
-    for (;;)
-    {
-        uint64_t bytes = loadEight(at);
-        uint64_t low = (bytes - 0x0E0E0E0E0E0E0E0E) & ~bytes & 0x8080808080808080;
-        if (!low)
-        {
-            at += 8;
-            continue;
-        }
-        at += __builtin_ctzll(low) >> 3;
-        if (isLineEnd(*at))
-            return at;
-        ++at;
-    }
-}
-
 // What follows a keyword and its separator. The line's end is in the block.
 static int beginArgument(ObjSource* source, const char* at, int kind, const char** text)
 {
     while (isBlank(*at))
         ++at;
-    source->at = at;
+    bool isEmpty = isLineEnd(*at);
+    readOnFrom(&source->blocks, at + isEmpty);
     source->copied = false;
     *text = at;
-    if (!isLineEnd(*at))
-        return kind;
-    ++source->at;
-    return objEmpty;
+    return isEmpty ? objEmpty : kind;
 }
 
 // matchKeyword where the line's end is in the block.
@@ -209,19 +167,19 @@ static int matchKeywordInLine(ObjSource* source, const char* at, const char* key
     }
     if (*keyword == 0 && isBlank(*at))
         return beginArgument(source, at + 1, kind, text);
-    source->at = at + 1;
+    readOnFrom(&source->blocks, at + 1);
     return objDropped;
 }
 
-// scanBytes where the line's end is in the block: source->at lies before linesEnd.
+// scanBytes where the line's end is in the block, before linesEnd.
 static int scanLine(ObjSource* source, const char** text)
 {
-    const char* at = source->at;
+    const char* at = source->blocks.at;
     while (isBlank(*at) || isLineEnd(*at))
     {
         if (++at == source->linesEnd)
         {
-            source->at = at;
+            readOnFrom(&source->blocks, at);
             return objDropped;
         }
     }
@@ -244,7 +202,7 @@ static int scanLine(ObjSource* source, const char** text)
     }
     if (kind != objDropped && isBlank(at[letters]))
         return beginArgument(source, at + letters + 1, kind, text);
-    source->at = findObjLineEnd(at) + 1;
+    readOnFrom(&source->blocks, findLineEnd(at) + 1);
     return objDropped;
 }
 
@@ -253,7 +211,7 @@ int NextObjStatement(ObjSource* source, const char** text)
     int kind;
     do
     {
-        if (source->at < source->linesEnd)
+        if (source->blocks.at < source->linesEnd)
             kind = scanLine(source, text);
         else
         {
@@ -268,9 +226,9 @@ int endObjStatement(ObjSource* source, const char* at)
 {
     if (source->copied)
         return 1;
-    const char* end = isLineEnd(*at) ? at : findObjLineEnd(at);
-    if (end - source->at >= objTextRoom)
+    const char* end = isLineEnd(*at) ? at : findLineEnd(at);
+    if (end - source->blocks.at >= objTextRoom)
         return 0;
-    source->at = end + 1;
+    readOnFrom(&source->blocks, end + 1);
     return 1;
 }

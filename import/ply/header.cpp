@@ -1,73 +1,73 @@
 // import/ply/header.cpp - lines, words and the header of a PLY file
 #include "import/ply/parts.h"
 
-constexpr size_t lookedAtBytes = 256; // a file that is shorter is none
+constexpr size_t examinedBytes = 256; // a shorter file is refused
 
-static_assert(bytePadding > numberPadding);
+static_assert(blockPaddingRoom > numberPaddingRoom);
 
-int findPlyLineEnd(PlyReader* reader)
+bool findPlyLineEnd(PlyReader* reader)
 {
-    ByteSource* source = &reader->source;
-    if (holdBytes(source, lookedAtBytes) < lookedAtBytes)
-        return 0;
-    for (size_t i = 0; i < lookedAtBytes; ++i)
+    BlockSource* blocks = &reader->cursor.blocks;
+    if (holdBytes(blocks, examinedBytes) < examinedBytes)
+        return false;
+    for (size_t i = 0; i < examinedBytes; ++i)
     {
-        uint8_t c = source->block[i];
-        if (c != '\r' && c != '\n')
+        char c = blocks->at[i];
+        if (!isLineEnd(c))
             continue;
-        bool both = c == '\r' && i + 1 < lookedAtBytes && source->block[i + 1] == '\n';
-        reader->lineEnd = both ? '\n' : static_cast<char>(c);
-        return 1;
+        bool both = c == '\r' && i + 1 < examinedBytes && blocks->at[i + 1] == '\n';
+        reader->lineEnd = both ? '\n' : c;
+        return true;
     }
-    return 0;
+    return false;
 }
 
-// The block has the whole line, or more bytes than a line may have; behind them stands a line end, so that nobody
-// needs to look for the block's end.
-int nextPlyLine(PlyReader* reader, PlyLine* line)
+// The block has the whole line, or more bytes than a line may have. A line end is put behind the block, so that no loop
+// has to test for the block's end.
+bool nextPlyLine(PlyReader* reader, PlyLine* line)
 {
-    ByteSource* source = &reader->source;
+    BlockSource* blocks = &reader->cursor.blocks;
     for (;;)
     {
-        if (holdBytes(source, plyLineBytes + 1) == 0)
-            return 0;
-        source->block[source->fill] = static_cast<uint8_t>(reader->lineEnd);
-        line->start = line->at = reinterpret_cast<const char*>(source->block + source->at);
+        if (holdBytes(blocks, plyLineLimit + 1) == 0)
+            return false;
+        *blocks->end = reader->lineEnd;
+        line->start = line->at = blocks->at;
         line->words = 0;
         line->lineEnd = reader->lineEnd;
-        while (isPlyBlank(*line->at) && *line->at != line->lineEnd)
+        while (isBlankOrLineEnd(*line->at) && *line->at != line->lineEnd)
             ++line->at;
         if (*line->at != line->lineEnd)
-            return 1;
+            return true;
         if (!endPlyLine(reader, line))
-            return 0;
+            return false;
     }
 }
 
-int endPlyLine(PlyReader* reader, PlyLine* line)
+bool endPlyLine(PlyReader* reader, PlyLine* line)
 {
-    ByteSource* source = &reader->source;
-    auto* blockEnd = reinterpret_cast<const char*>(source->block + source->fill);
+    BlockSource* blocks = &reader->cursor.blocks;
+    const char* blockEnd = blocks->end;
     auto room = static_cast<size_t>(blockEnd + 1 - line->at);
     const char* end =
         *line->at == line->lineEnd ? line->at : static_cast<const char*>(memchr(line->at, line->lineEnd, room));
     end += end < blockEnd; // the last line may lack its end
     auto bytes = static_cast<size_t>(end - line->start);
-    if (bytes > plyLineBytes)
-        return 0;
-    source->at += bytes;
-    return 1;
+    if (bytes > plyLineLimit)
+        return false;
+    blocks->at += bytes;
+    return true;
 }
 
-int nextPlyWord(PlyLine* line, PlyWord* word)
+bool nextPlyWord(PlyLine* line, PlyWord* word)
 {
     const char* at = line->at;
     char lineEnd = line->lineEnd;
-    while (isPlyBlank(*at) && *at != lineEnd)
+    while (isBlankOrLineEnd(*at) && *at != lineEnd)
         ++at;
     line->at = at;
-    if (*at == lineEnd || line->words == plyMostWords)
-        return 0;
+    if (*at == lineEnd || line->words == plyWordLimit)
+        return false;
     ++line->words;
     if (*at == '"')
     {
@@ -76,13 +76,13 @@ int nextPlyWord(PlyLine* line, PlyWord* word)
             ++at;
         word->end = at;
         line->at = at + (*at == '"');
-        return 1;
+        return true;
     }
     word->text = at;
-    while (!isPlyBlank(*at)) // a line's end is a blank, too
+    while (!isBlankOrLineEnd(*at))
         ++at;
     word->end = line->at = at;
-    return 1;
+    return true;
 }
 
 static bool isWord(const PlyWord& word, const char* text)
@@ -125,7 +125,7 @@ struct HeaderLine
     int32_t count;
 };
 
-static int nextHeaderLine(PlyReader* reader, HeaderLine* header, bool* tooLong)
+static bool nextHeaderLine(PlyReader* reader, HeaderLine* header, bool* tooLong)
 {
     PlyLine line;
     PlyWord word;
@@ -133,8 +133,8 @@ static int nextHeaderLine(PlyReader* reader, HeaderLine* header, bool* tooLong)
     *tooLong = false;
     if (!nextPlyLine(reader, &line))
     {
-        *tooLong = bytesLeft(&reader->source) > 0;
-        return 0;
+        *tooLong = bytesLeft(&reader->cursor) > 0;
+        return false;
     }
     for (; nextPlyWord(&line, &word); ++header->count)
     {
@@ -145,11 +145,11 @@ static int nextHeaderLine(PlyReader* reader, HeaderLine* header, bool* tooLong)
     return !*tooLong;
 }
 
-static int readFormat(PlyReader* reader, const HeaderLine& line)
+static bool readFormat(PlyReader* reader, const HeaderLine& line)
 {
     static constexpr const char* names[] = { "ascii", "binary_big_endian", "binary_little_endian" };
     if (line.count != 3)
-        return 0;
+        return false;
     reader->version = plyWordReal(line.words[2]);
     int format = plyAscii;
     for (const char* name : names)
@@ -157,64 +157,64 @@ static int readFormat(PlyReader* reader, const HeaderLine& line)
         if (isWord(line.words[1], name))
         {
             reader->format = format;
-            return 1;
+            return true;
         }
         ++format;
     }
-    return 0;
+    return false;
 }
 
-static int readElement(PlyReader* reader, const HeaderLine& line)
+static bool readElement(PlyReader* reader, const HeaderLine& line)
 {
-    if (line.count < 3 || reader->format == plyNoFormat || reader->elementCount == plyMostElements)
-        return 0;
+    if (line.count < 3 || reader->format == plyNoFormat || reader->elementCount == plyElementLimit)
+        return false;
     PlyElement* element = &reader->elements[reader->elementCount++];
     copyWord(element->name, line.words[1]);
     element->propertyCount = 0;
     element->count = plyWordWhole(line.words[2]);
-    return 1;
+    return true;
 }
 
-static int readProperty(PlyReader* reader, const HeaderLine& line)
+static bool readProperty(PlyReader* reader, const HeaderLine& line)
 {
     if (line.count < 3 || reader->elementCount == 0)
-        return 0;
+        return false;
     PlyElement* element = &reader->elements[reader->elementCount - 1];
-    if (element->propertyCount == plyMostProperties)
-        return 0;
+    if (element->propertyCount == plyPropertyLimit)
+        return false;
     PlyProperty* property = &element->properties[element->propertyCount++];
     property->field = plyUnwanted;
     property->countType = plyInt8;
     if (isWord(line.words[1], "list"))
     {
         if (line.count < 5)
-            return 0;
+            return false;
         property->kind = plyList;
         property->countType = typeNamed(line.words[2]);
         property->type = typeNamed(line.words[3]);
         copyWord(property->name, line.words[4]);
-        return 1;
+        return true;
     }
     bool isString = isWord(line.words[1], "string");
     property->kind = isString ? plyString : plyScalar;
     property->type = isString ? plyInt8 : typeNamed(line.words[1]);
     copyWord(property->name, line.words[2]);
-    return 1;
+    return true;
 }
 
 // The file's end ends the header as well. Comments and other lines mean nothing.
-int readPlyHeader(PlyReader* reader)
+bool readPlyHeader(PlyReader* reader)
 {
     HeaderLine line;
     bool tooLong;
     if (!nextHeaderLine(reader, &line, &tooLong) || !isWord(line.words[0], "ply"))
-        return 0;
+        return false;
     while (nextHeaderLine(reader, &line, &tooLong))
     {
         const PlyWord& keyword = line.words[0];
-        int ok = 1;
+        bool ok = true;
         if (isWord(keyword, "end_header"))
-            return 1;
+            return true;
         if (isWord(keyword, "format"))
             ok = readFormat(reader, line);
         else if (isWord(keyword, "element"))
@@ -222,7 +222,7 @@ int readPlyHeader(PlyReader* reader)
         else if (isWord(keyword, "property"))
             ok = readProperty(reader, line);
         if (!ok)
-            return 0;
+            return false;
     }
     return !tooLong;
 }

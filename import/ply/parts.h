@@ -3,17 +3,17 @@
 // A header names elements in the order of their data, each with a number of instances and the properties of one. In
 // ASCII files an instance is a line, in binary ones its properties follow each other without gaps.
 #pragma once
-#include "import/common/bytes.h"
+#include "import/common/byte_cursor.h"
 #include "import/common/numbers.h"
 #include "import/common/sanitize.h"
 #include "model/mesh.h"
 
-constexpr int32_t plyMostElements = 64;
-constexpr int32_t plyMostProperties = 64; // of one element
-constexpr size_t plyNameRoom = 31;        // longer names are cut
-constexpr size_t plyLineBytes = 4095;     // of the longest line, its end included
-constexpr int32_t plyMostWords = 256;     // of one line; those after them are not looked at
-constexpr int32_t plyFirstListRoom = 32;
+constexpr int32_t plyElementLimit = 64;
+constexpr int32_t plyPropertyLimit = 64; // of one element
+constexpr size_t plyNameRoom = 31;       // longer names are cut
+constexpr size_t plyLineLimit = 4095;    // bytes of a line, its end included
+constexpr int32_t plyWordLimit = 256;    // of one line; the words after them are ignored
+constexpr int32_t plyFirstListCapacity = 32;
 
 enum PlyFormat
 {
@@ -25,7 +25,7 @@ enum PlyFormat
 
 enum PlyType : uint8_t
 {
-    plyUnknown = 0, // any other name: takes neither byte nor word and is 0
+    plyUnknown = 0, // any other name: its values are 0 and take neither byte nor word
     plyInt8 = 1,
     plyInt16 = 2,
     plyInt32 = 3,
@@ -71,7 +71,7 @@ struct PlyElement
     char name[plyNameRoom];
     int32_t count;
     int32_t propertyCount;
-    PlyProperty properties[plyMostProperties];
+    PlyProperty properties[plyPropertyLimit];
 };
 
 // One vertex while it is read; the colours are 255 before each.
@@ -83,24 +83,25 @@ struct PlyVertex
 
 struct PlyReader
 {
-    ByteSource source;
     char lineEnd;
     int32_t format; // PlyFormat
     float version;
     int32_t elementCount;
-    PlyElement elements[plyMostElements];
+    PlyElement elements[plyElementLimit];
 
-    int32_t* list; // the last list that was read, of every property: a later one of the instance replaces it
+    int32_t* list; // the last list that was read, of any property: a later one of the instance replaces it
     int32_t listCount;
-    int32_t listRoom;
+    int32_t listCapacity;
     int64_t sizelessLeft; // items of unknown type, which take no bytes, that lists may still have
 
     int32_t progressCount; // vertices, faces and strip steps since the bar moved
-    int verticesRead, facesRead;
+    bool verticesRead, faceListRead, stripsRead;
     int32_t normalsDone; // faces whose planes are known and whose vertices have their share
+
+    ByteCursor cursor;
 };
 
-// One value, both ways. A float's whole number is truncated toward zero.
+// One value as a whole number and as a float. A float's whole number is truncated toward zero.
 struct PlyNumber
 {
     int32_t whole;
@@ -113,8 +114,8 @@ struct PlyWord
     const char* end;
 };
 
-// A line that is looked at where it lies in the block; up to lineEnd, blanks separate words. A word in double quotes
-// runs to the next double quote or the line's end.
+// A line where it lies in the block; up to lineEnd, blanks separate words. A word in double quotes runs to the next
+// double quote or the line's end.
 struct PlyLine
 {
     const char* start;
@@ -123,19 +124,14 @@ struct PlyLine
     char lineEnd;
 };
 
-inline bool isPlyBlank(char c)
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
+// Finds the next line that is not blank. Returns false at the end of the file and for a line that is too long.
+// endPlyLine takes the rest of the line; it returns false when the line is too long.
+bool nextPlyLine(PlyReader* reader, PlyLine* line);
+bool endPlyLine(PlyReader* reader, PlyLine* line);
 
-// Finds the next line that is not blank. Returns 0 at the end of the file and for a line that is too long.
-// endPlyLine takes the rest of the line; it returns 0 when the line is too long.
-int nextPlyLine(PlyReader* reader, PlyLine* line);
-int endPlyLine(PlyReader* reader, PlyLine* line);
-
-// Returns 0 when the line has no more words. A word's text is followed by a byte that no number goes on with, and is
+// Returns false when the line has no more words. The byte after a word's text cannot continue a number, and the text is
 // padded for fast number reading.
-int nextPlyWord(PlyLine* line, PlyWord* word);
+bool nextPlyWord(PlyLine* line, PlyWord* word);
 
 // The number at a word's beginning as scanf takes it; 0 when there is none.
 inline const char* plyNumberStart(const PlyWord& word)
@@ -160,25 +156,27 @@ inline float plyWordReal(const PlyWord& word)
     return value;
 }
 
-// Finds out what ends a line; then the header up to the line after "end_header". Return 0 for what is not one.
-int findPlyLineEnd(PlyReader* reader);
-int readPlyHeader(PlyReader* reader);
+// Finds out what ends a line; then reads the header and the line end after "end_header". Return false for a file that
+// has none.
+bool findPlyLineEnd(PlyReader* reader);
+bool readPlyHeader(PlyReader* reader);
 
 // The fewest bytes of one instance.
 int64_t plyInstanceBytes(const PlyReader* reader, const PlyElement& element);
 
-// Whether the file can have the instances that an element announces. What takes no bytes may be there once for every
-// byte of the file.
-int plyCountPossible(const PlyReader* reader, const PlyElement& element);
+// Whether the file can have the instances that an element announces. An instance that takes no bytes may be there once
+// for every byte of the file.
+bool plyCountPossible(const PlyReader* reader, const PlyElement& element);
 
-// Reads one instance. vertex null: no value is wanted. The list is empty before. Returns 0 for a short read, a line
-// that is too long or has too few words, a negative list length, and one that the file cannot hold.
-int readPlyInstance(PlyReader* reader, const PlyElement& element, PlyVertex* vertex);
+// Reads one instance. The list is emptied first. A null vertex means that no value is wanted. Returns false for a short
+// read, a line that is too long or has too few words, and a list length that is negative or more than the file can
+// hold.
+bool readPlyInstance(PlyReader* reader, const PlyElement& element, PlyVertex* vertex);
 
-// The instances that nearly all of an ASCII file's lines are: three numbers for a position, a 3 and three numbers for a
-// triangle, with single blanks between them. Take them as long as they come, at most `most` lines, and return how many;
-// the next one is for readPlyInstance, which takes any line apart. The faces have room; triangles with a corner that is
-// no vertex are dropped.
+// Take the instances that make up nearly all lines of an ASCII file: three numbers for a position, or a 3 and three
+// numbers for a triangle, with single blanks between them. They go on as long as such lines come, for at most `most`
+// lines, and return how many they took; readPlyInstance reads the next one, however it is written. The faces have room;
+// a triangle with a corner that is not a vertex is dropped.
 int32_t takePlainPositions(PlyReader* reader, MeshVertex* vertices, int32_t most);
 int32_t takePlainTriangles(PlyReader* reader, Mesh* mesh, int32_t most);
 
@@ -201,14 +199,13 @@ inline PlyNumber plyReal(float value)
     return { static_cast<int32_t>(value), value };
 }
 
-// SanitizeFloat's rule on the exponent of a double.
+// SanitizeFloat's rule, for the exponent of a double.
 inline PlyNumber plyReal64(uint64_t bits)
 {
     uint64_t exponent = (bits >> 52) & 0x7FF;
-    if (exponent == 0 || exponent >= 1023 + 20)
+    if (exponent == 0 || exponent >= 1023 + coordinateExponentLimit)
         bits = 0;
-    double value;
-    memcpy(&value, &bits, sizeof value);
+    auto value = std::bit_cast<double>(bits);
     return { static_cast<int32_t>(value), static_cast<float>(value) };
 }
 
@@ -227,13 +224,10 @@ inline T plyLoad(const uint8_t* bytes, bool swap)
 
 inline float plyLoadFloat(const uint8_t* bytes, bool swap)
 {
-    uint32_t bits = plyLoad<uint32_t>(bytes, swap);
-    float value;
-    memcpy(&value, &bits, sizeof value);
-    return value;
+    return std::bit_cast<float>(plyLoad<uint32_t>(bytes, swap));
 }
 
-// A value in a binary file; swap: its bytes are in the other order.
+// A value in a binary file. swap: its bytes are in the order that the machine does not use.
 inline PlyNumber decodePlyNumber(PlyType type, const uint8_t* bytes, bool swap)
 {
     switch (type)

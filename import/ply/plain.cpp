@@ -1,19 +1,21 @@
-// import/ply/plain.cpp - the lines that nearly all of an ASCII file is: positions and triangles
+// import/ply/plain.cpp - the lines that nearly all of an ASCII file consists of: positions and triangles
 //
-// Numbers stand with single blanks between them, the first of which begins the line. A line is first taken as one of
-// plain numbers, then by the scanners of any number; what is written in yet another way is left.
-#include "import/common/plain_lines.h"
+// Numbers stand with single blanks between them, and the first number begins the line. A line is first read as one of
+// plain numbers, then by the scanners of any number; a line that is written in another way is left.
 #include "import/ply/parts.h"
 
-// The end of a line after its last number: blanks and the line's end, which is passed. Null for anything else, and for
-// a line that is too long.
+#include "import/common/plain_lines.h"
+#include "platform/processor.h"
+
+// Passes the blanks and the line end that follow the last number of a line. Null for anything else, and for a line that
+// is too long.
 static const char* passPlainEnd(const char* line, const char* at, char lineEnd)
 {
     if (!at)
         return nullptr;
     while (*at == ' ' || (*at == '\r' && lineEnd != '\r'))
         ++at;
-    return *at == lineEnd && at - line < static_cast<ptrdiff_t>(plyLineBytes) ? at + 1 : nullptr;
+    return *at == lineEnd && at - line < static_cast<ptrdiff_t>(plyLineLimit) ? at + 1 : nullptr;
 }
 
 // Returns what follows the last number, or null.
@@ -46,11 +48,8 @@ static const char* takePosition(const char* line, char lineEnd, MeshVertex* vert
     const char* end = passPlainEnd(line, scanThree(line, position, scanFloatPadded), lineEnd);
     if (!end)
         return nullptr;
-    for (size_t axis = 0; axis < 3; ++axis)
-    {
-        SanitizeFloat(&position[axis]);
-        vertex->position[axis] = position[axis];
-    }
+    sanitizeEach(position);
+    memcpy(vertex->position, position, sizeof position);
     vertex->colour = opaqueWhite;
     return end;
 }
@@ -79,36 +78,17 @@ static const char* takeTriangle(const char* line, char lineEnd, Mesh* mesh)
     return end;
 }
 
-// Lines that lie in the block with all that a line may have, one after the other. take(line, k) returns where the next
-// one begins, or null when it does not take the k-th.
-template <typename Take>
-static int32_t takeRun(PlyReader* reader, int32_t most, Take take)
-{
-    ByteSource* source = &reader->source;
-    int32_t taken = 0;
-    while (taken < most && holdBytes(source, plyLineBytes + 1) > plyLineBytes && source->at >= plainFront)
-    {
-        const char* line = reinterpret_cast<const char*>(source->block + source->at);
-        const char* next = take(line, taken);
-        if (!next)
-            break;
-        source->at += static_cast<size_t>(next - line);
-        ++taken;
-    }
-    return taken;
-}
-
 int32_t takePlainPositions(PlyReader* reader, MeshVertex* vertices, int32_t most)
 {
     char lineEnd = reader->lineEnd;
-    return takeRun(reader, most,
-                   [vertices, lineEnd](const char* line, int32_t k)
-                   { return takePosition(line, lineEnd, &vertices[k]); });
+    return takePlainLines(&reader->cursor.blocks, plyLineLimit + 1, most,
+                          [vertices, lineEnd](const char* line, int32_t k)
+                          { return takePosition(line, lineEnd, &vertices[k]); });
 }
 
 int32_t takePlainTriangles(PlyReader* reader, Mesh* mesh, int32_t most)
 {
     char lineEnd = reader->lineEnd;
-    return takeRun(reader, most,
-                   [mesh, lineEnd](const char* line, int32_t) { return takeTriangle(line, lineEnd, mesh); });
+    return takePlainLines(&reader->cursor.blocks, plyLineLimit + 1, most,
+                          [mesh, lineEnd](const char* line, int32_t) { return takeTriangle(line, lineEnd, mesh); });
 }

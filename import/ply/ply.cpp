@@ -2,12 +2,13 @@
 #include "import/ply/ply.h"
 
 #include "import/common/corners.h"
+#include "import/common/growth.h"
 #include "import/ply/parts.h"
 #include "model/memory.h"
 #include "model/normals.h"
-#include "model/settings.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
+#include "platform/processor.h"
 #include "tools/uvs.h"
 
 #include <algorithm>
@@ -24,7 +25,7 @@ static void countProgress(PlyReader* reader, int32_t steps)
     if (reader->progressCount < progressInterval)
         return;
     reader->progressCount %= progressInterval;
-    setProgress(byteFraction(&reader->source));
+    setProgress(blockFraction(&reader->cursor.blocks));
 }
 
 // Lines until the bar moves next.
@@ -71,7 +72,7 @@ struct VertexLayout
         size_t offset;
         PlyType type;
         PlyField field;
-    } places[plyMostProperties];
+    } places[plyPropertyLimit];
     int32_t placeCount;
     size_t recordBytes; // 0: a vertex has no fixed size
     bool floatsOnly;    // x, y and z are floats side by side and nothing else is wanted
@@ -140,23 +141,23 @@ static void decodePositions(MeshVertex* out, const uint8_t* at, int64_t count, c
     }
 }
 
-static int readVertexRecords(PlyReader* reader, Mesh* mesh, const VertexLayout& layout)
+static bool readVertexRecords(PlyReader* reader, Mesh* mesh, const VertexLayout& layout)
 {
     bool swap = reader->format == plyBigEndian;
     for (int32_t done = 0; done < mesh->vertexCount;)
     {
         int32_t wanted = mesh->vertexCount - done;
         int64_t count;
-        const uint8_t* at = takeRecords(&reader->source, layout.recordBytes,
+        const uint8_t* at = takeRecords(&reader->cursor, layout.recordBytes,
                                         wanted < progressInterval ? wanted : progressInterval, &count);
         if (!at)
-            return 0;
+            return false;
         auto* decode = layout.floatsOnly ? decodePositions : decodeVertices;
         decode(mesh->vertices + done, at, count, layout, swap);
         done += static_cast<int32_t>(count);
         countProgress(reader, static_cast<int32_t>(count));
     }
-    return 1;
+    return true;
 }
 
 // Whether a vertex of an ASCII file is x, y and z as floats, in this order, and nothing else.
@@ -169,80 +170,77 @@ static bool isPlainVertex(const PlyElement& element)
     return plain;
 }
 
-static int readVertices(PlyReader* reader, Mesh* mesh, PlyElement* element)
+static bool readOneVertex(PlyReader* reader, MeshVertex* out, const PlyElement& element)
 {
-    if (reader->verticesRead || element->count < 0)
-        return 0;
-    reader->verticesRead = 1;
-    if (markVertexFields(element))
-        vertexColoursPresent = 1;
-    if (!plyCountPossible(reader, *element) || !growVertices(mesh, element->count))
-        return 0;
-    mesh->vertexCount = element->count;
-    if (reader->format != plyAscii)
+    PlyVertex vertex = { { 0, 0, 0 }, { 255, 255, 255, 255 } };
+    if (!readPlyInstance(reader, element, &vertex))
+        return false;
+    storeVertex(out, vertex);
+    return true;
+}
+
+static bool readVertexInstances(PlyReader* reader, Mesh* mesh, const PlyElement& element)
+{
+    bool plain = reader->format == plyAscii && isPlainVertex(element) && kernelLevel() >= kernelsSse2;
+    for (int32_t done = 0; done < element.count;)
     {
-        VertexLayout layout = layOutVertex(*element);
-        if (layout.recordBytes)
-            return readVertexRecords(reader, mesh, layout);
-    }
-    bool plain = reader->format == plyAscii && isPlainVertex(*element) && !usePlainKernels;
-    PlyVertex vertex = {};
-    for (int32_t done = 0; done < element->count;)
-    {
+        MeshVertex* out = mesh->vertices + done;
         int32_t taken = 0;
         if (plain)
-            taken = takePlainPositions(reader, mesh->vertices + done,
-                                       std::min(element->count - done, untilProgress(reader)));
+            taken = takePlainPositions(reader, out, std::min(element.count - done, untilProgress(reader)));
         if (taken == 0)
         {
-            for (int32_t& colour : vertex.colour)
-                colour = 255;
-            if (!readPlyInstance(reader, *element, &vertex))
-                return 0;
-            storeVertex(&mesh->vertices[done], vertex);
+            if (!readOneVertex(reader, out, element))
+                return false;
             taken = 1;
         }
         done += taken;
         countProgress(reader, taken);
     }
-    return 1;
+    return true;
 }
 
-// Sees to room for more records. Long polygons must not copy the arrays too often.
-static int roomForFaces(Mesh* mesh, int32_t records)
+static bool readVertices(PlyReader* reader, Mesh* mesh, PlyElement* element)
 {
-    int64_t missing = int64_t{ mesh->faceCount } + records - mesh->faceCapacity;
-    if (missing <= 0)
-        return 1;
-    int64_t step = mesh->faceCapacity / 4;
-    step = step > spareFaces ? step : spareFaces;
-    step = step > missing ? step : missing;
-    int64_t most = INT32_MAX - mesh->faceCapacity;
-    return growFaces(mesh, static_cast<int32_t>(step < most || missing > most ? step : most));
+    if (reader->verticesRead || element->count < 0)
+        return false;
+    reader->verticesRead = true;
+    if (markVertexFields(element))
+        vertexColoursPresent = 1;
+    if (!plyCountPossible(reader, *element) || !growVertices(mesh, element->count))
+        return false;
+    mesh->vertexCount = element->count;
+    VertexLayout layout = reader->format != plyAscii ? layOutVertex(*element) : VertexLayout{};
+    return layout.recordBytes ? readVertexRecords(reader, mesh, layout) : readVertexInstances(reader, mesh, *element);
 }
 
-static int startFaces(Mesh* mesh, int64_t count)
+static bool makeFaceRoom(Mesh* mesh, int32_t records)
+{
+    return growFaces(mesh, growthFor(mesh->faceCapacity, int64_t{ mesh->faceCount } + records, spareFaces));
+}
+
+static bool startFaces(Mesh* mesh, int64_t count)
 {
     count += spareFaces;
     return growFaces(mesh, static_cast<int32_t>(count < INT32_MAX ? count : INT32_MAX));
 }
 
-// A face of the list; one of fewer than three corners, or with one that is no vertex, is dropped.
-static int storeListFace(PlyReader* reader, Mesh* mesh)
+// Stores the face of the list. It is dropped when it has fewer than three corners, or one that is not a vertex.
+static bool storeListFace(PlyReader* reader, Mesh* mesh)
 {
     int32_t count = reader->listCount;
     if (count < 3)
-        return 1;
+        return true;
     for (int32_t k = 0; k < count; ++k)
     {
         if (static_cast<uint32_t>(reader->list[k]) >= static_cast<uint32_t>(mesh->vertexCount))
-            return 1;
+            return true;
     }
-    if (!roomForFaces(mesh, polygonRecords(count)))
-        return 0;
+    if (!makeFaceRoom(mesh, polygonRecords(count)))
+        return false;
     CornerList corners = { reader->list, nullptr, count, 0, 0 };
     mesh->faceCount += storePolygon(mesh, mesh->faceCount, corners, 0);
-    return 1;
+    return true;
 }
 
 // The face slots behind faceCount are zero, so a face needs its corners only.
@@ -254,14 +252,14 @@ static void storeTriangle(Mesh* mesh, uint32_t a, uint32_t b, uint32_t c)
     mesh->faces[mesh->faceCount++] = { a, b, c, noCorner };
 }
 
-// Brings the normals up to the faces that have been stored, as long as those are in the cache.
+// Adds the normals of the faces stored since the last call, while those are in the cache.
 static void catchUpNormals(PlyReader* reader, Mesh* mesh)
 {
     addFaceNormals(mesh, reader->normalsDone, mesh->faceCount);
     reader->normalsDone = mesh->faceCount;
 }
 
-// The usual binary face: one list of 32-bit indices with a count of one byte, and scalars that nobody wants.
+// The usual binary face: one list of 32-bit indices with a count of one byte, and scalars that are not used.
 struct FaceLayout
 {
     size_t before, after; // bytes of scalars
@@ -283,19 +281,18 @@ static FaceLayout layOutFace(const PlyElement& element)
         else
             return {};
     }
-    layout.usual = lists == 1 && !usePlainKernels;
+    layout.usual = lists == 1 && kernelLevel() > kernelsPlain;
     return layout;
 }
 
-// Takes faces of so many corners as long as they come and lie in the block whole. Returns how many; there is room for
+// Takes faces of so many corners as long as they come and lie whole in the block. Returns how many; there is room for
 // `most`. The face slots behind faceCount are zero, so a face needs its corners only.
 template <size_t corners, bool swap>
-static int32_t takeRun(ByteSource* source, Mesh* mesh, const FaceLayout& layout, int32_t most)
+static int32_t takeFacesOfSize(BlockSource* blocks, Mesh* mesh, const FaceLayout& layout, int32_t most)
 {
     const size_t bytes = layout.before + 1 + corners * sizeof(uint32_t) + layout.after;
-    holdBytes(source, bytes);
-    const uint8_t* at = source->block + source->at + layout.before;
-    const size_t held = (source->fill - source->at) / bytes;
+    const size_t held = holdBytes(blocks, bytes) / bytes;
+    const uint8_t* at = reinterpret_cast<const uint8_t*>(blocks->at) + layout.before;
     most = held < static_cast<size_t>(most) ? static_cast<int32_t>(held) : most;
     const auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
     Corners* out = mesh->faces + mesh->faceCount;
@@ -313,19 +310,19 @@ static int32_t takeRun(ByteSource* source, Mesh* mesh, const FaceLayout& layout,
             *out++ = face;
     }
     mesh->faceCount = static_cast<int32_t>(out - mesh->faces);
-    source->at += static_cast<size_t>(taken) * bytes;
+    blocks->at += static_cast<size_t>(taken) * bytes;
     return taken;
 }
 
 // Takes triangles and quads as they come. Returns how many, at most as many as there is room for.
 template <bool swap>
-static int32_t takeUsualFaces(ByteSource* source, Mesh* mesh, const FaceLayout& layout, int32_t most)
+static int32_t takeUsualFaces(BlockSource* blocks, Mesh* mesh, const FaceLayout& layout, int32_t most)
 {
     int32_t taken = 0;
-    for (int32_t run = -1; run != 0 && taken < most; taken += run)
+    for (int32_t came = -1; came != 0 && taken < most; taken += came)
     {
-        run = takeRun<3, swap>(source, mesh, layout, most - taken);
-        run += takeRun<4, swap>(source, mesh, layout, most - taken - run);
+        came = takeFacesOfSize<3, swap>(blocks, mesh, layout, most - taken);
+        came += takeFacesOfSize<4, swap>(blocks, mesh, layout, most - taken - came);
     }
     return taken;
 }
@@ -338,62 +335,76 @@ static bool isPlainFace(const PlyElement& element)
     return element.propertyCount == 1 && list.kind == plyList && isWhole(list.countType) && isWhole(list.type);
 }
 
-static int readFaces(PlyReader* reader, Mesh* mesh, const PlyElement& element)
+// How the faces of the element are read; neither: one by one.
+struct FaceReading
 {
-    if (reader->facesRead == 1 || !plyCountPossible(reader, element))
-        return 0;
-    reader->facesRead = 1;
-    if (!startFaces(mesh, element.count > 0 ? element.count : 0))
-        return 0;
-    bool swap = reader->format == plyBigEndian;
-    FaceLayout layout = reader->format == plyAscii ? FaceLayout{} : layOutFace(element);
-    bool plain = reader->format == plyAscii && isPlainFace(element) && !usePlainKernels;
-    for (int32_t done = 0; done < element.count;)
+    FaceLayout layout;
+    bool swap;  // of a binary file
+    bool plain; // lines of plain numbers
+};
+
+// Takes faces by the fast ways, as many as come. *taken is 0 when the next face needs readPlyInstance. Returns false
+// when memory gives out.
+static bool takeFastFaces(PlyReader* reader, Mesh* mesh, const FaceReading& reading, int32_t left, int32_t* taken)
+{
+    *taken = 0;
+    if (reading.layout.usual)
     {
-        int32_t taken = 0;
-        if (layout.usual)
-        {
-            int32_t most = element.count - done;
-            most = most < progressInterval ? most : progressInterval;
-            if (!roomForFaces(mesh, most))
-                return 0;
-            auto* take = swap ? takeUsualFaces<true> : takeUsualFaces<false>;
-            taken = take(&reader->source, mesh, layout, most);
-            catchUpNormals(reader, mesh);
-        }
-        else if (plain)
-        {
-            int32_t room = mesh->faceCapacity - mesh->faceCount;
-            taken = takePlainTriangles(reader, mesh, std::min({ element.count - done, untilProgress(reader), room }));
-            if (taken > 0)
-                catchUpNormals(reader, mesh);
-        }
+        int32_t most = std::min(left, progressInterval);
+        if (!makeFaceRoom(mesh, most))
+            return false;
+        auto* take = reading.swap ? takeUsualFaces<true> : takeUsualFaces<false>;
+        *taken = take(&reader->cursor.blocks, mesh, reading.layout, most);
+    }
+    else if (reading.plain)
+    {
+        int32_t room = mesh->faceCapacity - mesh->faceCount;
+        *taken = takePlainTriangles(reader, mesh, std::min({ left, untilProgress(reader), room }));
+    }
+    if (*taken > 0)
+        catchUpNormals(reader, mesh);
+    return true;
+}
+
+static bool readFaces(PlyReader* reader, Mesh* mesh, const PlyElement& element)
+{
+    if (reader->faceListRead || !plyCountPossible(reader, element))
+        return false;
+    reader->faceListRead = true;
+    if (!startFaces(mesh, element.count > 0 ? element.count : 0))
+        return false;
+    bool isText = reader->format == plyAscii;
+    FaceReading reading = { isText ? FaceLayout{} : layOutFace(element), reader->format == plyBigEndian,
+                            isText && isPlainFace(element) && kernelLevel() >= kernelsSse2 };
+    for (int32_t done = 0, taken; done < element.count; done += taken)
+    {
+        if (!takeFastFaces(reader, mesh, reading, element.count - done, &taken))
+            return false;
         if (taken == 0)
         {
             if (!readPlyInstance(reader, element, nullptr) || !storeListFace(reader, mesh))
-                return 0;
+                return false;
             taken = 1;
         }
-        done += taken;
         countProgress(reader, taken);
     }
-    return 1;
+    return true;
 }
 
-// -1 ends a strip; the triangle after the next two entries starts the new one. Triangles without area stay.
-static int readStrips(PlyReader* reader, Mesh* mesh, const PlyElement& element)
+// -1 ends a strip, and the two entries after it begin the next one. Triangles without area stay.
+static bool readStrips(PlyReader* reader, Mesh* mesh, const PlyElement& element)
 {
     if (element.count != 1)
-        return 1;
+        return true;
     if (!readPlyInstance(reader, element, nullptr))
-        return 0;
+        return false;
     if (reader->listCount < 3)
-        return 1;
-    if (reader->facesRead)
-        return 0;
-    reader->facesRead = 2;
+        return true;
+    if (reader->faceListRead || reader->stripsRead)
+        return false;
+    reader->stripsRead = true;
     if (!startFaces(mesh, reader->listCount))
-        return 0;
+        return false;
     const auto* entries = reinterpret_cast<const uint32_t*>(reader->list);
     bool odd = false;
     for (int64_t i = 2; i < reader->listCount; ++i)
@@ -408,15 +419,15 @@ static int readStrips(PlyReader* reader, Mesh* mesh, const PlyElement& element)
         storeTriangle(mesh, entries[i - 2], entries[odd ? i : i - 1], entries[odd ? i - 1 : i]);
         odd = !odd;
     }
-    return 1;
+    return true;
 }
 
-static int readBody(PlyReader* reader, Mesh* mesh)
+static bool readBody(PlyReader* reader, Mesh* mesh)
 {
     for (int32_t i = 0; i < reader->elementCount; ++i)
     {
         PlyElement* element = &reader->elements[i];
-        int ok = 1;
+        bool ok = true;
         if (hasName(element->name, "vertex"))
             ok = readVertices(reader, mesh, element);
         else if (hasName(element->name, "face"))
@@ -424,18 +435,18 @@ static int readBody(PlyReader* reader, Mesh* mesh)
         else if (hasName(element->name, "tristrips"))
             ok = readStrips(reader, mesh, *element);
         else
-            readPlyInstance(reader, *element, nullptr); // of any other one instance is passed over, on purpose
+            readPlyInstance(reader, *element, nullptr); // other elements are single records in the files that have them
         if (!ok)
-            return 0;
+            return false;
     }
-    return 1;
+    return true;
 }
 
 // Reads the opened file with the boxes around it.
-static int readPly(PlyReader* reader, Mesh* mesh)
+static bool readPly(PlyReader* reader, Mesh* mesh)
 {
     showProgress("LOADING.....");
-    int ok = findPlyLineEnd(reader) && readPlyHeader(reader) && readBody(reader, mesh);
+    bool ok = findPlyLineEnd(reader) && readPlyHeader(reader) && readBody(reader, mesh);
     closeProgress();
     if (ok)
     {
@@ -458,13 +469,13 @@ int LoadPlyFile(Mesh* mesh, const char* path)
         return 0;
     int64_t sizeBytes = measureFile(file);
     auto* reader = sizeBytes > 0 ? static_cast<PlyReader*>(tableAlloc(sizeof(PlyReader))) : nullptr;
-    int32_t* list = reader ? static_cast<int32_t*>(tableAlloc(plyFirstListRoom * sizeof(int32_t))) : nullptr;
+    int32_t* list = reader ? static_cast<int32_t*>(tableAlloc(plyFirstListCapacity * sizeof(int32_t))) : nullptr;
     int ok = 0;
     if (list)
     {
-        startBytes(&reader->source, file, sizeBytes);
+        startBytes(&reader->cursor, file);
         reader->list = list;
-        reader->listRoom = plyFirstListRoom;
+        reader->listCapacity = plyFirstListCapacity;
         reader->sizelessLeft = sizeBytes;
         ok = readPly(reader, mesh);
     }

@@ -1,46 +1,26 @@
 // import/text/dxf.cpp - DXF: pairs of lines, a group code and its value; a code 0 starts the next entity
 #include "import/text/dxf.h"
 
+#include "import/common/growth.h"
 #include "import/common/plain_lines.h"
 #include "import/common/sanitize.h"
 #include "model/memory.h"
 #include "model/normals.h"
-#include "model/settings.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
+#include "platform/processor.h"
 #include "tools/uvs.h"
 
 #include <string.h>
 #include <algorithm>
 
-constexpr int32_t growthStep = 1024;
-constexpr int64_t faceBytes = 128; // of a file for each face, hardly ever less
+constexpr int32_t leastGrowth = 1024;
+constexpr int64_t faceBytes = 128; // of a file for each face; hardly any file has less
 constexpr int32_t firstPlaces = 4096;
 
 // A code's place in DxfFace: 0 is the layer, 1 to 12 the coordinates, corner by corner.
 constexpr int faceItems = 13;
 constexpr uint32_t allFaceItems = (1u << faceItems) - 1;
-
-// The first NUL, line feed or carriage return, or `end`. Eight bytes at a time; the block is padded.
-static const char* findLineEnd(const char* at, const char* end)
-{
-    constexpr uint64_t ones = 0x0101010101010101;
-    while (at < end)
-    {
-        uint64_t bytes = loadEight(at);
-        uint64_t low = (bytes - ones * ('\r' + 1)) & ~bytes & (ones << 7); // the lowest mark is a byte up to '\r'
-        if (!low)
-        {
-            at += 8;
-            continue;
-        }
-        at += __builtin_ctzll(low) >> 3;
-        if (at >= end || *at == '\n' || *at == '\r' || *at == 0)
-            break;
-        ++at; // a tab or the like
-    }
-    return at < end ? at : end;
-}
 
 static void keepCutLine(DxfSource* source)
 {
@@ -52,19 +32,19 @@ static void keepCutLine(DxfSource* source)
 // Reads a line without the blanks in front, up to the first NUL, line feed or carriage return.
 static bool nextDxfLine(DxfSource* source)
 {
-    LineSource* lines = &source->lines;
-    size_t available = fetchBytes(lines, dxfLineLimit - 1);
+    BlockSource* blocks = &source->blocks;
+    size_t available = holdBytes(blocks, dxfLineRoom - 1);
     if (available == 0)
         return false;
-    const char* text = lines->block + lines->next;
-    const char* limit = text + (available < dxfLineLimit - 1 ? available : dxfLineLimit - 1);
+    const char* text = blocks->at;
+    const char* limit = text + (available < dxfLineRoom - 1 ? available : dxfLineRoom - 1);
     while (text < limit && *text == ' ')
         ++text;
-    const char* end = findLineEnd(text, limit);
+    const char* end = findTextEnd(text, limit);
     const char* next = end;
     if (end < limit && *end != '\n')
         next = static_cast<const char*>(memchr(end, '\n', static_cast<size_t>(limit - end)));
-    lines->next = static_cast<size_t>((next && next < limit ? next + 1 : limit) - lines->block);
+    readOnFrom(blocks, next && next < limit ? next + 1 : limit);
     source->text = text;
     source->length = static_cast<size_t>(end - text);
     if (end == limit) // the text goes on behind it
@@ -92,7 +72,7 @@ static int faceItem(const DxfSource* source)
 static float readCoordinate(const DxfSource* source)
 {
     const char* text = source->text;
-    while (*text == ' ' || *text == '\t' || *text == '\v' || *text == '\f')
+    while (isSpaceInLine(*text))
         ++text;
     float value = 0;
     scanFloatPadded(text, &value);
@@ -101,7 +81,7 @@ static float readCoordinate(const DxfSource* source)
 }
 
 #ifdef __SSE2__
-// Passes a byte that is no digit and stands where a sign might.
+// Passes a byte that is not a digit and stands where a sign might.
 static void passDoubled(PlainLine* line)
 {
     line->signs |= uint64_t{ 1 } << line->at;
@@ -145,11 +125,11 @@ static bool takeCoordinate(PlainLine* line, uint16_t code, PlainNumber* value)
 // false, with nothing read, for any others.
 static bool takePlainCorner(DxfSource* source, DxfFace* face, int corner)
 {
-    constexpr size_t longest = 3 * 64 + plainPadding;
-    LineSource* lines = &source->lines;
-    if (fetchBytes(lines, longest) < longest || usePlainKernels)
+    constexpr size_t longest = 3 * 64 + plainLineRoom;
+    BlockSource* blocks = &source->blocks;
+    if (!source->plainLines || holdBytes(blocks, longest) < longest)
         return false;
-    PlainLine line = startPlainLine(lines->block + lines->next);
+    PlainLine line = startPlainLine(blocks->at);
     auto code = static_cast<uint16_t>('1' | ('0' + corner) << 8); // little-endian
     PlainNumber x, y, z;
     if (!takeCoordinate(&line, code, &x) || !takeCoordinate(&line, static_cast<uint16_t>(code + 1), &y) ||
@@ -161,7 +141,7 @@ static bool takePlainCorner(DxfSource* source, DxfFace* face, int corner)
     float values[4];
     _mm_storeu_ps(values, position);
     memcpy(face->corners[corner], values, sizeof face->corners[corner]);
-    lines->next = static_cast<size_t>(line.text + line.at - lines->block);
+    readOnFrom(blocks, line.text + line.at);
     return true;
 }
 #else
@@ -171,7 +151,7 @@ static bool takePlainCorner(DxfSource*, DxfFace*, int)
 }
 #endif
 
-// Takes the corners of which nothing has been seen, as long as they come in order.
+// Takes the corners of which nothing has been read, as long as they come in order.
 static void takePlainCorners(DxfSource* source, DxfFace* face)
 {
     for (int corner = 0; corner < 4; ++corner)
@@ -233,7 +213,7 @@ static uint32_t hashPosition(const float (&position)[3], uint32_t seed)
     return static_cast<uint32_t>(hash);
 }
 
-// The place of the vertex with these coordinates, or the free one where it would go.
+// The place of the vertex with these coordinates, or the free place where it would go.
 static int32_t* findPlace(const DxfWelder* welder, const Mesh* mesh, const float (&position)[3])
 {
     uint32_t mask = static_cast<uint32_t>(welder->placeCount) - 1;
@@ -243,18 +223,18 @@ static int32_t* findPlace(const DxfWelder* welder, const Mesh* mesh, const float
     return &welder->places[place];
 }
 
-static int growWelder(DxfWelder* welder, const Mesh* mesh)
+static bool growWelder(DxfWelder* welder, const Mesh* mesh)
 {
     if (welder->placeCount > INT32_MAX / 2)
-        return reportOutOfMemory();
+        return reportOutOfMemory() != 0;
     DxfWelder grown = *welder;
     grown.placeCount = welder->placeCount ? welder->placeCount * 2 : firstPlaces;
     while (grown.placeCount / 2 < mesh->vertexCapacity && grown.placeCount <= INT32_MAX / 2)
         grown.placeCount *= 2;
     grown.places = static_cast<int32_t*>(workAlloc(blockSize(grown.placeCount, sizeof(int32_t))));
     if (!grown.places)
-        return 0;
-    // The seed is not to be foretold, so that no file can be made of positions that all hash alike.
+        return false;
+    // Nobody can predict the seed, so that no file can be made whose positions all collide.
     grown.seed = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(grown.places) >> 12) * 0x9E3779B1u;
     for (int32_t i = 0; i < mesh->vertexCount; ++i)
     {
@@ -264,15 +244,7 @@ static int growWelder(DxfWelder* welder, const Mesh* mesh)
     }
     freeDxfWelder(welder);
     *welder = grown;
-    return 1;
-}
-
-// As many again as there are, so that the copying of growth stays in proportion to what is read.
-static int32_t growthOf(int32_t capacity)
-{
-    int32_t most = INT32_MAX - capacity;
-    int32_t wanted = capacity < growthStep ? growthStep : capacity;
-    return wanted < most ? wanted : most;
+    return true;
 }
 
 int32_t WeldDxfVertex(DxfWelder* welder, Mesh* mesh, float x, float y, float z)
@@ -287,7 +259,7 @@ int32_t WeldDxfVertex(DxfWelder* welder, Mesh* mesh, float x, float y, float z)
     if (*place)
         return *place - 1;
     int32_t index = mesh->vertexCount;
-    if (index == mesh->vertexCapacity && !growVertices(mesh, growthOf(mesh->vertexCapacity)))
+    if (!growVertices(mesh, growthFor(mesh->vertexCapacity, int64_t{ index } + 1, leastGrowth)))
         return -1;
     memcpy(mesh->vertices[index].position, position, sizeof position);
     mesh->vertices[index].colour = opaqueWhite;
@@ -301,30 +273,30 @@ void freeDxfWelder(DxfWelder* welder)
     *welder = {};
 }
 
-static int storeFace(Mesh* mesh, DxfWelder* welder, const DxfFace& face, int cornerTotal)
+static bool storeFace(Mesh* mesh, DxfWelder* welder, const DxfFace& face, int cornerTotal)
 {
-    if (mesh->faceCount == mesh->faceCapacity && !growFaces(mesh, growthOf(mesh->faceCapacity)))
-        return 0;
+    if (!growFaces(mesh, growthFor(mesh->faceCapacity, int64_t{ mesh->faceCount } + 1, leastGrowth)))
+        return false;
     Corners corners = { noCorner, noCorner, noCorner, noCorner }, coords = {};
     for (int k = 0; k < cornerTotal; ++k)
     {
         const float* corner = face.corners[k];
         int32_t vertex = WeldDxfVertex(welder, mesh, corner[0], corner[1], corner[2]);
         if (vertex < 0)
-            return 0;
+            return false;
         corners[static_cast<size_t>(k)] = coords[static_cast<size_t>(k)] = static_cast<uint32_t>(vertex);
     }
     mesh->faces[mesh->faceCount] = corners;
     mesh->faceUvs[mesh->faceCount] = coords;
     mesh->faceAttributes[mesh->faceCount] = 0;
     ++mesh->faceCount;
-    return 1;
+    return true;
 }
 
-// Reads entity after entity. Returns 0 only when memory gives out: a file that ends anywhere is read up to there.
-static int readEntities(DxfSource* source, Mesh* mesh, DxfWelder* welder)
+// Reads entity after entity. Returns false only when memory gives out: a file that ends anywhere is read up to there.
+static bool readEntities(DxfSource* source, Mesh* mesh, DxfWelder* welder)
 {
-    bool lineWaits = false; // the line that ended a face is to be looked at
+    bool lineWaits = false; // the line that ended a face has not been examined
     while (lineWaits || nextDxfLine(source))
     {
         lineWaits = false;
@@ -345,27 +317,26 @@ static int readEntities(DxfSource* source, Mesh* mesh, DxfWelder* welder)
         if (cornerTotal == 0)
             break;
         if (cornerTotal > 0 && !storeFace(mesh, welder, face, cornerTotal))
-            return 0;
+            return false;
         lineWaits = true;
     }
     mesh->liveFaceCount = mesh->faceCount;
     mesh->lineCount = 0;
-    return 1;
+    return true;
 }
 
-// As many of each as there are faces: that is what a net of quads has, and pages that nothing is written to cost
-// nothing.
+// Vertices and faces alike: a net of quads has as many of both, and pages that nothing is written to cost nothing.
 static int32_t expectedFaces(const DxfSource* source)
 {
-    return static_cast<int32_t>(std::clamp<int64_t>(source->lines.sizeBytes / faceBytes, growthStep, INT32_MAX));
+    return static_cast<int32_t>(std::clamp<int64_t>(source->blocks.sizeBytes / faceBytes, leastGrowth, INT32_MAX));
 }
 
-static int readDxf(DxfSource* source, Mesh* mesh)
+static bool readDxf(DxfSource* source, Mesh* mesh)
 {
     DxfWelder welder = {};
     int32_t expected = expectedFaces(source);
-    int ok = growVertices(mesh, expected) && growUvs(mesh, growthStep) && growFaces(mesh, expected) &&
-             readEntities(source, mesh, &welder);
+    bool ok = growVertices(mesh, expected) && growUvs(mesh, leastGrowth) && growFaces(mesh, expected) &&
+              readEntities(source, mesh, &welder);
     freeDxfWelder(&welder);
     return ok;
 }
@@ -382,8 +353,9 @@ int LoadDxfFile(Mesh* mesh, const char* path)
     if (!file)
         return 0;
     DxfSource source;
-    startLines(&source.lines, file);
-    int ok = readDxf(&source, mesh);
+    startBlocks(&source.blocks, file);
+    source.plainLines = kernelLevel() >= kernelsSse2;
+    bool ok = readDxf(&source, mesh);
     fclose(file);
     if (!ok)
         return failUnreadable();

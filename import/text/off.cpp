@@ -4,16 +4,16 @@
 #include "import/common/plain_lines.h"
 #include "import/common/sanitize.h"
 #include "model/normals.h"
-#include "model/settings.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
+#include "platform/processor.h"
 #include "tools/uvs.h"
 
 #include <string.h>
 #include <algorithm>
 
-constexpr size_t lineLimit = 256;
-constexpr int32_t spare = 1024;             // vertices and faces that the tools find room for
+constexpr size_t lineRoom = 256;            // with the terminator; what is left of a longer line is the next line
+constexpr int32_t spareRecords = 1024;      // vertices and faces that tools may add
 constexpr int32_t progressInterval = 10000; // lines
 constexpr int64_t shortestVertexBytes = 2;  // a character and a line feed: a bad vertex line is a vertex
 constexpr int64_t shortestFaceBytes = 8;    // "3 0 1 2" and a line feed
@@ -23,16 +23,6 @@ struct OffCounts
     int32_t vertices, faces;
 };
 
-static bool isBlank(char c)
-{
-    return c == ' ' || c == '\t';
-}
-
-static bool isBlankOrLineEnd(char c)
-{
-    return isBlank(c) || c == '\r' || c == '\n';
-}
-
 static int32_t untilProgress(const OffSource* source)
 {
     return progressInterval - source->lineCount % progressInterval;
@@ -41,16 +31,15 @@ static int32_t untilProgress(const OffSource* source)
 // At most untilProgress of them.
 static void countLines(OffSource* source, int32_t count)
 {
-    LineSource* lines = &source->lines;
     source->lineCount += count;
     if (count > 0 && source->lineCount % progressInterval == 0)
-        setProgress(static_cast<float>(linePosition(lines)) / static_cast<float>(lines->sizeBytes));
+        setProgress(blockFraction(&source->lines.blocks));
 }
 
 int NextOffLine(OffSource* source)
 {
-    LineSource* lines = &source->lines;
-    while (nextLine(lines, lineLimit))
+    LineView* lines = &source->lines;
+    while (nextLine(lines, lineRoom))
     {
         char* line = lines->line;
         size_t length = lines->lineLength;
@@ -73,43 +62,44 @@ int NextOffLine(OffSource* source)
 static int32_t roomFor(int32_t announced, int64_t most)
 {
     int64_t count = announced < 0 ? 0 : announced;
-    count = (count < most ? count : most) + spare;
+    count = (count < most ? count : most) + spareRecords;
     return count < INT32_MAX ? static_cast<int32_t>(count) : INT32_MAX;
 }
 
-static int readHeader(OffSource* source, Mesh* mesh, OffCounts* counts)
+static bool readHeader(OffSource* source, Mesh* mesh, OffCounts* counts)
 {
     if (!NextOffLine(source) || strcmp(source->line, "OFF") != 0 || !NextOffLine(source))
-        return 0;
+        return false;
     int32_t announced[2];
     if (scanInts(source->line, announced, 2) < 2)
-        return 0;
+        return false;
     *counts = { announced[0], announced[1] };
-    int64_t left = source->lines.sizeBytes - linePosition(&source->lines) + 1; // the last line may lack its line feed
+    const BlockSource& blocks = source->lines.blocks;
+    int64_t left = blocks.sizeBytes - blockPosition(&blocks) + 1; // the last line may lack its line feed
     if (counts->vertices < 1 || counts->vertices > left / shortestVertexBytes)
-        return 0;
+        return false;
     return growVertices(mesh, roomFor(counts->vertices, counts->vertices)) &&
            growFaces(mesh, roomFor(counts->faces, left / shortestFaceBytes));
 }
 
+static void storeVertex(MeshVertex* vertex, float (&position)[3])
+{
+    sanitizeTogether(position);
+    memcpy(vertex->position, position, sizeof position);
+    vertex->colour = opaqueWhite;
+}
+
 // A line that does not hold three good numbers is a vertex all the same: it keeps the numbering of those after it.
-static void readPosition(const char* line, float (&position)[3])
+static void readVertexLine(const char* line, MeshVertex* vertex)
 {
+    float position[3];
     if (scanFloats(line, position, 3) < 3)
-        position[0] = position[1] = position[2] = 0;
+        memset(position, 0, sizeof position);
+    storeVertex(vertex, position);
 }
 
-static void sanitizePosition(float (&position)[3])
-{
-    int good = 1;
-    for (float& value : position)
-        good &= SanitizeFloat(&value);
-    if (!good)
-        position[0] = position[1] = position[2] = 0;
-}
-
-// Lines as nearly all are need no look at anything but their numbers: they are read straight from the block, as plain
-// ones first. A line that has to be taken apart, such as a comment, gives null; a vertex is then still to be set.
+// Nearly all lines hold nothing but numbers. They are read straight from the block, as plain lines first. A line that
+// has to be examined further, such as a comment, gives null, and readVertexLine reads it.
 template <typename Number>
 static const char* scanInLine(const char* at, Number* numbers, int count, const char* (*scan)(const char*, Number*))
 {
@@ -122,13 +112,13 @@ static const char* scanInLine(const char* at, Number* numbers, int count, const 
     return at;
 }
 
-// From the place after the last number to the next line. No line is longer than it may be.
+// From the place behind the last number to the next line; null when the line is too long.
 static const char* endLine(const char* line, const char* at)
 {
-    if (!at || at - line >= static_cast<ptrdiff_t>(lineLimit - 1))
+    if (!at || at - line >= static_cast<ptrdiff_t>(lineRoom - 1))
         return nullptr;
     if (*at != '\n')
-        at = static_cast<const char*>(memchr(at, '\n', static_cast<size_t>(line + lineLimit - 1 - at)));
+        at = static_cast<const char*>(memchr(at, '\n', static_cast<size_t>(line + lineRoom - 1 - at)));
     return at ? at + 1 : nullptr;
 }
 
@@ -143,9 +133,10 @@ static const char* takePosition(const char* line, MeshVertex* vertex)
         return endLine(line, plainEnd);
     }
 #endif
-    const char* end = endLine(line, scanInLine(line, vertex->position, 3, scanFloatPadded));
-    sanitizePosition(vertex->position);
-    vertex->colour = opaqueWhite;
+    float position[3];
+    const char* end = endLine(line, scanInLine(line, position, 3, scanFloatPadded));
+    if (end)
+        storeVertex(vertex, position);
     return end;
 }
 
@@ -157,7 +148,7 @@ static bool cornersUsable(const Corners& corners, uint32_t vertexCount)
     return inRange && a != b && a != c && a != d && b != c && b != d && c != d;
 }
 
-// Only the first four corners of a larger polygon are kept, on purpose: the file is read as triangles and quads.
+// Only the first four corners of a larger polygon are kept: the file is read as triangles and quads.
 static void storeFace(Mesh* mesh, const int32_t (&numbers)[5])
 {
     if (numbers[0] < 3 || (numbers[0] > 3 && numbers[4] < 0))
@@ -170,7 +161,7 @@ static void storeFace(Mesh* mesh, const int32_t (&numbers)[5])
         mesh->faces[mesh->faceCount++] = corners; // the other arrays are zero as they come
 }
 
-// The corner count has one digit, as all but a few have.
+// The corner count has one digit, as in all but a few lines.
 static const char* takeFace(const char* line, Mesh* mesh)
 {
     if (line[0] < '3' || line[0] > '9' || !isBlank(line[1]))
@@ -194,54 +185,35 @@ static const char* takeFace(const char* line, Mesh* mesh)
     return end;
 }
 
-// Lines that lie in the block with all that a line may have, one after the other. take(line, k) returns where the next
-// one begins, or null when it does not take the k-th.
 template <typename Take>
-static int32_t takeRun(OffSource* source, int32_t most, Take take)
+static int32_t takeLines(OffSource* source, int32_t most, Take take)
 {
-    if (usePlainKernels)
+    if (!source->plainLines)
         return 0;
-    LineSource* lines = &source->lines;
-    most = std::min(most, untilProgress(source));
-    int32_t taken = 0;
-    for (bool goesOn = true; goesOn && taken < most;)
-    {
-        const char* at = peekBytes(lines, lineLimit);
-        if (!at || at < lines->block + plainFront)
-            break;
-        const char* last = lines->block + lines->fill - lineLimit;
-        while (goesOn && taken < most && at <= last)
-        {
-            const char* next = take(at, taken);
-            goesOn = next != nullptr;
-            taken += goesOn;
-            at = goesOn ? next : at;
-        }
-        takeBytes(lines, at);
-    }
+    openLines(&source->lines);
+    int32_t taken = takePlainLines(&source->lines.blocks, lineRoom, std::min(most, untilProgress(source)), take);
+    closeLines(&source->lines);
     countLines(source, taken);
     return taken;
 }
 
-static int readVertices(OffSource* source, Mesh* mesh, int32_t count)
+static bool readVertices(OffSource* source, Mesh* mesh, int32_t count)
 {
     for (int32_t done = 0; done < count;)
     {
         MeshVertex* vertices = mesh->vertices + done;
-        int32_t taken = takeRun(source, count - done,
-                                [vertices](const char* line, int32_t k) { return takePosition(line, &vertices[k]); });
+        int32_t taken = takeLines(source, count - done,
+                                  [vertices](const char* line, int32_t k) { return takePosition(line, &vertices[k]); });
         done += taken;
         if (taken > 0)
             continue;
         if (!NextOffLine(source))
-            return 0;
-        readPosition(source->line, vertices->position);
-        sanitizePosition(vertices->position);
-        vertices->colour = opaqueWhite;
+            return false;
+        readVertexLine(source->line, vertices);
         ++done;
     }
     mesh->vertexCount = count;
-    return 1;
+    return true;
 }
 
 // A list that is shorter than announced is no error, nor is a file that grows while it is read.
@@ -250,8 +222,8 @@ static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
     int32_t normalsDone = 0; // made for the faces of a run while those are in the cache
     for (int32_t done = 0; done < announced;)
     {
-        int32_t taken = takeRun(source, std::min(announced - done, mesh->faceCapacity - mesh->faceCount),
-                                [mesh](const char* line, int32_t) { return takeFace(line, mesh); });
+        int32_t taken = takeLines(source, std::min(announced - done, mesh->faceCapacity - mesh->faceCount),
+                                  [mesh](const char* line, int32_t) { return takeFace(line, mesh); });
         done += taken;
         if (taken > 0)
         {
@@ -273,16 +245,15 @@ static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
     mesh->lineCount = 0;
 }
 
-static int readOff(OffSource* source, Mesh* mesh)
+static bool readOff(OffSource* source, Mesh* mesh)
 {
     OffCounts counts;
-    if (source->lines.sizeBytes <= 0 || !readHeader(source, mesh, &counts))
-        return 0;
-    if (!readVertices(source, mesh, counts.vertices))
-        return 0;
+    if (source->lines.blocks.sizeBytes <= 0 || !readHeader(source, mesh, &counts) ||
+        !readVertices(source, mesh, counts.vertices))
+        return false;
     readFaces(source, mesh, counts.faces);
     computeBounds(mesh);
-    return addPlaceholderUv(mesh); // the texture indices are 0 as they come
+    return addPlaceholderUv(mesh) != 0; // the texture indices are 0 as they come
 }
 
 int LoadOffFile(Mesh* mesh, const char* path)
@@ -297,7 +268,8 @@ int LoadOffFile(Mesh* mesh, const char* path)
     OffSource source;
     startLines(&source.lines, file);
     source.lineCount = 0;
-    int ok = readOff(&source, mesh);
+    source.plainLines = kernelLevel() >= kernelsSse2;
+    bool ok = readOff(&source, mesh);
     fclose(file);
     closeProgress();
     if (!ok)

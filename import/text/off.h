@@ -2,14 +2,15 @@
 //
 // Source: the OFF section of the Geomview manual (The Geometry Center), without its variants of the header
 #pragma once
-#include "import/common/lines.h"
+#include "import/common/line_view.h"
 #include "model/mesh.h"
 
 struct OffSource
 {
-    LineSource lines;
     char* line;        // of NextOffLine
-    int32_t lineCount; // lines that mean something
+    int32_t lineCount; // without comments and blank lines
+    bool plainLines;   // lines may be read by the fast kernel
+    LineView lines;
 };
 
 // Reads triangles and quads; the fifth and further corners of a face are dropped. Everything is of group 0 and

@@ -2,6 +2,7 @@
 #include "import/text/poser.h"
 
 #include "import/common/corners.h"
+#include "import/common/growth.h"
 #include "import/common/names.h"
 #include "import/common/numbers.h"
 #include "import/common/sanitize.h"
@@ -12,6 +13,7 @@
 #include "tools/uvs.h"
 
 #include <string.h>
+#include <algorithm>
 
 constexpr int32_t spareVertices = 256; // beyond what a block announces, of texture coordinates also
 constexpr int32_t spareFaces = 1024;
@@ -27,11 +29,11 @@ struct PoserReader
     Mesh* mesh;
     NameTable groups;
     NameTable materials;
-    int64_t vertexRoom; // vertices announced so far, with their spares; more are an error
-    int64_t uvRoom;
+    int64_t vertexLimit; // vertices announced so far, with their spares; a file with more is refused
+    int64_t uvLimit;
 };
 
-// A geometry block while it is read; the mesh gets to know of it at its end.
+// A geometry block while it is read; at its end it goes into the mesh.
 struct PoserBlock
 {
     int32_t firstVertex, firstUv; // indices in the block start from these
@@ -41,104 +43,98 @@ struct PoserBlock
     uint32_t group, material; // current
 };
 
-static bool isBlank(int c)
-{
-    return c == ' ' || c == '\t';
-}
-
-static bool isLineEnd(int c)
-{
-    return c == '\n' || c == '\r';
-}
-
-// Skips bytes and returns the first that is not to be skipped, still unread, or -1 at the end of the file.
+// Skips bytes and returns false at the end of the file; else the next byte is not to be skipped.
 template <typename Skipped>
-static int skipBytes(LineSource* lines, Skipped skipped)
+static bool skipWhile(BlockSource* blocks, Skipped skipped)
 {
-    while (fetchBytes(lines, 1))
+    while (holdBytes(blocks, 1))
     {
-        int c = static_cast<unsigned char>(lines->block[lines->next]);
-        if (!skipped(c))
-            return c;
-        ++lines->next;
+        if (!skipped(*blocks->at))
+            return true;
+        ++blocks->at;
     }
-    return -1;
+    return false;
 }
 
-static bool atComment(const LineSource* lines)
+// Takes the word at the cursor and the byte that ends it, which *last receives. Returns false for a word without an
+// end.
+static bool takeWord(PoserSource* source, char* last)
 {
-    const char* at = lines->block + lines->next;
-    return at[0] == '/' && at[1] == '/';
-}
-
-// Takes the word at hand and the byte that ends it, which is returned; -1 for a word that does not end.
-static int takeWord(PoserSource* source)
-{
-    LineSource* lines = &source->lines;
-    size_t available = fetchBytes(lines, poserTextRoom);
-    const char* at = lines->block + lines->next;
+    BlockSource* blocks = &source->blocks;
+    size_t available = holdBytes(blocks, poserTextRoom);
+    const char* at = blocks->at;
     for (size_t length = 0; length < poserTextRoom && length < available; ++length)
     {
         char c = at[length];
-        if (isBlank(c) || isLineEnd(c))
+        if (isBlankOrLineEnd(c))
         {
             source->word[length] = 0;
-            lines->next += length + 1;
-            return c;
+            blocks->at += length + 1;
+            *last = c;
+            return true;
         }
         source->word[length] = c;
     }
-    return -1;
+    return false;
 }
 
 // Takes the rest of the line and its end, in whose place the terminator goes.
-static int takeRest(PoserSource* source)
+static bool takeRest(PoserSource* source)
 {
-    LineSource* lines = &source->lines;
-    size_t available = fetchBytes(lines, poserTextRoom);
-    char* at = lines->block + lines->next;
+    BlockSource* blocks = &source->blocks;
+    size_t available = holdBytes(blocks, poserTextRoom);
+    char* at = blocks->at;
     for (size_t length = 0; length < poserTextRoom && length < available; ++length)
     {
         if (!isLineEnd(at[length]))
             continue;
         at[length] = 0;
         source->rest = at;
-        lines->next += length + 1;
-        return 1;
+        blocks->at += length + 1;
+        return true;
     }
-    return 0;
+    return false;
+}
+
+// Skips blanks, line ends and comments. Returns false at the end of the file, also where its last byte could begin a
+// comment.
+static bool skipToToken(BlockSource* blocks)
+{
+    for (;;)
+    {
+        if (!skipWhile(blocks, isBlankOrLineEnd))
+            return false;
+        if (*blocks->at == '{' || *blocks->at == '}')
+            return true;
+        if (holdBytes(blocks, 2) < 2)
+            return false;
+        if (blocks->at[0] != '/' || blocks->at[1] != '/')
+            return true;
+        skipWhile(blocks, [](char c) { return !isLineEnd(c); });
+    }
 }
 
 int NextPoserToken(PoserSource* source)
 {
-    LineSource* lines = &source->lines;
+    BlockSource* blocks = &source->blocks;
     source->rest = source->word + poserTextRoom - 1; // a terminator for a token without a rest
     *source->rest = 0;
-    for (;;)
+    if (!skipToToken(blocks))
+        return 0;
+    if (*blocks->at == '{' || *blocks->at == '}')
     {
-        int c = skipBytes(lines, [](int b) { return isBlank(b) || isLineEnd(b); });
-        if (c < 0)
-            return 0;
-        if (c == '{' || c == '}')
-        {
-            source->word[0] = static_cast<char>(c);
-            source->word[1] = 0;
-            ++lines->next;
-            return 1;
-        }
-        if (fetchBytes(lines, 2) < 2)
-            return 0;
-        if (!atComment(lines))
-            break;
-        skipBytes(lines, [](int b) { return !isLineEnd(b); });
-    }
-    int end = takeWord(source);
-    if (end < 0 || isLineEnd(end))
-        return end >= 0;
-    end = skipBytes(lines, isBlank);
-    if (end >= 0 && isLineEnd(end))
+        source->word[0] = *blocks->at++;
+        source->word[1] = 0;
         return 1;
-    return end >= 0 && takeRest(source);
+    }
+    char last;
+    if (!takeWord(source, &last))
+        return 0;
+    if (isLineEnd(last))
+        return 1;
+    if (!skipWhile(blocks, isBlank))
+        return 0;
+    return isLineEnd(*blocks->at) || takeRest(source);
 }
 
 static bool wordIs(const PoserSource* source, const char* word)
@@ -203,52 +199,38 @@ char* PoserMapName(char* text)
 // How many lines of at least so many bytes the file can still hold.
 static int64_t linesLeft(const PoserReader* reader, int64_t shortestBytes)
 {
-    return (reader->source.lines.sizeBytes - linePosition(&reader->source.lines)) / shortestBytes + 1;
-}
-
-// A capacity for used entries and more of them, as far as it is not there. Returns 1, or 0 when it fits nowhere.
-static int reserve(Mesh* mesh, int (*grow)(Mesh*, int32_t), int32_t capacity, int64_t needed)
-{
-    if (needed <= capacity)
-        return 1;
-    if (needed > INT32_MAX)
-        return reportOutOfMemory();
-    return grow(mesh, static_cast<int32_t>(needed) - capacity);
-}
-
-static int64_t smaller(int64_t a, int64_t b)
-{
-    return a < b ? a : b;
+    const BlockSource& blocks = reader->source.blocks;
+    return (blocks.sizeBytes - blockPosition(&blocks)) / shortestBytes + 1;
 }
 
 // What is announced may be read; memory is taken for no more than the file has lines for.
 static int announceVertices(PoserReader* reader, const PoserBlock* block, int32_t count)
 {
-    reader->vertexRoom += int64_t{ count } + spareVertices;
+    reader->vertexLimit += int64_t{ count } + spareVertices;
     int64_t used = int64_t{ block->firstVertex } + block->vertexCount;
-    return reserve(reader->mesh, growVertices, reader->mesh->vertexCapacity,
-                   smaller(reader->vertexRoom, used + linesLeft(reader, shortestVertexBytes)));
+    int64_t needed = std::min(reader->vertexLimit, used + linesLeft(reader, shortestVertexBytes));
+    return growVertices(reader->mesh, growthFor(reader->mesh->vertexCapacity, needed, 0));
 }
 
 static int announceUvs(PoserReader* reader, const PoserBlock* block, int32_t count)
 {
     if (count < 1)
         return 1;
-    reader->uvRoom += int64_t{ count } + spareVertices;
+    reader->uvLimit += int64_t{ count } + spareVertices;
     int64_t used = int64_t{ block->firstUv } + block->uvCount;
-    return reserve(reader->mesh, growUvs, reader->mesh->uvCapacity,
-                   smaller(reader->uvRoom, used + linesLeft(reader, shortestUvBytes)));
+    int64_t needed = std::min(reader->uvLimit, used + linesLeft(reader, shortestUvBytes));
+    return growUvs(reader->mesh, growthFor(reader->mesh->uvCapacity, needed, 0));
 }
 
 static int announceFaces(PoserReader* reader, const PoserBlock* block, int32_t count)
 {
     if (count < 0)
         return 1;
-    int64_t more = smaller(count, linesLeft(reader, shortestFaceBytes));
-    return reserve(reader->mesh, growFaces, reader->mesh->faceCapacity, block->faceCount + more + spareFaces);
+    int64_t more = std::min(int64_t{ count }, linesLeft(reader, shortestFaceBytes));
+    return growFaces(reader->mesh, growthFor(reader->mesh->faceCapacity, block->faceCount + more + spareFaces, 0));
 }
 
-// scanFloats for the rest of a line, which is padded.
+// scanFloats, for the rest of a line, which is padded.
 static int scanRest(const char* rest, float* values, int count)
 {
     int found = 0;
@@ -270,13 +252,10 @@ static int readVertex(PoserReader* reader, PoserBlock* block)
         return 0;
     Mesh* mesh = reader->mesh;
     int32_t index = block->firstVertex + block->vertexCount;
-    if (index >= reader->vertexRoom || index >= mesh->vertexCapacity)
+    if (index >= reader->vertexLimit || index >= mesh->vertexCapacity)
         return 0;
-    int good = 1;
-    for (float& value : position)
-        good &= SanitizeFloat(&value);
-    for (int axis = 0; axis < 3; ++axis)
-        mesh->vertices[index].position[axis] = good ? position[axis] : 0;
+    sanitizeTogether(position);
+    memcpy(mesh->vertices[index].position, position, sizeof position);
     mesh->vertices[index].colour = opaqueWhite;
     ++block->vertexCount;
     return 1;
@@ -289,21 +268,12 @@ static int readUv(PoserReader* reader, PoserBlock* block)
         return 0;
     Mesh* mesh = reader->mesh;
     int32_t index = block->firstUv + block->uvCount;
-    if (index >= reader->uvRoom || index >= mesh->uvCapacity)
+    if (index >= reader->uvLimit || index >= mesh->uvCapacity)
         return 0;
-    int good = SanitizeFloat(&uv[0]) & SanitizeFloat(&uv[1]);
-    mesh->uvs[index] = good ? Uv{ uv[0], uv[1] } : Uv{};
+    sanitizeTogether(uv);
+    mesh->uvs[index] = { uv[0], uv[1] };
     ++block->uvCount;
     return 1;
-}
-
-// Room for the records of a statement. What there is doubles, so that the copying stays in proportion.
-static int roomForRecords(Mesh* mesh, int32_t used, int32_t records)
-{
-    if (records <= mesh->faceCapacity - used)
-        return 1;
-    int64_t more = mesh->faceCapacity < spareFaces ? spareFaces : mesh->faceCapacity;
-    return reserve(mesh, growFaces, mesh->faceCapacity, smaller(mesh->faceCapacity + more, INT32_MAX));
 }
 
 // A statement with a bad corner is ignored, as is one with fewer corners than it needs. Returns 0 only when memory
@@ -316,19 +286,20 @@ static int readElement(PoserReader* reader, PoserBlock* block, bool polyline)
     if (count < (polyline ? 2 : 3))
         return 1;
     int32_t records = polyline ? polylineRecords(count) : polygonRecords(count);
-    if (!roomForRecords(reader->mesh, block->faceCount, records))
+    Mesh* mesh = reader->mesh;
+    if (!growFaces(mesh, growthFor(mesh->faceCapacity, int64_t{ block->faceCount } + records, spareFaces)))
         return 0;
     CornerList corners = { vertices, uvs, count, block->firstVertex - 1, block->firstUv - 1 };
     uint32_t attributes = block->material | block->group << faceGroupShift;
     if (polyline)
     {
-        storePolyline(reader->mesh, block->faceCount, corners, attributes);
+        storePolyline(mesh, block->faceCount, corners, attributes);
         ++block->lineCount;
     }
     else
     {
-        storePolygon(reader->mesh, block->faceCount, corners, attributes);
-        if (count != 3) // a triangle does not count as a polygon, on purpose
+        storePolygon(mesh, block->faceCount, corners, attributes);
+        if (count != 3) // the count that the panel shows is one of polygons, which triangles are not here
             block->liveFaceCount += records;
     }
     block->faceCount += records;
@@ -525,7 +496,7 @@ static bool opensObject(const PoserSource* source)
 static int readObjects(PoserReader* reader)
 {
     PoserSource* source = &reader->source;
-    if (source->lines.sizeBytes < 0 || !enterBlock(source))
+    if (source->blocks.sizeBytes < 0 || !enterBlock(source))
         return 0;
     while (NextPoserToken(source))
     {
@@ -561,11 +532,11 @@ int LoadPoserFile(Mesh* mesh, const char* path)
     if (!file)
         return 0;
     PoserReader reader;
-    startLines(&reader.source.lines, file);
+    startBlocks(&reader.source.blocks, file);
     reader.mesh = mesh;
     startNames(&reader.groups, mesh->groupNames);
     startNames(&reader.materials, mesh->materialNames);
-    reader.vertexRoom = reader.uvRoom = 0;
+    reader.vertexLimit = reader.uvLimit = 0;
     mesh->lineCount = mesh->liveFaceCount = mesh->faceCount = 0;
 
     const char* failure = "Unable to read file";

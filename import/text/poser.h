@@ -1,15 +1,16 @@
 // import/text/poser.h - Poser props, hair and figures: the geometry and the materials written inside the file
 #pragma once
-#include "import/common/lines.h"
+#include "import/common/block_source.h"
+#include "import/common/numbers.h"
 #include "model/mesh.h"
 
 constexpr size_t poserTextRoom = 2048; // of a word, and of the rest of its line, with the terminator
 
 struct PoserSource
 {
-    LineSource lines;
-    char* rest; // of the token's line; a blank separates it from the word; numberPadding bytes follow it
-    char word[poserTextRoom + numberPadding];
+    char* rest; // of the token's line; a blank separates it from the word; numberPaddingRoom readable bytes follow it
+    char word[poserTextRoom + numberPaddingRoom];
+    BlockSource blocks;
 };
 
 // Reads the geomCustom blocks of all props, hair props, actors and figures into one mesh, and the materials that their
@@ -22,7 +23,7 @@ int LoadPoserFile(Mesh* mesh, const char* path);
 // also when it comes before the line's end, and for a word or a rest of poserTextRoom bytes.
 int NextPoserToken(PoserSource* source);
 
-// After a '{': reads up to the '}' that belongs to it. Returns 1, or 0 at the end of the file.
+// After a '{': reads up to the matching '}'. Returns 1, or 0 at the end of the file.
 int SkipPoserBlock(PoserSource* source);
 
 // Cuts a name in place at its first tab, blank or ':' and to the room of a name. Returns its length.

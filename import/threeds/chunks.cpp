@@ -8,17 +8,17 @@
 
 int readChunkHeader(ThreeDsReadContext* context, Chunk* chunk)
 {
-    int64_t start = bytePosition(&context->source);
-    chunk->id = takeNumber<uint16_t>(&context->source);
-    chunk->length = takeNumber<uint32_t>(&context->source);
+    int64_t start = bytePosition(&context->cursor);
+    chunk->id = takeNumber<uint16_t>(&context->cursor);
+    chunk->length = takeNumber<uint32_t>(&context->cursor);
     chunk->end = start + chunk->length;
-    return !context->source.bad;
+    return !context->cursor.bad;
 }
 
 int readChildren(ThreeDsReadContext* context, const Chunk& parent, EmptyChild emptyChild,
                  int (*readChild)(ThreeDsReadContext* context, const Chunk& child))
 {
-    while (bytePosition(&context->source) < parent.end)
+    while (bytePosition(&context->cursor) < parent.end)
     {
         Chunk child;
         if (!readChunkHeader(context, &child))
@@ -27,8 +27,8 @@ int readChildren(ThreeDsReadContext* context, const Chunk& parent, EmptyChild em
             return emptyChild == emptyChildEndsSection;
         if (!readChild(context, child))
             return 0;
-        seekBytes(&context->source, child.end);
-        if (context->source.bad)
+        seekBytes(&context->cursor, child.end);
+        if (context->cursor.bad)
             return 0;
     }
     return 1;
@@ -39,8 +39,8 @@ int readChunkName(ThreeDsReadContext* context, char (&name)[nameRoom])
     memset(name, 0, sizeof name);
     for (int32_t length = 0; length <= chunkNameLength; ++length)
     {
-        char c = takeNumber<char>(&context->source);
-        if (context->source.bad)
+        char c = takeNumber<char>(&context->cursor);
+        if (context->cursor.bad)
             return 0;
         if (c == 0)
             return 1;

@@ -18,7 +18,7 @@ static int readNodeHeader(ThreeDsReadContext* context)
 {
     char name[nameRoom];
     constexpr size_t flagsAndParentBytes = 6;
-    if (!readChunkName(context, name) || !takeBytes(&context->source, flagsAndParentBytes))
+    if (!readChunkName(context, name) || !takeBytes(&context->cursor, flagsAndParentBytes))
         return 0;
     context->nodeObject = findObject(context, name);
     return 1;
@@ -30,10 +30,10 @@ static int readPivot(ThreeDsReadContext* context)
     float pivot[3];
     for (float& value : pivot)
     {
-        value = takeNumber<float>(&context->source);
+        value = takeNumber<float>(&context->cursor);
         SanitizeFloat(&value);
     }
-    if (context->source.bad)
+    if (context->cursor.bad)
         return 0;
     if (context->nodeObject)
         memcpy(context->nodeObject->pivot, pivot, sizeof pivot);

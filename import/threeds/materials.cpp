@@ -25,7 +25,7 @@ constexpr Material chunkMaterialDefaults = {
 
 static float takeUnitFloat(ThreeDsReadContext* context)
 {
-    float value = takeNumber<float>(&context->source);
+    float value = takeNumber<float>(&context->cursor);
     SanitizeFloat(&value);
     return value < 0 ? 0 : value > 1 ? 1 : value;
 }
@@ -37,9 +37,9 @@ static int readColour(ThreeDsReadContext* context, float (&colour)[3])
     if (!readChunkHeader(context, &chunk) || (chunk.id != chunkColour24 && chunk.id != chunkColourFloat))
         return 0;
     for (float& channel : colour)
-        channel = chunk.id == chunkColour24 ? static_cast<float>(takeNumber<uint8_t>(&context->source)) / 255.0f
+        channel = chunk.id == chunkColour24 ? static_cast<float>(takeNumber<uint8_t>(&context->cursor)) / 255.0f
                                             : takeUnitFloat(context);
-    return !context->source.bad;
+    return !context->cursor.bad;
 }
 
 static int readPercentage(ThreeDsReadContext* context, float* value)
@@ -47,9 +47,9 @@ static int readPercentage(ThreeDsReadContext* context, float* value)
     Chunk chunk;
     if (!readChunkHeader(context, &chunk) || (chunk.id != chunkPercentageInt && chunk.id != chunkPercentageFloat))
         return 0;
-    *value = chunk.id == chunkPercentageInt ? static_cast<float>(takeNumber<uint16_t>(&context->source)) * 0.01f
+    *value = chunk.id == chunkPercentageInt ? static_cast<float>(takeNumber<uint16_t>(&context->cursor)) * 0.01f
                                             : takeUnitFloat(context);
-    return !context->source.bad;
+    return !context->cursor.bad;
 }
 
 static int readShininess(ThreeDsReadContext* context, Material* material)
@@ -90,10 +90,10 @@ static int readTextureChild(ThreeDsReadContext* context, const Chunk& child)
     if (child.id != chunkMapName)
         return 1;
     int64_t dataBytes = child.length > chunkHeaderBytes ? int64_t{ child.length } - chunkHeaderBytes : 0;
-    if (dataBytes > bytesLeft(&context->source))
+    if (dataBytes > bytesLeft(&context->cursor))
         return 0;
     auto kept = static_cast<size_t>(dataBytes < nameRoom ? dataBytes : nameRoom - 1);
-    const uint8_t* data = takeBytes(&context->source, kept);
+    const uint8_t* data = takeBytes(&context->cursor, kept);
     if (!data)
         return 0;
     char* texture = context->material->texture;
@@ -115,7 +115,7 @@ static int readMaterialChild(ThreeDsReadContext* context, const Chunk& child)
     case chunkShininessStrength: return readPercentage(context, &material->specularLevel);
     case chunkTransparency: return readTransparency(context, material);
     case chunkSelfIllumination: return readSelfIllumination(context, material);
-    case chunkShading: context->shading = takeNumber<uint16_t>(&context->source); return !context->source.bad;
+    case chunkShading: context->shading = takeNumber<uint16_t>(&context->cursor); return !context->cursor.bad;
     case chunkTextureMap: return readChildren(context, child, emptyChildFails, readTextureChild);
     default: return 1;
     }

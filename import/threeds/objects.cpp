@@ -1,53 +1,33 @@
 // import/threeds/objects.cpp - objects: vertices, texture coordinates, faces, the object's frame
 #include "import/threeds/parts.h"
 
+#include "import/common/growth.h"
 #include "import/common/sanitize.h"
 #include "platform/boxes.h"
 
-#include <bit>
-
-// What a list's records take, and what a file without texture coordinates has for each of its vertices and faces all
-// told: room for the whole file is taken with the first list, so that later ones do not move it. Others have more
-// bytes; room that is never touched costs nothing.
 constexpr size_t vertexBytes = 12, uvBytes = 8, faceBytes = 8, faceNumberBytes = 2;
+
+// The bytes of a whole file for each of its vertices and faces, when it has no texture coordinates; other files have
+// more. The first list takes room for the whole file, so that later lists do not move it. Room that is never touched
+// costs nothing.
 constexpr int64_t fileBytesPerVertex = 30, fileBytesPerFace = 15;
 
-// How much to grow by to have room for `records` more; 0 when there is. It is at least a quarter of what was there.
-static int32_t growthFor(int32_t records, int32_t count, int32_t capacity, int64_t estimate)
+// Takes a list's length; -1 when the file has fewer records.
+static int32_t takeListCount(ByteCursor* cursor, size_t recordBytes)
 {
-    int64_t missing = int64_t{ count } + records - capacity;
-    if (missing <= 0)
-        return 0;
-    int64_t step = capacity / 4;
-    step = step > missing ? step : missing;
-    step = step > estimate ? step : estimate;
-    int64_t most = INT32_MAX - int64_t{ capacity };
-    if (step > most)
-        step = missing > most ? INT32_MAX : most; // which the growth refuses
-    return static_cast<int32_t>(step);
-}
-
-// Takes a list's length; -1 when the file has not that many records.
-static int32_t takeListCount(ByteSource* source, size_t recordBytes)
-{
-    int32_t count = takeNumber<uint16_t>(source);
-    bool there = !source->bad && count * static_cast<int64_t>(recordBytes) <= bytesLeft(source);
+    int32_t count = takeNumber<uint16_t>(cursor);
+    bool there = !cursor->bad && count * static_cast<int64_t>(recordBytes) <= bytesLeft(cursor);
     return there ? count : -1;
 }
 
-// A vertex with a coordinate that SanitizeFloat reports bad goes to the origin.
 static void decodeVertices(MeshVertex* out, const uint8_t* at, int64_t count)
 {
     for (int64_t i = 0; i < count; ++i, at += vertexBytes)
     {
-        uint32_t x, y, z;
-        memcpy(&x, at, sizeof x);
-        memcpy(&y, at + sizeof x, sizeof y);
-        memcpy(&z, at + 2 * sizeof x, sizeof z);
-        int good = int{ isGoodFloat(x) } & int{ isGoodFloat(y) } & int{ isGoodFloat(z) }; // without branches
-        out[i].position[0] = std::bit_cast<float>(good ? sanitizedBits(x) : 0);
-        out[i].position[1] = std::bit_cast<float>(good ? sanitizedBits(y) : 0);
-        out[i].position[2] = std::bit_cast<float>(good ? sanitizedBits(z) : 0);
+        float position[3];
+        memcpy(position, at, sizeof position);
+        sanitizeTogether(position);
+        memcpy(out[i].position, position, sizeof position);
         out[i].colour = opaqueWhite;
     }
 }
@@ -55,15 +35,15 @@ static void decodeVertices(MeshVertex* out, const uint8_t* at, int64_t count)
 static int readVertices(ThreeDsReadContext* context)
 {
     Mesh* mesh = context->mesh;
-    ByteSource* source = &context->source;
+    ByteCursor* cursor = &context->cursor;
     context->vertexBase = mesh->vertexCount;
-    int32_t wanted = takeListCount(source, vertexBytes);
-    if (wanted < 0 || !growVertices(mesh, growthFor(wanted, mesh->vertexCount, mesh->vertexCapacity,
-                                                    bytesLeft(source) / fileBytesPerVertex)))
+    int32_t wanted = takeListCount(cursor, vertexBytes);
+    if (wanted < 0 || !growVertices(mesh, growthFor(mesh->vertexCapacity, int64_t{ mesh->vertexCount } + wanted,
+                                                    bytesLeft(cursor) / fileBytesPerVertex)))
         return 0;
     for (int64_t count; wanted > 0; wanted -= static_cast<int32_t>(count))
     {
-        const uint8_t* at = takeRecords(source, vertexBytes, wanted, &count);
+        const uint8_t* at = takeRecords(cursor, vertexBytes, wanted, &count);
         if (!at)
             return 0;
         decodeVertices(mesh->vertices + mesh->vertexCount, at, count);
@@ -75,24 +55,23 @@ static int readVertices(ThreeDsReadContext* context)
 static int readMappingCoords(ThreeDsReadContext* context)
 {
     Mesh* mesh = context->mesh;
-    ByteSource* source = &context->source;
+    ByteCursor* cursor = &context->cursor;
     context->uvBase = mesh->uvCount;
-    int32_t wanted = takeListCount(source, uvBytes);
-    if (wanted < 0 ||
-        !growUvs(mesh, growthFor(wanted, mesh->uvCount, mesh->uvCapacity, bytesLeft(source) / fileBytesPerVertex)))
+    int32_t wanted = takeListCount(cursor, uvBytes);
+    if (wanted < 0 || !growUvs(mesh, growthFor(mesh->uvCapacity, int64_t{ mesh->uvCount } + wanted,
+                                               bytesLeft(cursor) / fileBytesPerVertex)))
         return 0;
     for (int64_t count; wanted > 0; wanted -= static_cast<int32_t>(count))
     {
-        const uint8_t* at = takeRecords(source, uvBytes, wanted, &count);
+        const uint8_t* at = takeRecords(cursor, uvBytes, wanted, &count);
         if (!at)
             return 0;
         for (int64_t i = 0; i < count; ++i, at += uvBytes)
         {
-            Uv uv;
-            memcpy(&uv, at, uvBytes);
-            int good = SanitizeFloat(&uv.u);
-            good &= SanitizeFloat(&uv.v);
-            mesh->uvs[mesh->uvCount++] = good ? uv : Uv{ 0, 0 };
+            float uv[2];
+            memcpy(uv, at, sizeof uv);
+            sanitizeTogether(uv);
+            mesh->uvs[mesh->uvCount++] = { uv[0], uv[1] };
         }
     }
     return 1;
@@ -104,7 +83,7 @@ static void readMatrix(ThreeDsReadContext* context)
     {
         for (int row = 0; row < 3; ++row)
         {
-            float value = takeNumber<float>(&context->source);
+            float value = takeNumber<float>(&context->cursor);
             SanitizeFloat(&value);
             context->object->matrix.m[row * 4 + column] = value;
         }
@@ -114,8 +93,8 @@ static void readMatrix(ThreeDsReadContext* context)
     lastRow[3] = 1;
 }
 
-// Corners that are no vertices of the object, or the same one, drop the face. Slots behind faceCount are zero, so
-// texture indices are written only where the object has coordinates for all corners.
+// A face with a corner that is not a vertex of the object, or with two equal corners, is dropped. Face slots behind
+// faceCount are zero, so texture indices are written only where the object has coordinates for all corners.
 static void decodeFaces(ThreeDsReadContext* context, const uint8_t* at, int64_t count)
 {
     Mesh* mesh = context->mesh;
@@ -141,21 +120,22 @@ static void decodeFaces(ThreeDsReadContext* context, const uint8_t* at, int64_t 
     mesh->faceCount = face;
 }
 
-// Face numbers count the faces of the file. After a dropped face they are one off, on purpose.
+// Face numbers are taken to count the faces that were kept. Behind a dropped face they are one off: a table of the
+// file's own numbers is not worth its memory for damaged files.
 static int readFaceMaterial(ThreeDsReadContext* context)
 {
     Mesh* mesh = context->mesh;
-    ByteSource* source = &context->source;
+    ByteCursor* cursor = &context->cursor;
     char name[nameRoom];
     if (!readChunkName(context, name))
         return 0;
-    int32_t wanted = takeListCount(source, faceNumberBytes);
+    int32_t wanted = takeListCount(cursor, faceNumberBytes);
     if (wanted <= 0)
         return wanted == 0;
     auto material = static_cast<uint32_t>(placeMaterial(context, name));
     for (int64_t count; wanted > 0; wanted -= static_cast<int32_t>(count))
     {
-        const uint8_t* at = takeRecords(source, faceNumberBytes, wanted, &count);
+        const uint8_t* at = takeRecords(cursor, faceNumberBytes, wanted, &count);
         if (!at)
             return 0;
         for (int64_t i = 0; i < count; ++i, at += faceNumberBytes)
@@ -178,15 +158,15 @@ static int readFacesChild(ThreeDsReadContext* context, const Chunk& child)
 static int readFaces(ThreeDsReadContext* context, const Chunk& chunk)
 {
     Mesh* mesh = context->mesh;
-    ByteSource* source = &context->source;
-    int32_t wanted = takeListCount(source, faceBytes);
-    if (wanted < 0 ||
-        !growFaces(mesh, growthFor(wanted, mesh->faceCount, mesh->faceCapacity, bytesLeft(source) / fileBytesPerFace)))
+    ByteCursor* cursor = &context->cursor;
+    int32_t wanted = takeListCount(cursor, faceBytes);
+    if (wanted < 0 || !growFaces(mesh, growthFor(mesh->faceCapacity, int64_t{ mesh->faceCount } + wanted,
+                                                 bytesLeft(cursor) / fileBytesPerFace)))
         return 0;
     context->firstFace = mesh->faceCount;
     for (int64_t count; wanted > 0; wanted -= static_cast<int32_t>(count))
     {
-        const uint8_t* at = takeRecords(source, faceBytes, wanted, &count);
+        const uint8_t* at = takeRecords(cursor, faceBytes, wanted, &count);
         if (!at)
             return 0;
         decodeFaces(context, at, count);
@@ -197,7 +177,7 @@ static int readFaces(ThreeDsReadContext* context, const Chunk& chunk)
 static int readTrimeshChild(ThreeDsReadContext* context, const Chunk& child)
 {
     constexpr uint32_t matrixChunkBytes = 54; // any other length has no meaning here
-    setProgress(byteFraction(&context->source));
+    setProgress(blockFraction(&context->cursor.blocks));
     switch (child.id)
     {
     case chunkVertices: return readVertices(context);
@@ -206,7 +186,7 @@ static int readTrimeshChild(ThreeDsReadContext* context, const Chunk& child)
     case chunkMatrix:
         if (child.length == matrixChunkBytes)
             readMatrix(context);
-        return !context->source.bad;
+        return !context->cursor.bad;
     default: return 1;
     }
 }

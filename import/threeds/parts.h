@@ -3,7 +3,7 @@
 // A chunk is a 16-bit id, a 32-bit length that counts these six bytes too, and data that may end with more chunks, all
 // little-endian. Whatever has been read of a chunk, reading goes on at its end.
 #pragma once
-#include "import/common/bytes.h"
+#include "import/common/byte_cursor.h"
 #include "model/matrix.h"
 #include "model/mesh.h"
 
@@ -88,7 +88,7 @@ struct ThreeDsReadContext
     float selfIllumination;
     uint16_t shading;
     ThreeDsObject* nodeObject; // that the keyframer node's first pivot is for; null: none
-    ByteSource source;
+    ByteCursor cursor;
 };
 
 // What a child of length 0 does to the section it is in.

@@ -10,7 +10,8 @@
 
 #include <algorithm>
 
-// Cosine and sine of the turn about x. The angle is 1.57075, on purpose not quite a right one.
+// Cosine and sine of the turn about x. The angle is 1.57075 and not exactly a right one: files that were exported hold
+// coordinates turned by it, and reading a model anew must give the same ones.
 constexpr float turnCosine = 0x1.84a222p-15f, turnSine = 1.0f;
 
 static int readEditorChild(ThreeDsReadContext* context, const Chunk& child)
@@ -90,7 +91,7 @@ int Load3dsFile(Mesh* mesh, const char* path, bool keyframes)
     if (sizeBytes > 0)
     {
         context->mesh = mesh;
-        startBytes(&context->source, file, sizeBytes);
+        startBytes(&context->cursor, file);
         showProgress("LOADING 3DS.....");
         ok = read3ds(context, keyframes);
         closeProgress();

@@ -27,7 +27,7 @@ static std::string cornersOf(const std::string& text, int32_t vertexCount, int32
     for (int k = 0; k < kept; ++k)
         appendCorner(&list, vertices[k], uvs[k]);
 
-    std::string padded = text + std::string(1 + numberPadding, '\0');
+    std::string padded = text + std::string(1 + numberPaddingRoom, '\0');
     int32_t fastVertices[statementCorners], fastUvs[statementCorners];
     const char* end = nullptr;
     EXPECT_EQ(parseFaceCornersPadded(padded.c_str(), vertexCount, uvCount, fastVertices, fastUvs, &end), kept) << text;

@@ -2,7 +2,7 @@
 #pragma once
 #include "import/dispatch.h"
 #include "model/mesh.h"
-#include "model/settings.h"
+#include "platform/processor.h"
 #include "tests/clean_test.h"
 
 #include <stdlib.h>
@@ -144,9 +144,9 @@ inline std::string arraysOf(const LoadedMesh& loaded)
 inline std::string traceOf(Loader load, const std::string& bytes, bool plain)
 {
     resetRecording();
-    usePlainKernels = plain;
+    limitKernelLevel(plain ? kernelsPlain : kernelsAvx512);
     LoadedMesh loaded(load, bytes);
-    usePlainKernels = 0;
+    limitKernelLevel(kernelsAvx512);
     std::string trace = std::to_string(loaded.result);
     for (const RecordedBox& box : recorded.boxes)
         trace += box.text;

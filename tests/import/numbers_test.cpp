@@ -57,8 +57,8 @@ static const char* padded(const std::string& text)
 {
     static char buffer[4096];
     memset(buffer, '7', sizeof buffer); // digits around the text must not be taken
-    memcpy(buffer + plainFront, text.c_str(), text.size() + 1);
-    return buffer + plainFront;
+    memcpy(buffer + plainFrontRoom, text.c_str(), text.size() + 1);
+    return buffer + plainFrontRoom;
 }
 
 #ifdef __SSE2__

@@ -1,23 +1,28 @@
 // tests/import/obj_compare_test.cpp - the fast reader against the literal one, on made, damaged and real files
-#include "import/obj/source.h"
+#include "import/obj/parts.h"
+#include "platform/boxes.h"
 #include "tests/import/literal_obj.h"
 #include "tests/import/obj_loading.h"
 #include "tests/import/random.h"
 
 #include <stdarg.h>
+#include <memory>
 
 // Reads the bytes with both and holds them to be the same mesh, the same refusal, the same progress.
-static void expectLiteral(const std::string& path, const std::string& bytes)
+static void expectLiteral(const std::string& path, const std::string& bytes, size_t blockBytes = blockRoom)
 {
     LiteralObj wanted = readLiterally(bytes);
     resetRecording();
-    LoadedObj loaded(path);
-    ASSERT_EQ(loaded.ok, wanted.ok) << path;
+    showProgress("LOADING.....");
+    std::unique_ptr<Mesh, void (*)(Mesh*)> mesh(createMesh("prop"), freeMesh);
+    int ok = parseObjInBlocks(mesh.get(), path.c_str(), blockBytes);
+    closeProgress();
+    ASSERT_EQ(ok != 0, wanted.ok) << path;
     ASSERT_EQ(recorded.progress.back().fractions, wanted.fractions);
-    if (!loaded.ok)
+    if (!ok)
         return;
     // One comparison of two long texts; the difference is not worth printing whole.
-    std::string geometry = geometryText(loaded.mesh);
+    std::string geometry = geometryText(mesh.get());
     size_t same = 0;
     while (same < geometry.size() && same < wanted.geometry.size() && geometry[same] == wanted.geometry[same])
         ++same;
@@ -30,14 +35,13 @@ class ObjCompare : public testing::Test
 protected:
     TestFolder folder;
 
-    void compare(const std::string& bytes)
+    void compare(const std::string& bytes, size_t blockBytes = blockRoom)
     {
-        expectLiteral(folder.write("test.obj", bytes), bytes);
+        expectLiteral(folder.write("test.obj", bytes), bytes, blockBytes);
     }
     void TearDown() override
     {
         EXPECT_EQ(recorded.liveBlocks, 0);
-        objBlockBytes = objLargestBlock;
     }
 };
 
@@ -52,9 +56,8 @@ TEST_F(ObjCompare, EveryCutOfASampleWithEveryBlockSize)
         compare(sample.substr(0, length));
     for (size_t size = 1; size <= sample.size() + 1; ++size)
     {
-        objBlockBytes = size;
-        compare(sample);
-        compare(sample.substr(0, sample.size() - size % 50));
+        compare(sample, size);
+        compare(sample.substr(0, sample.size() - size % 50), size);
     }
 }
 
@@ -145,8 +148,7 @@ TEST_F(ObjCompare, ThousandsOfRandomFiles)
             addLine(&text, random);
         if (i % 2)
             damage(&text, random);
-        objBlockBytes = i % 3 ? 1 + random() % 300 : objLargestBlock;
-        compare(text);
+        compare(text, i % 3 ? 1 + random() % 300 : blockRoom);
         if (HasFatalFailure())
         {
             folder.write("../failed.obj", text);
@@ -172,8 +174,7 @@ TEST_F(ObjCompare, LongLinesAtEveryPlaceOfTheBlock)
                 text += "1 2 3\n";
             }
         }
-        objBlockBytes = 1 + random() % 6000;
-        compare(text);
+        compare(text, 1 + random() % 6000);
         if (HasFatalFailure())
             return;
     }

@@ -1,6 +1,5 @@
 // tests/import/obj_test.cpp - what statements become, what is refused and how, and where reading ends
 #include "import/obj/obj.h"
-#include "import/obj/source.h"
 #include "tests/import/obj_loading.h"
 
 #include <math.h>
@@ -11,12 +10,6 @@ static const char face[] = "f 1 2 3\n";
 class Obj : public ObjFolderTest
 {
 protected:
-    void TearDown() override
-    {
-        ObjFolderTest::TearDown();
-        objBlockBytes = objLargestBlock;
-    }
-
     // The mesh, or null when it is refused.
     const Mesh* read(const std::string& text)
     {

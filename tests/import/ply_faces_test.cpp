@@ -192,9 +192,9 @@ TEST_F(PlyReaderTest, UsualBinaryFacesReadLikeThoseTakenApart)
     {
         int faceCount = i % 15 == 0 ? 40000 : i; // across blocks of the file, and every short end
         std::string bytes = manyBinaryFaces(random, i % 2 == 1, faceCount);
-        usePlainKernels = 1;
+        limitKernelLevel(kernelsPlain);
         LoadedMesh apart(LoadPlyFile, bytes);
-        usePlainKernels = 0;
+        limitKernelLevel(kernelsAvx512);
         LoadedMesh fast(LoadPlyFile, bytes);
         ASSERT_EQ(fast.result, 1) << i;
         ASSERT_EQ(fast->faceCount, apart->faceCount) << i;

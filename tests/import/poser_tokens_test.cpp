@@ -13,7 +13,7 @@ static std::string tokensOf(const std::string& text)
     ScratchFile scratch(text);
     FILE* stream = openFile(scratch.path.c_str(), "rb");
     auto source = std::make_unique<PoserSource>();
-    startLines(&source->lines, stream);
+    startBlocks(&source->blocks, stream);
     std::string found;
     while (NextPoserToken(source.get()))
         found += std::string(source->word) + "[" + source->rest + "]";
@@ -88,7 +88,7 @@ static std::string wordAfterBlock(const std::string& text)
     ScratchFile scratch(text);
     FILE* stream = openFile(scratch.path.c_str(), "rb");
     auto source = std::make_unique<PoserSource>();
-    startLines(&source->lines, stream);
+    startBlocks(&source->blocks, stream);
     std::string word = "open";
     if (SkipPoserBlock(source.get()))
         word = NextPoserToken(source.get()) ? source->word : "";

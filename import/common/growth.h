@@ -1,0 +1,20 @@
+// import/common/growth.h - by how much the arrays of a mesh grow while a file is read
+#pragma once
+#include <stdint.h>
+
+// By how many records an array must grow to hold `needed` of them: 0 when it holds them already. It grows by half of
+// what it holds and by `least` at least, so that copying stays in proportion to what is read. More than 31 bits of
+// records give a growth that growVertices and the like refuse.
+inline int32_t growthFor(int32_t capacity, int64_t needed, int64_t least)
+{
+    int64_t missing = needed - capacity;
+    if (missing <= 0)
+        return 0;
+    int64_t possible = INT32_MAX - int64_t{ capacity };
+    if (missing > possible)
+        return INT32_MAX;
+    int64_t step = capacity / 2;
+    step = step > least ? step : least;
+    step = step > missing ? step : missing;
+    return static_cast<int32_t>(step < possible ? step : possible);
+}
