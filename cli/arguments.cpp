@@ -2,6 +2,7 @@
 #include "cli/arguments.h"
 #include "cli/usage.h"
 #include "image/textures.h"
+#include "render/frame_buffer.h"
 
 #include <CLI/CLI.hpp>
 #include <math.h>
@@ -14,10 +15,6 @@
 static const char* const presetNames[] = { "brass", "wood",  "pewter",  "silver", "gold",         "green",
                                            "chalk", "brick", "crystal", "white",  "prop material" };
 static const char* const backgroundNames[] = { "grey1", "grey2", "black" };
-
-// Of a picture, in pixels. The display window is never smaller than the first.
-constexpr int32_t smallestSide = 10;
-constexpr int32_t sideLimit = 16384;
 
 constexpr char footerEnd[] = "\n"
                              "Exit status:\n"
@@ -100,7 +97,7 @@ static bool parseSize(const std::string& text, ViewArguments* view)
     if (text.size() > 20 || sscanf(text.c_str(), "%9dx%9d%n", &width, &height, &used) != 2 ||
         static_cast<size_t>(used) != text.size())
         return false;
-    if (std::min(width, height) < smallestSide || std::max(width, height) > sideLimit)
+    if (std::min(width, height) < displaySideLeast || std::max(width, height) > displaySideLimit)
         return false;
     view->width = width;
     view->height = height;

@@ -111,9 +111,7 @@ static int readCorners(const Mesh* mesh, TriangleCorner* out, int32_t faceIndex)
         const ProjectedVertex& vertex = mesh->projected[index];
         if (vertex.flags & vertexOffScreen)
             return 0;
-        out[k] = {
-            projectedX(vertex), projectedY(vertex), static_cast<int32_t>(vertex.flags & vertexDepthMask), 0, 0, 0
-        };
+        out[k] = projectedCorner(vertex);
     }
     return count;
 }

@@ -11,6 +11,7 @@
 
 constexpr int32_t shadowMapSide = 1024;
 constexpr int32_t displayMargin = 64;
+constexpr int32_t displaySideLeast = 10;    // pixels; the window counts a smaller display as this large
 constexpr int32_t displaySideLimit = 16384; // pixels; triangle set-up is exact up to here
 constexpr int32_t depthLimit = 16384;       // above every depth of the picture and of the shadow map
 

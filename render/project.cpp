@@ -11,9 +11,7 @@
 static FaceDirections directionsOf(const FrameTransforms* transforms)
 {
     FaceDirections directions;
-    float light[3] = { shadowLightDirection[0], shadowLightDirection[1], shadowLightDirection[2] };
-    normalise(light);
-    transformDirection(directions.light, &transforms->normalTransposed, light);
+    lightDirectionInModel(directions.light, transforms);
     transformDirection(directions.eye, &transforms->normalTransposed, eyeDirection);
     return directions;
 }

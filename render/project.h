@@ -4,6 +4,7 @@
 // mark, and the key of the shading that the vertex's colour holds: material, side, and whether it is shaded at all.
 #pragma once
 #include "model/mesh.h"
+#include "render/raster.h"
 #include "render/view.h"
 
 #include <stdint.h>
@@ -54,4 +55,10 @@ inline int32_t projectedX(const ProjectedVertex& vertex)
 inline int32_t projectedY(const ProjectedVertex& vertex)
 {
     return static_cast<int32_t>(vertex.xy & 0xFFFF);
+}
+
+// A corner with the vertex's place and depth, and nothing else yet.
+inline TriangleCorner projectedCorner(const ProjectedVertex& vertex)
+{
+    return { projectedX(vertex), projectedY(vertex), static_cast<int32_t>(vertex.flags & vertexDepthMask), 0, 0, 0 };
 }

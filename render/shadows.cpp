@@ -258,9 +258,7 @@ static int readLightCorners(TriangleCorner* out, const Mesh* mesh, const Corners
         const ProjectedVertex& vertex = mesh->projected[corner];
         if (vertex.flags & vertexOffScreen)
             return 0;
-        out[count++] = {
-            projectedX(vertex), projectedY(vertex), static_cast<int32_t>(vertex.flags & vertexDepthMask), 0, 0, 0
-        };
+        out[count++] = projectedCorner(vertex);
     }
     return count;
 }
@@ -298,9 +296,8 @@ static bool isOwnSurface(uint32_t excess, float towardLight)
 
 void MarkShadowedVertices(const FrameBuffer* target, Mesh* mesh, const FrameTransforms* transforms)
 {
-    float light[3] = { shadowLightDirection[0], shadowLightDirection[1], shadowLightDirection[2] };
-    normalise(light);
-    transformDirection(light, &transforms->normalTransposed, light);
+    float light[3];
+    lightDirectionInModel(light, transforms);
     const uint16_t* map = target->shadowMap;
     int32_t side = target->shadowSize;
     for (int32_t i = 0; i < mesh->vertexCount; ++i)

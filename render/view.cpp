@@ -57,6 +57,13 @@ static void translateAfter(Matrix* matrix, float x, float y, float z)
     multiplyMatrices(matrix, &translation, matrix);
 }
 
+void lightDirectionInModel(float* out, const FrameTransforms* transforms)
+{
+    float light[3] = { shadowLightDirection[0], shadowLightDirection[1], shadowLightDirection[2] };
+    normalise(light);
+    transformDirection(out, &transforms->normalTransposed, light);
+}
+
 void setUpLightView(Matrix* out, const float* direction)
 {
     constexpr float upward[3] = { 0, 1, 0 };

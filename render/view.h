@@ -50,6 +50,9 @@ void rotationAboutScreenAxes(Matrix* out, float degreesX, float degreesY, float 
 void setUpCamera(FrameTransforms* out, const ViewState* view, const float* centre, float radius, int32_t width,
                  int32_t height);
 
+// The unit direction toward light 1 in model space.
+void lightDirectionInModel(float* out, const FrameTransforms* transforms);
+
 // The transform from the turned model to columns, rows and depths of the shadow map, for a light direction of any
 // length. The direction may be parallel to the y axis.
 void setUpLightView(Matrix* out, const float* direction);

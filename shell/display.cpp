@@ -7,7 +7,6 @@
 #include <math.h>
 #include <algorithm>
 
-constexpr int32_t smallestSide = 10;
 constexpr float leastTurn = 0.0001f; // sine of an angle; a smaller one counts as no movement
 constexpr float leastSpin = 0.017f;  // radians a step: a slower flick stops on release
 
@@ -55,8 +54,8 @@ static int fitFrameBuffer()
 void displayResized(int32_t width, int32_t height)
 {
     int32_t oldWidth = frameState.displayWidth, oldHeight = frameState.displayHeight;
-    frameState.displayWidth = std::max(width, smallestSide);
-    frameState.displayHeight = std::max(height, smallestSide);
+    frameState.displayWidth = std::max(width, displaySideLeast);
+    frameState.displayHeight = std::max(height, displaySideLeast);
     if (!fitFrameBuffer())
     {
         frameState.displayWidth = oldWidth;

@@ -14,8 +14,8 @@ enum DragCode
 // The display window has been created: the next frame is drawn whole.
 void displayCreated();
 
-// The display has another size, in pixels. Sides below 10 count as 10. A frame buffer that has become too small is
-// replaced; without memory for a larger one the old size stays. Asks for a whole frame.
+// The display has another size, in pixels. Sides below displaySideLeast count as that. A frame buffer that has become
+// too small is replaced; without memory for a larger one the old size stays. Asks for a whole frame.
 void displayResized(int32_t width, int32_t height);
 
 // Presents the picture of the last frame again.
