@@ -5,33 +5,32 @@
 
 constexpr size_t headerBytes = 54;
 
-// Little-endian.
-static void put16(uint8_t* at, uint32_t value)
+static void putLittle16(uint8_t* at, uint32_t value)
 {
     at[0] = static_cast<uint8_t>(value & 0xFF);
     at[1] = static_cast<uint8_t>(value >> 8 & 0xFF);
 }
 
-static void put32(uint8_t* at, uint64_t value)
+static void putLittle32(uint8_t* at, uint64_t value)
 {
-    put16(at, static_cast<uint32_t>(value & 0xFFFF));
-    put16(at + 2, static_cast<uint32_t>(value >> 16 & 0xFFFF));
+    putLittle16(at, static_cast<uint32_t>(value & 0xFFFF));
+    putLittle16(at + 2, static_cast<uint32_t>(value >> 16 & 0xFFFF));
 }
 
 static bool writeBmpHeader(FILE* file, const BmpPicture* picture)
 {
     uint64_t rows = uint64_t{ bmpRowBytes(picture->width) } * static_cast<uint32_t>(picture->height);
     uint8_t bytes[headerBytes] = { 'B', 'M' };
-    put32(bytes + 2, headerBytes + rows);
-    put32(bytes + 10, headerBytes);
-    put32(bytes + 14, 40); // bytes of the part that begins here
-    put32(bytes + 18, static_cast<uint32_t>(picture->width));
-    put32(bytes + 22, static_cast<uint32_t>(picture->height));
-    put16(bytes + 26, 1);  // plane
-    put16(bytes + 28, 24); // bits a pixel
-    put32(bytes + 34, picture->namesSize ? rows : 0);
-    put32(bytes + 38, picture->xPerMetre);
-    put32(bytes + 42, picture->yPerMetre);
+    putLittle32(bytes + 2, headerBytes + rows);
+    putLittle32(bytes + 10, headerBytes);
+    putLittle32(bytes + 14, 40); // bytes of the part that begins here
+    putLittle32(bytes + 18, static_cast<uint32_t>(picture->width));
+    putLittle32(bytes + 22, static_cast<uint32_t>(picture->height));
+    putLittle16(bytes + 26, 1);  // plane
+    putLittle16(bytes + 28, 24); // bits a pixel
+    putLittle32(bytes + 34, picture->namesSize ? rows : 0);
+    putLittle32(bytes + 38, picture->xPerMetre);
+    putLittle32(bytes + 42, picture->yPerMetre);
     return fwrite(bytes, sizeof bytes, 1, file) == 1;
 }
 

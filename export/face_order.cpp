@@ -5,10 +5,10 @@
 
 struct FaceOrder
 {
-    int32_t groups;          // at least 1
-    int32_t materials;       // at least 1
-    int32_t* pairEnds;       // [groups * materials + 1]: entry p + 1 is the end of pair p in faces, entry p its start
-    int32_t* faces;          // live faces by pair = group * materials + material; null: no memory for it
+    int32_t groups;      // at least 1
+    int32_t materials;   // at least 1
+    int32_t* pairStarts; // [groups * materials + 1]: where pair p starts in faces; it ends where the next one starts
+    int32_t* faces;      // live faces by pair = group * materials + material; null: no memory for it
     uint8_t met[groupLimit]; // groups with a live face of any material
 };
 
@@ -29,7 +29,8 @@ static void noteGroups(FaceOrder* order, const Mesh* mesh)
             order->met[faceGroup(mesh->faceAttributes[f])] = 1;
 }
 
-// One block for the pairs and the faces. Counts first, then places: the start of each pair moves to its end.
+// Fills one block with the pairs and the faces: counts the faces of each pair, adds the counts up, then places the
+// faces. Placing a face moves the start of its pair on by one, so that it becomes the pair's end.
 static void sortFaces(FaceOrder* order, const Mesh* mesh)
 {
     int64_t pairs = int64_t{ order->groups } * order->materials;
@@ -37,8 +38,8 @@ static void sortFaces(FaceOrder* order, const Mesh* mesh)
     int32_t* block = static_cast<int32_t*>(allocatePages(bytes));
     if (!block)
         return;
-    int32_t* counts = block + 2; // two further along, so that placing leaves each start and end where it belongs
-    order->pairEnds = block;
+    int32_t* counts = block + 2; // shifted by two, so that after placing entry p is the start of pair p again
+    order->pairStarts = block;
     order->faces = block + pairs + 2;
     for (int32_t f = 0; f < mesh->faceCount; ++f)
     {
@@ -67,7 +68,7 @@ static void visitPair(const FaceOrder* order, const Mesh* mesh, int32_t group, i
     int32_t pair = group * order->materials + material;
     if (order->faces)
     {
-        for (int32_t i = order->pairEnds[pair]; i < order->pairEnds[pair + 1]; ++i)
+        for (int32_t i = order->pairStarts[pair]; i < order->pairStarts[pair + 1]; ++i)
             visit->faceMet(visit->context, material, order->faces[i]);
         return;
     }
@@ -93,5 +94,5 @@ void visitFacesInOrder(const Mesh* mesh, void* context, void (*groupMet)(void* c
         for (int32_t material = 0; material < order.materials; ++material)
             visitPair(&order, mesh, group, material, &visit);
     }
-    releasePages(order.pairEnds);
+    releasePages(order.pairStarts);
 }

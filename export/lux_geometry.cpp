@@ -25,8 +25,8 @@ static void sortFacesBySlot(LuxScene* scene)
             ++next[slotOf(scene, f)];
     for (int32_t m = 0; m < scene->materials; ++m)
     {
-        scene->slotEnds[m + 1] = scene->slotEnds[m] + next[m];
-        next[m] = scene->slotEnds[m];
+        scene->slotStarts[m + 1] = scene->slotStarts[m] + next[m];
+        next[m] = scene->slotStarts[m];
     }
     for (int32_t f = 0; f < scene->mesh->faceCount; ++f)
         if (slotOf(scene, f) >= 0)
@@ -36,7 +36,7 @@ static void sortFacesBySlot(LuxScene* scene)
 static int64_t countSlotCorners(const LuxScene* scene, int32_t slot)
 {
     int64_t corners = 0;
-    for (int32_t i = scene->slotEnds[slot]; i < scene->slotEnds[slot + 1]; ++i)
+    for (int32_t i = scene->slotStarts[slot]; i < scene->slotStarts[slot + 1]; ++i)
         corners += static_cast<int64_t>(usedCorners(scene->mesh->faces[scene->slotFaces[i]]));
     return corners;
 }
@@ -50,7 +50,7 @@ static int64_t tableEntries(int64_t corners)
     return entries;
 }
 
-// A mesh without vertices or faces gets room for one all the same: nothing is no refusal.
+// Takes room for at least one element, because a block of no bytes could not be told from a refusal.
 static void* takeRoom(int64_t count, size_t elementSize)
 {
     return allocatePages(blockSize(count > 0 ? count : 1, elementSize));
@@ -131,7 +131,7 @@ struct SlotShape
 static void numberVertices(LuxScene* scene, int32_t slot, SlotShape* shape)
 {
     const Mesh* mesh = scene->mesh;
-    for (int32_t i = scene->slotEnds[slot]; i < scene->slotEnds[slot + 1]; ++i)
+    for (int32_t i = scene->slotStarts[slot]; i < scene->slotStarts[slot + 1]; ++i)
     {
         int32_t f = scene->slotFaces[i];
         size_t corners = usedCorners(mesh->faces[f]);
@@ -177,7 +177,7 @@ static void writeTriangle(TextWriter* writer, int32_t a, int32_t b, int32_t c)
 // A quad (a, b, c, d) is (a, b, c) and (c, d, a). Vertices of lines count, but make no triangle.
 static void writeTriangles(TextWriter* writer, LuxScene* scene, int32_t slot, SlotShape* shape)
 {
-    for (int32_t i = scene->slotEnds[slot]; i < scene->slotEnds[slot + 1]; ++i)
+    for (int32_t i = scene->slotStarts[slot]; i < scene->slotStarts[slot + 1]; ++i)
     {
         int32_t f = scene->slotFaces[i], index[4];
         size_t corners = usedCorners(scene->mesh->faces[f]);

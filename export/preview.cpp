@@ -5,20 +5,21 @@
 
 #include <stddef.h>
 
-static void put16(std::string* bytes, uint32_t value)
+static void appendBig16(std::string* bytes, uint32_t value)
 {
     *bytes += static_cast<char>(value >> 8 & 0xFF);
     *bytes += static_cast<char>(value & 0xFF);
 }
 
-static void put32(std::string* bytes, uint32_t value)
+static void appendBig32(std::string* bytes, uint32_t value)
 {
-    put16(bytes, value >> 16);
-    put16(bytes, value & 0xFFFF);
+    appendBig16(bytes, value >> 16);
+    appendBig16(bytes, value & 0xFFFF);
 }
 
-// Reduction: every source pixel goes to its nearest cell, with a weight that falls off with the distance along each
-// axis. The cells past the last row and column are gathered and forgotten.
+// The reduction adds every source pixel to its nearest cell, with a weight that falls off with the distance along each
+// axis. A cell becomes a pixel of the preview. Pixels at the far edges are nearest to the cells past the last row and
+// column, which are not used.
 constexpr int32_t cellsPerSide = previewSide + 1;
 
 struct PreviewCells
@@ -82,13 +83,13 @@ void reduceToPreview(const PreviewSource* source, uint8_t* pixels)
             const float* sums = cells.sums[y][x];
             pixels[2] = toByte(factor * sums[0]);
             pixels[1] = toByte(factor * sums[1]);
-            pixels[0] = pixels[1]; // the third channel is not used
+            pixels[0] = pixels[1]; // red repeats green
             pixels[3] = 0;
         }
     }
 }
 
-// Equal bytes from here on, at most 128.
+// Returns how many bytes from here on are equal, at most 128.
 static int32_t runLength(const uint8_t* bytes, int32_t count)
 {
     int32_t length = 1;
@@ -97,7 +98,8 @@ static int32_t runLength(const uint8_t* bytes, int32_t count)
     return length;
 }
 
-// PackBits: a run of 3 or more equal bytes as 1 - n and the byte; others in groups of at most 128 after n - 1.
+// Packs bytes by PackBits: a run of 3 or more equal bytes becomes 1 - n and the byte; other bytes stand in groups of at
+// most 128 behind n - 1.
 static void packBits(std::string* packed, const uint8_t* bytes, int32_t count)
 {
     constexpr int32_t shortestRun = 3, longestGroup = 128;
@@ -123,51 +125,52 @@ static void packBits(std::string* packed, const uint8_t* bytes, int32_t count)
 
 static void putRectangle(std::string* picture)
 {
-    put16(picture, 0);
-    put16(picture, 0);
-    put16(picture, previewSide);
-    put16(picture, previewSide);
+    appendBig16(picture, 0);
+    appendBig16(picture, 0);
+    appendBig16(picture, previewSide);
+    appendBig16(picture, previewSide);
 }
 
 static void putPictureHeader(std::string* picture)
 {
-    put16(picture, 0); // size, when it is known
+    appendBig16(picture, 0); // size, when it is known
     putRectangle(picture);
-    put16(picture, 0x0011); // version
-    put16(picture, 0x02FF);
-    put16(picture, 0x0C00); // header
-    put32(picture, 0xFFFFFFFF);
+    appendBig16(picture, 0x0011); // version
+    appendBig16(picture, 0x02FF);
+    appendBig16(picture, 0x0C00); // header
+    appendBig32(picture, 0xFFFFFFFF);
     for (int32_t word : { 0, 0, 0, 0, previewSide, 0, previewSide, 0 })
-        put16(picture, static_cast<uint32_t>(word));
-    put32(picture, 0);
-    put16(picture, 0x0001); // clip region
-    put16(picture, 10);
+        appendBig16(picture, static_cast<uint32_t>(word));
+    appendBig32(picture, 0);
+    appendBig16(picture, 0x0001); // clip region
+    appendBig16(picture, 10);
     putRectangle(picture);
 }
 
 static void putPixelMap(std::string* picture)
 {
-    put16(picture, 0x009A); // direct bits
-    put32(picture, 0x000000FF);
-    put16(picture, previewSide * 4 | 0x8000); // row bytes
+    appendBig16(picture, 0x009A); // direct bits
+    appendBig32(picture, 0x000000FF);
+    appendBig16(picture, previewSide * 4 | 0x8000); // row bytes
     putRectangle(picture);
-    put16(picture, 0);                         // version
-    put16(picture, 4);                         // packed by component
-    put32(picture, 0);                         // size
+    appendBig16(picture, 0);                   // version
+    appendBig16(picture, 4);                   // packed by component
+    appendBig32(picture, 0);                   // size
     for (uint32_t word : { 72u, 0u, 72u, 0u }) // resolution, 16.16
-        put16(picture, word);
-    put16(picture, 16); // pixels are direct
-    put16(picture, 32); // bits
-    put16(picture, 3);  // components
-    put16(picture, 8);  // bits of one
+        appendBig16(picture, word);
+    appendBig16(picture, 16); // pixels are direct
+    appendBig16(picture, 32); // bits
+    appendBig16(picture, 3);  // components
+    appendBig16(picture, 8);  // bits of one
     for (int i = 0; i < 3; ++i)
-        put32(picture, 0); // plane bytes, colour table, reserved
-    putRectangle(picture); // source
-    putRectangle(picture); // destination
-    put16(picture, 0);     // copy
+        appendBig32(picture, 0); // plane bytes, colour table, reserved
+    putRectangle(picture);       // source
+    putRectangle(picture);       // destination
+    appendBig16(picture, 0);     // copy
 }
 
-// The planes of a row one after the other, after their packed length: 16 bits, as a row is longer than 250 bytes.
+// Writes the planes of a row one after the other behind their packed length, which has 16 bits because a row is longer
+// than 250 bytes.
 static void putRow(std::string* picture, const uint8_t* pixels)
 {
     static_assert(3 * previewSide > 250);
@@ -179,7 +182,7 @@ static void putRow(std::string* picture, const uint8_t* pixels)
             bytes[x] = pixels[x * 4 + plane];
         packBits(&packed, bytes, previewSide);
     }
-    put16(picture, static_cast<uint32_t>(packed.size()));
+    appendBig16(picture, static_cast<uint32_t>(packed.size()));
     *picture += packed;
 }
 
@@ -192,7 +195,7 @@ std::string encodePicture(const uint8_t* pixels)
         putRow(&picture, pixels + y * previewSide * 4);
     if (picture.size() % 2 != 0)
         picture += '\0';
-    put16(&picture, 0x00FF); // end of picture
+    appendBig16(&picture, 0x00FF); // end of picture
     // At most 91 rows of 2 + 3 x 92 bytes: the size fits its 16 bits.
     picture[0] = static_cast<char>(picture.size() >> 8 & 0xFF);
     picture[1] = static_cast<char>(picture.size() & 0xFF);
@@ -201,29 +204,29 @@ std::string encodePicture(const uint8_t* pixels)
 
 static void putForkHeader(std::string* file, uint32_t pictureBytes)
 {
-    put32(file, 256);                // where the data is
-    put32(file, 260 + pictureBytes); // where the map is
-    put32(file, pictureBytes + 4);   // bytes of data
-    put32(file, 58);                 // bytes of the map
+    appendBig32(file, 256);                // where the data is
+    appendBig32(file, 260 + pictureBytes); // where the map is
+    appendBig32(file, pictureBytes + 4);   // bytes of data
+    appendBig32(file, 58);                 // bytes of the map
 }
 
 static void putResourceMap(std::string* file, uint32_t pictureBytes)
 {
     putForkHeader(file, pictureBytes);
-    put32(file, 0);  // next map
-    put32(file, 0);  // file reference, attributes
-    put16(file, 28); // type list
-    put16(file, 50); // name list
-    put16(file, 0);  // types - 1
+    appendBig32(file, 0);  // next map
+    appendBig32(file, 0);  // file reference, attributes
+    appendBig16(file, 28); // type list
+    appendBig16(file, 50); // name list
+    appendBig16(file, 0);  // types - 1
     *file += "PICT";
-    put16(file, 0);   // resources of the type - 1
-    put16(file, 10);  // reference list
-    put16(file, 128); // resource id
-    put16(file, 0);   // name
-    put32(file, 0);   // attributes, data
-    put32(file, 0);   // handle
+    appendBig16(file, 0);   // resources of the type - 1
+    appendBig16(file, 10);  // reference list
+    appendBig16(file, 128); // resource id
+    appendBig16(file, 0);   // name
+    appendBig32(file, 0);   // attributes, data
+    appendBig32(file, 0);   // handle
     *file += '\7';
-    *file += "previeu"; // the name it has always had
+    *file += "previeu"; // the name of this resource in every preview, spelled so
 }
 
 std::string previewFile(const PreviewSource* source)
@@ -234,7 +237,7 @@ std::string previewFile(const PreviewSource* source)
     uint32_t pictureBytes = static_cast<uint32_t>(picture.size());
     putForkHeader(&file, pictureBytes);
     file.append(240, '\0');
-    put32(&file, pictureBytes);
+    appendBig32(&file, pictureBytes);
     file += picture;
     putResourceMap(&file, pictureBytes);
     return file;

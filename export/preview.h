@@ -1,7 +1,7 @@
 // export/preview.h - the small picture that Poser shows for a prop: a file of its own beside it
 //
-// The file is the image of a Macintosh resource fork with one picture of 91 x 91 pixels in it. Its red is its green, on
-// purpose.
+// The file is the image of a Macintosh resource fork with one picture of 91 x 91 pixels in it. The picture has two
+// channels only, green and blue: red repeats green, so that a new preview looks like the others of a user's library.
 //
 // Source: Inside Macintosh, "More Macintosh Toolbox" (resource forks) and "Imaging With QuickDraw" (pictures)
 #pragma once
@@ -19,12 +19,13 @@ struct PreviewSource
     int32_t strideBytes;
 };
 
-// The centred square of the frame, reduced, as previewSide x previewSide x 4 bytes: green, green, blue, 0, top row
-// first. A frame narrower than it is high leaves the cells beside it black.
+// Reduces the centred square of the frame to previewSide x previewSide pixels of 4 bytes: green, green, blue, 0, top
+// row first. A frame narrower than it is high leaves the pixels beside it black.
 void reduceToPreview(const PreviewSource* source, uint8_t* pixels);
 
-// The whole file for a frame.
+// Returns the bytes of the whole file for a frame.
 std::string previewFile(const PreviewSource* source);
 
-// The picture alone, for previewSide x previewSide pixels of 4 bytes, of which the first three are kept.
+// Returns the bytes of the picture alone, from previewSide x previewSide pixels of 4 bytes, of which the first three
+// are kept.
 std::string encodePicture(const uint8_t* pixels);

@@ -202,7 +202,7 @@ static void writePropMap(TextWriter* writer, const char* keyword, const char* fi
     writeLine(writer, "                  0 0");
 }
 
-// What every material has between its tMax and its end.
+// Writes the lines of a material that follow its tMax.
 static void writePropMaterialRest(TextWriter* writer, const char* texture, const char* opacity)
 {
     writeLine(writer, "       tExpo 0.6");
@@ -234,7 +234,7 @@ static void writePropMaterial(TextWriter* writer, const Mesh* mesh, int32_t m)
     writePropMaterialRest(writer, mesh->textureNames[m], mesh->opacityNames[m]);
 }
 
-// Poser looks for a material of this name in every prop.
+// Poser expects a material of this name in every prop.
 static void writePreviewMaterial(TextWriter* writer)
 {
     writeLine(writer, "   material Preview");

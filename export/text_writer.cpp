@@ -33,9 +33,9 @@ void writeBytes(TextWriter* writer, const void* bytes, size_t count)
     const char* from = static_cast<const char*>(bytes);
     while (count > 0)
     {
-        if (writer->usedBytes == textBlockBytes)
+        if (writer->usedBytes == textBlockRoom)
             flushText(writer);
-        size_t room = textBlockBytes - writer->usedBytes;
+        size_t room = textBlockRoom - writer->usedBytes;
         size_t part = count < room ? count : room;
         memcpy(writer->block + writer->usedBytes, from, part);
         writer->usedBytes += part;

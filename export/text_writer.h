@@ -9,20 +9,21 @@
 #include <stddef.h>
 #include <stdio.h>
 
-constexpr size_t textBlockBytes = 64 * 1024;
-constexpr size_t textLineRoom = 512; // the most that one textRoom may ask for
+constexpr size_t textBlockRoom = 64 * 1024;
+constexpr size_t textLineRoom = 512; // bytes that one call of textRoom gives
 
 struct TextWriter
 {
     FILE* file; // the caller's, open for binary writing
     int failed;
     size_t usedBytes;
-    char block[textBlockBytes + numberSlack];
+    char block[textBlockRoom + numberSlack];
 };
 
+// Starts a text in an open file. The file loses its own buffer: the writer's block is the only one.
 void startText(TextWriter* writer, FILE* file);
 
-// Hands what is left to the file, which stays open. Returns 1 when everything was written, else 0.
+// Writes what is left to the file, which stays open. Returns 1 when everything was written, else 0.
 int finishText(TextWriter* writer);
 
 void flushText(TextWriter* writer);
@@ -31,7 +32,7 @@ void flushText(TextWriter* writer);
 // takes the end of what was put there.
 inline char* textRoom(TextWriter* writer)
 {
-    if (writer->usedBytes + textLineRoom > textBlockBytes)
+    if (writer->usedBytes + textLineRoom > textBlockRoom)
         flushText(writer);
     return writer->block + writer->usedBytes;
 }
@@ -49,10 +50,10 @@ inline char* putLineEnd(char* out)
     return out + 2;
 }
 
-// Any bytes, however many.
+// Writes any number of bytes.
 void writeBytes(TextWriter* writer, const void* bytes, size_t count);
 
-// A line, its end added. In the format "%s" is a string, "%d" an int, "%f" a float, "%%" a percent sign.
+// Writes a line and its end. In the format "%s" is a string, "%d" an int, "%f" a float, "%%" a percent sign.
 #if defined(__GNUC__)
 __attribute__((format(printf, 2, 3)))
 #endif

@@ -1,18 +1,9 @@
 // shell/command_line.cpp - quotes around a path with blanks
 #include "shell/command_line.h"
 
-#include <string.h>
-#include <algorithm>
-
-void takeFileName(const char* commandLine, char* fileName, size_t roomBytes)
+std::string takeFileName(const std::string& commandLine)
 {
-    size_t length = strlen(commandLine);
-    if (length >= 2 && commandLine[0] == '"')
-    {
-        ++commandLine;
-        length = strcspn(commandLine, "\"");
-    }
-    length = std::min(length, roomBytes - 1);
-    memcpy(fileName, commandLine, length);
-    fileName[length] = 0;
+    if (commandLine.size() < 2 || commandLine[0] != '"')
+        return commandLine;
+    return commandLine.substr(1, commandLine.find('"', 1) - 1);
 }

@@ -1,7 +1,7 @@
 // shell/command_line.h - the file name on the program's command line
 #pragma once
-#include <stddef.h>
+#include <string>
 
-// A line that begins with a double quote gives what stands before the next one, or the end; any other line is the name
-// as it stands, and so is a single double quote. Cut to fit.
-void takeFileName(const char* commandLine, char* fileName, size_t roomBytes);
+// Returns the file name: of a line that begins with a double quote what stands before the next one, or the end; else
+// the line as it stands. A single double quote stands for itself.
+std::string takeFileName(const std::string& commandLine);

@@ -24,7 +24,7 @@ struct DialogRow
 
 constexpr uint32_t saveFlags = dialogOverwritePrompt | dialogHideReadOnly;
 
-// A picture whose name is typed without an extension gets ".pp2", as a prop does: its users have always got that.
+// A picture has the default extension of a prop, so that a name typed without one gives the file that users look for.
 //
 // clang-format off
 static const DialogRow openModelRow   = { "*.obj *.3ds *.dxf *.ply *.pp2 *.hr2 *.cr2 *.off",

@@ -17,8 +17,6 @@ constexpr DWORD mainStyle = WS_CLIPCHILDREN | WS_CAPTION | WS_SYSMENU | WS_THICK
 constexpr COLORREF panelGrey = 0xC0C0C0;
 constexpr int extraWindowBytes = 4;
 
-static char commandLineFile[1024];
-
 // A second start brings the first instance forward.
 static bool raiseRunningInstance()
 {
@@ -139,7 +137,6 @@ int runDesktop(HINSTANCE instance, const char* commandLine, int showState)
 {
     if (raiseRunningInstance())
         return 0;
-    takeFileName(commandLine, commandLineFile, sizeof commandLineFile);
     programInstance = instance;
     if (!acceptProcessor(CpuFeatures()))
         return 0;
@@ -148,7 +145,7 @@ int runDesktop(HINSTANCE instance, const char* commandLine, int showState)
     panelBrush = CreateSolidBrush(panelGrey);
     if (!createMainWindow())
         return 0;
-    if (!buildScene(commandLineFile))
+    if (!buildScene(takeFileName(commandLine).c_str()))
         return 1;
     toolPanel = CreateDialogParamW(instance, L"ToolBarDialog", mainWindow, toolPanelProc, 0);
     placeWindows();

@@ -177,7 +177,7 @@ static Frame makeFrame(int32_t width, int32_t height, int32_t stride, Colour col
 
 using Bgr = std::array<uint8_t, 3>;
 
-TEST(Preview, AFlatFrameIsOneColourWithRedAsGreen)
+TEST(PreviewWriter, AFlatFrameIsOneColourWithRedAsGreen)
 {
     Frame frame = makeFrame(620, 520, 688 * 3, [](int32_t, int32_t) { return Bgr{ 10, 200, 90 }; });
     std::vector<uint8_t> pixels = readPreview(previewFile(&frame.source));
@@ -189,7 +189,7 @@ TEST(Preview, AFlatFrameIsOneColourWithRedAsGreen)
     }
 }
 
-TEST(Preview, NinetyOneRowsComeThroughPixelByPixelTopRowFirst)
+TEST(PreviewWriter, NinetyOneRowsComeThroughPixelByPixelTopRowFirst)
 {
     std::mt19937 random(5);
     std::vector<Bgr> colours(91 * 91);
@@ -216,7 +216,7 @@ TEST(Preview, NinetyOneRowsComeThroughPixelByPixelTopRowFirst)
 }
 
 // 182 rows: even ones fall on a cell (weight 1), odd ones half way and go down (weight a half).
-TEST(Preview, PixelsAreWeightedByTheirDistance)
+TEST(PreviewWriter, PixelsAreWeightedByTheirDistance)
 {
     Frame frame =
         makeFrame(182, 182, 182 * 3,
@@ -232,7 +232,7 @@ TEST(Preview, PixelsAreWeightedByTheirDistance)
     EXPECT_EQ(pixels[(19 * 91 + 10) * 3 + 2], 0);
 }
 
-TEST(Preview, FramesOfAnyShapeStayInsideTheirBytes)
+TEST(PreviewWriter, FramesOfAnyShapeStayInsideTheirBytes)
 {
     for (int32_t width : { 1, 2, 40, 91, 92, 300 })
     {
@@ -251,7 +251,7 @@ TEST(Preview, FramesOfAnyShapeStayInsideTheirBytes)
 }
 
 // Rows of every mixture of runs and single bytes, the longest of both included.
-TEST(Preview, AnyPixelsComeBackAndTheFileHasAnEvenPicture)
+TEST(PreviewWriter, AnyPixelsComeBackAndTheFileHasAnEvenPicture)
 {
     std::mt19937 random(9);
     for (int trial = 0; trial < 300; ++trial)
@@ -285,7 +285,7 @@ TEST(Preview, AnyPixelsComeBackAndTheFileHasAnEvenPicture)
     }
 }
 
-TEST(Preview, ThePicturesLengthIsInTheForkAsSixteenBits)
+TEST(PreviewWriter, ThePicturesLengthIsInTheForkAsSixteenBits)
 {
     Frame frame = makeFrame(91, 91, 273, [](int32_t, int32_t) { return Bgr{ 0, 0, 0 }; });
     std::string file = previewFile(&frame.source);

@@ -24,7 +24,7 @@ TEST_F(TextBlocks, BytesOfAnyNumberComeOutInOrder)
     FILE* file = fopen(path.c_str(), "wb");
     TextWriter writer;
     startText(&writer, file);
-    for (size_t count : { size_t{ 0 }, size_t{ 1 }, textBlockBytes - 1, textBlockBytes, 3 * textBlockBytes + 7 })
+    for (size_t count : { size_t{ 0 }, size_t{ 1 }, textBlockRoom - 1, textBlockRoom, 3 * textBlockRoom + 7 })
     {
         std::string part(count, static_cast<char>('a' + expected.size() % 26));
         writeBytes(&writer, part.data(), part.size());
