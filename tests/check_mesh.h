@@ -1,4 +1,4 @@
-// tests/check_mesh.h - what every mesh promises to everybody, after every load and every tool
+// tests/check_mesh.h - what must hold for every mesh, after every load and every tool
 #pragma once
 #include "model/mesh.h"
 
@@ -13,7 +13,7 @@ inline uint32_t usableSlots(int32_t count, int32_t limit)
     return count > 0 ? static_cast<uint32_t>(count) : 1;
 }
 
-// The first promise that the mesh breaks, in words; empty when it keeps them all.
+// The first thing that does not hold for the mesh, in words; empty when everything holds.
 inline std::string brokenPromise(const Mesh* mesh)
 {
     auto at = [](const char* what, int64_t index) { return std::string(what) + " " + std::to_string(index); };
@@ -55,7 +55,7 @@ inline std::string brokenPromise(const Mesh* mesh)
     {
         for (float coordinate : mesh->vertices[v].position)
         {
-            if (!(coordinate > -1e18f && coordinate < 1e18f)) // squares of lengths are numbers still
+            if (!(coordinate > -1e18f && coordinate < 1e18f)) // so that squares of lengths stay finite
                 return at("position of vertex", v);
         }
     }

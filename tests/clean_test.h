@@ -1,4 +1,4 @@
-// tests/clean_test.h - how a test that takes memory starts and ends
+// tests/clean_test.h - the fixture of tests that allocate memory
 #pragma once
 #include "model/memory.h"
 #include "tests/recording/recording.h"
@@ -7,7 +7,7 @@
 
 inline const RecordedBox outOfMemoryBox = { "Out of memory", "(default)", iconStop };
 
-// Starts with an empty memory table and nothing recorded, and holds the test to give back what it took.
+// Starts with an empty memory table and an empty record. Fails when the test does not release what it allocated.
 class CleanTest : public testing::Test
 {
 protected:

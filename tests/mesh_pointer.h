@@ -1,4 +1,4 @@
-// tests/mesh_pointer.h - meshes that a test makes by hand, from points and corners
+// tests/mesh_pointer.h - meshes that free themselves, for tests
 #pragma once
 #include "model/mesh.h"
 
@@ -18,4 +18,4 @@ struct MeshFreer
 };
 using MeshPointer = std::unique_ptr<Mesh, MeshFreer>;
 
-constexpr uint32_t none = noCorner; // of a short row of corners
+constexpr uint32_t none = noCorner; // short, for rows of corners

@@ -1,7 +1,7 @@
 // tests/faults/failing_files.cpp - platform/files.h with failing reads and writes
 //
-// A file is the system's own behind a stream of ours: its size is the real one, so that a reader finds out only when it
-// gets there, as on a disk with a bad sector or a share that goes away.
+// The real file is wrapped in a stream of the test. It reports the real size, so that a reader notices the failure only
+// when it gets there, as on a disk with a bad sector or a network share that disappears.
 #include "tests/faults/failing_files.h"
 
 #include "platform/files.h"
@@ -41,7 +41,7 @@ static ssize_t writeSome(void* cookie, const char* bytes, size_t size)
         {
             fileFaults.writableBytes = 0;
             fail();
-            return 0; // how such a stream tells of an error
+            return 0; // how such a stream reports an error
         }
         fileFaults.writableBytes -= static_cast<int64_t>(size);
     }

@@ -1,7 +1,7 @@
 // tests/faults/memory_test.cpp - every request for memory of every command refused in turn
 //
-// The readers, tools and writers have such tests of their own; here it is the whole program: what the user is told, and
-// that the model shown stays whole.
+// The readers, tools and writers have such tests of their own. These are about the whole program: which message the
+// user gets, and that the model that is shown stays whole.
 #include "tests/shell/shell_fixture.h"
 
 #include "shell/display.h"
@@ -13,7 +13,7 @@
 
 static const RecordedBox outOfMemory = { "Out of memory", "(default)", iconStop };
 
-static bool told(const RecordedBox& box)
+static bool shown(const RecordedBox& box)
 {
     return std::count(recorded.boxes.begin(), recorded.boxes.end(), box) != 0;
 }
@@ -37,9 +37,9 @@ protected:
         forget();
     }
 
-    // Runs a command again and again, the n-th request and, the second time round, all after it refused, until it asks
-    // for no more. check says what else must hold after a refusal, silent tells the requests whose refusal is
-    // not said to be one of memory. Returns how many requests the command makes.
+    // Runs a command for n = 1, 2, ... until it makes fewer than n requests for memory. First only the n-th request is
+    // refused, then in a second round all later ones, too. check tests what else must hold after a refusal. silent says
+    // for which requests no "Out of memory" is shown. Returns how many requests the command makes.
     template <typename Run, typename Check>
     int refuseEach(
         Run run, Check check, std::function<bool(int)> silent = [](int) { return false; })
@@ -61,7 +61,7 @@ protected:
                     break;
                 requests = n;
                 EXPECT_EQ(recorded.liveBlocks, blocks) << n;
-                EXPECT_EQ(told(outOfMemory), !silent(n)) << n;
+                EXPECT_EQ(shown(outOfMemory), !silent(n)) << n;
                 check();
                 drawFrame();
                 if (HasFailure())
@@ -138,7 +138,7 @@ TEST_F(MemoryFaults, AFailedSceneExportSaysSo)
         nameModel("shown.obj", path);
         runPanelCommand(ID_LUX_EXPORT);
     };
-    auto check = [] { EXPECT_TRUE(told({ "Failed to export", "LuxRender Export", iconNone })); };
+    auto check = [] { EXPECT_TRUE(shown({ "Failed to export", "LuxRender Export", iconNone })); };
     EXPECT_GT(refuseEach(exportScene, check, [](int) { return true; }), 0); // one box for whatever went wrong
 }
 
@@ -209,8 +209,8 @@ TEST_F(StartUpFaults, WithoutMemoryForTheBuiltInModelTheProgramEnds)
         EXPECT_EQ(started, recorded.allocations < n);
         if (started)
             break;
-        EXPECT_TRUE(told(outOfMemory)) << n;
-        EXPECT_EQ(told({ "Internal Object error", "Error", iconNone }), n > 2) << n; // the second mesh record is made
+        EXPECT_TRUE(shown(outOfMemory)) << n;
+        EXPECT_EQ(shown({ "Internal Object error", "Error", iconNone }), n > 2) << n; // the second mesh record is made
         EXPECT_EQ(modelList.count, 0);
         EXPECT_EQ(recorded.liveBlocks, 0) << n;
     }
@@ -229,7 +229,7 @@ TEST_F(StartUpFaults, AFileWithoutMemoryGivesWayToTheBuiltInModel)
         int started = buildScene(path.c_str());
         if (recorded.allocations < n)
             break;
-        EXPECT_TRUE(told(outOfMemory)) << n;
+        EXPECT_TRUE(shown(outOfMemory)) << n;
         ASSERT_EQ(started, n > 1) << n; // without the first record the program ends
         if (!started)
             continue;

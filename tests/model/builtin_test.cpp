@@ -24,7 +24,7 @@ static Words oneTriangle()
 
 constexpr size_t firstCorner = 4 + 9, firstUv = firstCorner + 4;
 
-class BuiltInModelTest : public CleanTest
+class BuiltInModel : public CleanTest
 {
 protected:
     void SetUp() override
@@ -60,7 +60,7 @@ protected:
     int hasMaterials = -1;
 };
 
-TEST_F(BuiltInModelTest, CarriedModelHasItsCountsAndNames)
+TEST_F(BuiltInModel, CarriedModelHasItsCountsAndNames)
 {
     ASSERT_EQ(loadBuiltInModel(mesh, &hasMaterials), 1);
     EXPECT_EQ(mesh->vertexCount, 2828);
@@ -82,7 +82,7 @@ TEST_F(BuiltInModelTest, CarriedModelHasItsCountsAndNames)
     EXPECT_TRUE(recorded.boxes.empty());
 }
 
-TEST_F(BuiltInModelTest, SpareSlotsAreReservedForTheTools)
+TEST_F(BuiltInModel, SpareSlotsAreReservedForTheTools)
 {
     ASSERT_EQ(load(oneTriangle()), 1);
     EXPECT_EQ(mesh->vertexCapacity, 3 + 256);
@@ -90,7 +90,7 @@ TEST_F(BuiltInModelTest, SpareSlotsAreReservedForTheTools)
     EXPECT_EQ(mesh->uvCapacity, 3);
 }
 
-TEST_F(BuiltInModelTest, VerticesAreOpaqueWhiteAndPlanesNormalsAndBoundsAreThere)
+TEST_F(BuiltInModel, VerticesAreOpaqueWhiteAndPlanesNormalsAndBoundsAreThere)
 {
     ASSERT_EQ(load(oneTriangle()), 1);
     EXPECT_EQ(mesh->vertices[2].position[1], 2.0f);
@@ -104,7 +104,7 @@ TEST_F(BuiltInModelTest, VerticesAreOpaqueWhiteAndPlanesNormalsAndBoundsAreThere
     EXPECT_EQ(mesh->centre[0], 0.5f);
 }
 
-TEST_F(BuiltInModelTest, MaterialRecordsAreCopiedAndNamed)
+TEST_F(BuiltInModel, MaterialRecordsAreCopiedAndNamed)
 {
     Words words = oneTriangle();
     words[2] = 2;
@@ -129,7 +129,7 @@ TEST_F(BuiltInModelTest, MaterialRecordsAreCopiedAndNamed)
     EXPECT_EQ(mesh->materials[2].shininess, 10);
 }
 
-TEST_F(BuiltInModelTest, MaterialsOfAnotherRecordSizeOrCountAreIgnored)
+TEST_F(BuiltInModel, MaterialsOfAnotherRecordSizeOrCountAreIgnored)
 {
     struct
     {
@@ -150,7 +150,7 @@ TEST_F(BuiltInModelTest, MaterialsOfAnotherRecordSizeOrCountAreIgnored)
     EXPECT_TRUE(recorded.boxes.empty());
 }
 
-TEST_F(BuiltInModelTest, AsManyMaterialsAsThereAreSlotsAndNoMore)
+TEST_F(BuiltInModel, AsManyMaterialsAsThereAreSlotsAndNoMore)
 {
     for (uint32_t count : { 512u, 513u, 0x7FFFFFFFu })
     {
@@ -164,7 +164,7 @@ TEST_F(BuiltInModelTest, AsManyMaterialsAsThereAreSlotsAndNoMore)
     }
 }
 
-TEST_F(BuiltInModelTest, FirstCornerWordHoldsTheMaterial)
+TEST_F(BuiltInModel, FirstCornerWordHoldsTheMaterial)
 {
     Words words = { 6, 1, 0, 0 };
     words.resize(4 + 18);
@@ -175,7 +175,7 @@ TEST_F(BuiltInModelTest, FirstCornerWordHoldsTheMaterial)
     EXPECT_EQ(mesh->faceAttributes[0], 3u);
 }
 
-TEST_F(BuiltInModelTest, MaterialTakesNineBits)
+TEST_F(BuiltInModel, MaterialTakesNineBits)
 {
     Words words = oneTriangle();
     words[firstCorner] = 0xFFF00000u;
@@ -184,7 +184,7 @@ TEST_F(BuiltInModelTest, MaterialTakesNineBits)
     EXPECT_EQ(mesh->faces[0][0], 0u);
 }
 
-TEST_F(BuiltInModelTest, TextureWordsAreUnsignedParts)
+TEST_F(BuiltInModel, TextureWordsAreUnsignedParts)
 {
     Words words = oneTriangle();
     words[firstUv] = 0xFFFF0000u;
@@ -197,7 +197,7 @@ TEST_F(BuiltInModelTest, TextureWordsAreUnsignedParts)
     EXPECT_EQ(mesh->faceUvs[0], (Corners{ 0, 1, 2, 0 }));
 }
 
-TEST_F(BuiltInModelTest, LastCornerOfAVertexDecidesItsTextureCoordinate)
+TEST_F(BuiltInModel, LastCornerOfAVertexDecidesItsTextureCoordinate)
 {
     Words words = { 3, 2, 0, 0 };
     words.resize(4 + 9);
@@ -210,7 +210,7 @@ TEST_F(BuiltInModelTest, LastCornerOfAVertexDecidesItsTextureCoordinate)
     EXPECT_EQ(mesh->uvs[1].v, 9 * part);
 }
 
-TEST_F(BuiltInModelTest, CornerThatIsNoVertexKeepsItsPlaceInADeletedSlot)
+TEST_F(BuiltInModel, CornerThatIsNoVertexKeepsItsPlaceInADeletedSlot)
 {
     const Corners cases[] = { { 3, 1, 2, noCorner },        { 0, 3, 2, noCorner },   { 0, 1, 0x80000000u, noCorner },
                               { 0, noCorner, 2, noCorner }, { 0, 1, 2, 3 },          { 0, 1, noCorner, 2 },
@@ -230,7 +230,7 @@ TEST_F(BuiltInModelTest, CornerThatIsNoVertexKeepsItsPlaceInADeletedSlot)
     }
 }
 
-TEST_F(BuiltInModelTest, QuadsAndLinesAreKept)
+TEST_F(BuiltInModel, QuadsAndLinesAreKept)
 {
     const Corners cases[] = { { 0, 1, 2, 1 }, { 0, 1, noCorner, noCorner } };
     for (const Corners& corners : cases)
@@ -244,7 +244,7 @@ TEST_F(BuiltInModelTest, QuadsAndLinesAreKept)
     }
 }
 
-TEST_F(BuiltInModelTest, CutFilesAreRefused)
+TEST_F(BuiltInModel, CutFilesAreRefused)
 {
     Words words = oneTriangle();
     words[2] = 1;
@@ -259,14 +259,14 @@ TEST_F(BuiltInModelTest, CutFilesAreRefused)
     EXPECT_TRUE(recorded.boxes.empty());
 }
 
-TEST_F(BuiltInModelTest, BytesAfterTheLastRecordAreIgnored)
+TEST_F(BuiltInModel, BytesAfterTheLastRecordAreIgnored)
 {
     Words words = oneTriangle();
     words.push_back(5);
     EXPECT_EQ(load(words), 1);
 }
 
-TEST_F(BuiltInModelTest, CountsThatDoNotFitAreRefused)
+TEST_F(BuiltInModel, CountsThatDoNotFitAreRefused)
 {
     for (size_t word : { 0u, 1u })
     {
@@ -281,7 +281,7 @@ TEST_F(BuiltInModelTest, CountsThatDoNotFitAreRefused)
     EXPECT_EQ(recorded.allocations, 1); // the mesh itself
 }
 
-TEST_F(BuiltInModelTest, EmptyModelLoads)
+TEST_F(BuiltInModel, EmptyModelLoads)
 {
     EXPECT_EQ(load({ 0, 0, 0, 0 }), 1);
     EXPECT_EQ(mesh->vertexCount, 0);
@@ -289,7 +289,7 @@ TEST_F(BuiltInModelTest, EmptyModelLoads)
     EXPECT_EQ(mesh->groupCount, 1);
 }
 
-TEST_F(BuiltInModelTest, EveryRefusedAllocationIsReportedOnce)
+TEST_F(BuiltInModel, EveryRefusedAllocationIsReportedOnce)
 {
     int needed = 0;
     for (int n = 1; n < 100; ++n)
@@ -307,7 +307,7 @@ TEST_F(BuiltInModelTest, EveryRefusedAllocationIsReportedOnce)
 }
 
 // Whatever words stand in a file, what loads can be walked face by face without looking up a corner that is none.
-TEST_F(BuiltInModelTest, NoiseLoadsOrIsRefusedAndNeverLeadsOutOfTheArrays)
+TEST_F(BuiltInModel, NoiseLoadsOrIsRefusedAndNeverLeadsOutOfTheArrays)
 {
     uint32_t state = 12345;
     auto next = [&] { return state = state * 1664525u + 1013904223u; };

@@ -4,7 +4,7 @@
 
 #include <string.h>
 
-class MemoryTableTest : public CleanTest
+class MemoryBlocks : public CleanTest
 {
 protected:
     void TearDown() override
@@ -16,14 +16,14 @@ protected:
     }
 };
 
-TEST_F(MemoryTableTest, SizeZeroGivesNullAndUsesNoEntry)
+TEST_F(MemoryBlocks, SizeZeroGivesNullAndUsesNoEntry)
 {
     EXPECT_EQ(tableAlloc(0), nullptr);
     EXPECT_EQ(memoryTable.highWater, 0);
     EXPECT_TRUE(recorded.boxes.empty());
 }
 
-TEST_F(MemoryTableTest, BlocksAreZeroAndStartAtAPage)
+TEST_F(MemoryBlocks, BlocksAreZeroAndStartAtAPage)
 {
     auto* block = static_cast<uint8_t*>(tableAlloc(10000));
     ASSERT_NE(block, nullptr);
@@ -32,7 +32,7 @@ TEST_F(MemoryTableTest, BlocksAreZeroAndStartAtAPage)
         ASSERT_EQ(block[i], 0);
 }
 
-TEST_F(MemoryTableTest, FullTableStaysFullAfterAFree)
+TEST_F(MemoryBlocks, FullTableStaysFullAfterAFree)
 {
     void* first = nullptr;
     for (int i = 0; i < memoryEntryLimit; ++i)
@@ -47,7 +47,7 @@ TEST_F(MemoryTableTest, FullTableStaysFullAfterAFree)
     EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ { "Malloc Table Full", "Error", iconNone } }));
 }
 
-TEST_F(MemoryTableTest, LowestFreeEntryIsTakenFirst)
+TEST_F(MemoryBlocks, LowestFreeEntryIsTakenFirst)
 {
     void* one = tableAlloc(1);
     void* two = tableAlloc(1);
@@ -58,7 +58,7 @@ TEST_F(MemoryTableTest, LowestFreeEntryIsTakenFirst)
     EXPECT_EQ(memoryTable.highWater, 2);
 }
 
-TEST_F(MemoryTableTest, RefusedAllocationUsesItsEntryAndShowsNothing)
+TEST_F(MemoryBlocks, RefusedAllocationUsesItsEntryAndShowsNothing)
 {
     recorded.refuseFrom = 1;
     EXPECT_EQ(tableAlloc(1), nullptr);
@@ -70,7 +70,7 @@ TEST_F(MemoryTableTest, RefusedAllocationUsesItsEntryAndShowsNothing)
     EXPECT_EQ(memoryTable.highWater, 1);
 }
 
-TEST_F(MemoryTableTest, ReallocOfNullAllocatesAndToZeroFrees)
+TEST_F(MemoryBlocks, ReallocOfNullAllocatesAndToZeroFrees)
 {
     void* block = tableRealloc(nullptr, 5);
     ASSERT_NE(block, nullptr);
@@ -78,7 +78,7 @@ TEST_F(MemoryTableTest, ReallocOfNullAllocatesAndToZeroFrees)
     EXPECT_EQ(memoryTable.entries[0].address, nullptr);
 }
 
-TEST_F(MemoryTableTest, ReallocKeepsTheBytesAndZeroesTheTail)
+TEST_F(MemoryBlocks, ReallocKeepsTheBytesAndZeroesTheTail)
 {
     auto* block = static_cast<uint8_t*>(tableAlloc(100));
     memset(block, 7, 100);
@@ -92,7 +92,7 @@ TEST_F(MemoryTableTest, ReallocKeepsTheBytesAndZeroesTheTail)
     EXPECT_EQ(memoryTable.highWater, 1);
 }
 
-TEST_F(MemoryTableTest, RefusedReallocLeavesTheBlock)
+TEST_F(MemoryBlocks, RefusedReallocLeavesTheBlock)
 {
     auto* block = static_cast<uint8_t*>(tableAlloc(10));
     block[9] = 3;
@@ -103,7 +103,7 @@ TEST_F(MemoryTableTest, RefusedReallocLeavesTheBlock)
     EXPECT_EQ(memoryTable.entries[0].size, 10u);
 }
 
-TEST_F(MemoryTableTest, UnknownAddressesAreIgnored)
+TEST_F(MemoryBlocks, UnknownAddressesAreIgnored)
 {
     int elsewhere = 0;
     void* block = tableAlloc(1);
@@ -116,7 +116,7 @@ TEST_F(MemoryTableTest, UnknownAddressesAreIgnored)
     EXPECT_EQ(memoryTable.entries[0].size, 1u);
 }
 
-TEST_F(MemoryTableTest, WorkBlocksAreNotRecorded)
+TEST_F(MemoryBlocks, WorkBlocksAreNotRecorded)
 {
     void* block = workAlloc(100);
     ASSERT_NE(block, nullptr);
@@ -127,13 +127,13 @@ TEST_F(MemoryTableTest, WorkBlocksAreNotRecorded)
     EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ { "Out of memory", "(default)", iconStop } }));
 }
 
-TEST_F(MemoryTableTest, ReportOutOfMemoryReturnsZero)
+TEST_F(MemoryBlocks, ReportOutOfMemoryReturnsZero)
 {
     EXPECT_EQ(reportOutOfMemory(), 0);
     EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ { "Out of memory", "(default)", iconStop } }));
 }
 
-TEST_F(MemoryTableTest, BlockSizesThatDoNotFitCannotBeSatisfied)
+TEST_F(MemoryBlocks, BlockSizesThatDoNotFitCannotBeSatisfied)
 {
     EXPECT_EQ(blockSize(3, 16), 48u);
     EXPECT_EQ(blockSize(0, 16), 0u);

@@ -11,7 +11,7 @@
 
 static const std::vector<RecordedBox> outOfMemory = { outOfMemoryBox };
 
-class MeshTest : public CleanTest
+class MeshRecord : public CleanTest
 {
 protected:
     void SetUp() override
@@ -40,7 +40,7 @@ protected:
     Mesh* mesh = nullptr;
 };
 
-TEST_F(MeshTest, AFreshMeshHasDefaultMaterialsInEverySlot)
+TEST_F(MeshRecord, AFreshMeshHasDefaultMaterialsInEverySlot)
 {
     for (const Material& material : mesh->materials)
     {
@@ -62,7 +62,7 @@ TEST_F(MeshTest, AFreshMeshHasDefaultMaterialsInEverySlot)
     }
 }
 
-TEST_F(MeshTest, AFreshMeshHasItsNamesAndNothingElse)
+TEST_F(MeshRecord, AFreshMeshHasItsNamesAndNothingElse)
 {
     EXPECT_STREQ(mesh->name, "prop");
     EXPECT_STREQ(mesh->materialNames[0], "Preview");
@@ -77,7 +77,7 @@ TEST_F(MeshTest, AFreshMeshHasItsNamesAndNothingElse)
                 !mesh->facePlanes && !mesh->faceAttributes);
 }
 
-TEST_F(MeshTest, MaterialFieldsLieBackToBackInTheirOrder)
+TEST_F(MeshRecord, MaterialFieldsLieBackToBackInTheirOrder)
 {
     EXPECT_EQ(sizeof(Material), 96u);
     EXPECT_EQ(offsetof(Material, diffuse), 12u);
@@ -98,7 +98,7 @@ TEST_F(MeshTest, MaterialFieldsLieBackToBackInTheirOrder)
     EXPECT_EQ(offsetof(MeshVertex, normal), 16u);
 }
 
-TEST_F(MeshTest, LongNamesAreCutAndTerminated)
+TEST_F(MeshRecord, LongNamesAreCutAndTerminated)
 {
     std::string name(200, 'x');
     Mesh* other = createMesh(name.c_str());
@@ -107,7 +107,7 @@ TEST_F(MeshTest, LongNamesAreCutAndTerminated)
     freeMesh(other);
 }
 
-TEST_F(MeshTest, CreationWithoutMemoryShowsItsBox)
+TEST_F(MeshRecord, CreationWithoutMemoryShowsItsBox)
 {
     resetRecording();
     recorded.refuseFrom = 1;
@@ -115,7 +115,7 @@ TEST_F(MeshTest, CreationWithoutMemoryShowsItsBox)
     EXPECT_EQ(recorded.boxes, outOfMemory);
 }
 
-TEST_F(MeshTest, FreeingNothingDoesNothing)
+TEST_F(MeshRecord, FreeingNothingDoesNothing)
 {
     int blocks = recorded.liveBlocks;
     freeMesh(nullptr);
@@ -123,7 +123,7 @@ TEST_F(MeshTest, FreeingNothingDoesNothing)
     EXPECT_TRUE(recorded.boxes.empty());
 }
 
-TEST_F(MeshTest, GrowingByNothingSucceedsWithoutAllocating)
+TEST_F(MeshRecord, GrowingByNothingSucceedsWithoutAllocating)
 {
     resetRecording();
     EXPECT_EQ(growVertices(mesh, 0), 1);
@@ -134,7 +134,7 @@ TEST_F(MeshTest, GrowingByNothingSucceedsWithoutAllocating)
     EXPECT_EQ(mesh->vertexCapacity | mesh->uvCapacity | mesh->faceCapacity, 0);
 }
 
-TEST_F(MeshTest, GrowingFacesTwiceAddsUpAndKeepsTheFirst)
+TEST_F(MeshRecord, GrowingFacesTwiceAddsUpAndKeepsTheFirst)
 {
     ASSERT_EQ(growFaces(mesh, 10), 1);
     for (uint32_t f = 0; f < 10; ++f)
@@ -159,7 +159,7 @@ TEST_F(MeshTest, GrowingFacesTwiceAddsUpAndKeepsTheFirst)
     mesh->faceAttributes[19] = 0; // all four reach as far
 }
 
-TEST_F(MeshTest, GrowingVerticesKeepsBothArraysAlike)
+TEST_F(MeshRecord, GrowingVerticesKeepsBothArraysAlike)
 {
     ASSERT_EQ(growVertices(mesh, 3), 1);
     mesh->vertices[2].position[1] = 8;
@@ -177,7 +177,7 @@ TEST_F(MeshTest, GrowingVerticesKeepsBothArraysAlike)
     EXPECT_EQ(mesh->uvs[1].v, 4);
 }
 
-TEST_F(MeshTest, CapacityOfAnArrayThatIsGoneCountsForNothing)
+TEST_F(MeshRecord, CapacityOfAnArrayThatIsGoneCountsForNothing)
 {
     ASSERT_EQ(growUvs(mesh, 100), 1);
     tableFree(mesh->uvs);
@@ -186,7 +186,7 @@ TEST_F(MeshTest, CapacityOfAnArrayThatIsGoneCountsForNothing)
     EXPECT_EQ(mesh->uvCapacity, 4);
 }
 
-TEST_F(MeshTest, EveryRefusedGrowthShowsItsBoxAndCanBeFreed)
+TEST_F(MeshRecord, EveryRefusedGrowthShowsItsBoxAndCanBeFreed)
 {
     for (int already = 0; already < 2; ++already)
     {
@@ -208,7 +208,7 @@ TEST_F(MeshTest, EveryRefusedGrowthShowsItsBoxAndCanBeFreed)
     }
 }
 
-TEST_F(MeshTest, CapacitiesThatDoNotFitAreRefused)
+TEST_F(MeshRecord, CapacitiesThatDoNotFitAreRefused)
 {
     ASSERT_TRUE(growVertices(mesh, 1) && growUvs(mesh, 1) && growFaces(mesh, 1));
     for (int32_t n : { INT32_MAX, -1, INT32_MIN })
@@ -221,7 +221,7 @@ TEST_F(MeshTest, CapacitiesThatDoNotFitAreRefused)
     EXPECT_EQ(mesh->vertexCapacity, 1);
 }
 
-TEST_F(MeshTest, CornersAreCountedByTheAbsentOnes)
+TEST_F(MeshRecord, CornersAreCountedByTheAbsentOnes)
 {
     EXPECT_EQ(cornerCount({ 1, 2, noCorner, noCorner }), 2);
     EXPECT_EQ(cornerCount({ 1, 2, 3, noCorner }), 3);
@@ -229,7 +229,7 @@ TEST_F(MeshTest, CornersAreCountedByTheAbsentOnes)
     EXPECT_EQ(cornerCount({ 1, 2, noCorner, 4 }), 2);
 }
 
-TEST_F(MeshTest, AttributeFieldsAreTakenApart)
+TEST_F(MeshRecord, AttributeFieldsAreTakenApart)
 {
     uint32_t word = 511u | 300u << 9 | faceHidden | faceDeleted | faceLine | faceLit | faceEyeFacing;
     EXPECT_EQ(faceMaterial(word), 511u);
@@ -237,7 +237,7 @@ TEST_F(MeshTest, AttributeFieldsAreTakenApart)
     EXPECT_EQ(faceHidden | faceDeleted | faceLine | faceLit | faceEyeFacing, 0xF8000000u);
 }
 
-TEST_F(MeshTest, CornersOutsideTheVerticesAreNone)
+TEST_F(MeshRecord, CornersOutsideTheVerticesAreNone)
 {
     mesh->vertexCount = 3;
     EXPECT_TRUE(cornersAreVertices(mesh, { 0, 1, 2, noCorner }, 3));
@@ -246,7 +246,7 @@ TEST_F(MeshTest, CornersOutsideTheVerticesAreNone)
     mesh->vertexCount = 0;
 }
 
-TEST_F(MeshTest, BoundsOfOneVertexAreThatVertex)
+TEST_F(MeshRecord, BoundsOfOneVertexAreThatVertex)
 {
     addVertex(3, -4, 5);
     EXPECT_EQ(computeBounds(mesh), 1);
@@ -260,7 +260,7 @@ TEST_F(MeshTest, BoundsOfOneVertexAreThatVertex)
     EXPECT_EQ(mesh->radius, 0);
 }
 
-TEST_F(MeshTest, BoundsOfNoVertexStayAsTheyWere)
+TEST_F(MeshRecord, BoundsOfNoVertexStayAsTheyWere)
 {
     mesh->boundsMin[0] = 7;
     mesh->radius = 8;
@@ -269,7 +269,7 @@ TEST_F(MeshTest, BoundsOfNoVertexStayAsTheyWere)
     EXPECT_EQ(mesh->radius, 8);
 }
 
-TEST_F(MeshTest, BoundsTakeInEveryUsedVertex)
+TEST_F(MeshRecord, BoundsTakeInEveryUsedVertex)
 {
     addVertex(-1, 2, 0);
     addVertex(3, -2, 6);
@@ -287,7 +287,7 @@ TEST_F(MeshTest, BoundsTakeInEveryUsedVertex)
     EXPECT_EQ(mesh->radius, sqrtf(2 * 2 + 2 * 2 + 6 * 6));
 }
 
-TEST_F(MeshTest, FastBoundsHaveTheBitsOfThePlainOnes)
+TEST_F(MeshRecord, FastBoundsHaveTheBitsOfThePlainOnes)
 {
     std::mt19937 random(9);
     const float values[] = { 0.0f, -0.0f, 1, -1, 1e-42f, -1e-42f, INFINITY, -INFINITY, NAN, 3.5f, -2e9f };
@@ -314,7 +314,7 @@ TEST_F(MeshTest, FastBoundsHaveTheBitsOfThePlainOnes)
     limitKernelLevel(kernelsAvx512);
 }
 
-TEST_F(MeshTest, VisibleBoundsLeaveOutHiddenAndDeletedFaces)
+TEST_F(MeshRecord, VisibleBoundsLeaveOutHiddenAndDeletedFaces)
 {
     for (int i = 0; i < 12; ++i)
         addVertex(static_cast<float>(i), static_cast<float>(-i), 1);
@@ -330,7 +330,7 @@ TEST_F(MeshTest, VisibleBoundsLeaveOutHiddenAndDeletedFaces)
     EXPECT_EQ(mesh->radius, sqrtf(1.5f * 1.5f + 1.5f * 1.5f));
 }
 
-TEST_F(MeshTest, VisibleBoundsOfNothingAreASmallBox)
+TEST_F(MeshRecord, VisibleBoundsOfNothingAreASmallBox)
 {
     addVertex(50, 50, 50);
     addFace({ 0, 0, 0, noCorner }, faceHidden);
@@ -344,7 +344,7 @@ TEST_F(MeshTest, VisibleBoundsOfNothingAreASmallBox)
     EXPECT_NEAR(mesh->radius, 0.1732f, 0.0001f);
 }
 
-TEST_F(MeshTest, InstallingReplacesEveryMeshAndFitsTheList)
+TEST_F(MeshRecord, InstallingReplacesEveryMeshAndFitsTheList)
 {
     ModelList list = {};
     list.meshes[0] = createMesh("a");
@@ -370,7 +370,7 @@ TEST_F(MeshTest, InstallingReplacesEveryMeshAndFitsTheList)
     EXPECT_EQ(recorded.liveBlocks, blocksBefore);
 }
 
-TEST_F(MeshTest, ClearingPassesOverEmptyEntries)
+TEST_F(MeshRecord, ClearingPassesOverEmptyEntries)
 {
     ModelList list = {};
     list.count = 3;
@@ -380,7 +380,7 @@ TEST_F(MeshTest, ClearingPassesOverEmptyEntries)
     EXPECT_EQ(recorded.liveBlocks, blocksBefore + 1);
 }
 
-TEST_F(MeshTest, TheListIsFittedToAllOfItsMeshes)
+TEST_F(MeshRecord, TheListIsFittedToAllOfItsMeshes)
 {
     ModelList list = {};
     list.count = 2;
@@ -404,7 +404,7 @@ TEST_F(MeshTest, TheListIsFittedToAllOfItsMeshes)
     freeMesh(list.meshes[1]);
 }
 
-TEST_F(MeshTest, AnEmptyListIsLeftAlone)
+TEST_F(MeshRecord, AnEmptyListIsLeftAlone)
 {
     ModelList list = {};
     list.radius = 3;

@@ -3,33 +3,20 @@
 
 #include "model/memory.h"
 #include "platform/processor.h"
-#include "tests/recording/recording.h"
+#include "tests/mesh_pointer.h"
 
 #include <gtest/gtest.h>
 #include <float.h>
 #include <math.h>
 #include <string.h>
 #include <xmmintrin.h>
-#include <memory>
+#include <array>
 #include <random>
 
-struct Point
-{
-    float x, y, z;
-};
-
-struct MeshFreer
-{
-    void operator()(Mesh* mesh) const
-    {
-        freeMesh(mesh);
-    }
-};
-
-static std::unique_ptr<Mesh, MeshFreer> meshOf(const std::vector<Point>& points, const std::vector<Corners>& faces)
+static MeshPointer meshOf(const std::vector<Point>& points, const std::vector<Corners>& faces)
 {
     memoryTable = {};
-    std::unique_ptr<Mesh, MeshFreer> mesh(createMesh("prop"));
+    MeshPointer mesh(createMesh("prop"));
     growVertices(mesh.get(), static_cast<int32_t>(points.size()));
     growFaces(mesh.get(), static_cast<int32_t>(faces.size()));
     for (const Point& p : points)

@@ -1,4 +1,4 @@
-// tests/platform/file_names_test.cpp - paths taken apart as each system does it
+// tests/platform/file_names_test.cpp - paths and file names, by the rules of each operating system
 #include "platform/file_names.h"
 
 #include <gtest/gtest.h>

@@ -8,7 +8,7 @@
 
 namespace fs = std::filesystem;
 
-class SystemFiles : public testing::Test
+class Files : public testing::Test
 {
 protected:
     void SetUp() override
@@ -29,7 +29,7 @@ protected:
     fs::path folder;
 };
 
-TEST_F(SystemFiles, AFileOpensAndIsMeasured)
+TEST_F(Files, AFileOpensAndIsMeasured)
 {
     std::ofstream(path("a.obj")) << "12345";
     FILE* file = openFile(path("a.obj").c_str(), "rb");
@@ -39,19 +39,19 @@ TEST_F(SystemFiles, AFileOpensAndIsMeasured)
     fclose(file);
 }
 
-TEST_F(SystemFiles, AFolderDoesNotOpen)
+TEST_F(Files, AFolderDoesNotOpen)
 {
     fs::create_directory(path("folder.obj"));
     EXPECT_EQ(openFile(path("folder.obj").c_str(), "rb"), nullptr);
 }
 
-TEST_F(SystemFiles, ALinkToADeviceThatNeverEndsDoesNotOpenForReading)
+TEST_F(Files, ALinkToADeviceThatNeverEndsDoesNotOpenForReading)
 {
     fs::create_symlink("/dev/zero", path("endless.dxf"));
     EXPECT_EQ(openFile(path("endless.dxf").c_str(), "rb"), nullptr);
 }
 
-TEST_F(SystemFiles, AFileIsCreatedOnlyWhereNothingStands)
+TEST_F(Files, AFileIsCreatedOnlyWhereNothingStands)
 {
     int taken = -1;
     FILE* file = createFile(path("a.part").c_str(), &taken);
@@ -70,7 +70,7 @@ TEST_F(SystemFiles, AFileIsCreatedOnlyWhereNothingStands)
     EXPECT_FALSE(fs::exists(path("nowhere")));
 }
 
-TEST_F(SystemFiles, APlainFileIsNoFolderDeviceOrLinkToNowhere)
+TEST_F(Files, APlainFileIsNoFolderDeviceOrLinkToNowhere)
 {
     std::ofstream(path("file")) << "x";
     fs::create_symlink("file", path("link"));
@@ -82,14 +82,14 @@ TEST_F(SystemFiles, APlainFileIsNoFolderDeviceOrLinkToNowhere)
     EXPECT_EQ(isPlainFile("/dev/null"), 0);
 }
 
-TEST_F(SystemFiles, ADeviceOpensForWriting)
+TEST_F(Files, ADeviceOpensForWriting)
 {
     FILE* file = openFile("/dev/null", "wb");
     ASSERT_NE(file, nullptr);
     fclose(file);
 }
 
-TEST_F(SystemFiles, ANameIsFoundWhateverTheCaseOfItsLetters)
+TEST_F(Files, ANameIsFoundWhateverTheCaseOfItsLetters)
 {
     std::ofstream(path("Wood.JPG")) << "";
     char found[32] = "";

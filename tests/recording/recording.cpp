@@ -266,8 +266,8 @@ uint32_t tickCount()
     return recorded.tick;
 }
 
-// Whole pages as far as the caller can tell by the address; the bytes past the size belong to nobody, as the sanitizer
-// then notices.
+// Blocks start at a page boundary, like real ones. The bytes past the size are not part of the block, so that the
+// address sanitizer notices their use.
 void* allocatePages(size_t sizeBytes)
 {
     ++recorded.allocations;
@@ -275,8 +275,8 @@ void* allocatePages(size_t sizeBytes)
         return nullptr;
     if (recorded.refuseOnly && recorded.allocations == recorded.refuseOnly)
         return nullptr;
-    constexpr size_t mostBytes = size_t{ 1 } << 40;
-    void* block = sizeBytes > 0 && sizeBytes <= mostBytes ? takeBlock(sizeBytes) : nullptr;
+    constexpr size_t blockBytesLimit = size_t{ 1 } << 40;
+    void* block = sizeBytes > 0 && sizeBytes <= blockBytesLimit ? takeBlock(sizeBytes) : nullptr;
     if (!block)
         return nullptr;
     ++recorded.liveBlocks;

@@ -1,4 +1,4 @@
-// tests/recording/recording.h - a platform that scripts the user's answers and writes down what the system does
+// tests/recording/recording.h - an implementation of the seam that answers dialogs by a script and records every call
 #pragma once
 #include "platform/boxes.h"
 
@@ -11,7 +11,7 @@
 struct RecordedBox
 {
     std::string text;
-    std::string caption; // "(default)" for the system's own
+    std::string caption; // "(default)" for that of the operating system
     BoxIcon icon;
     bool operator==(const RecordedBox&) const = default;
 };
@@ -45,7 +45,7 @@ struct Recording
     std::vector<RecordedProgress> progress;
     int beeps = 0;
 
-    // dialogs: an empty answer, or none left, is Cancel; the file title is what follows the last separator
+    // dialogs: an empty answer, or none left, is Cancel; the file title follows the last separator
     std::deque<std::string> dialogAnswers;
     std::vector<RecordedDialog> dialogs;
 
@@ -67,15 +67,15 @@ struct Recording
     // clock and processor
     uint32_t tick = 0;
 
-    // pages; a block's bytes are watched by the address sanitizer
+    // pages; the address sanitizer watches the bytes of the blocks
     int liveBlocks = 0;
     int allocations = 0;
     size_t liveBytes = 0, peakBytes = 0;
-    int refuseFrom = 0; // the n-th allocation from the last reset and all after it are refused; 0: none
-    int refuseOnly = 0; // the n-th alone is refused; 0: none
+    int refuseFrom = 0; // the n-th allocation since the last reset and all later ones are refused; 0: none
+    int refuseOnly = 0; // only the n-th is refused; 0: none
 };
 
 extern Recording recorded;
 
-// All of it as at the program's start, but for the blocks that still live.
+// Starts the record again. Blocks that are not released yet stay counted.
 void resetRecording();

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-// A mesh of these points and faces with exactly as much room; every corner's texture index is 10 x its slot + face.
+// A mesh of these points and faces, with no spare capacity. The texture index of corner k of face f is 10 x f + k.
 inline MeshPointer buildMesh(const std::vector<Point>& points, const std::vector<Corners>& faces)
 {
     MeshPointer mesh(createMesh("prop"));

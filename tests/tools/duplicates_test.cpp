@@ -5,11 +5,11 @@
 
 #include <set>
 
-using DuplicatesTest = ToolTest;
+using DuplicateFaces = ToolTest;
 
 static const std::vector<Point> sixPoints(6, Point{ 0, 0, 0 });
 
-TEST_F(DuplicatesTest, AReversedFaceIsADuplicate)
+TEST_F(DuplicateFaces, AReversedFaceIsADuplicate)
 {
     MeshPointer mesh = buildMesh(sixPoints, { { 0, 1, 2, none }, { 2, 1, 0, none } });
     EXPECT_EQ(removeDuplicateFaces(mesh.get()), 1);
@@ -19,7 +19,7 @@ TEST_F(DuplicatesTest, AReversedFaceIsADuplicate)
     EXPECT_EQ(recorded.notices, (Texts{ "Removed  1 dupfaces" }));
 }
 
-TEST_F(DuplicatesTest, FacesWithOneSumStay)
+TEST_F(DuplicateFaces, FacesWithOneSumStay)
 {
     MeshPointer mesh = buildMesh(sixPoints, { { 0, 1, 5, none }, { 0, 2, 4, none }, { 1, 2, 3, none } });
     EXPECT_EQ(removeDuplicateFaces(mesh.get()), 1);
@@ -27,7 +27,7 @@ TEST_F(DuplicatesTest, FacesWithOneSumStay)
     EXPECT_EQ(recorded.notices, (Texts{ "    No duplicated faces" }));
 }
 
-TEST_F(DuplicatesTest, LinesAndDeletedSlotsTakeNoPart)
+TEST_F(DuplicateFaces, LinesAndDeletedSlotsTakeNoPart)
 {
     MeshPointer mesh =
         buildMesh(sixPoints, { { 0, 1, 2, none }, { 0, 1, none, none }, { 0, 1, none, none }, { 0, 1, 2, none } });
@@ -38,7 +38,7 @@ TEST_F(DuplicatesTest, LinesAndDeletedSlotsTakeNoPart)
     EXPECT_EQ(recorded.notices, (Texts{ "    No duplicated faces" }));
 }
 
-TEST_F(DuplicatesTest, HiddenFacesAreRemovedToo)
+TEST_F(DuplicateFaces, HiddenFacesAreRemovedToo)
 {
     MeshPointer mesh = buildMesh(sixPoints, { { 0, 1, 2, none }, { 1, 2, 0, none } });
     mesh->faceAttributes[1] = faceHidden;
@@ -46,7 +46,7 @@ TEST_F(DuplicatesTest, HiddenFacesAreRemovedToo)
     EXPECT_EQ(mesh->faceAttributes[1], faceHidden | faceDeleted);
 }
 
-TEST_F(DuplicatesTest, NormalsAreRecomputed)
+TEST_F(DuplicateFaces, NormalsAreRecomputed)
 {
     MeshPointer mesh = buildMesh(sixPoints, { { 0, 1, 2, none }, { 1, 2, 0, none } });
     mesh->vertices[5].normal[1] = 7;
@@ -54,7 +54,7 @@ TEST_F(DuplicatesTest, NormalsAreRecomputed)
     EXPECT_EQ(mesh->vertices[5].normal[1], 0);
 }
 
-TEST_F(DuplicatesTest, WhatRepeatsWhatDependsOnTheOrder)
+TEST_F(DuplicateFaces, WhatRepeatsWhatDependsOnTheOrder)
 {
     EXPECT_TRUE(sameCorners({ 0, 1, 2, none }, { 2, 0, 1, none }));
     EXPECT_TRUE(sameCorners({ 0, 1, 2, 3 }, { 3, 1, 0, 2 }));
@@ -64,7 +64,7 @@ TEST_F(DuplicatesTest, WhatRepeatsWhatDependsOnTheOrder)
     EXPECT_FALSE(sameCorners({ 1, 2, 3, none }, { 2, 2, 2, none }));
 }
 
-TEST_F(DuplicatesTest, ACollapsedFaceRepeatsAnEarlierFaceOfItsSum)
+TEST_F(DuplicateFaces, ACollapsedFaceRepeatsAnEarlierFaceOfItsSum)
 {
     MeshPointer mesh =
         buildMesh(sixPoints, { { 1, 2, 3, none }, { 2, 2, 2, none }, { 4, 4, 4, none }, { 3, 4, 5, none } });
@@ -75,14 +75,14 @@ TEST_F(DuplicatesTest, ACollapsedFaceRepeatsAnEarlierFaceOfItsSum)
     EXPECT_EQ(recorded.notices, (Texts{ "Removed  1 dupfaces" }));
 }
 
-TEST_F(DuplicatesTest, AMeshWithoutFacesHasNoDuplicates)
+TEST_F(DuplicateFaces, AMeshWithoutFacesHasNoDuplicates)
 {
     MeshPointer mesh = buildMesh({}, {});
     EXPECT_EQ(removeDuplicateFaces(mesh.get()), 1);
     EXPECT_EQ(recorded.notices, (Texts{ "    No duplicated faces" }));
 }
 
-TEST_F(DuplicatesTest, EveryRefusedAllocationLeavesTheMeshAsItWas)
+TEST_F(DuplicateFaces, EveryRefusedAllocationLeavesTheMeshAsItWas)
 {
     MeshPointer mesh = buildMesh(sixPoints, { { 0, 1, 2, none }, { 2, 1, 0, none }, { 3, 3, 3, none } });
     MeshState before = stateOf(mesh.get());
@@ -98,7 +98,8 @@ TEST_F(DuplicatesTest, EveryRefusedAllocationLeavesTheMeshAsItWas)
     }
 }
 
-// As it is described: chains by the sum, an overflow area of faceCount - 1 entries. Returns the number removed.
+// The tool in its literal form: chains by the sum, with an overflow of faceCount - 1 entries. Returns the number
+// removed.
 static int plainRemove(Mesh* mesh)
 {
     struct Entry
@@ -143,13 +144,13 @@ static int plainRemove(Mesh* mesh)
     return removed;
 }
 
-TEST_F(DuplicatesTest, RandomMeshesAreCleanedAsDescribed)
+TEST_F(DuplicateFaces, RandomMeshesAreCleanedLikeTheLiteralVersion)
 {
     int changed = 0;
     for (unsigned seed = 0; seed < 6000; ++seed)
     {
-        RandomShape shape = { .mostVertices = 3 + static_cast<int>(seed % 9),
-                              .mostFaces = 1 + static_cast<int>(seed % 150) };
+        RandomShape shape = { .vertexLimit = 3 + static_cast<int>(seed % 9),
+                              .faceLimit = 1 + static_cast<int>(seed % 150) };
         MeshPointer want = randomMesh(seed, shape), have = randomMesh(seed, shape);
         int removed = plainRemove(want.get());
         resetRecording();
@@ -165,7 +166,7 @@ TEST_F(DuplicatesTest, RandomMeshesAreCleanedAsDescribed)
 }
 
 // All faces have the same sum, so that most of them lie beyond the chain.
-TEST_F(DuplicatesTest, ManyFacesOfOneSumAreCleanedAsDescribed)
+TEST_F(DuplicateFaces, ManyFacesOfOneSumAreCleanedLikeTheLiteralVersion)
 {
     std::mt19937 random(1);
     constexpr uint32_t vertexCount = 60;
@@ -185,11 +186,11 @@ TEST_F(DuplicatesTest, ManyFacesOfOneSumAreCleanedAsDescribed)
     expectEqualStates(stateOf(have.get()), stateOf(want.get()), 0);
 }
 
-TEST_F(DuplicatesTest, ExactlyOneOfEachSetStays)
+TEST_F(DuplicateFaces, ExactlyOneOfEachSetStays)
 {
     for (unsigned seed = 0; seed < 1000; ++seed)
     {
-        MeshPointer mesh = randomMesh(seed, { .mostVertices = 6, .mostFaces = 60, .closedFormsOnly = true });
+        MeshPointer mesh = randomMesh(seed, { .vertexLimit = 6, .faceLimit = 60, .closedFormsOnly = true });
         std::set<std::set<uint32_t>> sets, kept;
         for (int32_t f = 0; f < mesh->faceCount; ++f)
             sets.insert({ mesh->faces[f].begin(), mesh->faces[f].end() });

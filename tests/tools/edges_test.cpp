@@ -5,9 +5,9 @@
 
 #include <algorithm>
 
-using EdgesTest = ToolTest;
+using Edges = ToolTest;
 
-// The table as it is described: chains of edges with one sum, walked from the home entry. Faces are as they come, -1
+// The table in its literal form: chains of edges with one sum, walked from the home entry. Faces are as they come, -1
 // for none.
 struct PlainEdge
 {
@@ -123,12 +123,12 @@ static void expectEqualTables(const Mesh* mesh, unsigned seed)
     freeEdgeTable(&table);
 }
 
-TEST_F(EdgesTest, RandomMeshesGiveTheDescribedTable)
+TEST_F(Edges, RandomMeshesGiveTheTableOfTheLiteralVersion)
 {
     int overflows = 0;
     for (unsigned seed = 0; seed < 4000; ++seed)
     {
-        MeshPointer mesh = randomMesh(seed, { .mostVertices = 4 + static_cast<int>(seed % 30) });
+        MeshPointer mesh = randomMesh(seed, { .vertexLimit = 4 + static_cast<int>(seed % 30) });
         expectEqualTables(mesh.get(), seed);
         overflows += !recorded.boxes.empty();
         if (HasFatalFailure())
@@ -139,7 +139,7 @@ TEST_F(EdgesTest, RandomMeshesGiveTheDescribedTable)
 }
 
 // Every edge between a vertex i and its partner S - i has the same sum.
-TEST_F(EdgesTest, ManyEdgesOfOneSumGiveTheDescribedTable)
+TEST_F(Edges, ManyEdgesOfOneSumGiveTheTableOfTheLiteralVersion)
 {
     for (unsigned seed = 0; seed < 40; ++seed)
     {
@@ -164,7 +164,7 @@ TEST_F(EdgesTest, ManyEdgesOfOneSumGiveTheDescribedTable)
 }
 
 // So many that the hash beyond the chain grows several times; every third edge comes twice.
-TEST_F(EdgesTest, TheHashBeyondTheChainGrows)
+TEST_F(Edges, TheHashGrows)
 {
     constexpr uint32_t pairs = 20000;
     std::vector<Corners> faces;
@@ -197,7 +197,7 @@ TEST_F(EdgesTest, TheHashBeyondTheChainGrows)
     }
 }
 
-TEST_F(EdgesTest, AnOpenEdgeHasNoOtherFace)
+TEST_F(Edges, AnOpenEdgeHasNoOtherFace)
 {
     MeshPointer mesh = buildMesh({ { 0, 0, 0 }, { 1, 0, 0 }, { 0, 1, 0 } }, { { 0, 1, 2, none } });
     EdgeTable table;
@@ -208,7 +208,7 @@ TEST_F(EdgesTest, AnOpenEdgeHasNoOtherFace)
     freeEdgeTable(&table);
 }
 
-TEST_F(EdgesTest, AThirdFaceIsNotRecorded)
+TEST_F(Edges, AThirdFaceIsNotRecorded)
 {
     MeshPointer mesh =
         buildMesh(std::vector<Point>(5, Point{ 0, 0, 0 }), { { 0, 1, 2, none }, { 1, 0, 3, none }, { 0, 1, 4, none } });
@@ -223,7 +223,7 @@ TEST_F(EdgesTest, AThirdFaceIsNotRecorded)
     freeEdgeTable(&table);
 }
 
-TEST_F(EdgesTest, OverflowShowsItsBoxAndFreesTheTable)
+TEST_F(Edges, OverflowShowsItsBoxAndFreesTheTable)
 {
     // 66 edges have 21 sums; the 24 overflow entries do not take the other 45.
     std::vector<Corners> faces;
@@ -239,7 +239,7 @@ TEST_F(EdgesTest, OverflowShowsItsBoxAndFreesTheTable)
     EXPECT_EQ(recorded.liveBlocks, before);
 }
 
-TEST_F(EdgesTest, RefusedMemoryIsReportedOnceAndNothingStays)
+TEST_F(Edges, RefusedMemoryIsReportedOnceAndNothingStays)
 {
     std::vector<Corners> faces;
     for (uint32_t i = 0; i < 30; ++i)
@@ -257,7 +257,7 @@ TEST_F(EdgesTest, RefusedMemoryIsReportedOnceAndNothingStays)
     }
 }
 
-TEST_F(EdgesTest, AMeshWithoutVerticesHasAnEmptyTable)
+TEST_F(Edges, AMeshWithoutVerticesHasAnEmptyTable)
 {
     MeshPointer mesh = buildMesh({}, {});
     EdgeTable table;

@@ -3,7 +3,7 @@
 
 #include "tests/tools/random.h"
 
-using FilterTest = ToolTest;
+using Filter = ToolTest;
 
 // Three groups and two materials; face i is in group i % 3 and material i / 3, and lies at x = i.
 static MeshPointer sixFaces()
@@ -40,7 +40,7 @@ static std::vector<uint32_t> shownFaces(const Mesh* mesh)
 
 using Faces = std::vector<uint32_t>;
 
-TEST_F(FilterTest, TheListNamesGroupsThenMaterials)
+TEST_F(Filter, TheListNamesGroupsThenMaterials)
 {
     MeshPointer mesh = sixFaces();
     Texts names;
@@ -49,7 +49,7 @@ TEST_F(FilterTest, TheListNamesGroupsThenMaterials)
     EXPECT_EQ(names, (Texts{ "All Groups", "default", "walls", "roof", "All Materials", "Preview", "brick" }));
 }
 
-TEST_F(FilterTest, AGroupShowsItsFacesAndFitsThem)
+TEST_F(Filter, AGroupShowsItsFacesAndFitsThem)
 {
     MeshPointer mesh = sixFaces();
     applyFilter(mesh.get(), 2);
@@ -59,7 +59,7 @@ TEST_F(FilterTest, AGroupShowsItsFacesAndFitsThem)
     EXPECT_EQ(recorded.beeps, 0);
 }
 
-TEST_F(FilterTest, TheFirstMaterialFollowsAllMaterials)
+TEST_F(Filter, TheFirstMaterialFollowsAllMaterials)
 {
     MeshPointer mesh = sixFaces();
     applyFilter(mesh.get(), 5);
@@ -69,7 +69,7 @@ TEST_F(FilterTest, TheFirstMaterialFollowsAllMaterials)
     EXPECT_EQ(shownFaces(mesh.get()), (Faces{ 3, 4, 5 }));
 }
 
-TEST_F(FilterTest, AllMaterialsShowsEverythingAndBeeps)
+TEST_F(Filter, AllMaterialsShowsEverythingAndBeeps)
 {
     MeshPointer mesh = sixFaces();
     applyFilter(mesh.get(), 2);
@@ -79,7 +79,7 @@ TEST_F(FilterTest, AllMaterialsShowsEverythingAndBeeps)
     EXPECT_EQ(recorded.beeps, 1);
 }
 
-TEST_F(FilterTest, NumbersThatAreInNoListShowEverythingAndBeep)
+TEST_F(Filter, NumbersThatAreInNoListShowEverythingAndBeep)
 {
     MeshPointer mesh = sixFaces();
     int beeps = 0;
@@ -91,7 +91,7 @@ TEST_F(FilterTest, NumbersThatAreInNoListShowEverythingAndBeep)
     }
 }
 
-TEST_F(FilterTest, EntryZeroFitsAllVertices)
+TEST_F(Filter, EntryZeroFitsAllVertices)
 {
     std::vector<Point> points = { { 0, 0, 0 }, { 1, 0, 0 }, { 0, 1, 0 }, { 9, 9, 9 } }; // the last is in no face
     MeshPointer mesh = buildMesh(points, { { 0, 1, 2, none }, { 2, 1, 0, none } });
@@ -106,7 +106,7 @@ TEST_F(FilterTest, EntryZeroFitsAllVertices)
     EXPECT_EQ(recorded.beeps, 0);
 }
 
-TEST_F(FilterTest, DeletedSlotsAreLeftAloneWhileSomethingMatches)
+TEST_F(Filter, DeletedSlotsAreLeftAloneWhileSomethingMatches)
 {
     MeshPointer mesh = sixFaces();
     mesh->faceAttributes[0] |= faceDeleted;
@@ -119,7 +119,7 @@ TEST_F(FilterTest, DeletedSlotsAreLeftAloneWhileSomethingMatches)
     EXPECT_EQ(mesh->faceAttributes[1] & faceHidden, 0u);
 }
 
-TEST_F(FilterTest, AGroupOfDeletedFacesOnlyMatchesNothing)
+TEST_F(Filter, AGroupOfDeletedFacesOnlyMatchesNothing)
 {
     MeshPointer mesh = sixFaces();
     mesh->faceAttributes[1] |= faceDeleted;
@@ -129,7 +129,7 @@ TEST_F(FilterTest, AGroupOfDeletedFacesOnlyMatchesNothing)
     EXPECT_EQ(shownFaces(mesh.get()).size(), 6u);
 }
 
-TEST_F(FilterTest, LineRecordsAreFilteredLikeFaces)
+TEST_F(Filter, LineRecordsAreFilteredLikeFaces)
 {
     MeshPointer mesh =
         buildMesh({ { 0, 0, 0 }, { 1, 0, 0 }, { 0, 1, 0 } }, { { 0, 1, 2, none }, { 0, 1, none, none } });
@@ -142,7 +142,7 @@ TEST_F(FilterTest, LineRecordsAreFilteredLikeFaces)
     EXPECT_EQ(mesh->boundsMax[1], 0);
 }
 
-TEST_F(FilterTest, NoMeshAndAnEmptyMeshAreFine)
+TEST_F(Filter, NoMeshAndAnEmptyMeshAreFine)
 {
     applyFilter(nullptr, 1);
     MeshPointer mesh = buildMesh({}, {});

@@ -6,14 +6,16 @@
 #include <map>
 #include <set>
 
-using OrientationTest = ToolTest;
+using FlipFace = ToolTest;
+using Invert = ToolTest;
+using FixNormals = ToolTest;
 
 static const std::vector<Point> cubePoints = { { -1, -1, -1 }, { 1, -1, -1 }, { -1, 1, -1 }, { 1, 1, -1 },
                                                { -1, -1, 1 },  { 1, -1, 1 },  { -1, 1, 1 },  { 1, 1, 1 } };
 static const std::vector<Corners> cubeFaces = { { 4, 5, 7, 6 }, { 1, 0, 2, 3 }, { 5, 1, 3, 7 },
                                                 { 0, 4, 6, 2 }, { 6, 7, 3, 2 }, { 0, 1, 5, 4 } };
 
-TEST_F(OrientationTest, FlippingATriangleSwapsItsFirstTwoCorners)
+TEST_F(FlipFace, SwapsTheFirstTwoCornersOfATriangle)
 {
     Corners corners = { 5, 6, 7, none }, uvs = { 1, 2, 3, 0 };
     flipFace(corners, uvs);
@@ -21,7 +23,7 @@ TEST_F(OrientationTest, FlippingATriangleSwapsItsFirstTwoCorners)
     EXPECT_EQ(uvs, (Corners{ 2, 1, 3, 0 }));
 }
 
-TEST_F(OrientationTest, FlippingAQuadReversesIt)
+TEST_F(FlipFace, ReversesAQuad)
 {
     Corners corners = { 1, 2, 3, 4 }, uvs = { 9, 8, 7, 6 };
     flipFace(corners, uvs);
@@ -29,7 +31,7 @@ TEST_F(OrientationTest, FlippingAQuadReversesIt)
     EXPECT_EQ(uvs, (Corners{ 6, 7, 8, 9 }));
 }
 
-TEST_F(OrientationTest, InvertLeavesHiddenDeletedAndLineRecords)
+TEST_F(Invert, LeavesHiddenAndDeletedFacesAndPolylines)
 {
     MeshPointer mesh =
         buildMesh(cubePoints, { { 0, 1, 2, none }, { 0, 1, 2, none }, { 0, 1, 2, none }, { 0, 1, none, none } });
@@ -45,7 +47,7 @@ TEST_F(OrientationTest, InvertLeavesHiddenDeletedAndLineRecords)
     EXPECT_TRUE(recorded.notices.empty());
 }
 
-TEST_F(OrientationTest, InvertTurnsPlanesAndVertexNormals)
+TEST_F(Invert, TurnsPlanesAndVertexNormals)
 {
     MeshPointer mesh = buildMesh(cubePoints, cubeFaces);
     float before = mesh->facePlanes[0].normal[2], vertexBefore = mesh->vertices[7].normal[1];
@@ -55,7 +57,7 @@ TEST_F(OrientationTest, InvertTurnsPlanesAndVertexNormals)
     EXPECT_EQ(mesh->vertices[7].normal[1], -vertexBefore);
 }
 
-TEST_F(OrientationTest, InvertOfAMeshWithoutFacesRecomputesNormals)
+TEST_F(Invert, RecomputesNormalsOfAMeshWithoutFaces)
 {
     MeshPointer mesh = buildMesh(cubePoints, {});
     mesh->vertices[0].normal[0] = 5;
@@ -63,7 +65,7 @@ TEST_F(OrientationTest, InvertOfAMeshWithoutFacesRecomputesNormals)
     EXPECT_EQ(mesh->vertices[0].normal[0], 0);
 }
 
-TEST_F(OrientationTest, TheHigherOfTwoDisagreeingTrianglesIsFlipped)
+TEST_F(FixNormals, TheHigherOfTwoDisagreeingTrianglesIsFlipped)
 {
     MeshPointer mesh =
         buildMesh({ { 0, 0, 0 }, { 1, 0, 0 }, { 0, 1, 0 }, { 1, 1, 0 } }, { { 0, 1, 2, none }, { 1, 2, 3, none } });
@@ -76,7 +78,7 @@ TEST_F(OrientationTest, TheHigherOfTwoDisagreeingTrianglesIsFlipped)
     EXPECT_TRUE(recorded.boxes.empty());
 }
 
-TEST_F(OrientationTest, AConsistentCubeHasNothingToFix)
+TEST_F(FixNormals, AConsistentCubeHasNothingToFix)
 {
     MeshPointer mesh = buildMesh(cubePoints, cubeFaces);
     MeshState before = stateOf(mesh.get());
@@ -85,14 +87,14 @@ TEST_F(OrientationTest, AConsistentCubeHasNothingToFix)
     EXPECT_EQ(recorded.notices, (Texts{ "Normals ok, nothing to do" }));
 }
 
-TEST_F(OrientationTest, AMeshWithoutFacesHasNothingToFix)
+TEST_F(FixNormals, AMeshWithoutFacesHasNothingToFix)
 {
     MeshPointer mesh = buildMesh({}, {});
     EXPECT_EQ(fixNormals(mesh.get()), 1);
     EXPECT_EQ(recorded.notices, (Texts{ "Normals ok, nothing to do" }));
 }
 
-TEST_F(OrientationTest, AnEdgeOfThreeFacesLinksNoneOfThem)
+TEST_F(FixNormals, AnEdgeOfThreeFacesLinksNoneOfThem)
 {
     // Faces 0 and 1 disagree along their edge, but a third face shares it; 3 and 4 disagree elsewhere.
     MeshPointer mesh =
@@ -113,7 +115,7 @@ TEST_F(OrientationTest, AnEdgeOfThreeFacesLinksNoneOfThem)
     EXPECT_EQ(recorded.notices, (Texts{ "    Normals fixed" }));
 }
 
-TEST_F(OrientationTest, EveryRefusedAllocationLeavesTheMeshAsItWas)
+TEST_F(FixNormals, EveryRefusedAllocationLeavesTheMeshAsItWas)
 {
     MeshPointer mesh =
         buildMesh({ { 0, 0, 0 }, { 1, 0, 0 }, { 0, 1, 0 }, { 1, 1, 0 } }, { { 0, 1, 2, none }, { 1, 2, 3, none } });
@@ -134,7 +136,7 @@ TEST_F(OrientationTest, EveryRefusedAllocationLeavesTheMeshAsItWas)
     EXPECT_EQ(fixNormals(mesh.get()), 1); // there is no fourth
 }
 
-// The tool as it is described, with its chains, its links, its flags and its stack. Returns the notice or the box.
+// The tool in its literal form, with its chains, its links, its flags and its stack. Returns the notice or the box.
 struct PlainEntry
 {
     int64_t key = 0, face1 = -1, face2 = -1;
@@ -285,13 +287,13 @@ static std::string plainFix(Mesh* mesh)
     return "    Normals fixed";
 }
 
-TEST_F(OrientationTest, RandomMeshesAreFixedAsDescribed)
+TEST_F(FixNormals, RandomMeshesAreFixedLikeTheLiteralVersion)
 {
     std::map<std::string, int> outcomes;
     for (unsigned seed = 0; seed < 6000; ++seed)
     {
-        RandomShape shape = { .mostVertices = 4 + static_cast<int>(seed % 40),
-                              .mostFaces = 3 + static_cast<int>(seed % 50) };
+        RandomShape shape = { .vertexLimit = 4 + static_cast<int>(seed % 40),
+                              .faceLimit = 3 + static_cast<int>(seed % 50) };
         MeshPointer want = randomMesh(seed, shape), have = randomMesh(seed, shape);
         std::string outcome = plainFix(want.get());
         ++outcomes[outcome];
@@ -309,7 +311,7 @@ TEST_F(OrientationTest, RandomMeshesAreFixedAsDescribed)
 }
 
 // A torus of quads with some of its faces turned over at random.
-TEST_F(OrientationTest, EveryOrientablePieceComesOutConsistent)
+TEST_F(FixNormals, EveryOrientablePieceComesOutConsistent)
 {
     constexpr uint32_t around = 7, along = 9;
     for (unsigned seed = 0; seed < 200; ++seed)

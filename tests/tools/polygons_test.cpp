@@ -8,11 +8,12 @@
 #include <algorithm>
 #include <set>
 
-using PolygonsTest = ToolTest;
+using Quads = ToolTest;
+using Triangles = ToolTest;
 
 static const std::vector<Point> square = { { 0, 0, 0 }, { 1, 0, 0 }, { 0, 1, 0 }, { 1, 1, 0 } };
 
-TEST_F(PolygonsTest, TwoTrianglesMergeAcrossTheirLongestEdge)
+TEST_F(Quads, TwoTrianglesMergeAcrossTheirLongestEdge)
 {
     MeshPointer mesh = buildMesh(square, { { 0, 1, 2, none }, { 2, 1, 3, none } });
     EXPECT_EQ(makeQuads(mesh.get()), 1);
@@ -25,18 +26,18 @@ TEST_F(PolygonsTest, TwoTrianglesMergeAcrossTheirLongestEdge)
     EXPECT_EQ(recorded.notices, (Texts{ "Mesh converted to quads" }));
 }
 
-// Its reader leaves them out on purpose, and nothing but the statistics shows the number.
-TEST_F(PolygonsTest, TrianglesOfAPoserFileAreNotCountedSoThatMergingThemCountsBelowZero)
+// The reader of Poser files does not count triangles; only the statistics of the panel show the number.
+TEST_F(Quads, TrianglesOfAPoserFileAreNotCountedSoThatMergingThemCountsBelowZero)
 {
     MeshPointer mesh = buildMesh(square, { { 0, 1, 2, none }, { 2, 1, 3, none } });
     mesh->liveFaceCount = 0;
     EXPECT_EQ(makeQuads(mesh.get()), 1);
     EXPECT_EQ(mesh->liveFaceCount, -1);
     EXPECT_EQ(makeTriangles(mesh.get()), 1);
-    EXPECT_EQ(mesh->liveFaceCount, 2); // counted anew
+    EXPECT_EQ(mesh->liveFaceCount, 2); // counted again
 }
 
-TEST_F(PolygonsTest, TheNewCornerIsPutIntoWhicheverEdgeIsLongest)
+TEST_F(Quads, TheNewCornerIsPutIntoWhicheverEdgeIsLongest)
 {
     for (size_t turn = 0; turn < 3; ++turn)
     {
@@ -52,7 +53,7 @@ TEST_F(PolygonsTest, TheNewCornerIsPutIntoWhicheverEdgeIsLongest)
     }
 }
 
-TEST_F(PolygonsTest, EqualLongestEdgesFavourTheFirst)
+TEST_F(Quads, EqualLongestEdgesFavourTheFirst)
 {
     // All three edges of the first triangle are equally long (they have no length); the neighbours differ.
     std::vector<Point> points(6, Point{ 0, 0, 0 });
@@ -62,7 +63,7 @@ TEST_F(PolygonsTest, EqualLongestEdgesFavourTheFirst)
     EXPECT_EQ(mesh->faces[0], (Corners{ 0, 3, 1, 2 }));
 }
 
-TEST_F(PolygonsTest, TrianglesOfDifferentMaterialOrGroupStay)
+TEST_F(Quads, TrianglesOfDifferentMaterialOrGroupStay)
 {
     for (uint32_t attributes : { 1u, 1u << faceGroupShift })
     {
@@ -76,7 +77,7 @@ TEST_F(PolygonsTest, TrianglesOfDifferentMaterialOrGroupStay)
     }
 }
 
-TEST_F(PolygonsTest, FlagsAboveTheGroupDoNotKeepTrianglesApart)
+TEST_F(Quads, FlagsAboveTheGroupDoNotKeepTrianglesApart)
 {
     MeshPointer mesh = buildMesh(square, { { 0, 1, 2, none }, { 2, 1, 3, none } });
     mesh->faceAttributes[1] = faceHidden;
@@ -84,7 +85,7 @@ TEST_F(PolygonsTest, FlagsAboveTheGroupDoNotKeepTrianglesApart)
     EXPECT_EQ(mesh->faceAttributes[1], faceHidden | faceDeleted);
 }
 
-TEST_F(PolygonsTest, QuadsOnlyLeaveNothingToMerge)
+TEST_F(Quads, QuadsOnlyLeaveNothingToMerge)
 {
     MeshPointer mesh = buildMesh(square, { { 0, 1, 3, 2 }, { 2, 3, 1, 0 } });
     EXPECT_EQ(makeQuads(mesh.get()), 1);
@@ -92,7 +93,7 @@ TEST_F(PolygonsTest, QuadsOnlyLeaveNothingToMerge)
     EXPECT_EQ(mesh->liveFaceCount, 2);
 }
 
-TEST_F(PolygonsTest, MergingIsRefusedWithoutMemoryOrPastTheOverflow)
+TEST_F(Quads, MergingIsRefusedWithoutMemoryOrPastTheOverflow)
 {
     MeshPointer mesh = buildMesh(square, { { 0, 1, 2, none }, { 2, 1, 3, none } });
     MeshState before = stateOf(mesh.get());
@@ -115,7 +116,7 @@ TEST_F(PolygonsTest, MergingIsRefusedWithoutMemoryOrPastTheOverflow)
     expectEqualStates(stateOf(mesh.get()), before, 0);
 }
 
-TEST_F(PolygonsTest, ASquareIsCutFromItsFirstCorner)
+TEST_F(Triangles, ASquareIsCutFromItsFirstCorner)
 {
     MeshPointer mesh = buildMesh({ { 0, 0, 0 }, { 1, 0, 0 }, { 1, 1, 0 }, { 0, 1, 0 } }, { { 0, 1, 2, 3 } });
     mesh->faceAttributes[0] = 1 | 1u << faceGroupShift;
@@ -133,7 +134,7 @@ TEST_F(PolygonsTest, ASquareIsCutFromItsFirstCorner)
     EXPECT_EQ(recorded.notices, (Texts{ "Mesh converted to triangles" }));
 }
 
-TEST_F(PolygonsTest, AQuadIsCutAlongItsShorterDiagonal)
+TEST_F(Triangles, AQuadIsCutAlongItsShorterDiagonal)
 {
     MeshPointer mesh = buildMesh({ { 0, 0, 0 }, { 1, 0, 0 }, { 3, 3, 0 }, { 0, 1, 0 } }, { { 0, 1, 2, 3 } });
     EXPECT_EQ(makeTriangles(mesh.get()), 1);
@@ -143,7 +144,7 @@ TEST_F(PolygonsTest, AQuadIsCutAlongItsShorterDiagonal)
     EXPECT_EQ(mesh->faceUvs[1], (Corners{ 1, 2, 3, 0 }));
 }
 
-TEST_F(PolygonsTest, TrianglesAndLinesOnlyLeaveNothingToCut)
+TEST_F(Triangles, TrianglesAndLinesOnlyLeaveNothingToCut)
 {
     MeshPointer mesh = buildMesh(square, { { 0, 1, 2, none }, { 0, 1, none, none }, { 0, 1, 2, 3 } });
     mesh->faceAttributes[1] = faceLine;
@@ -153,7 +154,7 @@ TEST_F(PolygonsTest, TrianglesAndLinesOnlyLeaveNothingToCut)
     EXPECT_EQ(recorded.notices, (Texts{ "Mesh has no quads" }));
 }
 
-TEST_F(PolygonsTest, CuttingAfterMergingDropsTheDeletedSlots)
+TEST_F(Triangles, CuttingAfterMergingDropsTheDeletedSlots)
 {
     std::vector<Point> points = square;
     points.push_back({ 5, 5, 5 });
@@ -167,7 +168,7 @@ TEST_F(PolygonsTest, CuttingAfterMergingDropsTheDeletedSlots)
     EXPECT_EQ(mesh->faceAttributes[2], faceLine | 2u << faceLinePointsShift);
 }
 
-TEST_F(PolygonsTest, EveryRefusedArrayLeavesTheMeshAsItWas)
+TEST_F(Triangles, EveryRefusedArrayLeavesTheMeshAsItWas)
 {
     MeshPointer mesh = buildMesh(square, { { 0, 1, 3, 2 } });
     MeshState before = stateOf(mesh.get());
@@ -195,7 +196,7 @@ static float plainSquared(const Mesh* mesh, uint32_t a, uint32_t b)
     return (x * x + y * y) + z * z;
 }
 
-// Merging as it is described; what lies across an edge is asked of the table.
+// Merging in its literal form; the edge table says which face lies across an edge.
 static int plainQuads(Mesh* mesh)
 {
     EdgeTable edges;
@@ -237,12 +238,12 @@ static int plainQuads(Mesh* mesh)
     return merges;
 }
 
-TEST_F(PolygonsTest, RandomMeshesMergeAsDescribed)
+TEST_F(Quads, RandomMeshesMergeLikeTheLiteralVersion)
 {
     int changed = 0, unchanged = 0;
     for (unsigned seed = 0; seed < 4000; ++seed)
     {
-        RandomShape shape = { .mostVertices = 4 + static_cast<int>(seed % 30), .spread = 4 };
+        RandomShape shape = { .vertexLimit = 4 + static_cast<int>(seed % 30), .spread = 4 };
         MeshPointer want = randomMesh(seed, shape), have = randomMesh(seed, shape);
         int merges = plainQuads(want.get());
         resetRecording();
@@ -295,7 +296,7 @@ static PlainFaces plainTriangles(const Mesh* mesh)
     return out;
 }
 
-TEST_F(PolygonsTest, RandomMeshesAreCutAsDescribed)
+TEST_F(Triangles, RandomMeshesAreCutLikeTheLiteralVersion)
 {
     int changed = 0;
     for (unsigned seed = 0; seed < 4000; ++seed)
@@ -341,7 +342,7 @@ static float signedArea(const Mesh* mesh)
     return area;
 }
 
-TEST_F(PolygonsTest, CuttingKeepsAreaAndWinding)
+TEST_F(Triangles, CuttingKeepsAreaAndWinding)
 {
     for (unsigned seed = 0; seed < 1000; ++seed)
     {
@@ -368,7 +369,7 @@ static std::multiset<Corners> rotatedTriangles(const Mesh* mesh)
 
 // Heights make the squares' diagonals differ, so that the longest edge is the diagonal by which they are cut again or
 // the other, shorter one.
-TEST_F(PolygonsTest, MergingAndCuttingGivesTheTrianglesBackUpToTheDiagonal)
+TEST_F(Triangles, MergingAndCuttingGivesTheTrianglesBackUpToTheDiagonal)
 {
     for (uint32_t along = 1; along < 20; ++along)
     {

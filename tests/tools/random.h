@@ -1,8 +1,8 @@
-// tests/tools/random.h - small random meshes with everything a tool may meet, copies of meshes, comparisons
+// tests/tools/random.h - small random meshes with everything that a tool must handle, and comparing meshes
 #pragma once
 #include "tests/tools/build.h"
 
-// Counts, faces and attributes as they stand; for comparing two ways of doing the same.
+// A copy of the counts, positions, faces and attributes of a mesh, for comparing.
 struct MeshState
 {
     std::vector<Point> points;
@@ -36,7 +36,7 @@ inline MeshState stateOf(const Mesh* mesh)
 inline void expectEqualStates(const MeshState& a, const MeshState& b, unsigned seed)
 {
     ASSERT_EQ(a.points.size(), b.points.size()) << "seed " << seed;
-    for (size_t i = 0; i < a.points.size(); ++i) // bit by bit, so that zeros of both signs differ
+    for (size_t i = 0; i < a.points.size(); ++i) // by bits, so that zeros of different sign differ
         ASSERT_EQ(memcmp(&a.points[i], &b.points[i], sizeof(Point)), 0) << "seed " << seed << " vertex " << i;
     ASSERT_EQ(a.faces, b.faces) << "seed " << seed;
     ASSERT_EQ(a.faceUvs, b.faceUvs) << "seed " << seed;
@@ -47,8 +47,8 @@ inline void expectEqualStates(const MeshState& a, const MeshState& b, unsigned s
 
 struct RandomShape
 {
-    int mostVertices = 12;
-    int mostFaces = 30;
+    int vertexLimit = 12;
+    int faceLimit = 30;
     float spread = 2; // coordinates are whole steps from 0 to spread
     float step = 1;   // between coordinates
     bool onlyTriangles = false;
@@ -59,7 +59,7 @@ inline MeshPointer randomMesh(unsigned seed, const RandomShape& shape = {})
 {
     std::mt19937 random(seed);
     auto below = [&random](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
-    int vertexCount = 3 + below(shape.mostVertices - 2), faceCount = 1 + below(shape.mostFaces);
+    int vertexCount = 3 + below(shape.vertexLimit - 2), faceCount = 1 + below(shape.faceLimit);
     std::vector<Point> points;
     for (int i = 0; i < vertexCount; ++i)
     {
@@ -108,7 +108,7 @@ inline MeshPointer randomMesh(unsigned seed, const RandomShape& shape = {})
     return mesh;
 }
 
-// Deleted slots whose corners are anything.
+// Fills the corners of some deleted slots with arbitrary values.
 inline void spoilDeletedSlots(Mesh* mesh, unsigned seed)
 {
     std::mt19937 random(seed);

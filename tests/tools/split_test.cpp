@@ -7,7 +7,7 @@
 #include <numeric>
 #include <set>
 
-using SplitTest = ToolTest;
+using Split = ToolTest;
 
 // Separate triangles, three vertices each.
 static MeshPointer separateTriangles(uint32_t count)
@@ -42,7 +42,7 @@ static Texts groupsOf(const Mesh* mesh)
     return stateOf(mesh).groups;
 }
 
-TEST_F(SplitTest, TwoCubesBecomeTwoGroups)
+TEST_F(Split, TwoCubesBecomeTwoGroups)
 {
     MeshPointer mesh = cubes(2, false);
     for (int32_t f = 0; f < mesh->faceCount; ++f)
@@ -56,7 +56,7 @@ TEST_F(SplitTest, TwoCubesBecomeTwoGroups)
     EXPECT_EQ(recorded.notices, (Texts{ "    Mesh spitted" }));
 }
 
-TEST_F(SplitTest, LinesGoToAGroupOfTheirOwn)
+TEST_F(Split, LinesGoToAGroupOfTheirOwn)
 {
     MeshPointer mesh = cubes(1, true);
     EXPECT_EQ(splitMesh(mesh.get()), 1);
@@ -66,7 +66,7 @@ TEST_F(SplitTest, LinesGoToAGroupOfTheirOwn)
     EXPECT_EQ(recorded.notices, (Texts{ "    Mesh spitted" }));
 }
 
-TEST_F(SplitTest, OneSurfaceOrLinesOnlyStayAsTheyAre)
+TEST_F(Split, OneSurfaceOrLinesOnlyStayAsTheyAre)
 {
     MeshPointer one = cubes(1, false), lines = cubes(0, false), empty = buildMesh({}, {});
     lines = buildMesh(std::vector<Point>(2, Point{ 0, 0, 0 }), { { 0, 1, none, none } });
@@ -81,7 +81,7 @@ TEST_F(SplitTest, OneSurfaceOrLinesOnlyStayAsTheyAre)
     }
 }
 
-TEST_F(SplitTest, PiecesPastThe127thShareTheLastGroup)
+TEST_F(Split, PiecesPastThe127thShareTheLastGroup)
 {
     MeshPointer mesh = separateTriangles(200);
     EXPECT_EQ(splitMesh(mesh.get()), 1);
@@ -92,7 +92,7 @@ TEST_F(SplitTest, PiecesPastThe127thShareTheLastGroup)
         EXPECT_EQ(faceGroup(mesh->faceAttributes[f]), f < 127 ? f : 127) << f;
 }
 
-TEST_F(SplitTest, TheLastGroupExistsOnlyWhenItIsUsed)
+TEST_F(Split, TheLastGroupExistsOnlyWhenItIsUsed)
 {
     for (uint32_t count : { 126u, 127u, 128u })
     {
@@ -102,7 +102,7 @@ TEST_F(SplitTest, TheLastGroupExistsOnlyWhenItIsUsed)
     }
 }
 
-TEST_F(SplitTest, DeletedSlotsConnectNothing)
+TEST_F(Split, DeletedSlotsConnectNothing)
 {
     MeshPointer mesh =
         buildMesh(std::vector<Point>(6, Point{ 0, 0, 0 }), { { 0, 1, 2, none }, { 2, 3, 4, none }, { 3, 4, 5, none } });
@@ -113,7 +113,7 @@ TEST_F(SplitTest, DeletedSlotsConnectNothing)
     EXPECT_EQ(faceGroup(mesh->faceAttributes[2]), 1u);
 }
 
-TEST_F(SplitTest, AFaceThatItsVertexDoesNotRememberJoinsByThePieceOfTheVertex)
+TEST_F(Split, AFaceThatItsVertexDoesNotRememberJoinsByThePieceOfTheVertex)
 {
     // Ten triangles around vertex 0 that share nothing else; the last two join by the vertex' piece, and their
     // neighbours through them.
@@ -137,7 +137,7 @@ TEST_F(SplitTest, AFaceThatItsVertexDoesNotRememberJoinsByThePieceOfTheVertex)
 
 // The ninth face at vertex 0 is not remembered there, so nothing leads to it from the first eight. It is reached from
 // its other neighbour, which has a piece of its own by then.
-TEST_F(SplitTest, APieceAroundACrowdedVertexIsFoundInParts)
+TEST_F(Split, APieceAroundACrowdedVertexIsFoundInParts)
 {
     std::vector<Corners> faces;
     for (uint32_t i = 0; i < 8; ++i)
@@ -152,7 +152,7 @@ TEST_F(SplitTest, APieceAroundACrowdedVertexIsFoundInParts)
     EXPECT_EQ(faceGroup(mesh->faceAttributes[9]), 1u);
 }
 
-TEST_F(SplitTest, EveryRefusedAllocationLeavesTheMeshAsItWas)
+TEST_F(Split, EveryRefusedAllocationLeavesTheMeshAsItWas)
 {
     MeshPointer mesh = cubes(2, true);
     MeshState before = stateOf(mesh.get());
@@ -168,7 +168,7 @@ TEST_F(SplitTest, EveryRefusedAllocationLeavesTheMeshAsItWas)
     }
 }
 
-// As it is described, with its stack.
+// The tool in its literal form, with its stack.
 static bool plainSplit(Mesh* mesh)
 {
     size_t vertexCount = static_cast<size_t>(mesh->vertexCount), faceCount = static_cast<size_t>(mesh->faceCount);
@@ -260,15 +260,15 @@ static bool plainSplit(Mesh* mesh)
     return true;
 }
 
-TEST_F(SplitTest, RandomMeshesAreSplitAsDescribed)
+TEST_F(Split, RandomMeshesAreSplitLikeTheLiteralVersion)
 {
     int split = 0;
     for (unsigned seed = 0; seed < 5000; ++seed)
     {
-        RandomShape shape = { .mostVertices = 4 + static_cast<int>(seed % 60),
-                              .mostFaces = 5 + static_cast<int>(seed % 40) };
+        RandomShape shape = { .vertexLimit = 4 + static_cast<int>(seed % 60),
+                              .faceLimit = 5 + static_cast<int>(seed % 40) };
         if (seed % 50 == 0)
-            shape = { .mostVertices = 3000, .mostFaces = 600 }; // more pieces than groups
+            shape = { .vertexLimit = 3000, .faceLimit = 600 }; // more pieces than groups
         MeshPointer want = randomMesh(seed, shape), have = randomMesh(seed, shape);
         bool done = plainSplit(want.get());
         resetRecording();
@@ -284,11 +284,11 @@ TEST_F(SplitTest, RandomMeshesAreSplitAsDescribed)
 }
 
 // Faces that share vertices used by at most eight faces end in one group: a group is a union of connected pieces.
-TEST_F(SplitTest, GroupsAreUnionsOfConnectedPieces)
+TEST_F(Split, GroupsAreUnionsOfConnectedPieces)
 {
     for (unsigned seed = 0; seed < 1000; ++seed)
     {
-        MeshPointer mesh = randomMesh(seed, { .mostVertices = 60, .mostFaces = 40, .closedFormsOnly = true });
+        MeshPointer mesh = randomMesh(seed, { .vertexLimit = 60, .faceLimit = 40, .closedFormsOnly = true });
         std::vector<int> uses(static_cast<size_t>(mesh->vertexCount));
         bool crowded = false;
         for (int32_t f = 0; f < mesh->faceCount; ++f)

@@ -6,7 +6,7 @@
 #include <map>
 #include <set>
 
-using StatisticsTest = ToolTest;
+using Statistics = ToolTest;
 
 static const std::vector<Point> cubePoints = { { 0, 0, 0 }, { 1, 0, 0 }, { 1, 1, 0 }, { 0, 1, 0 },
                                                { 0, 0, 1 }, { 1, 0, 1 }, { 1, 1, 1 }, { 0, 1, 1 } };
@@ -20,7 +20,7 @@ static MeshStatistics statisticsOf(const Mesh* mesh)
     return statistics;
 }
 
-TEST_F(StatisticsTest, AClosedSurfaceHasNothingToMend)
+TEST_F(Statistics, AClosedSurfaceHasNothingToMend)
 {
     MeshPointer mesh = buildMesh(cubePoints, cubeFaces);
     MeshStatistics statistics = statisticsOf(mesh.get());
@@ -30,7 +30,7 @@ TEST_F(StatisticsTest, AClosedSurfaceHasNothingToMend)
     EXPECT_EQ(statistics.duplicateVertices, 0);
 }
 
-TEST_F(StatisticsTest, AMissingFaceLeavesItsEdgesOpen)
+TEST_F(Statistics, AMissingFaceLeavesItsEdgesOpen)
 {
     MeshPointer mesh = buildMesh(cubePoints, cubeFaces);
     mesh->faceAttributes[1] = faceDeleted;
@@ -39,7 +39,7 @@ TEST_F(StatisticsTest, AMissingFaceLeavesItsEdgesOpen)
     EXPECT_EQ(statisticsOf(mesh.get()).openEdges, 0);
 }
 
-TEST_F(StatisticsTest, AThirdFaceMakesAnEdgeNonManifoldWhateverItsDirection)
+TEST_F(Statistics, AThirdFaceMakesAnEdgeNonManifoldWhateverItsDirection)
 {
     MeshPointer mesh = buildMesh(cubePoints, { { 0, 1, 2, none }, { 0, 1, 3, none }, { 1, 0, 4, none } });
     MeshStatistics statistics = statisticsOf(mesh.get());
@@ -47,7 +47,7 @@ TEST_F(StatisticsTest, AThirdFaceMakesAnEdgeNonManifoldWhateverItsDirection)
     EXPECT_EQ(statistics.openEdges, 6);
 }
 
-TEST_F(StatisticsTest, AFaceWithARepeatedCornerIsDegenerateAndHasNoEdges)
+TEST_F(Statistics, AFaceWithARepeatedCornerIsDegenerateAndHasNoEdges)
 {
     MeshPointer mesh =
         buildMesh(cubePoints, { { 0, 1, 2, none }, { 0, 2, 1, none }, { 1, 2, 1, none }, { 0, 1, 2, 0 } });
@@ -57,7 +57,7 @@ TEST_F(StatisticsTest, AFaceWithARepeatedCornerIsDegenerateAndHasNoEdges)
     EXPECT_EQ(statistics.nonManifoldEdges, 0);
 }
 
-TEST_F(StatisticsTest, AFaceWithoutAreaIsDegenerateAndHasEdges)
+TEST_F(Statistics, AFaceWithoutAreaIsDegenerateAndHasEdges)
 {
     MeshPointer mesh = buildMesh({ { 0, 0, 0 }, { 1, 0, 0 }, { 2, 0, 0 } }, { { 0, 1, 2, none } });
     MeshStatistics statistics = statisticsOf(mesh.get());
@@ -65,13 +65,13 @@ TEST_F(StatisticsTest, AFaceWithoutAreaIsDegenerateAndHasEdges)
     EXPECT_EQ(statistics.openEdges, 3);
 }
 
-TEST_F(StatisticsTest, EveryVertexAtAnEarlierPositionIsADuplicate)
+TEST_F(Statistics, EveryVertexAtAnEarlierPositionIsADuplicate)
 {
     MeshPointer mesh = buildMesh({ { 0, 1, 2 }, { -0.0f, 1, 2 }, { 0, 1, 2 }, { 0, 1, 3 } }, {});
     EXPECT_EQ(statisticsOf(mesh.get()).duplicateVertices, 2);
 }
 
-TEST_F(StatisticsTest, LinesAndFacesOfNoVertexTakeNoPart)
+TEST_F(Statistics, LinesAndFacesOfNoVertexTakeNoPart)
 {
     MeshPointer mesh = buildMesh(cubePoints, { { 0, 1, none, none }, { 0, 1, 99, none }, { 0, 1, 2, none } });
     mesh->faceAttributes[0] = faceLine;
@@ -81,7 +81,7 @@ TEST_F(StatisticsTest, LinesAndFacesOfNoVertexTakeNoPart)
     EXPECT_EQ(statistics.openEdges, 3);
 }
 
-TEST_F(StatisticsTest, AnEmptyMeshHasNone)
+TEST_F(Statistics, AnEmptyMeshHasNone)
 {
     MeshPointer mesh = buildMesh({}, {});
     MeshStatistics statistics = statisticsOf(mesh.get());
@@ -89,7 +89,7 @@ TEST_F(StatisticsTest, AnEmptyMeshHasNone)
     EXPECT_EQ(statistics.degenerateFaces + statistics.duplicateVertices, 0);
 }
 
-TEST_F(StatisticsTest, EveryRefusedBlockIsReported)
+TEST_F(Statistics, EveryRefusedBlockIsReported)
 {
     MeshPointer mesh = buildMesh(cubePoints, cubeFaces);
     int blocks = recorded.liveBlocks;
@@ -105,7 +105,7 @@ TEST_F(StatisticsTest, EveryRefusedBlockIsReported)
 }
 
 // The same counts from a map of all edges and a set of all positions.
-TEST_F(StatisticsTest, CountsEqualThoseOfAMapOnRandomMeshes)
+TEST_F(Statistics, CountsEqualThoseOfAMapOnRandomMeshes)
 {
     for (unsigned seed = 0; seed < 300; ++seed)
     {

@@ -5,14 +5,14 @@
 
 #include <math.h>
 
-using UvsTest = ToolTest;
+using Uvs = ToolTest;
 
 static const std::vector<Point> cubePoints = { { -1, -1, -1 }, { 1, -1, -1 }, { -1, 1, -1 }, { 1, 1, -1 },
                                                { -1, -1, 1 },  { 1, -1, 1 },  { -1, 1, 1 },  { 1, 1, 1 } };
 static const std::vector<Corners> cubeFaces = { { 4, 5, 7, 6 }, { 1, 0, 2, 3 }, { 5, 1, 3, 7 },
                                                 { 0, 4, 6, 2 }, { 6, 7, 3, 2 }, { 0, 1, 5, 4 } };
 
-TEST_F(UvsTest, ResetLeavesOneCoordinateAndRoomForFour)
+TEST_F(Uvs, ResetLeavesOneCoordinateAndRoomForFour)
 {
     MeshPointer mesh = buildMesh(cubePoints, cubeFaces);
     ASSERT_EQ(growUvs(mesh.get(), 100), 1);
@@ -27,7 +27,7 @@ TEST_F(UvsTest, ResetLeavesOneCoordinateAndRoomForFour)
         EXPECT_EQ(mesh->faceUvs[f], (Corners{ 0, 0, 0, 0 }));
 }
 
-TEST_F(UvsTest, ResetWithoutMemoryReturnsZeroAndLeavesNoCoordinates)
+TEST_F(Uvs, ResetWithoutMemoryReturnsZeroAndLeavesNoCoordinates)
 {
     MeshPointer mesh = buildMesh(cubePoints, cubeFaces);
     ASSERT_EQ(growUvs(mesh.get(), 1), 1);
@@ -38,7 +38,7 @@ TEST_F(UvsTest, ResetWithoutMemoryReturnsZeroAndLeavesNoCoordinates)
     EXPECT_EQ(recorded.boxes, (Boxes{ outOfMemoryBox }));
 }
 
-TEST_F(UvsTest, GeneratedCoordinatesBelongToTheVertices)
+TEST_F(Uvs, GeneratedCoordinatesBelongToTheVertices)
 {
     MeshPointer mesh = buildMesh(cubePoints, cubeFaces);
     ASSERT_EQ(generateUvs(mesh.get()), 1);
@@ -55,7 +55,7 @@ TEST_F(UvsTest, GeneratedCoordinatesBelongToTheVertices)
     EXPECT_NEAR(least + most, 1, 0.01f);
 }
 
-TEST_F(UvsTest, GeneratingWithoutMemoryReturnsZero)
+TEST_F(Uvs, GeneratingWithoutMemoryReturnsZero)
 {
     MeshPointer mesh = buildMesh(cubePoints, cubeFaces);
     resetRecording();
@@ -108,14 +108,14 @@ static float stretchedShare(const Mesh* mesh)
     return stretched / whole;
 }
 
-TEST_F(UvsTest, NoSideOfABoxIsStretched)
+TEST_F(Uvs, NoSideOfABoxIsStretched)
 {
     MeshPointer mesh = buildMesh(cubePoints, cubeFaces);
     ASSERT_EQ(generateUvs(mesh.get()), 1);
     EXPECT_EQ(stretchedShare(mesh.get()), 0);
 }
 
-TEST_F(UvsTest, AHouseIsStretchedOnASmallPartOfItsAreaOnly)
+TEST_F(Uvs, AHouseIsStretchedOnASmallPartOfItsAreaOnly)
 {
     std::vector<Point> points = cubePoints;
     points.push_back({ 0, 2, -1 });
@@ -130,7 +130,7 @@ TEST_F(UvsTest, AHouseIsStretchedOnASmallPartOfItsAreaOnly)
     EXPECT_LT(stretchedShare(mesh.get()), 0.1f); // a gable narrowed by the spread
 }
 
-TEST_F(UvsTest, ASphereIsStretchedOnASmallPartOfItsAreaOnly)
+TEST_F(Uvs, ASphereIsStretchedOnASmallPartOfItsAreaOnly)
 {
     constexpr uint32_t rings = 24, around = 36;
     std::vector<Point> points;
@@ -151,7 +151,7 @@ TEST_F(UvsTest, ASphereIsStretchedOnASmallPartOfItsAreaOnly)
     EXPECT_LT(stretchedShare(mesh.get()), 0.15f); // a flat projection alone: 0.25
 }
 
-TEST_F(UvsTest, PositionsAtTheEndOfTheNumberRangeGiveFiniteCoordinates)
+TEST_F(Uvs, PositionsAtTheEndOfTheNumberRangeGiveFiniteCoordinates)
 {
     MeshPointer mesh =
         buildMesh({ { -3e38f, 0, 0 }, { 3e38f, 3e38f, 0 }, { 0, -3e38f, 3e38f } }, { { 0, 1, 2, none } });
@@ -163,7 +163,7 @@ TEST_F(UvsTest, PositionsAtTheEndOfTheNumberRangeGiveFiniteCoordinates)
     }
 }
 
-TEST_F(UvsTest, EqualPointsGetEqualCoordinates)
+TEST_F(Uvs, EqualPointsGetEqualCoordinates)
 {
     MeshPointer mesh = buildMesh({ { 5, 5, 5 }, { 5, 5, 5 }, { 5, 5, 5 } }, { { 0, 1, 2, none } });
     ASSERT_EQ(generateUvs(mesh.get()), 1);

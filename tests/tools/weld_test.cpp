@@ -188,8 +188,8 @@ TEST_F(Weld, EveryRefusedAllocationLeavesTheMeshAsItWas)
     }
 }
 
-// As it is described: chains by steps of the key, an overflow area of vertexCount entries. Vertices that no face uses
-// take no part, deleted slots are renumbered. Returns the number removed, -1 when all keys are equal.
+// The tool in its literal form: chains by steps of the key, an overflow of vertexCount entries. Vertices that no face
+// uses take no part, deleted slots are renumbered. Returns the number removed, -1 when all keys are equal.
 static int plainWeld(Mesh* mesh, WeldMode mode)
 {
     struct Entry
@@ -275,7 +275,7 @@ static int plainWeld(Mesh* mesh, WeldMode mode)
     return removed;
 }
 
-static void expectDescribedWeld(WeldMode mode, unsigned seed, const RandomShape& shape, int* changed)
+static void expectLiteralWeld(WeldMode mode, unsigned seed, const RandomShape& shape, int* changed)
 {
     MeshPointer want = randomMesh(seed, shape), have = randomMesh(seed, shape);
     spoilDeletedSlots(want.get(), seed);
@@ -291,31 +291,31 @@ static void expectDescribedWeld(WeldMode mode, unsigned seed, const RandomShape&
     *changed += removed > 0;
 }
 
-TEST_F(Weld, RandomMeshesAreWeldedAsDescribed)
+TEST_F(Weld, RandomMeshesAreWeldedLikeTheLiteralVersion)
 {
     int changed = 0;
     for (unsigned seed = 0; seed < 4000 && !HasFatalFailure(); ++seed)
-        expectDescribedWeld(
+        expectLiteralWeld(
             weldExact, seed,
-            { .mostVertices = 5 + static_cast<int>(seed % 80), .spread = 1.0f + static_cast<float>(seed % 4) },
+            { .vertexLimit = 5 + static_cast<int>(seed % 80), .spread = 1.0f + static_cast<float>(seed % 4) },
             &changed);
     EXPECT_GT(changed, 3000);
 }
 
 // Steps between coordinates below, about and above the tolerance: chains of neighbours that are near to some only, on
 // both sides of cells and of steps of the key.
-TEST_F(Weld, RandomMeshesAreWeldedAsDescribedWithinTheTolerance)
+TEST_F(Weld, RandomMeshesAreWeldedLikeTheLiteralVersionWithinTheTolerance)
 {
     int changed = 0;
     for (float step :
          { 0.000001f, 0.000003f, 0.000005f, 0.0000099f, 0.00001f, 0.000011f, 0.00003f, 1.0f, 127.99998f, 3e6f })
     {
         for (unsigned seed = 0; seed < 800 && !HasFatalFailure(); ++seed)
-            expectDescribedWeld(weldNear, seed,
-                                { .mostVertices = 5 + static_cast<int>(seed % 80),
-                                  .spread = 2.0f + static_cast<float>(seed % 12),
-                                  .step = step },
-                                &changed);
+            expectLiteralWeld(weldNear, seed,
+                              { .vertexLimit = 5 + static_cast<int>(seed % 80),
+                                .spread = 2.0f + static_cast<float>(seed % 12),
+                                .step = step },
+                              &changed);
     }
     EXPECT_GT(changed, 4000);
 }
@@ -327,7 +327,7 @@ TEST_F(Weld, NoPositionMovesByMoreThanTheToleranceAndWeldingAgainChangesNothing)
         for (unsigned seed = 0; seed < 1500; ++seed)
         {
             MeshPointer mesh =
-                randomMesh(seed, { .mostVertices = 60, .spread = 3, .step = mode == weldExact ? 1.0f : 0.000007f });
+                randomMesh(seed, { .vertexLimit = 60, .spread = 3, .step = mode == weldExact ? 1.0f : 0.000007f });
             MeshState before = stateOf(mesh.get());
             weldVertices(mesh.get(), mode);
             for (int32_t f = 0; f < mesh->faceCount; ++f)
