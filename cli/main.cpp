@@ -1,10 +1,12 @@
 // cli/main.cpp - kbx, the command line
 #include "cli/arguments.h"
 #include "cli/commands.h"
+#include "platform/pending_files.h"
 #include "platform/terminal/terminal.h"
 
 int main(int argc, char** argv)
 {
+    removePendingFilesOnSignals();
     Arguments arguments = parseArguments(prepareTerminal(argc, argv));
     switch (arguments.command)
     {

@@ -37,5 +37,8 @@ void dropPendingFile(PendingFile* pending);
 // have names, and then end the process as they always do. For a command line; Windows needs nothing.
 void removePendingFilesOnSignals();
 
+// Removes what pending files have names, at once and without memory, for a process that must end.
+void removePendingFiles();
+
 // Gives pending files names from the start, as on file systems without unnamed files; for tests.
 void namePendingFilesAtOnce(bool on);

@@ -41,18 +41,23 @@ static void forgetName(const std::string& name)
             *path = 0;
 }
 
-extern "C" void removeNamedFiles(int signalNumber)
+void removePendingFiles()
 {
     for (const auto& path : namedPaths)
         if (*path)
             unlink(path);
+}
+
+extern "C" void endBySignal(int signalNumber)
+{
+    removePendingFiles();
     raise(signalNumber); // comes when the handler has returned, and then has its default effect
 }
 
 void removePendingFilesOnSignals()
 {
     struct sigaction action = {};
-    action.sa_handler = removeNamedFiles;
+    action.sa_handler = endBySignal;
     action.sa_flags = static_cast<int>(SA_RESETHAND);
     for (int signalNumber : { SIGINT, SIGTERM, SIGHUP })
     {

@@ -2,9 +2,12 @@
 //
 // The bar is wiped before anything else is printed, so that lines do not mix with it.
 #include "platform/boxes.h"
+#include "platform/pending_files.h"
 #include "platform/terminal/terminal.h"
 
 #include <stdio.h>
+#include <stdlib.h>
+#include <new>
 
 #ifdef _WIN32
 #include <io.h>
@@ -82,4 +85,17 @@ void beep()
 {
     if (barWanted())
         fputc('\a', stderr);
+}
+
+static void endForLackOfMemory()
+{
+    messageBox("Out of memory", nullptr, iconStop);
+    removePendingFiles();
+    _Exit(1);
+}
+
+// Before the first static object of the program asks for memory.
+__attribute__((constructor(101))) static void installMemoryHandler()
+{
+    std::set_new_handler(endForLackOfMemory);
 }

@@ -1,4 +1,8 @@
 // platform/terminal/terminal.h - the arguments of kbx, and the number of message boxes it has shown
+//
+// Linking it also settles what happens when the C++ library gets no memory: the program shows "Out of memory", removes
+// what it was writing, and ends with status 1. Exceptions could not do that: the libraries of the command line are not
+// written to survive one.
 #pragma once
 #include <string>
 #include <vector>

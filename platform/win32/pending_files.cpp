@@ -130,6 +130,7 @@ void dropPendingFile(PendingFile* pending)
 
 // The files go with their handles, however the process ends.
 void removePendingFilesOnSignals() {}
+void removePendingFiles() {}
 
 // They always have names.
 void namePendingFilesAtOnce(bool) {}

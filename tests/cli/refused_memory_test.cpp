@@ -1,0 +1,81 @@
+// tests/cli/refused_memory_test.cpp - the whole program with each of its requests for memory refused in turn, those of
+// the C and C++ libraries included
+#include "tests/cli/process_fixture.h"
+
+class KbxWithRefusedMemory : public ProcessTest
+{
+protected:
+    void SetUp() override
+    {
+        if (access(TEST_PROGRAMS "/kbx_refusing", X_OK) != 0)
+            GTEST_SKIP() << "programs are not linked statically here";
+        ProcessTest::SetUp();
+    }
+
+    static Surroundings refusing(const std::string& setting)
+    {
+        Surroundings around;
+        around.program = "kbx_refusing";
+        around.environment = { setting };
+        return around;
+    }
+
+    long countRequests(const Words& words, const std::set<std::string>& outputs) const
+    {
+        std::string counted = folder.string() + ".count";
+        EXPECT_EQ(run(words, refusing("COUNT_REQUESTS=" + counted)).status, 0);
+        long count = 0;
+        std::ifstream(counted) >> count;
+        std::filesystem::remove(counted);
+        for (const std::string& output : outputs)
+            std::filesystem::remove(folder / output);
+        return count;
+    }
+
+    // Refuses every request from the first one given on: alone, and with all after it.
+    void refuseEach(const Words& words, const std::set<std::string>& outputs, long first)
+    {
+        const long count = countRequests(words, outputs);
+        ASSERT_GT(count, first);
+        for (const char* kind : { "REFUSE_ONLY=", "REFUSE_FROM=" })
+            for (long n = first; n <= count; ++n)
+            {
+                Ending ending = run(words, refusing(kind + std::to_string(n)));
+                SCOPED_TRACE(kind + std::to_string(n) + ": " + ending.said);
+                expectDoneOrOutOfMemory(ending, outputs);
+                if (HasFatalFailure())
+                    return;
+            }
+    }
+
+    // What every command asks for before its own work: the description of the command line.
+    long common() const
+    {
+        return countRequests({ "--version" }, {}) - 100;
+    }
+};
+
+TEST_F(KbxWithRefusedMemory, InfoEndsWellFromTheStartOn)
+{
+    refuseEach({ "info", "--json", "a.obj" }, {}, 1);
+}
+
+TEST_F(KbxWithRefusedMemory, DumpEndsWell)
+{
+    refuseEach({ "dump", "--tool", "weld", "--tool", "quad", "a.obj" }, {}, common());
+}
+
+TEST_F(KbxWithRefusedMemory, ConvertEndsWell)
+{
+    refuseEach({ "convert", "a.obj", "b.obj" }, { "b.obj", "b.mtl" }, common());
+    refuseEach({ "convert", "a.obj", "b.pp2" }, { "b.pp2", "b.rsr" }, common());
+    refuseEach({ "convert", "a.obj", "b.rkf" }, { "b.rkf" }, common());
+    refuseEach({ "convert", "a.obj", "b.lxs" }, { "b.lxs", "b.lxm", "b.lxo", "b_textures.txt" }, common());
+}
+
+TEST_F(KbxWithRefusedMemory, RenderEndsWell)
+{
+    refuseEach({ "render", "a.obj", "--size", "50x50", "-o", "b.bmp" }, { "b.bmp" }, common());
+    refuseEach({ "render", "--texture", "wood", "--metallic", "--size", "50x50", "-o", "b.bmp" }, { "b.bmp" },
+               common());
+}
