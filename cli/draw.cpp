@@ -2,6 +2,7 @@
 #include "cli/draw.h"
 
 #include "image/textures.h"
+#include "model/memory.h"
 #include "shell/choices.h"
 #include "shell/scene.h"
 
@@ -105,10 +106,7 @@ int drawModel(Mesh* mesh, bool builtIn, const ViewArguments& view)
     state.displayHeight = view.height;
     state.view = viewOf(view);
     if (!createFrameBuffer(&frameBuffer, view.width, view.height))
-    {
-        fputs("kbx: there is no memory for a picture of this size\n", stderr);
-        return 0;
-    }
+        return reportOutOfMemory();
     drawFrames(&chosen.render, &state, view.frames.value_or(1), view.frames.has_value());
     return 1;
 }

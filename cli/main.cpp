@@ -1,13 +1,13 @@
 // cli/main.cpp - kbx, the command line
 #include "cli/arguments.h"
 #include "cli/commands.h"
+#include "model/memory.h"
 #include "platform/pending_files.h"
+#include "platform/refused_memory.h"
 #include "platform/terminal/terminal.h"
 
-int main(int argc, char** argv)
+static int runCommand(const Arguments& arguments)
 {
-    removePendingFilesOnSignals();
-    Arguments arguments = parseArguments(prepareTerminal(argc, argv));
     switch (arguments.command)
     {
     case Command::info: return runInfo(arguments);
@@ -18,4 +18,13 @@ int main(int argc, char** argv)
     case Command::none: break;
     }
     return arguments.exitStatus;
+}
+
+int main(int argc, char** argv)
+{
+    removePendingFilesOnSignals();
+    int status = runCommand(parseArguments(prepareTerminal(argc, argv)));
+    if (status == 1 && refusedMemoryUnreported())
+        reportOutOfMemory();
+    return status;
 }

@@ -17,7 +17,7 @@
 #include <stdlib.h>
 
 int progressiveRefused;
-const JpegHeap jpegSystemHeap = { calloc, allocateLarge };
+const JpegHeap jpegSystemHeap = { allocateZeroed, allocateLarge };
 
 constexpr int32_t groupsPerImcuRow = 8;
 

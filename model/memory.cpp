@@ -3,6 +3,7 @@
 
 #include "platform/boxes.h"
 #include "platform/pages.h"
+#include "platform/refused_memory.h"
 
 #include <string.h>
 
@@ -74,6 +75,7 @@ void tableFree(void* pointer)
 
 int reportOutOfMemory()
 {
+    refusedMemoryReported();
     messageBox("Out of memory", nullptr, iconStop);
     return 0;
 }

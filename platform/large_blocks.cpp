@@ -1,6 +1,8 @@
 // platform/large_blocks.cpp - the heap, with large pages on Linux
 #include "platform/large_blocks.h"
 
+#include "platform/refused_memory.h"
+
 #include <stdlib.h>
 
 #ifdef __linux__
@@ -9,7 +11,7 @@
 constexpr size_t largePage = size_t{ 1 } << 21;
 constexpr size_t smallPage = 4096;
 
-void* allocateLarge(size_t sizeBytes)
+static void* largeBlock(size_t sizeBytes)
 {
     if (sizeBytes < 2 * largePage)
         return malloc(sizeBytes);
@@ -20,8 +22,25 @@ void* allocateLarge(size_t sizeBytes)
     return block;
 }
 #else
-void* allocateLarge(size_t sizeBytes)
+static void* largeBlock(size_t sizeBytes)
 {
     return malloc(sizeBytes);
 }
 #endif
+
+static void* noted(void* block)
+{
+    if (!block)
+        noteRefusedMemory();
+    return block;
+}
+
+void* allocateLarge(size_t sizeBytes)
+{
+    return noted(largeBlock(sizeBytes));
+}
+
+void* allocateZeroed(size_t count, size_t sizeBytes)
+{
+    return noted(calloc(count, sizeBytes));
+}

@@ -1,6 +1,8 @@
 // platform/posix/files.cpp - files on operating systems where names are bytes and letter case counts
 #include "platform/files.h"
 
+#include "platform/refused_memory.h"
+
 #include <dirent.h>
 #include <errno.h>
 #include <signal.h>
@@ -24,6 +26,8 @@ FILE* openFile(const char* path, const char* mode)
 {
     letLongWritesFail();
     FILE* file = fopen(path, mode);
+    if (!file && errno == ENOMEM)
+        noteRefusedMemory();
     struct stat facts;
     if (!file || fstat(fileno(file), &facts) != 0)
         return file;
@@ -81,6 +85,8 @@ int seekFile(FILE* file, int64_t position)
 int findNameIgnoringCase(const char* folder, const char* name, char* found, size_t roomBytes)
 {
     DIR* entries = opendir(*folder ? folder : ".");
+    if (!entries && errno == ENOMEM)
+        noteRefusedMemory();
     if (!entries)
         return 0;
     int ok = 0;

@@ -5,6 +5,8 @@
 // of 4 KiB takes longer than reading a file into it, and a huge page takes no longer than a hundred small ones.
 #include "platform/pages.h"
 
+#include "platform/refused_memory.h"
+
 #include <stdint.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -40,7 +42,10 @@ static void* mapPages(size_t sizeBytes, size_t hugeFromBytes)
     size_t mappedBytes = blockBytes + alignment;
     void* mapping = mmap(nullptr, mappedBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (mapping == MAP_FAILED)
+    {
+        noteRefusedMemory();
         return nullptr;
+    }
     uintptr_t block = roundUp(reinterpret_cast<uintptr_t>(mapping) + page, alignment);
     auto* header = reinterpret_cast<BlockHeader*>(block - page);
     if (alignment == hugePage)

@@ -5,6 +5,7 @@
 #include "platform/pending_files.h"
 
 #include "platform/file_names.h"
+#include "platform/refused_memory.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -171,6 +172,8 @@ int createPendingFile(PendingFile* pending, const char* place)
     if (pending->file)
         return 1;
     int reason = errno;
+    if (reason == ENOMEM)
+        noteRefusedMemory();
     close(file);
     dropPendingFile(pending);
     errno = reason;

@@ -1,6 +1,7 @@
 // platform/terminal/window.cpp - a picture in plain memory; there are no controls, and every dialog is cancelled
 #include "platform/controls.h"
 #include "platform/dialogs.h"
+#include "platform/large_blocks.h"
 #include "platform/picture.h"
 
 #include <stdlib.h>
@@ -46,7 +47,8 @@ int makePicture(Picture* picture, int32_t widthPixels, int32_t rows)
     *picture = {};
     if (widthPixels <= 0 || rows <= 0)
         return 0;
-    picture->bits = static_cast<uint8_t*>(calloc(static_cast<size_t>(rows), static_cast<size_t>(widthPixels) * 3));
+    picture->bits =
+        static_cast<uint8_t*>(allocateZeroed(static_cast<size_t>(rows), static_cast<size_t>(widthPixels) * 3));
     if (!picture->bits)
         return 0;
     picture->widthPixels = widthPixels;
