@@ -5,6 +5,7 @@
 // vertex after all of those, which corners of the same vertex and coordinate share.
 #include "export/lux_parts.h"
 #include "model/memory.h"
+#include "model/seeded_hash.h"
 #include "platform/pages.h"
 
 // The material slot that a face is written with; the flags do not matter. -1: past the mesh's materials, or a deleted
@@ -109,15 +110,9 @@ static int sameUv(const LuxVertex& a, const LuxVertex& b)
     return (a.u == b.u && a.v == b.v) || (memcmp(&a.u, &b.u, sizeof a.u) == 0 && memcmp(&a.v, &b.v, sizeof a.v) == 0);
 }
 
-// Of equal value for equal corners: -0 counts as 0.
-static uint64_t hashOf(const LuxVertex& corner)
+static uint32_t hashOf(const LuxVertex& corner)
 {
-    float pair[2] = { corner.u + 0.0f, corner.v + 0.0f };
-    uint64_t bits;
-    memcpy(&bits, pair, sizeof bits);
-    bits = (bits ^ corner.vertex * 0x9E3779B97F4A7C15ull) * 0xD6E8FEB86659FD93ull;
-    bits ^= bits >> 32;
-    return bits * 0xD6E8FEB86659FD93ull >> 20;
+    return hashWords(hashSeed(), corner.vertex, coordinateBits(corner.u), coordinateBits(corner.v));
 }
 
 // What a slot's faces have come to so far.
@@ -153,7 +148,7 @@ static int32_t indexOfCorner(LuxScene* scene, const LuxVertex& corner, SlotShape
     int32_t first = scene->newIndex[corner.vertex];
     if (!scene->others || sameUv(scene->vertices[first], corner))
         return first;
-    int64_t place = static_cast<int64_t>(hashOf(corner)) & shape->tableMask;
+    int64_t place = int64_t{ hashOf(corner) } & shape->tableMask;
     for (; scene->others[place] != 0; place = (place + 1) & shape->tableMask)
     {
         int32_t other = scene->others[place] - 1;

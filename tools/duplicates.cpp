@@ -14,6 +14,7 @@
 #include "model/memory.h"
 #include "model/normals.h"
 #include "platform/boxes.h"
+#include "model/seeded_hash.h"
 #include "tools/hash.h"
 
 #include <stdio.h>
@@ -85,8 +86,7 @@ static bool isCollapsed(const Corners& c)
 // The place of a collapsed face with these words, or the free place where it would go.
 static CollapsedFace* findCollapsed(const FaceStore& store, uint32_t sum, uint32_t low, uint32_t high)
 {
-    uint64_t key = scrambled(uint64_t{ high } << 32 | low) + sum;
-    uint32_t index = static_cast<uint32_t>(scrambled(key)) & store.collapsedMask;
+    uint32_t index = hashWords(hashSeed(), low, high, sum) & store.collapsedMask;
     for (;; index = (index + 1) & store.collapsedMask)
     {
         CollapsedFace& place = store.collapsed[index];
@@ -115,8 +115,7 @@ static void markCollapsed(const FaceStore& store, const Corners& corners)
 static bool repeatsHashed(const FaceStore& store, const Mesh* mesh, uint32_t face)
 {
     Corners words = sorted(mesh->faces[face]);
-    uint64_t key = scrambled(uint64_t{ words[1] } << 32 | words[0]) + (uint64_t{ words[3] } << 32 | words[2]);
-    uint32_t index = static_cast<uint32_t>(scrambled(key)) & store.hashedMask;
+    uint32_t index = hashWords(hashSeed(), words[0], words[1], words[2], words[3]) & store.hashedMask;
     for (; store.hashed[index] != 0; index = (index + 1) & store.hashedMask)
     {
         if (sorted(mesh->faces[store.hashed[index] - 1]) == words)

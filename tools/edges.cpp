@@ -3,6 +3,7 @@
 
 #include "model/memory.h"
 #include "platform/boxes.h"
+#include "model/seeded_hash.h"
 #include "tools/hash.h"
 
 constexpr int chainLimit = 8;                 // entries of one sum that are chained
@@ -18,8 +19,7 @@ struct EdgePlace
 
 static uint32_t hashStart(const EdgeTable* table, uint32_t a, uint32_t b)
 {
-    uint64_t low = a < b ? a : b, high = a < b ? b : a;
-    return static_cast<uint32_t>(scrambled(high << 32 | low)) & table->hashedMask;
+    return hashWords(hashSeed(), a < b ? a : b, a < b ? b : a) & table->hashedMask;
 }
 
 // The place of the edge in the hash: it holds the index of the edge's entry, or 0 when the edge is not there.

@@ -5,6 +5,7 @@
 #include "tools/statistics.h"
 
 #include "model/memory.h"
+#include "model/seeded_hash.h"
 #include "tools/hash.h"
 #include "tools/positions.h"
 
@@ -136,6 +137,7 @@ static int countEdges(const Mesh* mesh, MeshStatistics* statistics)
 
 static int countDuplicateVertices(const Mesh* mesh, int32_t* count)
 {
+    const HashSeed& seed = hashSeed();
     uint32_t mask = tableMask(static_cast<uint64_t>(mesh->vertexCount));
     int64_t homeCount = int64_t{ mask } + 1;
     uint32_t* home = wordBlock(homeCount + mesh->vertexCount); // vertex + 1, 0 for none
@@ -145,7 +147,7 @@ static int countDuplicateVertices(const Mesh* mesh, int32_t* count)
     for (int32_t i = 0; i < mesh->vertexCount; ++i)
     {
         const float* position = mesh->vertices[i].position;
-        uint32_t* first = &home[positionHash(position) & mask];
+        uint32_t* first = &home[hashPosition(seed, position) & mask];
         uint32_t stored = *first;
         while (stored != 0 && !equalPositions(mesh->vertices[stored - 1].position, position))
             stored = next[stored - 1];

@@ -9,6 +9,7 @@
 
 #include "model/memory.h"
 #include "model/normals.h"
+#include "model/seeded_hash.h"
 #include "platform/boxes.h"
 #include "tools/hash.h"
 #include "tools/positions.h"
@@ -88,6 +89,7 @@ struct EqualWeld
 {
     VertexStore* store;
     int numberBits, hashShift;
+    const HashSeed* seed;
 };
 
 static uint32_t* homeOf(const EqualWeld& weld, uint32_t hash)
@@ -120,7 +122,7 @@ static void mergeEqualBatch(const EqualWeld& weld, uint32_t first, uint32_t coun
     uint32_t hashes[batchVertices];
     for (uint32_t i = 0; i < count; ++i)
     {
-        hashes[i] = positionHash(store->vertices[first + i].position);
+        hashes[i] = hashPosition(*weld.seed, store->vertices[first + i].position);
         __builtin_prefetch(homeOf(weld, hashes[i]), 1);
     }
     for (uint32_t i = 0; i < count; ++i)
@@ -139,7 +141,7 @@ static void mergeAllEqual(const Mesh* mesh, VertexStore* store)
 {
     const auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
     EqualWeld weld = { store, static_cast<int>(std::bit_width(vertexCount)),
-                       static_cast<int>(std::countl_zero(store->homeMask)) };
+                       static_cast<int>(std::countl_zero(store->homeMask)), &hashSeed() };
     for (uint32_t first = 0; first < vertexCount; first += batchVertices)
         mergeEqualBatch(weld, first, std::min<uint32_t>(batchVertices, vertexCount - first));
 }
@@ -191,6 +193,7 @@ struct NearWeld
     VertexStore* store;
     float smallest, scale;
     int32_t vertexCount; // before
+    const HashSeed* seed;
 };
 
 static int32_t stepOfPosition(const NearWeld& weld, const float* position)
@@ -210,11 +213,11 @@ struct Search
 // The key of a cell is a sum with a factor for each axis, so that the keys of neighbouring cells differ by that factor.
 static Search searchAround(const NearWeld& weld, const float* position)
 {
-    static constexpr uint64_t factors[3] = { 0x9E3779B97F4A7C15u, 0xC2B2AE3D27D4EB4Fu, 0x165667B19E3779F9u };
+    const uint64_t* factors = weld.seed->factors;
     constexpr float margin = 1.5f * nearTolerance; // more than the tolerance, because the difference is rounded
     Search search;
     search.step = stepOfPosition(weld, position);
-    uint64_t key = static_cast<uint64_t>(search.step) * 0xFF51AFD7ED558CCDu;
+    uint64_t key = static_cast<uint64_t>(search.step) * factors[3];
     uint64_t toNext[3]; // from the key to that of the neighbouring cell on an axis; 0: not to be searched
     for (int axis = 0; axis < 3; ++axis)
     {
@@ -303,7 +306,7 @@ static void mergeAllNear(const Mesh* mesh, VertexStore* store)
 {
     KeyRange range = rangeOfKeys(mesh);
     float scale = static_cast<float>(mesh->vertexCount - 1) / (range.largest - range.smallest);
-    NearWeld weld = { store, range.smallest, scale, mesh->vertexCount };
+    NearWeld weld = { store, range.smallest, scale, mesh->vertexCount, &hashSeed() };
     const auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
     for (uint32_t first = 0; first < vertexCount; first += batchVertices)
         mergeNearBatch(weld, first, std::min<uint32_t>(batchVertices, vertexCount - first));
