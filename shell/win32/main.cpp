@@ -13,7 +13,7 @@ static const wchar_t* argumentsOf(const wchar_t* line)
     return line;
 }
 
-// The command line is taken from the system in wide characters: the one given here knows the machine's code page only.
+// Takes the command line from Windows in wide characters, because the one passed here knows only the code page.
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, char*, int showState)
 {
     if (previous)

@@ -226,19 +226,8 @@ static void append(std::vector<std::string>* lines, const std::vector<std::strin
     lines->insert(lines->end(), more.begin(), more.end());
 }
 
-TEST_F(LuxWriter, GoldenMaterials)
+static std::vector<std::string> goldenMaterialLines()
 {
-    MeshPointer mesh = buildMesh(square, {}, {}, 4, 1);
-    for (int i = 0; i < 4; ++i)
-        copyName(mesh->materialNames[i], std::string({ 'm', static_cast<char>('0' + i) }).c_str());
-    mesh->materials[0].shininess = 4;
-    mesh->materials[0].diffuseLevel = 0.5f;
-    copyName(mesh->textureNames[1], "wood.jpg");
-    mesh->materials[1].specularLevel = 3.0f;
-    mesh->materials[2].transparency = 0.25f;
-    mesh->materials[2].shininess = 5;
-    copyName(mesh->textureNames[3], "a.jpg");
-    copyName(mesh->opacityNames[3], "b.jpg");
     std::vector<std::string> lines = {
         "#***** Material 'm0'",
         "",
@@ -315,8 +304,24 @@ TEST_F(LuxWriter, GoldenMaterials)
                        "    \"texture amount\" [\"m3_trans\"]",
                        "",
                    });
+    return lines;
+}
+
+TEST_F(LuxWriter, GoldenMaterials)
+{
+    MeshPointer mesh = buildMesh(square, {}, {}, 4, 1);
+    for (int i = 0; i < 4; ++i)
+        copyName(mesh->materialNames[i], std::string({ 'm', static_cast<char>('0' + i) }).c_str());
+    mesh->materials[0].shininess = 4;
+    mesh->materials[0].diffuseLevel = 0.5f;
+    copyName(mesh->textureNames[1], "wood.jpg");
+    mesh->materials[1].specularLevel = 3.0f;
+    mesh->materials[2].transparency = 0.25f;
+    mesh->materials[2].shininess = 5;
+    copyName(mesh->textureNames[3], "a.jpg");
+    copyName(mesh->opacityNames[3], "b.jpg");
     exportTo(mesh.get(), folder);
-    EXPECT_EQ(contents(folder + "out.lxm"), crlf(lines));
+    EXPECT_EQ(contents(folder + "out.lxm"), crlf(goldenMaterialLines()));
 }
 
 TEST_F(LuxWriter, RoughnessIsTwoOverTheExponentFromFiveOn)
