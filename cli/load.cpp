@@ -5,7 +5,6 @@
 #include "import/rkf.h"
 #include "model/ascii.h"
 #include "model/builtin.h"
-#include "model/settings.h"
 #include "platform/terminal/terminal.h"
 #include "tools/filter.h"
 

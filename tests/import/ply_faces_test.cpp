@@ -1,5 +1,4 @@
 // tests/import/ply_faces_test.cpp - what the lists of a PLY file become: polygons, fans, strips
-#include "model/settings.h"
 #include "tests/import/ply_building.h"
 
 #include <random>

@@ -1,6 +1,5 @@
 // tests/import/ply_values_test.cpp - the values in a PLY file: types, words, lines, colours, and the short way through
 // lines
-#include "model/settings.h"
 #include "tests/import/ply_building.h"
 
 using namespace ply;

@@ -2,7 +2,6 @@
 #pragma once
 #include "image/textures.h"
 #include "model/memory.h"
-#include "model/settings.h"
 #include "resources/ids.h"
 #include "shell/choices.h"
 #include "shell/commands.h"

@@ -1,7 +1,6 @@
 // tests/windows/inside.cpp - the program's thread, which a hook watches
 #include "tests/windows/inside.h"
 
-#include "model/settings.h"
 #include "platform/dialogs.h"
 #include "platform/win32/handles.h"
 #include "platform/win32/names.h"

@@ -1,4 +1,0 @@
-// model/settings.cpp
-#include "model/settings.h"
-
-int32_t usePlainKernels;
