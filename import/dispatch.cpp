@@ -7,6 +7,7 @@
 #include "import/ply/ply.h"
 #include "import/text/poser.h"
 #include "import/threeds/threeds.h"
+#include "model/ascii.h"
 #include "platform/boxes.h"
 #include "platform/file_names.h"
 
@@ -43,11 +44,6 @@ static constexpr Reader readers[] = {
 };
 // clang-format on
 
-static char upperCase(char c)
-{
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
 int readModelFile(Mesh* mesh, const char* path, const ReadOptions& options)
 {
     size_t length = strlen(path);
@@ -55,7 +51,7 @@ int readModelFile(Mesh* mesh, const char* path, const ReadOptions& options)
         return 0;
     char extension[4] = {};
     for (size_t i = 0; i < 3; ++i)
-        extension[i] = upperCase(path[length - 3 + i]);
+        extension[i] = asciiUpper(path[length - 3 + i]);
     for (const Reader& reader : readers)
     {
         if (strcmp(reader.extension, extension) == 0)

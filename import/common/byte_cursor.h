@@ -1,7 +1,7 @@
 // import/common/byte_cursor.h - binary files through a cursor that turns bad at the end
 //
-// Once a read would pass the end of the file the cursor is bad: that read and all later ones give zeros and do not
-// move, so that a series of reads is checked once, at its end.
+// Once a read would pass the end of the file the cursor is bad and stays bad. That read gives zeros; a later, shorter one
+// may still give bytes that the block holds. So a series of reads is checked once, at its end.
 #pragma once
 #include "import/common/block_source.h"
 
@@ -48,7 +48,7 @@ inline const uint8_t* takeBytes(ByteCursor* cursor, size_t bytes)
 // bad cursor, when the file has not even one.
 const uint8_t* takeRecords(ByteCursor* cursor, size_t recordBytes, int64_t wanted, int64_t* count);
 
-// One little-endian number; 0 from a bad cursor.
+// One little-endian number; 0, and a bad cursor, when the file has not enough bytes.
 template <typename T>
 inline T takeNumber(ByteCursor* cursor)
 {

@@ -3,14 +3,9 @@
 
 #include "import/common/numbers.h"
 
-static bool textEnds(char c)
-{
-    return c == 0 || c == '\n' || c == '\r';
-}
-
 static bool cornerEnds(char c)
 {
-    return c == ' ' || textEnds(c);
+    return c == ' ' || isTextEnd(c);
 }
 
 // What stands between the numbers of one corner: '/' and any white space but the blank, which ends the corner.
@@ -113,9 +108,9 @@ static int parseCorners(Scan scan, const char* text, int32_t vertexCount, int32_
     {
         while (*at == ' ')
             ++at;
-        if (textEnds(*at))
+        if (isTextEnd(*at))
             break;
-        if (count == statementCorners)
+        if (count == cornerLimit)
             return 0;
         int32_t vertex, uv;
         at = scan(at, &vertex, &uv);
@@ -134,15 +129,15 @@ static int parseCorners(Scan scan, const char* text, int32_t vertexCount, int32_
     return dropRepeated(vertices, count);
 }
 
-int ParseFaceCorners(const char* text, int32_t vertexCount, int32_t uvCount, int32_t (&vertices)[statementCorners],
-                     int32_t (&uvs)[statementCorners])
+int ParseFaceCorners(const char* text, int32_t vertexCount, int32_t uvCount, int32_t (&vertices)[cornerLimit],
+                     int32_t (&uvs)[cornerLimit])
 {
     const char* end;
     return parseCorners(scanCorner, text, vertexCount, uvCount, vertices, uvs, &end);
 }
 
-int parseFaceCornersPadded(const char* text, int32_t vertexCount, int32_t uvCount,
-                           int32_t (&vertices)[statementCorners], int32_t (&uvs)[statementCorners], const char** end)
+int parseFaceCornersPadded(const char* text, int32_t vertexCount, int32_t uvCount, int32_t (&vertices)[cornerLimit],
+                           int32_t (&uvs)[cornerLimit], const char** end)
 {
     return parseCorners(scanCornerPadded, text, vertexCount, uvCount, vertices, uvs, end);
 }

@@ -5,26 +5,27 @@
 #pragma once
 #include "model/mesh.h"
 
-constexpr int32_t statementCorners = 32; // most corners of one face or line statement
+constexpr int32_t cornerLimit = 32; // of one face or line statement
 
-// Reads the corners of a face or line statement: "7", "7/3", "7/3/5" or "7//5", separated by blanks only. Each is read
-// as two whole numbers with '/' for a blank and 0 for a missing second one, so that 7//5 gives vertex 7 and texture
-// coordinate 5, on purpose. Negative indices count back from the last one read. A texture index that names none
-// becomes 1. A vertex met again is dropped; the texture indices then stay where they were, so that later corners take
-// those of their former neighbours, on purpose.
+// Reads the corners of a face or line statement: "7", "7/3", "7/3/5" or "7//5", separated by blanks only. Each corner
+// is read as two whole numbers, as if '/' were a blank and 0 stood for a missing second number. So 7//5 gives vertex 7
+// and texture coordinate 5: it costs no more than an index that nobody uses. Negative indices count back from the last
+// one read. A texture index without a texture coordinate becomes 1. A repeated vertex is dropped, but not its texture
+// index: such a face is damaged, and its later corners take the texture indices of their former neighbours.
 //
-// text ends with 0 or a line end. The indices are 1-based; vertices[] is packed, uvs[] is by the corner's place.
-// Returns the number of corners kept; 0 rejects the statement: an index out of range, no number, or too many corners.
-int ParseFaceCorners(const char* text, int32_t vertexCount, int32_t uvCount, int32_t (&vertices)[statementCorners],
-                     int32_t (&uvs)[statementCorners]);
+// text ends with 0 or a line end. The indices are 1-based; vertices[] is packed, uvs[] is by the position in the text.
+// Returns the number of corners kept. 0 rejects the statement: an index out of range, a missing number, or too many
+// corners.
+int ParseFaceCorners(const char* text, int32_t vertexCount, int32_t uvCount, int32_t (&vertices)[cornerLimit],
+                     int32_t (&uvs)[cornerLimit]);
 
-// The same for a text with numberPaddingRoom readable bytes after its end, faster. *end receives where reading stopped:
-// the text's end when the statement was not rejected.
-int parseFaceCornersPadded(const char* text, int32_t vertexCount, int32_t uvCount,
-                           int32_t (&vertices)[statementCorners], int32_t (&uvs)[statementCorners], const char** end);
+// The same, faster, for a text with numberPaddingRoom readable bytes after its end. *end receives where reading
+// stopped: the end of the text when the statement was not rejected.
+int parseFaceCornersPadded(const char* text, int32_t vertexCount, int32_t uvCount, int32_t (&vertices)[cornerLimit],
+                           int32_t (&uvs)[cornerLimit], const char** end);
 
 // The corners of one polygon or polyline. Corner k is vertex firstVertex + vertices[k] of the mesh, and likewise for
-// texture coordinates: a list of 1-based indices has a first of -1. uvs null: every texture index is 0.
+// texture coordinates; with 1-based indices the first ones are -1. Without uvs every texture index is 0.
 struct CornerList
 {
     const int32_t* vertices;
@@ -34,7 +35,7 @@ struct CornerList
     int32_t firstUv;
 };
 
-// How many face records a polygon of 3 or more corners, a polyline of 2 or more points takes.
+// How many face records a polygon of at least 3 corners, or a polyline of at least 2 points, takes.
 inline int32_t polygonRecords(int32_t corners)
 {
     return corners <= 4 ? 1 : corners - 2;
@@ -44,7 +45,7 @@ inline int32_t polylineRecords(int32_t points)
     return points <= 4 ? 1 : 1 + (points - 4 + 2) / 3;
 }
 
-// Write these records from slot face on; the room must be there. attributes goes to every record; a polyline's records
-// also get faceLine, and the first its number of points. Return the number of records.
+// Write these records from a face slot on; the arrays must have room. attributes goes to every record; the records of a
+// polyline also get faceLine, and the first one its number of points. Return the number of records.
 int32_t storePolygon(Mesh* mesh, int32_t face, const CornerList& corners, uint32_t attributes);
 int32_t storePolyline(Mesh* mesh, int32_t face, const CornerList& corners, uint32_t attributes);

@@ -14,14 +14,14 @@ struct NameTable
     int16_t places[2 * nameLimit]; // by hash, then the next free place; the slot's index + 1, 0: free
 };
 
-// An empty table over the slots of a mesh. What the slots hold is overwritten by the names that are added.
+// Makes an empty table over the slots of a mesh. Names that are added overwrite what the slots hold.
 void startNames(NameTable* table, char (*names)[nameRoom]);
 
 // The slot of the exact name, or -1.
 int32_t findName(const NameTable* table, const char* name);
 
-// The slot of the name, which ends with 0 or a line end and is cut to nameRoom - 1 bytes; a new name gets the next
-// slot. -1 for a new name when all slots are taken.
+// The slot of the name, which ends with 0 or a line end and is cut to nameRoom - 1 bytes. A new name gets the next
+// slot; -1 when all slots are taken.
 int32_t findOrAddName(NameTable* table, const char* text);
 
 // Copies a text that ends with 0 or a line end, cut to nameRoom - 1 bytes. The rest of the slot is zero.

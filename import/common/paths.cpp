@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-// A model names files, not pipes, which might keep it waiting for ever.
+// A model names files, not pipes, which could make the program wait for ever.
 static bool fileOpens(const std::string& path)
 {
     FILE* file = isPlainFile(path.c_str()) ? openFile(path.c_str(), "rb") : nullptr;
@@ -24,7 +24,7 @@ static bool isAbsolute(const std::string& name)
     return name[0] == '/';
 }
 
-// folder + name, each part of the name looked up ignoring letter case. Empty when a part is not there.
+// folder + name, where the letter case of each part of the name is ignored. Empty when a part is missing.
 static std::string findIgnoringCase(std::string folder, const std::string& name)
 {
     size_t begin = 0;
@@ -70,7 +70,7 @@ static std::string findNamed(const char* modelPath, const std::string& name)
 std::string findModelFile(const char* modelPath, const char* name)
 {
     std::string path = findNamed(modelPath, name);
-    std::string withoutBlanks(name, std::string(name).find_last_not_of(" \t") + 1); // some systems look past those
+    std::string withoutBlanks(name, std::string(name).find_last_not_of(" \t") + 1); // Windows ignores those
     return path.empty() && withoutBlanks != name ? findNamed(modelPath, withoutBlanks) : path;
 }
 

@@ -1,10 +1,10 @@
-// import/common/plain_lines.h - lines of plain numbers, taken apart at once
+// import/common/plain_lines.h - lines of plain numbers, read by kernels
 //
-// Nearly every line of a large text file is numbers with single blanks between them, and nearly every number is digits
-// with perhaps a '-' in front and a '.' among them. Their ends are found by looking at 64 bytes together, so that no
-// number waits for the one before it to be read, and their digits become values eight and sixteen at a time.
+// Nearly every line of a large text file consists of numbers with single blanks between them, and nearly every number
+// of digits, perhaps with a '-' in front and a '.' among them. The kernels find the ends of all numbers in 64 bytes at
+// once, so that no number waits for the one before it, and turn eight or sixteen digits into a value together.
 //
-// What is written in any other way is refused and left to the scanners of numbers.h, which give the same values.
+// A line that is written in any other way is refused. The scanners of numbers.h read it, and give the same values.
 #pragma once
 #include "import/common/block_source.h"
 #include "import/common/numbers.h"
@@ -53,7 +53,7 @@ inline __m128i loadTwoEights(const void* first, const void* second)
                               _mm_loadl_epi64(static_cast<const __m128i*>(second)));
 }
 
-// Bit i: text[i] is no digit.
+// Bit i: text[i] is not a digit.
 inline uint64_t otherThanDigits(const char* text)
 {
     uint64_t digits = 0;
@@ -66,7 +66,7 @@ inline uint64_t otherThanDigits(const char* text)
     return ~digits;
 }
 
-// Offset of the lowest bit, which is taken away. Returns false when there is none: 64 bytes are not enough.
+// Takes the lowest bit away and gives its offset. Returns false when there is none: the line has more than 64 bytes.
 inline bool takeLowest(uint64_t* bits, uint64_t* offset)
 {
     if (!*bits)
@@ -112,13 +112,14 @@ inline __m128i joinEights(__m128i first, __m128i second)
     return _mm_madd_epi16(_mm_packs_epi32(first, second), _mm_set1_epi32(1 << 16 | 10000));
 }
 
-// A line of numbers that may have signs and points. A byte that is no digit ends a run of digits, or else it is a sign:
-// whether all of those are signs is only asked when the numbers have been taken, so that none waits for it.
+// A line of numbers that may have signs and points. A byte that is not a digit ends a number, or else it must be a
+// sign: signsAreInPlace tests all signs together after the numbers have been taken, so that no number waits for the
+// test.
 struct PlainLine
 {
     const char* text;
-    uint64_t ends;    // bit i: text[i] is the first byte after digits; the bits of what has been taken are gone
-    uint64_t doubled; // bit i: text[i] is no digit, nor is the byte before it
+    uint64_t ends;    // bit i: text[i] is the first byte after digits; bits are removed as numbers are taken
+    uint64_t doubled; // bit i: neither text[i] nor the byte before it is a digit
     uint64_t signs;   // found so far
     uint64_t at;      // offset of the next number
 };
@@ -135,8 +136,8 @@ inline bool signsAreInPlace(const PlainLine& line)
     return (line.doubled & passed) == line.signs;
 }
 
-// A number as sixteen digits, those that it does not have zeros on its right, in fours; and what they are to be
-// multiplied by.
+// A number as sixteen digits, filled up with zeros on the right, in groups of four; and the factor that gives its
+// value.
 struct PlainNumber
 {
     __m128i fours;
@@ -150,7 +151,7 @@ inline constexpr double plainScales[2][32] = {
       -1e-1, -1 },
 };
 
-// Takes a number of up to sixteen digits and passes the byte after it, which the caller has to see may stand there.
+// Takes a number of up to sixteen digits and passes the byte after it, which the caller must check.
 inline bool takePlainNumber(PlainLine* line, PlainNumber* number)
 {
     uint64_t end;
@@ -187,7 +188,7 @@ inline __m128d closeToNumbers(const PlainNumber& first, const PlainNumber& secon
     return _mm_mul_pd(all, _mm_loadh_pd(_mm_load_sd(first.scale), second.scale));
 }
 
-// nearestFloat and SanitizeFloat of four: false when one is too close to call, or too large to be kept.
+// nearestFloat and SanitizeFloat of four: false when one lies too near the middle of two floats, or is too large.
 inline bool coordinatesOf(__m128d first, __m128d second, __m128* values)
 {
     __m128 nearest = _mm_movelh_ps(_mm_cvtpd_ps(first), _mm_cvtpd_ps(second));
@@ -214,7 +215,7 @@ inline const char* scanPlainPosition(const char* text, __m128* position)
     return text + line.at - 1;
 }
 
-// What is stored side by side of a vertex: its position and that it is white.
+// Stores the first four words of a vertex: its position and the colour white.
 inline void storeWhiteVertex(MeshVertex* vertex, __m128 position)
 {
     __m128 colour = _mm_castsi128_ps(_mm_set_epi32(static_cast<int32_t>(opaqueWhite), 0, 0, 0));
@@ -238,7 +239,7 @@ inline __m128i joinFours(const PlainDigits& first, const PlainDigits& second)
 struct DigitLine
 {
     const char* text;
-    uint64_t ends; // bit i: text[i] is no digit; the bits of what has been taken are gone
+    uint64_t ends; // bit i: text[i] is not a digit; bits are removed as numbers are taken
     uint64_t at;   // offset of the next number
 };
 

@@ -176,7 +176,7 @@ static bool makeFaceRoom(ObjReader* reader, int32_t records)
 
 static Outcome readCorners(ObjReader* reader, const char* text, int kind)
 {
-    int32_t vertices[statementCorners], uvs[statementCorners];
+    int32_t vertices[cornerLimit], uvs[cornerLimit];
     const char* stop;
     int count = parseFaceCornersPadded(text, reader->vertexCount, reader->uvCount, vertices, uvs, &stop);
     if (!endObjStatement(&reader->source, stop))

@@ -1,7 +1,7 @@
 // import/obj/obj.h - reading Wavefront OBJ files and their material libraries
 //
-// Vertices, texture coordinates, polygons, polylines, groups and material references are taken; everything else is
-// passed over. Positions stay as they are in the file, but for the check of SanitizeFloat.
+// The reader takes vertices, texture coordinates, polygons, polylines, groups and material references, and ignores
+// everything else. Positions stay as they are in the file, except for the check of SanitizeFloat.
 //
 // Source: the appendix on object files of Wavefront's Advanced Visualizer manual
 #pragma once
@@ -19,6 +19,6 @@ int LoadObjFile(Mesh* mesh, const char* path);
 // lack of memory shows a message here.
 int ParseObjFile(Mesh* mesh, const char* path);
 
-// Gives the mesh's materials, found by their names, what the library says of them. Values before the first known name
-// go to the slot after the last material. Does nothing when the file does not open.
+// Sets the mesh's materials, found by their names, from a library. Values before the first known name go to the slot
+// after the last material. Does nothing when the file does not open.
 void ReadMtlFile(Mesh* mesh, const char* path);

@@ -280,7 +280,7 @@ static int readUv(PoserReader* reader, PoserBlock* block)
 // gives out.
 static int readElement(PoserReader* reader, PoserBlock* block, bool polyline)
 {
-    int32_t vertices[statementCorners], uvs[statementCorners];
+    int32_t vertices[cornerLimit], uvs[cornerLimit];
     const char* end;
     int count = parseFaceCornersPadded(reader->source.rest, block->vertexCount, block->uvCount, vertices, uvs, &end);
     if (count < (polyline ? 2 : 3))

@@ -21,14 +21,14 @@ static void appendCorner(std::string* list, int32_t vertex, int32_t uv)
 // "1/2 3/1" for the corners kept, "" for a rejected statement.
 static std::string cornersOf(const std::string& text, int32_t vertexCount, int32_t uvCount)
 {
-    int32_t vertices[statementCorners], uvs[statementCorners];
+    int32_t vertices[cornerLimit], uvs[cornerLimit];
     int kept = ParseFaceCorners(text.c_str(), vertexCount, uvCount, vertices, uvs);
     std::string list;
     for (int k = 0; k < kept; ++k)
         appendCorner(&list, vertices[k], uvs[k]);
 
     std::string padded = text + std::string(1 + numberPaddingRoom, '\0');
-    int32_t fastVertices[statementCorners], fastUvs[statementCorners];
+    int32_t fastVertices[cornerLimit], fastUvs[cornerLimit];
     const char* end = nullptr;
     EXPECT_EQ(parseFaceCornersPadded(padded.c_str(), vertexCount, uvCount, fastVertices, fastUvs, &end), kept) << text;
     for (int k = 0; k < kept; ++k)

@@ -2,6 +2,7 @@
 #include "import/text/dxf.h"
 
 #include "platform/files.h"
+#include "tests/import/damage.h"
 #include "tests/import/loading.h"
 
 #include <math.h>

@@ -4,7 +4,7 @@
 
 #include <string.h>
 
-class Mtl : public ObjFolderTest
+class MtlReader : public ObjFolderTest
 {
 protected:
     // The mesh of a triangle with the materials "a" and "b", its library holding the text.
@@ -43,7 +43,7 @@ static void expectDefaults(const Mesh* mesh, int slot)
     EXPECT_STREQ(mesh->opacityNames[slot], "");
 }
 
-TEST_F(Mtl, EveryKeywordGoesToTheNamedMaterial)
+TEST_F(MtlReader, EveryKeywordGoesToTheNamedMaterial)
 {
     const Mesh* mesh = read("newmtl b\r\nNs 96.9\r\nKa 0.1 0.2 0.3\r\nKd 0.4 0.5 0.6 9\r\nKs 0.7 0.8 0.9\r\nd 0.25\r\n"
                             "map_Kd picture one.jpg\r\nmap_d holes.jpg\r\n");
@@ -59,7 +59,7 @@ TEST_F(Mtl, EveryKeywordGoesToTheNamedMaterial)
     expectDefaults(mesh, 2);
 }
 
-TEST_F(Mtl, UnknownNamesAndValuesBeforeAnyNameGoToTheSlotAfterTheLast)
+TEST_F(MtlReader, UnknownNamesAndValuesBeforeAnyNameGoToTheSlotAfterTheLast)
 {
     const Mesh* mesh = read("Kd 0 0 1\nnewmtl c\nNs 5\nnewmtl a\nNs 6\nnewmtl A\nd 0.5\n");
     expectColour(mesh->materials[2].diffuse, 0, 0, 1);
@@ -71,7 +71,7 @@ TEST_F(Mtl, UnknownNamesAndValuesBeforeAnyNameGoToTheSlotAfterTheLast)
     EXPECT_EQ(mesh->materialCount, 2);
 }
 
-TEST_F(Mtl, WithAllSlotsInUseUnknownNamesGoNowhere)
+TEST_F(MtlReader, WithAllSlotsInUseUnknownNamesGoNowhere)
 {
     std::string statements;
     for (int i = 0; i < 513; ++i)
@@ -84,27 +84,27 @@ TEST_F(Mtl, WithAllSlotsInUseUnknownNamesGoNowhere)
         expectDefaults(mesh, i);
 }
 
-TEST_F(Mtl, AnIndentedLineIsIgnored)
+TEST_F(MtlReader, AnIndentedLineIsIgnored)
 {
     const Mesh* mesh = read("newmtl a\n\tKd 0 1 0\n Ks 0 0 0\n\tNs 7\n");
     expectDefaults(mesh, 0);
 }
 
-TEST_F(Mtl, LinesThatSayNothingAreIgnored)
+TEST_F(MtlReader, LinesThatSayNothingAreIgnored)
 {
     const Mesh* mesh = read("newmtl a\nKd 0.5 0.5\nKa x 1 2\nKs\nNs\nNs x\nd\nd -halo 0.5\nd\t0.5\nkd 0 0 0\nKD 0 0 0\n"
                             "illum 2\nNi 1.5\nmap_Ks s.jpg\nbump b.jpg\nTr 0.5\nKe 1 1 1\nmap_Kd\n# map_Kd c.jpg\n\n");
     expectDefaults(mesh, 0);
 }
 
-TEST_F(Mtl, TheNameIsAllThatFollowsTheFirstBlank)
+TEST_F(MtlReader, TheNameIsAllThatFollowsTheFirstBlank)
 {
     const Mesh* mesh = read("newmtl  a\nNs 1\nnewmtl a \nNs 2\nnewmtl\ta\nNs 3\n");
     EXPECT_EQ(mesh->materials[0].shininess, 10);
     EXPECT_EQ(mesh->materials[2].shininess, 3); // the scratch slot: none of the three is "a"
 }
 
-TEST_F(Mtl, ValuesOutOfRangeAreZero)
+TEST_F(MtlReader, ValuesOutOfRangeAreZero)
 {
     const Mesh* mesh = read("newmtl a\nNs 3e9\nKa nan inf 2000000\nKd -1 5 1e-42\nnewmtl b\nNs -3.9\n");
     EXPECT_EQ(mesh->materials[0].shininess, 0);
@@ -113,7 +113,7 @@ TEST_F(Mtl, ValuesOutOfRangeAreZero)
     EXPECT_EQ(mesh->materials[1].shininess, -3);
 }
 
-TEST_F(Mtl, OpacityIsCutToItsRange)
+TEST_F(MtlReader, OpacityIsCutToItsRange)
 {
     const struct
     {
@@ -128,7 +128,7 @@ TEST_F(Mtl, OpacityIsCutToItsRange)
     }
 }
 
-TEST_F(Mtl, NamesAreCutTo63)
+TEST_F(MtlReader, NamesAreCutTo63)
 {
     std::string longName(70, 'n');
     std::string cut = longName.substr(0, 63);
@@ -142,26 +142,26 @@ TEST_F(Mtl, NamesAreCutTo63)
     EXPECT_STREQ(mesh->opacityNames[0], cut.c_str());
 }
 
-TEST_F(Mtl, TheRestOfALongLineIsALineOfItsOwn)
+TEST_F(MtlReader, TheRestOfALongLineIsALineOfItsOwn)
 {
     std::string padding(255, '#');
     const Mesh* mesh = read("newmtl a\n" + padding + "Ns 5\n" + padding + " Ns 6\n");
     EXPECT_EQ(mesh->materials[0].shininess, 5);
 }
 
-TEST_F(Mtl, ALastLineWithoutALineEndCounts)
+TEST_F(MtlReader, ALastLineWithoutALineEndCounts)
 {
     EXPECT_EQ(read("newmtl a\nNs 5")->materials[0].shininess, 5);
 }
 
-TEST_F(Mtl, WithoutMaterialReferencesTheFirstSlotTakesTheValues)
+TEST_F(MtlReader, WithoutMaterialReferencesTheFirstSlotTakesTheValues)
 {
     const Mesh* mesh = read("newmtl x\nKd 1 0 0\n", "");
     EXPECT_EQ(mesh->materialCount, 0);
     expectColour(mesh->materials[0].diffuse, 1, 0, 0);
 }
 
-TEST_F(Mtl, TheLastLibraryNamedIsRead)
+TEST_F(MtlReader, TheLastLibraryNamedIsRead)
 {
     folder.write("one.mtl", "newmtl a\nNs 1\n");
     folder.write("two.mtl", "newmtl a\nNs 2\nKd 0 0 0\n");
@@ -170,7 +170,7 @@ TEST_F(Mtl, TheLastLibraryNamedIsRead)
     expectColour(mesh->materials[0].diffuse, 1, 1, 1);
 }
 
-TEST_F(Mtl, ItIsLookedForBesideTheModel)
+TEST_F(MtlReader, ItIsLookedForBesideTheModel)
 {
     auto shininessBy = [this](const std::string& name)
     { return readObj("mtllib " + name + "\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl a\nf 1 2 3\n")->materials[0].shininess; };
@@ -194,7 +194,7 @@ TEST_F(Mtl, ItIsLookedForBesideTheModel)
     EXPECT_EQ(shininessBy("Lib.mtl"), 2);
 }
 
-TEST_F(Mtl, DamagedLibrariesDoNoHarm)
+TEST_F(MtlReader, DamagedLibrariesDoNoHarm)
 {
     const std::string good = "newmtl a\nNs 96.9\nKa 0.1 0.2 0.3\nKd 0.4 0.5 0.6\nd 0.25\nmap_Kd p.jpg\nmap_d h.jpg\n";
     for (size_t length = 0; length <= good.size(); ++length)
@@ -212,7 +212,7 @@ TEST_F(Mtl, DamagedLibrariesDoNoHarm)
     read(std::string(100000, '\0'));
 }
 
-TEST_F(Mtl, NoNameAndNoFileDoNothing)
+TEST_F(MtlReader, NoNameAndNoFileDoNothing)
 {
     const Mesh* mesh = readObj("v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
     ReadMtlFile(loaded->mesh, "");

@@ -1,7 +1,7 @@
 // tests/import/obj_compare_test.cpp - the fast reader against the literal one, on made, damaged and real files
 #include "import/obj/parts.h"
 #include "platform/boxes.h"
-#include "tests/import/literal_obj.h"
+#include "tests/import/obj_literal.h"
 #include "tests/import/obj_loading.h"
 #include "tests/import/random.h"
 
@@ -30,7 +30,7 @@ static void expectLiteral(const std::string& path, const std::string& bytes, siz
         << path << ": from " << geometry.substr(same, 200) << "\nwanted " << wanted.geometry.substr(same, 200);
 }
 
-class ObjCompare : public testing::Test
+class ObjLiteral : public testing::Test
 {
 protected:
     TestFolder folder;
@@ -50,7 +50,7 @@ static const std::string sample =
     "vn 0 0 1\ng left side \nusemtl red\nf 1/1/1 2/2/1 3//1\nfo 1 2 3 4\n\n\tv 7 7 7\nl 1 2 3 4 5\nusev 1 1 1\n"
     "usemtl  blue\nf -1 -2 -3 -4 -5\ng\nf 1 2\nmtlx f 1 2 3\ns 1\rv 9 9 9\rf 1/2 3/1 6/2\n";
 
-TEST_F(ObjCompare, EveryCutOfASampleWithEveryBlockSize)
+TEST_F(ObjLiteral, EveryCutOfASampleWithEveryBlockSize)
 {
     for (size_t length = 0; length <= sample.size(); ++length)
         compare(sample.substr(0, length));
@@ -61,7 +61,7 @@ TEST_F(ObjCompare, EveryCutOfASampleWithEveryBlockSize)
     }
 }
 
-TEST_F(ObjCompare, AFileOfWholeBlocksEndsWithTheReadThatBringsNothing)
+TEST_F(ObjLiteral, AFileOfWholeBlocksEndsWithTheReadThatBringsNothing)
 {
     for (size_t size : { 4095u, 4096u, 4097u, 8192u, 262143u, 262144u, 262145u, 524288u })
     {
@@ -138,7 +138,7 @@ static void damage(std::string* text, Random& random)
     }
 }
 
-TEST_F(ObjCompare, ThousandsOfRandomFiles)
+TEST_F(ObjLiteral, ThousandsOfRandomFiles)
 {
     Random random(7);
     for (int i = 0; i < 2500; ++i)
@@ -157,7 +157,7 @@ TEST_F(ObjCompare, ThousandsOfRandomFiles)
     }
 }
 
-TEST_F(ObjCompare, LongLinesAtEveryPlaceOfTheBlock)
+TEST_F(ObjLiteral, LongLinesAtEveryPlaceOfTheBlock)
 {
     Random random(8);
     for (int i = 0; i < 300; ++i)
@@ -180,7 +180,7 @@ TEST_F(ObjCompare, LongLinesAtEveryPlaceOfTheBlock)
     }
 }
 
-TEST_F(ObjCompare, ALargeFileWithSectionsAndManyStatements)
+TEST_F(ObjLiteral, ALargeFileWithSectionsAndManyStatements)
 {
     Random random(9);
     std::string text;
@@ -211,7 +211,7 @@ TEST_F(ObjCompare, ALargeFileWithSectionsAndManyStatements)
 }
 
 // Where the samples of a large file see something else than the file holds.
-TEST_F(ObjCompare, AMisjudgedLargeFileGrows)
+TEST_F(ObjLiteral, AMisjudgedLargeFileGrows)
 {
     std::string text;
     while (text.size() < (4u << 20))
@@ -229,7 +229,7 @@ TEST_F(ObjCompare, AMisjudgedLargeFileGrows)
     EXPECT_LT(recorded.peakBytes, 20 * faces.size());
 }
 
-TEST_F(ObjCompare, EveryRealFile)
+TEST_F(ObjLiteral, EveryRealFile)
 {
     const char* models = getenv("KESTRELBOX_MODELS");
     if (!models)

@@ -7,7 +7,9 @@
 static const char ten[] = "v 0 0 0\nv 1 0 0\nv 2 0 0\nv 3 0 0\nv 4 0 0\nv 5 1 0\nv 6 0 1\nv 7 0 0\nv 8 0 0\nv 9 1 1\n";
 static const char face[] = "f 1 2 3\n";
 
-class Obj : public ObjFolderTest
+namespace
+{
+class ObjReader : public ObjFolderTest
 {
 protected:
     // The mesh, or null when it is refused.
@@ -35,6 +37,7 @@ protected:
         EXPECT_TRUE(recorded.progress[0].closed);
     }
 };
+} // namespace
 
 static void expectPosition(const MeshVertex& vertex, float x, float y, float z)
 {
@@ -44,7 +47,7 @@ static void expectPosition(const MeshVertex& vertex, float x, float y, float z)
     EXPECT_EQ(vertex.colour, 0xFFFFFFFFu);
 }
 
-TEST_F(Obj, SixCornersGiveAFanOfFourTriangles)
+TEST_F(ObjReader, SixCornersGiveAFanOfFourTriangles)
 {
     EXPECT_EQ(facesOf(std::string(ten) + "f 1 2 3 4 5 6\n"),
               "0 1 2 -1  0 0 0 0  0\n0 2 3 -1  0 0 0 0  0\n0 3 4 -1  0 0 0 0  0\n0 4 5 -1  0 0 0 0  0\n");
@@ -52,19 +55,19 @@ TEST_F(Obj, SixCornersGiveAFanOfFourTriangles)
     EXPECT_EQ(loaded->mesh->faceCount, 4);
 }
 
-TEST_F(Obj, ARepeatedVertexGoesAndTheNextCornerTakesItsTexturePlace)
+TEST_F(ObjReader, ARepeatedVertexGoesAndTheNextCornerTakesItsTexturePlace)
 {
     EXPECT_EQ(facesOf(std::string(ten) + "vt 0 0\nvt 1 0\nvt 2 0\nvt 3 0\nf 1/1 2/2 2/3 3/4\n"),
               "0 1 2 -1  0 1 2 0  0\n");
 }
 
-TEST_F(Obj, NegativeIndicesCountBackFromTheLastVertexRead)
+TEST_F(ObjReader, NegativeIndicesCountBackFromTheLastVertexRead)
 {
     EXPECT_EQ(facesOf(std::string(ten) + "f -3 -2 -1\nv 1 1 1\nf -3 -2 -1\n"),
               "7 8 9 -1  0 0 0 0  0\n8 9 10 -1  0 0 0 0  0\n");
 }
 
-TEST_F(Obj, ThirtyThreeCornersAreDroppedWhole)
+TEST_F(ObjReader, ThirtyThreeCornersAreDroppedWhole)
 {
     std::string vertices, corners;
     for (int i = 1; i <= 33; ++i)
@@ -77,7 +80,7 @@ TEST_F(Obj, ThirtyThreeCornersAreDroppedWhole)
     EXPECT_EQ(loaded->mesh->lineCount, 0);
 }
 
-TEST_F(Obj, TextureCoordinatesThatAreNotTwoGoodNumbersAreZero)
+TEST_F(ObjReader, TextureCoordinatesThatAreNotTwoGoodNumbersAreZero)
 {
     const Mesh* mesh = read(std::string(ten) +
                             "vt 0.5\nvt 0.25 0.75 9\nvt x 1\nvt 1 3000000\nvt nan 1\nvt 1 inf\nvt -2 -0.5\n" + face);
@@ -91,7 +94,7 @@ TEST_F(Obj, TextureCoordinatesThatAreNotTwoGoodNumbersAreZero)
     }
 }
 
-TEST_F(Obj, TheClampSwitchCutsTextureCoordinates)
+TEST_F(ObjReader, TheClampSwitchCutsTextureCoordinates)
 {
     EXPECT_EQ(ClampTexCoords, 0);
     ClampTexCoords = 1;
@@ -105,7 +108,7 @@ TEST_F(Obj, TheClampSwitchCutsTextureCoordinates)
     EXPECT_EQ(mesh->uvs[2].v, 0);
 }
 
-TEST_F(Obj, AVertexWithABadValueIsTheOrigin)
+TEST_F(ObjReader, AVertexWithABadValueIsTheOrigin)
 {
     const Mesh* mesh = read("v 1 2 3000000\nv 1 2 3\nv 1 2\nv 1 nan 2\nv -inf 1 1\nv x\nv 1e-40 2 3\nv 1048575 2 3\n"
                             "v 1048576 2 3\nv 4 5 6 0.5 0.5 0.5\n f 1 2 3\n");
@@ -120,14 +123,14 @@ TEST_F(Obj, AVertexWithABadValueIsTheOrigin)
     expectPosition(mesh->vertices[9], 4, 5, 6);
 }
 
-TEST_F(Obj, ALastLineWithoutALineEndIsLost)
+TEST_F(ObjReader, ALastLineWithoutALineEndIsLost)
 {
     EXPECT_EQ(facesOf(std::string(ten) + "f 1 2 3\nf 2 3 4"), "0 1 2 -1  0 0 0 0  0\n");
     EXPECT_EQ(facesOf(std::string(ten) + "f 1 2 3"), "refused");
     EXPECT_EQ(facesOf(std::string(ten) + "f 1 2 3\r"), "0 1 2 -1  0 0 0 0  0\n");
 }
 
-TEST_F(Obj, FoIsAFaceAndOtherKeywordsAreNone)
+TEST_F(ObjReader, FoIsAFaceAndOtherKeywordsAreNone)
 {
     std::string others = "vn 0 0 1\no thing\ns 1\nvp 1 2\n# f 1 2 3\nfoo 1 2 3\nvtx 1 1\nlod 1\ngroup x\nF 1 2 3\n";
     EXPECT_EQ(facesOf(ten + others + "fo 1 2 3\nfo\t2 3 4\n"), "0 1 2 -1  0 0 0 0  0\n1 2 3 -1  0 0 0 0  0\n");
@@ -135,7 +138,7 @@ TEST_F(Obj, FoIsAFaceAndOtherKeywordsAreNone)
     EXPECT_EQ(loaded->mesh->groupCount, 0);
 }
 
-TEST_F(Obj, OnlyPolylinesAreEnough)
+TEST_F(ObjReader, OnlyPolylinesAreEnough)
 {
     EXPECT_EQ(facesOf(std::string(ten) + "l 1 2\nl 1 2 3 4 5 6 7 8\n"),
               "0 1 -1 -1  0 0 0 0  20080000\n0 1 2 3  0 0 0 0  20200000\n3 4 5 6  0 0 0 0  20000000\n"
@@ -145,14 +148,14 @@ TEST_F(Obj, OnlyPolylinesAreEnough)
     EXPECT_EQ(loaded->mesh->faceCount, 4);
 }
 
-TEST_F(Obj, BadFacesAreDroppedAlone)
+TEST_F(ObjReader, BadFacesAreDroppedAlone)
 {
     for (const char* bad : { "f 1 2", "f 1 2 11", "f 0 1 2", "f 1 2 x", "f 1 2 2", "f 1 1 1 1", "f -11 1 2", "l 1",
                              "l 3 3", "f 1 2 3.5", "f 1 2 99999999999", "f", "l ", "f 1,2,3" })
         EXPECT_EQ(facesOf(ten + std::string(bad) + "\n" + face), "0 1 2 -1  0 0 0 0  0\n") << bad;
 }
 
-TEST_F(Obj, KeywordsWithoutAnythingAreIgnored)
+TEST_F(ObjReader, KeywordsWithoutAnythingAreIgnored)
 {
     EXPECT_EQ(facesOf(std::string(ten) + "g\nl\ng \t\nusemtl\nusemtl \nmtllib \nv\nv \nvt\t\nf\nfo\n" + face),
               "0 1 2 -1  0 0 0 0  0\n");
@@ -162,7 +165,7 @@ TEST_F(Obj, KeywordsWithoutAnythingAreIgnored)
     EXPECT_EQ(loaded->mesh->uvCount, 1);
 }
 
-TEST_F(Obj, AnInterruptedLongKeywordRestartsOnTheSameLine)
+TEST_F(ObjReader, AnInterruptedLongKeywordRestartsOnTheSameLine)
 {
     const Mesh* mesh = read(std::string(ten) + "usev 1 1 1\nusem v 7 7 7\nmxg named\nusemtl:f 1 2 3\nmtll v 8 8 8\n"
                                                "u\nv 9 9 9\nusemtlx # v 1 1 1\n");
@@ -175,13 +178,13 @@ TEST_F(Obj, AnInterruptedLongKeywordRestartsOnTheSameLine)
     EXPECT_EQ(facesText(mesh), "0 1 2 -1  0 0 0 0  0\n");
 }
 
-TEST_F(Obj, TabsAndBlanksMayStandBeforeAndAfterKeywords)
+TEST_F(ObjReader, TabsAndBlanksMayStandBeforeAndAfterKeywords)
 {
     EXPECT_EQ(facesOf(" \t v\t 1 2 3\r\n\tv 4\t5\t6\n\n\r\n  v  7 8 9\nf\t \t1 2 3\n"), "0 1 2 -1  0 0 0 0  0\n");
     expectPosition(loaded->mesh->vertices[1], 4, 5, 6);
 }
 
-TEST_F(Obj, GroupsAndMaterialsAreFoundOrAdded)
+TEST_F(ObjReader, GroupsAndMaterialsAreFoundOrAdded)
 {
     EXPECT_EQ(facesOf(std::string(ten) + "f 1 2 3\ng a\nusemtl m1\nf 1 2 3\ng b c \nusemtl m2\nf 1 2 3\ng a\nf 1 2 3\n"
                                          "g A\nf 1 2 3\n"),
@@ -193,7 +196,7 @@ TEST_F(Obj, GroupsAndMaterialsAreFoundOrAdded)
     EXPECT_STREQ(loaded->mesh->materialNames[0], "m1");
 }
 
-TEST_F(Obj, MoreThan512NamesAreIgnored)
+TEST_F(ObjReader, MoreThan512NamesAreIgnored)
 {
     std::string text = ten;
     for (int i = 0; i < 514; ++i)
@@ -204,7 +207,7 @@ TEST_F(Obj, MoreThan512NamesAreIgnored)
     EXPECT_STREQ(loaded->mesh->groupNames[511], "group511");
 }
 
-TEST_F(Obj, WithoutTextureCoordinatesThereIsOneAtZero)
+TEST_F(ObjReader, WithoutTextureCoordinatesThereIsOneAtZero)
 {
     EXPECT_EQ(facesOf(std::string(ten) + "f 1/5/1 2/6/2 3/7/3\n"), "0 1 2 -1  0 0 0 0  0\n");
     EXPECT_EQ(loaded->mesh->uvCount, 1);
@@ -212,7 +215,7 @@ TEST_F(Obj, WithoutTextureCoordinatesThereIsOneAtZero)
     EXPECT_EQ(loaded->mesh->uvs[0].v, 0);
 }
 
-TEST_F(Obj, NormalsAndBoundsAreThere)
+TEST_F(ObjReader, NormalsAndBoundsAreThere)
 {
     const Mesh* mesh = read("v 0 0 0\nv 2 0 0\nv 0 4 0\nf 1 2 3\n");
     ASSERT_TRUE(mesh);
@@ -223,7 +226,7 @@ TEST_F(Obj, NormalsAndBoundsAreThere)
     EXPECT_EQ(mesh->radius, sqrtf(5));
 }
 
-TEST_F(Obj, AnArgumentOf2047BytesIsReadAndOneOf2048EndsTheReading)
+TEST_F(ObjReader, AnArgumentOf2047BytesIsReadAndOneOf2048EndsTheReading)
 {
     std::string longest = "v 1 2 3" + std::string(2047 - 5, ' ') + "\n";
     EXPECT_EQ(facesOf(ten + longest + face), "0 1 2 -1  0 0 0 0  0\n");
@@ -240,7 +243,7 @@ TEST_F(Obj, AnArgumentOf2047BytesIsReadAndOneOf2048EndsTheReading)
     }
 }
 
-TEST_F(Obj, LongCommentsAndBlanksBeforeAnArgumentAreNoLimit)
+TEST_F(ObjReader, LongCommentsAndBlanksBeforeAnArgumentAreNoLimit)
 {
     std::string comment = "# " + std::string(600000, 'c') + "\n";
     std::string apart = "v" + std::string(600000, ' ') + "1 2 3\n";
@@ -249,7 +252,7 @@ TEST_F(Obj, LongCommentsAndBlanksBeforeAnArgumentAreNoLimit)
     expectPosition(loaded->mesh->vertices[10], 1, 2, 3);
 }
 
-TEST_F(Obj, AZeroByteEndsAnArgumentButNotItsLine)
+TEST_F(ObjReader, AZeroByteEndsAnArgumentButNotItsLine)
 {
     using namespace std::string_literals;
     EXPECT_EQ(facesOf(ten + "f 1 2 3\0 4\n"s + "g a\0b\nv 1 2\0 3\n"s), "0 1 2 -1  0 0 0 0  0\n");
@@ -257,7 +260,7 @@ TEST_F(Obj, AZeroByteEndsAnArgumentButNotItsLine)
     expectPosition(loaded->mesh->vertices[10], 0, 0, 0);
 }
 
-TEST_F(Obj, RefusedFilesAreReportedAfterTheProgressBoxHasClosed)
+TEST_F(ObjReader, RefusedFilesAreReportedAfterTheProgressBoxHasClosed)
 {
     expectRefused((folder.path / "missing.obj").string());
     expectRefused(folder.path.string()); // a folder
@@ -278,7 +281,7 @@ TEST_F(Obj, RefusedFilesAreReportedAfterTheProgressBoxHasClosed)
     }
 }
 
-TEST_F(Obj, TheProgressBoxIsShownAndClosedOnSuccess)
+TEST_F(ObjReader, TheProgressBoxIsShownAndClosedOnSuccess)
 {
     ASSERT_TRUE(read(std::string(ten) + face));
     ASSERT_EQ(recorded.progress.size(), 1u);
@@ -288,7 +291,7 @@ TEST_F(Obj, TheProgressBoxIsShownAndClosedOnSuccess)
     EXPECT_TRUE(recorded.boxes.empty());
 }
 
-TEST_F(Obj, ProgressMovesEvery10000StatementsByTheBlocksOf4096Bytes)
+TEST_F(ObjReader, ProgressMovesEvery10000StatementsByTheBlocksOf4096Bytes)
 {
     std::string text;
     while (text.size() < 8 * 9999)
@@ -300,7 +303,7 @@ TEST_F(Obj, ProgressMovesEvery10000StatementsByTheBlocksOf4096Bytes)
     EXPECT_EQ(recorded.progress[0].fractions[0], static_cast<float>(position) / static_cast<float>(size));
 }
 
-TEST_F(Obj, EveryRefusedAllocationFailsTheLoadWithoutALeak)
+TEST_F(ObjReader, EveryRefusedAllocationFailsTheLoadWithoutALeak)
 {
     std::string text;
     for (int i = 0; i < 70000; ++i)
@@ -334,7 +337,7 @@ TEST_F(Obj, EveryRefusedAllocationFailsTheLoadWithoutALeak)
     }
 }
 
-TEST_F(Obj, PeakMemoryStaysBelowThreeTimesTheFinalArrays)
+TEST_F(ObjReader, PeakMemoryStaysBelowThreeTimesTheFinalArrays)
 {
     std::string text;
     for (int i = 0; i < 300000; ++i)

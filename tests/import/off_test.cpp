@@ -1,6 +1,7 @@
 // tests/import/off_test.cpp - the OFF reader
 #include "import/text/off.h"
 
+#include "tests/import/damage.h"
 #include "tests/import/loading.h"
 
 class OffReader : public CleanTest

@@ -10,7 +10,7 @@ namespace ply
 
 inline const RecordedBox refusal = { "error reading ply file", "error", iconNone };
 
-class PlyReaderTest : public CleanTest
+class PlyReader : public CleanTest
 {
 };
 

@@ -5,7 +5,7 @@
 
 using namespace ply;
 
-TEST_F(PlyReaderTest, FacesWithACornerThatIsNoVertexAreDropped)
+TEST_F(PlyReader, FacesWithACornerThatIsNoVertexAreDropped)
 {
     EXPECT_EQ(facesFrom(1, "3 0 1 5\n"), ""); // equal to the vertex count
     EXPECT_EQ(facesFrom(1, "3 0 1 -1\n"), "");
@@ -14,13 +14,13 @@ TEST_F(PlyReaderTest, FacesWithACornerThatIsNoVertexAreDropped)
     EXPECT_EQ(facesFrom(3, "3 0 1 5\n3 0 1 4\n1 0\n"), "0 1 4 -1");
 }
 
-TEST_F(PlyReaderTest, PolygonsBecomeFansAndRepeatedCornersStay)
+TEST_F(PlyReader, PolygonsBecomeFansAndRepeatedCornersStay)
 {
     EXPECT_EQ(facesFrom(1, "5 4 3 2 1 0\n"), "4 3 2 -1; 4 2 1 -1; 4 1 0 -1");
     EXPECT_EQ(facesFrom(1, "3 0 0 1\n"), "0 0 1 -1");
 }
 
-TEST_F(PlyReaderTest, FansMayNeedMoreRoomThanTheFacesAnnounced)
+TEST_F(PlyReader, FansMayNeedMoreRoomThanTheFacesAnnounced)
 {
     Packer body{ false, {} };
     body.put(0.0f).put(0.0f).put(0.0f);
@@ -34,7 +34,7 @@ TEST_F(PlyReaderTest, FansMayNeedMoreRoomThanTheFacesAnnounced)
     expectSound(loaded.mesh);
 }
 
-TEST_F(PlyReaderTest, TheUsualTrianglesMixWithOthers)
+TEST_F(PlyReader, TheUsualTrianglesMixWithOthers)
 {
     for (bool big : { false, true })
     {
@@ -65,7 +65,7 @@ TEST_F(PlyReaderTest, TheUsualTrianglesMixWithOthers)
     }
 }
 
-TEST_F(PlyReaderTest, EveryCountTypeOfAList)
+TEST_F(PlyReader, EveryCountTypeOfAList)
 {
     for (const char* type : { "char", "uchar", "short", "ushort", "int", "uint", "float", "double" })
         for (bool big : { false, true })
@@ -91,7 +91,7 @@ TEST_F(PlyReaderTest, EveryCountTypeOfAList)
         }
 }
 
-TEST_F(PlyReaderTest, TheLastListOfAnInstanceIsTheFace)
+TEST_F(PlyReader, TheLastListOfAnInstanceIsTheFace)
 {
     std::string lines =
         "element vertex 3\n" + xyz + "element face 2\n" + indices + "property list uchar float texcoord\n";
@@ -100,7 +100,7 @@ TEST_F(PlyReaderTest, TheLastListOfAnInstanceIsTheFace)
     EXPECT_EQ(facesOf(loaded.mesh), "0 1 2 0");
 }
 
-TEST_F(PlyReaderTest, AnInstanceWithoutAListHasNoFace)
+TEST_F(PlyReader, AnInstanceWithoutAListHasNoFace)
 {
     std::string lines =
         "element vertex 1\nproperty list uchar int neighbours\n" + xyz + "element face 2\nproperty int tag\n";
@@ -109,7 +109,7 @@ TEST_F(PlyReaderTest, AnInstanceWithoutAListHasNoFace)
     EXPECT_EQ(loaded->faceCount, 0);
 }
 
-TEST_F(PlyReaderTest, NegativeListCountsFail)
+TEST_F(PlyReader, NegativeListCountsFail)
 {
     expectRefused(facesFile(1, "-1 0 1 2\n"));
     Packer body{ false, {} };
@@ -133,7 +133,7 @@ static std::string stripsFrom(const std::string& list, const std::string& before
     return facesOf(loaded.mesh);
 }
 
-TEST_F(PlyReaderTest, TristripsTurnEveryOtherTriangleAndRestartAfterMinusOne)
+TEST_F(PlyReader, TristripsTurnEveryOtherTriangleAndRestartAfterMinusOne)
 {
     EXPECT_EQ(stripsFrom("8 0 1 2 3 -1 4 5 6"), "0 1 2 -1; 1 3 2 -1; 4 5 6 -1");
     EXPECT_EQ(stripsFrom("9 0 1 2 -1 4 5 6 7 4"), "0 1 2 -1; 4 5 6 -1; 5 7 6 -1; 6 7 4 -1");
@@ -146,7 +146,7 @@ TEST_F(PlyReaderTest, TristripsTurnEveryOtherTriangleAndRestartAfterMinusOne)
     EXPECT_EQ(stripsFrom("0"), "");
 }
 
-TEST_F(PlyReaderTest, TristripsAfterFacesFail)
+TEST_F(PlyReader, TristripsAfterFacesFail)
 {
     EXPECT_EQ(stripsFrom("4 0 1 2 3", "element face 1\n" + indices, "3 0 1 2\n"), "failed");
     EXPECT_EQ(stripsFrom("4 0 1 2 3", "element face 0\n" + indices), "failed");
@@ -154,7 +154,7 @@ TEST_F(PlyReaderTest, TristripsAfterFacesFail)
     EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ refusal, refusal }));
 }
 
-TEST_F(PlyReaderTest, TristripsOtherThanOneListArePassedOver)
+TEST_F(PlyReader, TristripsOtherThanOneListArePassedOver)
 {
     std::string lines = "element vertex 1\n" + xyz + "element tristrips 2\nproperty list int int vertex_indices\n" +
                         "element face 1\n" + indices;
@@ -184,7 +184,7 @@ static std::string manyBinaryFaces(std::mt19937& random, bool bigEndian, int fac
                        std::to_string(faceCount) + "\nproperty uchar before\n" + indices + "property short after\n");
 }
 
-TEST_F(PlyReaderTest, UsualBinaryFacesReadLikeThoseTakenApart)
+TEST_F(PlyReader, UsualBinaryFacesReadLikeThoseTakenApart)
 {
     std::mt19937 random(23);
     for (int i = 0; i < 60; ++i)

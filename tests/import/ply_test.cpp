@@ -1,9 +1,10 @@
 // tests/import/ply_test.cpp - the PLY reader on whole files: line ends, byte orders, refusals, damage, real files
+#include "tests/import/damage.h"
 #include "tests/import/ply_building.h"
 
 using namespace ply;
 
-TEST_F(PlyReaderTest, ReadsVerticesAndFaces)
+TEST_F(PlyReader, ReadsVerticesAndFaces)
 {
     LoadedMesh loaded(LoadPlyFile, facesFile(2, "4 0 1 2 3\n3 3 2 4\n"));
     ASSERT_EQ(loaded.result, 1);
@@ -23,18 +24,18 @@ TEST_F(PlyReaderTest, ReadsVerticesAndFaces)
     EXPECT_TRUE(recorded.progress[0].closed);
 }
 
-TEST_F(PlyReaderTest, TheDispatchTakesTheExtensionInAnyLetterCase)
+TEST_F(PlyReader, TheDispatchTakesTheExtensionInAnyLetterCase)
 {
     for (const char* extension : { "ply", "PLY", "Ply" })
         EXPECT_EQ(facesByExtension(facesFile(1, "3 0 1 2\n"), extension), 1) << extension;
 }
 
-TEST_F(PlyReaderTest, MissingAndEmptyFilesFailSilently)
+TEST_F(PlyReader, MissingAndEmptyFilesFailSilently)
 {
     expectSilenceWithoutBytes(LoadPlyFile);
 }
 
-TEST_F(PlyReaderTest, AFileUnder256BytesFailsEvenWhenItIsValid)
+TEST_F(PlyReader, AFileUnder256BytesFailsEvenWhenItIsValid)
 {
     std::string whole = "ply\nformat ascii 1.0\nelement vertex 1\n" + xyz + "end_header\n1 2 3";
     std::string padded = whole + std::string(255 - whole.size(), ' ');
@@ -42,13 +43,13 @@ TEST_F(PlyReaderTest, AFileUnder256BytesFailsEvenWhenItIsValid)
     EXPECT_EQ(verticesFrom(padded + "\n"), "1 2 3 FFFFFFFF");
 }
 
-TEST_F(PlyReaderTest, TheFirst256BytesMustHaveALineEnd)
+TEST_F(PlyReader, TheFirst256BytesMustHaveALineEnd)
 {
     expectRefused(std::string(256, ' ') + facesFile(0, ""));
     EXPECT_NE(verticesFrom(std::string(255, ' ') + "\n" + facesFile(0, "")), "failed");
 }
 
-TEST_F(PlyReaderTest, LinesEndWithWhatEndsTheFirstOne)
+TEST_F(PlyReader, LinesEndWithWhatEndsTheFirstOne)
 {
     std::string body = "0 0 0\n1 0 0\n1 1 0\n3 0 1 2\n";
     for (const char* end : { "\n", "\r", "\r\n" })
@@ -66,7 +67,7 @@ TEST_F(PlyReaderTest, LinesEndWithWhatEndsTheFirstOne)
     EXPECT_EQ(verticesFrom(ascii("element vertex 2\n" + xyz, "1\r2\r3\n4 5 6\r\n")), "1 2 3 FFFFFFFF; 4 5 6 FFFFFFFF");
 }
 
-TEST_F(PlyReaderTest, BinaryDataStartRightAfterTheHeadersLineEnd)
+TEST_F(PlyReader, BinaryDataStartRightAfterTheHeadersLineEnd)
 {
     Packer body{ false, {} };
     uint32_t lineFeeds = 0x3F0A0A0A; // the first data bytes look like line ends
@@ -76,7 +77,7 @@ TEST_F(PlyReaderTest, BinaryDataStartRightAfterTheHeadersLineEnd)
     EXPECT_EQ(verticesFrom(crlf), "0.539216 1 2 FFFFFFFF");
 }
 
-TEST_F(PlyReaderTest, BigEndianReadsTheSameMeshAsLittleEndian)
+TEST_F(PlyReader, BigEndianReadsTheSameMeshAsLittleEndian)
 {
     LoadedMesh little(LoadPlyFile, binaryHouse(false)), big(LoadPlyFile, binaryHouse(true));
     ASSERT_EQ(little.result, 1);
@@ -89,7 +90,7 @@ TEST_F(PlyReaderTest, BigEndianReadsTheSameMeshAsLittleEndian)
     EXPECT_EQ(little->vertices[3].colour, 0xFF0A03FFu);
 }
 
-TEST_F(PlyReaderTest, AsciiReadsTheSameMeshAsBinary)
+TEST_F(PlyReader, AsciiReadsTheSameMeshAsBinary)
 {
     std::string lines = "element vertex 5\n" + xyz + "element face 2\n" + indices;
     Packer body{ false, {} };
@@ -102,7 +103,7 @@ TEST_F(PlyReaderTest, AsciiReadsTheSameMeshAsBinary)
     EXPECT_EQ(memcmp(text->vertices, binary->vertices, 5 * sizeof(MeshVertex)), 0);
 }
 
-TEST_F(PlyReaderTest, ProgressMovesEvery10000)
+TEST_F(PlyReader, ProgressMovesEvery10000)
 {
     std::string body;
     for (int i = 0; i < 25000; ++i)
@@ -115,13 +116,13 @@ TEST_F(PlyReaderTest, ProgressMovesEvery10000)
     EXPECT_NEAR(fractions[1], 0.8, 0.01);
 }
 
-TEST_F(PlyReaderTest, EveryRefusedAllocationFailsCleanly)
+TEST_F(PlyReader, EveryRefusedAllocationFailsCleanly)
 {
     for (const std::string& bytes : { facesFile(2, "5 0 1 2 3 4\n3 0 1 2\n"), binaryHouse(true) })
         loadWithEveryRefusal(LoadPlyFile, bytes, 2, refusal);
 }
 
-TEST_F(PlyReaderTest, CutAtEveryByte)
+TEST_F(PlyReader, CutAtEveryByte)
 {
     std::string cutHere = facesFile(2, "5 0 1 2 3 4\n3 0 1 2\n");
     for (const std::string& bytes : { cutHere, binaryHouse(false), binaryHouse(true) })
@@ -138,7 +139,7 @@ TEST_F(PlyReaderTest, CutAtEveryByte)
     }
 }
 
-TEST_F(PlyReaderTest, DamagedFiles)
+TEST_F(PlyReader, DamagedFiles)
 {
     std::string favourites = std::string("\0\xFF\x7F\x80 \"-\r\n\t9a", 13);
     loadCorrupted(LoadPlyFile, facesFile(2, "5 0 1 2 3 4\n3 0 1 2\n"), favourites, 300);
@@ -154,7 +155,7 @@ struct RealPly
 
 // What the folder's notes and the files' headers say, by the reader's rules: polygons become fans, of two lists the
 // second counts, faces before the vertices have none, and a file of fewer than 256 bytes is refused.
-TEST_F(PlyReaderTest, RealFiles)
+TEST_F(PlyReader, RealFiles)
 {
     if (!getenv("KESTRELBOX_MODELS"))
         GTEST_SKIP() << "KESTRELBOX_MODELS names no folder of real models";
@@ -189,7 +190,7 @@ TEST_F(PlyReaderTest, RealFiles)
     }
 }
 
-TEST_F(PlyReaderTest, RealStripsPolygonsColoursAndBrokenFiles)
+TEST_F(PlyReader, RealStripsPolygonsColoursAndBrokenFiles)
 {
     if (!getenv("KESTRELBOX_MODELS"))
         GTEST_SKIP() << "KESTRELBOX_MODELS names no folder of real models";

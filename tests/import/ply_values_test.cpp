@@ -2,6 +2,8 @@
 // lines
 #include "tests/import/ply_building.h"
 
+#include <random>
+
 using namespace ply;
 
 template <typename T>
@@ -13,7 +15,7 @@ static std::string valueOf(const std::string& type, T value, bool bigEndian)
                                   type + " blue\n"));
 }
 
-TEST_F(PlyReaderTest, EveryTypeUnderBothNames)
+TEST_F(PlyReader, EveryTypeUnderBothNames)
 {
     for (bool big : { false, true })
     {
@@ -36,7 +38,7 @@ TEST_F(PlyReaderTest, EveryTypeUnderBothNames)
     }
 }
 
-TEST_F(PlyReaderTest, AnUnknownTypeReadsNothingAndIsZero)
+TEST_F(PlyReader, AnUnknownTypeReadsNothingAndIsZero)
 {
     Packer body{ false, {} };
     body.put(1.0f).put(2.0f);
@@ -47,7 +49,7 @@ TEST_F(PlyReaderTest, AnUnknownTypeReadsNothingAndIsZero)
               "1 0 2 FFFFFFFF");
 }
 
-TEST_F(PlyReaderTest, FloatsAreSanitized)
+TEST_F(PlyReader, FloatsAreSanitized)
 {
     for (float bad : { 1048576.0f, -2e6f, 1e-40f, __builtin_inff(), __builtin_nanf("") })
         EXPECT_EQ(valueOf<float>("float", bad, false), "0 0 0 FF00FF00") << bad;
@@ -58,7 +60,7 @@ TEST_F(PlyReaderTest, FloatsAreSanitized)
               "0 0 3 FFFFFFFF; 0 0 2 FFFFFFFF");
 }
 
-TEST_F(PlyReaderTest, WordsAreNumbersAsScanfTakesThem)
+TEST_F(PlyReader, WordsAreNumbersAsScanfTakesThem)
 {
     std::string lines = "element vertex 1\nproperty float x\nproperty int y\nproperty float z\n";
     EXPECT_EQ(verticesFrom(ascii(lines, "1.5abc 2.9 0x10\n")), "1.5 2 16 FFFFFFFF");
@@ -68,20 +70,20 @@ TEST_F(PlyReaderTest, WordsAreNumbersAsScanfTakesThem)
     EXPECT_EQ(verticesFrom(ascii(lines, "7 2 \"  ")), "7 2 0 FFFFFFFF"); // an open quote runs to the line's end
 }
 
-TEST_F(PlyReaderTest, BlankLinesAreSkippedAndTheLastNeedsNoEnd)
+TEST_F(PlyReader, BlankLinesAreSkippedAndTheLastNeedsNoEnd)
 {
     EXPECT_EQ(verticesFrom(ascii("element vertex 2\n" + xyz, "\n \t \n1 2 3\n\n\n4 5 6")),
               "1 2 3 FFFFFFFF; 4 5 6 FFFFFFFF");
 }
 
-TEST_F(PlyReaderTest, ALineWithTooFewWordsFails)
+TEST_F(PlyReader, ALineWithTooFewWordsFails)
 {
     expectRefused(ascii("element vertex 2\n" + xyz, "1 2\n3 4 5\n6 7 8\n"));
     expectRefused(facesFile(1, "4 0 1 2\n3 0 1 2\n"));
     expectRefused(facesFile(2, "3 0 1 2\n"));
 }
 
-TEST_F(PlyReaderTest, LinesAreAtMost4095BytesLong)
+TEST_F(PlyReader, LinesAreAtMost4095BytesLong)
 {
     std::string lines = "element vertex 1\n" + xyz;
     std::string line = "1 2 3" + std::string(4089, ' ');
@@ -96,7 +98,7 @@ TEST_F(PlyReaderTest, LinesAreAtMost4095BytesLong)
     expectRefused(ascii("comment " + std::string(300000, 'c') + "\n" + lines, "1 2 3\n"));
 }
 
-TEST_F(PlyReaderTest, WordsPast256AreIgnored)
+TEST_F(PlyReader, WordsPast256AreIgnored)
 {
     std::string lines = "element vertex 3\n" + xyz + "element face 1\nproperty list uint int vertex_indices\n";
     std::string body = "0 0 0\n1 0 0\n0 1 0\n";
@@ -113,7 +115,7 @@ TEST_F(PlyReaderTest, WordsPast256AreIgnored)
     expectRefused(ascii(lines, body + polygon(256)));
 }
 
-TEST_F(PlyReaderTest, ColoursUnderBothNames)
+TEST_F(PlyReader, ColoursUnderBothNames)
 {
     std::string body = "1 2 3 10 20 30 40\n";
     std::string plain = "property uchar red\nproperty uchar green\nproperty uchar blue\nproperty uchar alpha\n";
@@ -127,20 +129,20 @@ TEST_F(PlyReaderTest, ColoursUnderBothNames)
     EXPECT_EQ(vertexColoursPresent, 1);
 }
 
-TEST_F(PlyReaderTest, AFileWithoutColoursHasWhiteVertices)
+TEST_F(PlyReader, AFileWithoutColoursHasWhiteVertices)
 {
     vertexColoursPresent = 0;
     EXPECT_EQ(verticesFrom(ascii("element vertex 1\n" + xyz, "1 2 3\n")), "1 2 3 FFFFFFFF");
     EXPECT_EQ(vertexColoursPresent, 0);
 }
 
-TEST_F(PlyReaderTest, FloatColoursTruncate)
+TEST_F(PlyReader, FloatColoursTruncate)
 {
     std::string lines = "element vertex 2\n" + xyz + "property float red\nproperty float green\nproperty float blue\n";
     EXPECT_EQ(verticesFrom(ascii(lines, "1 2 3 0.99 1 0\n1 2 3 254.9 -1 257\n")), "1 2 3 FF000100; 1 2 3 FFFEFF01");
 }
 
-TEST_F(PlyReaderTest, NormalsTextureCoordinatesAndOtherPropertiesAreNotKept)
+TEST_F(PlyReader, NormalsTextureCoordinatesAndOtherPropertiesAreNotKept)
 {
     std::string lines = "element vertex 3\nproperty float nx\nproperty float ny\n" + xyz +
                         "property float nz\nproperty float s\nproperty float t\nproperty string note\n"
@@ -157,7 +159,7 @@ TEST_F(PlyReaderTest, NormalsTextureCoordinatesAndOtherPropertiesAreNotKept)
     EXPECT_EQ(faceUvsOf(loaded.mesh), "0 0 0 0");
 }
 
-TEST_F(PlyReaderTest, BinaryStringsAreBoundedByTheFile)
+TEST_F(PlyReader, BinaryStringsAreBoundedByTheFile)
 {
     for (uint32_t length : { 4u, 0x7FFFFFFFu, 0xFFFFFFFFu, 0x80000000u })
     {
@@ -217,7 +219,7 @@ static std::string anyLine(std::mt19937& random, bool face, const std::string& e
     return line + end + (random() % 50 == 0 ? end : "");
 }
 
-TEST_F(PlyReaderTest, PlainTextLinesReadLikeThoseTakenApart)
+TEST_F(PlyReader, PlainTextLinesReadLikeThoseTakenApart)
 {
     std::mt19937 random(23);
     int good = 0;
@@ -243,7 +245,7 @@ TEST_F(PlyReaderTest, PlainTextLinesReadLikeThoseTakenApart)
     EXPECT_LT(good, 240);
 }
 
-TEST_F(PlyReaderTest, PlainTextLinesAcrossBlocksAndProgressStepsReadAlike)
+TEST_F(PlyReader, PlainTextLinesAcrossBlocksAndProgressStepsReadAlike)
 {
     std::string bytes = ascii("element vertex 20000\n" + xyz + "element face 20000\n" + indices, "");
     for (int k = 0; k < 40000; ++k)

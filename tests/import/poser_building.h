@@ -6,7 +6,7 @@
 namespace poser
 {
 
-class PoserFile : public CleanTest
+class PoserReader : public CleanTest
 {
 };
 

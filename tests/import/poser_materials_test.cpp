@@ -5,7 +5,7 @@
 
 using namespace poser;
 
-TEST_F(PoserFile, FigureMaterialsColourTheActorsReadBefore)
+TEST_F(PoserReader, FigureMaterialsColourTheActorsReadBefore)
 {
     std::string material = object("material skin", "KdColor 0.5 0.25 1 1\n");
     LoadedMesh loaded(
@@ -26,7 +26,7 @@ TEST_F(PoserFile, FigureMaterialsColourTheActorsReadBefore)
     EXPECT_EQ(loaded->faceAttributes[1], 1u);
 }
 
-TEST_F(PoserFile, MaterialsBeforeTheGeometryAreNotKnownYet)
+TEST_F(PoserReader, MaterialsBeforeTheGeometryAreNotKnownYet)
 {
     LoadedMesh loaded(LoadPoserFile,
                       file(object("hairProp locks", object("material hair", "KdColor 0 0 0 1\nunknown { x\n") +
@@ -36,7 +36,7 @@ TEST_F(PoserFile, MaterialsBeforeTheGeometryAreNotKnownYet)
     EXPECT_STREQ(loaded->name, "locks");
 }
 
-TEST_F(PoserFile, MaterialValues)
+TEST_F(PoserReader, MaterialValues)
 {
     LoadedMesh loaded(
         LoadPoserFile,
@@ -73,14 +73,14 @@ static Material materialWith(const std::string& lines)
     return loaded->materials[0];
 }
 
-TEST_F(PoserFile, TheExponentCountsAfterTheSpecularColour)
+TEST_F(PoserReader, TheExponentCountsAfterTheSpecularColour)
 {
     EXPECT_EQ(materialWith("KsColor 0 0 0 1\nNsExponent 30.9\n").shininess, 30);
     EXPECT_EQ(materialWith("NsExponent -30.9\n").shininess, -30);
     EXPECT_EQ(materialWith("NsExponent 1e20\n").shininess, 0);
 }
 
-TEST_F(PoserFile, TransparencyIsBetweenZeroAndOne)
+TEST_F(PoserReader, TransparencyIsBetweenZeroAndOne)
 {
     EXPECT_EQ(materialWith("tMax 0.009\n").transparency, 0);
     EXPECT_EQ(materialWith("tMax 0.01\n").transparency, 0.01f);
@@ -89,7 +89,7 @@ TEST_F(PoserFile, TransparencyIsBetweenZeroAndOne)
     EXPECT_EQ(materialWith("tMax inf\n").transparency, 0);
 }
 
-TEST_F(PoserFile, TextureNamesAreCutToTheirRoom)
+TEST_F(PoserReader, TextureNamesAreCutToTheirRoom)
 {
     std::string longName(200, 't');
     LoadedMesh loaded(
@@ -103,7 +103,7 @@ TEST_F(PoserFile, TextureNamesAreCutToTheirRoom)
     EXPECT_EQ(std::string(loaded->opacityNames[0]), std::string(63, 't'));
 }
 
-TEST_F(PoserFile, MalformedMaterialsFail)
+TEST_F(PoserReader, MalformedMaterialsFail)
 {
     for (const char* bad : { "KdColor 1 1 1\n", "KaColor 1 1 x 1\n", "KsColor\n", "NsExponent x\n", "tMax\n" })
         expectUnreadable(

@@ -1,9 +1,10 @@
 // tests/import/poser_test.cpp - the reader of Poser props, hair and figures: geometry, blocks, limits, damage
+#include "tests/import/damage.h"
 #include "tests/import/poser_building.h"
 
 using namespace poser;
 
-TEST_F(PoserFile, ReadsAPropWithItsMaterial)
+TEST_F(PoserReader, ReadsAPropWithItsMaterial)
 {
     LoadedMesh loaded(
         LoadPoserFile,
@@ -37,7 +38,7 @@ TEST_F(PoserFile, ReadsAPropWithItsMaterial)
     EXPECT_NE(loaded->facePlanes[0].normal[2], 0);
 }
 
-TEST_F(PoserFile, GeometryThatIsOnlyReferencedIsNone)
+TEST_F(PoserReader, GeometryThatIsOnlyReferencedIsNone)
 {
     expectFailure(file(object("prop box", "storageOffset 0 0 0\nobjFileGeom 0 0 :Runtime:Geometries:box.obj\n")),
                   "No internal geometry");
@@ -47,7 +48,7 @@ TEST_F(PoserFile, GeometryThatIsOnlyReferencedIsNone)
     expectFailure(propOf("numbVerts 4\nnumbElems 1\nf 1 2 3\n"), "No internal geometry");
 }
 
-TEST_F(PoserFile, AllObjectsHoldGeometryAndOtherBlocksDoNot)
+TEST_F(PoserReader, AllObjectsHoldGeometryAndOtherBlocksDoNot)
 {
     for (const char* kind : { "prop", "hairProp", "actor", "figure" })
     {
@@ -61,7 +62,7 @@ TEST_F(PoserFile, AllObjectsHoldGeometryAndOtherBlocksDoNot)
                   "No internal geometry"); // too deep
 }
 
-TEST_F(PoserFile, FacesReferToTheirOwnBlock)
+TEST_F(PoserReader, FacesReferToTheirOwnBlock)
 {
     std::string second =
         "numbVerts 3\nnumbTVerts 3\nnumbElems 1\nv 5 5 5\nv 6 5 5\nv 5 6 5\nvt .1 .1\nvt .2 .2\nvt .3 .3\n"
@@ -77,7 +78,7 @@ TEST_F(PoserFile, FacesReferToTheirOwnBlock)
     EXPECT_STREQ(loaded->name, "b");
 }
 
-TEST_F(PoserFile, BlocksWithoutTextureCoordinatesPointToOnesThatAreThere)
+TEST_F(PoserReader, BlocksWithoutTextureCoordinatesPointToOnesThatAreThere)
 {
     std::string bare = "numbVerts 3\nnumbElems 1\nv 5 5 5\nv 6 5 5\nv 5 6 5\nf 1 2 3\n";
     LoadedMesh after(LoadPoserFile,
@@ -97,7 +98,7 @@ TEST_F(PoserFile, BlocksWithoutTextureCoordinatesPointToOnesThatAreThere)
     EXPECT_EQ(faceUvsOf(none.mesh), "0 0 0 0");
 }
 
-TEST_F(PoserFile, CornersFollowTheRulesOfFaceStatements)
+TEST_F(PoserReader, CornersFollowTheRulesOfFaceStatements)
 {
     auto facesWith = [](const std::string& lines)
     {
@@ -119,7 +120,7 @@ TEST_F(PoserFile, CornersFollowTheRulesOfFaceStatements)
     EXPECT_EQ(facesWith(many + "\n"), "");
 }
 
-TEST_F(PoserFile, TrianglesDoNotCountAsPolygons)
+TEST_F(PoserReader, TrianglesDoNotCountAsPolygons)
 {
     LoadedMesh loaded(LoadPoserFile, propOf(squareVertices + "v 2 2 2\nf 1 2 3\nf 1 2 3 4\nf 1 2 3 4 5\nf 3 2 1\n"));
     ASSERT_EQ(loaded.result, 1);
@@ -127,7 +128,7 @@ TEST_F(PoserFile, TrianglesDoNotCountAsPolygons)
     EXPECT_EQ(loaded->liveFaceCount, 4); // the quad and the pentagon's three
 }
 
-TEST_F(PoserFile, PolylinesAreRead)
+TEST_F(PoserReader, PolylinesAreRead)
 {
     LoadedMesh loaded(LoadPoserFile,
                       propOf(squareVertices + "v 2 2 2\ng strand\nusemtl hair\nl 1 2 3 4 5\nl 2 1\nl 3\nl 9 1\n"));
@@ -141,7 +142,7 @@ TEST_F(PoserFile, PolylinesAreRead)
     EXPECT_EQ(loaded->faceAttributes[2], faceLine | 2u << faceLinePointsShift);
 }
 
-TEST_F(PoserFile, GroupsAndMaterialsStartAnewInEveryBlock)
+TEST_F(PoserReader, GroupsAndMaterialsStartAnewInEveryBlock)
 {
     std::string lines = squareVertices + squareFace + "g left:1\nusemtl a b\n" + squareFace + "g right\nusemtl c\n" +
                         squareFace + "g left\nusemtl a:2\n" + squareFace + "g :none\nusemtl\n" + squareFace;
@@ -163,7 +164,7 @@ TEST_F(PoserFile, GroupsAndMaterialsStartAnewInEveryBlock)
         EXPECT_EQ(loaded->faceAttributes[f], expected[f]) << f;
 }
 
-TEST_F(PoserFile, NamesPast512AreIgnored)
+TEST_F(PoserReader, NamesPast512AreIgnored)
 {
     std::string lines = squareVertices;
     for (int i = 0; i < 520; ++i)
@@ -180,7 +181,7 @@ TEST_F(PoserFile, NamesPast512AreIgnored)
     EXPECT_EQ(loaded->faceAttributes[519], 511u | 511u << faceGroupShift);
 }
 
-TEST_F(PoserFile, MalformedGeometryFails)
+TEST_F(PoserReader, MalformedGeometryFails)
 {
     for (const char* bad : { "numbVerts\n", "numbVerts x\n", "numbTVerts x\n", "numbElems\n", "v 1 2\n", "v 1 2 x\n",
                              "vt 1\n", "vt x\n" })
@@ -188,7 +189,7 @@ TEST_F(PoserFile, MalformedGeometryFails)
     expectUnreadable(file(object("prop box", "geomCustom\n}\n")));
 }
 
-TEST_F(PoserFile, BadPositionsAndCoordinatesAreZero)
+TEST_F(PoserReader, BadPositionsAndCoordinatesAreZero)
 {
     LoadedMesh loaded(LoadPoserFile,
                       propOf("numbVerts 3\nnumbTVerts 2\nv 1 nan 2\nv 1 2 1048576\nv 1e-40 2 3\nvt 1 inf\nvt 2 -3\n"));
@@ -200,7 +201,7 @@ TEST_F(PoserFile, BadPositionsAndCoordinatesAreZero)
     EXPECT_EQ(loaded->uvs[1].v, -3);
 }
 
-TEST_F(PoserFile, VerticesNeedToBeAnnounced)
+TEST_F(PoserReader, VerticesNeedToBeAnnounced)
 {
     expectUnreadable(propOf("v 1 2 3\n"));
     expectUnreadable(propOf("vt 1 2\n"));
@@ -221,7 +222,7 @@ TEST_F(PoserFile, VerticesNeedToBeAnnounced)
     EXPECT_EQ(shared->vertexCount, 2);
 }
 
-TEST_F(PoserFile, AnnouncedCountsTakeNoMemoryThatTheFileCannotFill)
+TEST_F(PoserReader, AnnouncedCountsTakeNoMemoryThatTheFileCannotFill)
 {
     LoadedMesh loaded(LoadPoserFile, propOf("numbVerts 2000000000\nnumbTVerts 2000000000\nnumbElems 2000000000\n"
                                             "numbVerts 2147483647\nv 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n"));
@@ -237,7 +238,7 @@ TEST_F(PoserFile, AnnouncedCountsTakeNoMemoryThatTheFileCannotFill)
     EXPECT_LT(recorded.peakBytes, 2u << 20);
 }
 
-TEST_F(PoserFile, FacesPastTheAnnouncedCountFindRoom)
+TEST_F(PoserReader, FacesPastTheAnnouncedCountFindRoom)
 {
     std::string lines = "numbVerts 4\nnumbElems 1\nv 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\n";
     for (int i = 0; i < 5000; ++i)
@@ -251,7 +252,7 @@ TEST_F(PoserFile, FacesPastTheAnnouncedCountFindRoom)
     EXPECT_EQ(none->faceCount, 1);
 }
 
-TEST_F(PoserFile, ABlockOfNoVerticesIsSkipped)
+TEST_F(PoserReader, ABlockOfNoVerticesIsSkipped)
 {
     for (const char* count : { "0", "-3" })
     {
@@ -273,7 +274,7 @@ TEST_F(PoserFile, ABlockOfNoVerticesIsSkipped)
     EXPECT_EQ(late->lineCount, 0);
 }
 
-TEST_F(PoserFile, CommentsAndNestedBlocksStandAnywhere)
+TEST_F(PoserReader, CommentsAndNestedBlocksStandAnywhere)
 {
     std::string text = "// a prop\n{ // outer\n{\n{\nprop x\n}\n}\n//}\nprop box // named\n// }\n{ unknown { not seen\n"
                        "{\n{ { } }\n}\ngeomCustom // shape\nanything goes\n{\n{\nv x\n}\n" +
@@ -283,7 +284,7 @@ TEST_F(PoserFile, CommentsAndNestedBlocksStandAnywhere)
     EXPECT_EQ(facesOf(loaded.mesh), "0 1 2 3");
 }
 
-TEST_F(PoserFile, DeepNestingIsNoProblem)
+TEST_F(PoserReader, DeepNestingIsNoProblem)
 {
     std::string deep(200000, '{');
     std::string text = "{\n" + deep + std::string(200000, '}') + "\n" +
@@ -294,7 +295,7 @@ TEST_F(PoserFile, DeepNestingIsNoProblem)
     expectUnreadable("{\n" + deep);
 }
 
-TEST_F(PoserFile, BracesOutOfPlaceFail)
+TEST_F(PoserReader, BracesOutOfPlaceFail)
 {
     expectUnreadable("");
     expectUnreadable("}\n{\n}\n");
@@ -306,7 +307,7 @@ TEST_F(PoserFile, BracesOutOfPlaceFail)
     expectUnreadable(file(object("prop box", "name " + std::string(3000, 'x') + "\n")));
 }
 
-TEST_F(PoserFile, LinesMayEndInCarriageReturns)
+TEST_F(PoserReader, LinesMayEndInCarriageReturns)
 {
     std::string text = propOf(squareVertices + "g lid\n" + squareFace), crlf;
     for (char c : text)
@@ -317,7 +318,7 @@ TEST_F(PoserFile, LinesMayEndInCarriageReturns)
     EXPECT_STREQ(loaded->groupNames[0], "lid");
 }
 
-TEST_F(PoserFile, MissingFileFailsSilently)
+TEST_F(PoserReader, MissingFileFailsSilently)
 {
     Mesh* mesh = createMesh("prop");
     EXPECT_EQ(LoadPoserFile(mesh, "no such folder/x.pp2"), 0);
@@ -325,7 +326,7 @@ TEST_F(PoserFile, MissingFileFailsSilently)
     freeMesh(mesh);
 }
 
-TEST_F(PoserFile, IsChosenByItsExtensionsInAnyCase)
+TEST_F(PoserReader, IsChosenByItsExtensionsInAnyCase)
 {
     for (const char* extension : { "pp2", "PP2", "hr2", "Hr2", "cr2", "cR2" })
         EXPECT_EQ(facesByExtension(propOf(squareVertices + squareFace), extension), 1) << extension;
@@ -335,17 +336,17 @@ static const std::string smallFile =
     file(object("actor hip:1", geometry(squareVertices + "g lid\nusemtl gold\nf 1/1 2/2 3/3 4/4\nf 1 2 3\nl 1 2 3\n")) +
          object("figure", "// colours\nmaterial gold\n{\nKdColor 1 .5 1 1\nNsExponent 3\ntextureMap \"a:b.jpg\"\n}\n"));
 
-TEST_F(PoserFile, CutAnywhereIsReadOrRefused)
+TEST_F(PoserReader, CutAnywhereIsReadOrRefused)
 {
     loadEveryCut(LoadPoserFile, smallFile);
 }
 
-TEST_F(PoserFile, DamageIsReadOrRefused)
+TEST_F(PoserReader, DamageIsReadOrRefused)
 {
     loadCorrupted(LoadPoserFile, smallFile, "{}{}/ \t\r\n0123456789-.vtfglu:\"", 2000);
 }
 
-TEST_F(PoserFile, RefusedMemoryFailsWithoutLeaks)
+TEST_F(PoserReader, RefusedMemoryFailsWithoutLeaks)
 {
     loadWithRefusals(LoadPoserFile, smallFile);
     loadWithRefusals(LoadPoserFile, propOf("numbVerts 3\nnumbElems 1\nv 0 0 0\nv 1 0 0\nv 1 1 0\nf 1 2 3\n"));

@@ -33,26 +33,26 @@ static std::string mapNameOf(std::string text)
     return PoserMapName(text.data());
 }
 
-TEST_F(PoserFile, TokensAreAWordAndTheRestOfItsLine)
+TEST_F(PoserReader, TokensAreAWordAndTheRestOfItsLine)
 {
     EXPECT_EQ(tokensOf("  prop \t a box \r\n\tv 1 2 3\nend\n"), "prop[a box ]v[1 2 3]end[]");
     EXPECT_EQ(tokensOf("one \t \ntwo\r\n"), "one[]two[]");
     EXPECT_EQ(tokensOf("x\ny z\n"), "x[]y[z]");
 }
 
-TEST_F(PoserFile, BracesAreTokensOnlyByThemselves)
+TEST_F(PoserReader, BracesAreTokensOnlyByThemselves)
 {
     EXPECT_EQ(tokensOf("{ a b\n}}{c d{}\ne}\nf } g\n"), "{[]a[b]}[]}[]{[]c[d{}]e}[]f[} g]");
     EXPECT_EQ(tokensOf("}"), "}[]"); // needs no line end
 }
 
-TEST_F(PoserFile, CommentsAreSkipped)
+TEST_F(PoserReader, CommentsAreSkipped)
 {
     EXPECT_EQ(tokensOf("// one two\na b // kept\n  //}\n//\n///\nc//d\n/ e\n"), "a[b // kept]c//d[]/[e]");
     EXPECT_EQ(tokensOf("a b\n// not ended"), "a[b]");
 }
 
-TEST_F(PoserFile, AFinalLineWithoutALineEndIsLost)
+TEST_F(PoserReader, AFinalLineWithoutALineEndIsLost)
 {
     EXPECT_EQ(tokensOf("a b\nc d"), "a[b]");
     EXPECT_EQ(tokensOf("a b\nc"), "a[b]");
@@ -61,7 +61,7 @@ TEST_F(PoserFile, AFinalLineWithoutALineEndIsLost)
     EXPECT_EQ(tokensOf("\n \t\r\n"), "");
 }
 
-TEST_F(PoserFile, OverLongWordsAndRestsEndTheReading)
+TEST_F(PoserReader, OverLongWordsAndRestsEndTheReading)
 {
     std::string longest(2047, 'w');
     EXPECT_EQ(tokensOf(longest + " " + longest + "\nb c\n"), longest + "[" + longest + "]b[c]");
@@ -70,7 +70,7 @@ TEST_F(PoserFile, OverLongWordsAndRestsEndTheReading)
     EXPECT_EQ(tokensOf("a" + std::string(100000, ' ') + longest + "\nb c\n"), "a[" + longest + "]b[c]");
 }
 
-TEST_F(PoserFile, TokensAcrossBlocksAreWhole)
+TEST_F(PoserReader, TokensAcrossBlocksAreWhole)
 {
     std::string text, expected;
     for (int i = 0; i < 20000; ++i)
@@ -96,7 +96,7 @@ static std::string wordAfterBlock(const std::string& text)
     return word;
 }
 
-TEST_F(PoserFile, BlocksAreSkippedWithTheirNesting)
+TEST_F(PoserReader, BlocksAreSkippedWithTheirNesting)
 {
     EXPECT_EQ(wordAfterBlock("} after x\n"), "after");
     EXPECT_EQ(wordAfterBlock("{ { } } { } } after x\n"), "after");
@@ -106,7 +106,7 @@ TEST_F(PoserFile, BlocksAreSkippedWithTheirNesting)
     EXPECT_EQ(wordAfterBlock(""), "open");
 }
 
-TEST_F(PoserFile, NamesEndAtBlanksAndColons)
+TEST_F(PoserReader, NamesEndAtBlanksAndColons)
 {
     EXPECT_EQ(nameOf("hip:1"), "hip");
     EXPECT_EQ(nameOf("left hand"), "left");
@@ -118,7 +118,7 @@ TEST_F(PoserFile, NamesEndAtBlanksAndColons)
     EXPECT_EQ(nameOf(std::string(2000, 'n')), std::string(63, 'n'));
 }
 
-TEST_F(PoserFile, TextureReferencesBecomeFileNames)
+TEST_F(PoserReader, TextureReferencesBecomeFileNames)
 {
     EXPECT_EQ(mapNameOf("\":Runtime:Textures:skin.jpg\""), "skin.jpg");
     EXPECT_EQ(mapNameOf("\"C:\\pictures\\my skin.jpg\" \t"), "my skin.jpg");

@@ -8,7 +8,7 @@
 namespace rkf
 {
 
-class Rkf : public CleanTest
+class RkfReader : public CleanTest
 {
 };
 

@@ -1,4 +1,5 @@
 // tests/import/rkf_test.cpp - reading RKF
+#include "tests/import/damage.h"
 #include "tests/import/rkf_building.h"
 
 using namespace rkf;
@@ -35,7 +36,7 @@ static void expectRefused(const std::string& bytes, const char* why)
     EXPECT_LT(recorded.peakBytes, 2u << 20) << why;
 }
 
-TEST_F(Rkf, ReadsTheWholeLayout)
+TEST_F(RkfReader, ReadsTheWholeLayout)
 {
     LoadedMesh loaded(LoadRkfFile, sample);
     ASSERT_EQ(loaded.result, 1);
@@ -58,7 +59,7 @@ TEST_F(Rkf, ReadsTheWholeLayout)
     EXPECT_NEAR(loaded->facePlanes[0].normal[2], 1, 0.001);
 }
 
-TEST_F(Rkf, TheLastCornerReadDecidesAVertexCoordinate)
+TEST_F(RkfReader, TheLastCornerReadDecidesAVertexCoordinate)
 {
     LoadedMesh loaded(LoadRkfFile, sample);
     ASSERT_EQ(loaded.result, 1);
@@ -68,7 +69,7 @@ TEST_F(Rkf, TheLastCornerReadDecidesAVertexCoordinate)
     EXPECT_EQ(loaded->uvs[3].v, 65535 * (1 / 32767.0f)); // both halves are unsigned
 }
 
-TEST_F(Rkf, MaterialsAreCopiedByteForByteAndNumbered)
+TEST_F(RkfReader, MaterialsAreCopiedByteForByteAndNumbered)
 {
     LoadedMesh loaded(LoadRkfFile, sample);
     ASSERT_EQ(loaded.result, 1);
@@ -80,7 +81,7 @@ TEST_F(Rkf, MaterialsAreCopiedByteForByteAndNumbered)
     EXPECT_EQ(loaded->materials[2].shininess, 10); // as created
 }
 
-TEST_F(Rkf, OtherMaterialSizesLoadWithoutMaterials)
+TEST_F(RkfReader, OtherMaterialSizesLoadWithoutMaterials)
 {
     for (uint32_t size : { 0u, 95u, 97u, 192u, 0xFFFFFFFFu })
     {
@@ -99,7 +100,7 @@ TEST_F(Rkf, OtherMaterialSizesLoadWithoutMaterials)
     EXPECT_EQ(loaded.result, 1);
 }
 
-TEST_F(Rkf, CountsThatTheFileCannotHoldAreRefusedWithoutTakingMemory)
+TEST_F(RkfReader, CountsThatTheFileCannotHoldAreRefusedWithoutTakingMemory)
 {
     std::string rest = sample.substr(16);
     expectRefused(words({ 5, 2, 2, 96 }) + rest, "a vertex too many");
@@ -115,7 +116,7 @@ TEST_F(Rkf, CountsThatTheFileCannotHoldAreRefusedWithoutTakingMemory)
     expectRefused(words({ 4, 2, 0x80000000, 97 }) + rest, "negative materials of another size");
 }
 
-TEST_F(Rkf, AtMost512Materials)
+TEST_F(RkfReader, AtMost512Materials)
 {
     std::string materials;
     for (int i = 0; i < 513; ++i)
@@ -131,7 +132,7 @@ TEST_F(Rkf, AtMost512Materials)
     expectRefused(words({ 4, 1, 513, 96 }) + faces + materials, "513");
 }
 
-TEST_F(Rkf, CornersMustBeVertices)
+TEST_F(RkfReader, CornersMustBeVertices)
 {
     expectRefused(oneFace({ 4, 1, 2, 3 }), "first");
     expectRefused(oneFace({ 0, 4, 2, 3 }), "second");
@@ -142,7 +143,7 @@ TEST_F(Rkf, CornersMustBeVertices)
     expectRefused(oneFace({ 0, 1, 0xFFFFFFFE, 3 }), "negative");
 }
 
-TEST_F(Rkf, AbsentCornersStandInTheLastTwoSlots)
+TEST_F(RkfReader, AbsentCornersStandInTheLastTwoSlots)
 {
     LoadedMesh triangle(LoadRkfFile, oneFace({ 0, 1, 2, noCorner }));
     ASSERT_EQ(triangle.result, 1);
@@ -156,7 +157,7 @@ TEST_F(Rkf, AbsentCornersStandInTheLastTwoSlots)
     EXPECT_EQ(facesOf(gap.mesh), "0 1 -1 -1");
 }
 
-TEST_F(Rkf, GroupBitsOfTheFirstCornerAreIgnored)
+TEST_F(RkfReader, GroupBitsOfTheFirstCornerAreIgnored)
 {
     LoadedMesh loaded(LoadRkfFile, oneFace({ 0xE0000000u | 2, 1, 0, 3 }));
     ASSERT_EQ(loaded.result, 1);
@@ -164,7 +165,7 @@ TEST_F(Rkf, GroupBitsOfTheFirstCornerAreIgnored)
     EXPECT_EQ(loaded->faceAttributes[0], 0u);
 }
 
-TEST_F(Rkf, PositionsAreSanitized)
+TEST_F(RkfReader, PositionsAreSanitized)
 {
     LoadedMesh loaded(LoadRkfFile, words({ 2, 0, 0, 96, bitsOf(NAN), bitsOf(3), bitsOf(INFINITY), bitsOf(1e30f),
                                            bitsOf(-1048575), bitsOf(1e-40f) }));
@@ -175,7 +176,7 @@ TEST_F(Rkf, PositionsAreSanitized)
     EXPECT_EQ(loaded->vertices[1].position[2], 0);
 }
 
-TEST_F(Rkf, EmptyMeshLoads)
+TEST_F(RkfReader, EmptyMeshLoads)
 {
     LoadedMesh loaded(LoadRkfFile, words({ 0, 0, 0, 96 }));
     EXPECT_EQ(loaded.result, 1);
@@ -184,7 +185,7 @@ TEST_F(Rkf, EmptyMeshLoads)
     expectRefused(words({ 0, 0, 0 }), "no record size");
 }
 
-TEST_F(Rkf, AFileThatDoesNotOpenFailsSilently)
+TEST_F(RkfReader, AFileThatDoesNotOpenFailsSilently)
 {
     Mesh* mesh = createMesh("prop");
     EXPECT_EQ(LoadRkfFile(mesh, "no such folder/x.rkf"), 0);
@@ -192,19 +193,19 @@ TEST_F(Rkf, AFileThatDoesNotOpenFailsSilently)
     freeMesh(mesh);
 }
 
-TEST_F(Rkf, CutAnywhereIsRefused)
+TEST_F(RkfReader, CutAnywhereIsRefused)
 {
     loadEveryCut(LoadRkfFile, sample);
     for (size_t length : { size_t{ 16 }, sample.size() - 192, sample.size() - 1 })
         expectRefused(sample.substr(0, length), "cut");
 }
 
-TEST_F(Rkf, DamageIsReadOrRefused)
+TEST_F(RkfReader, DamageIsReadOrRefused)
 {
     loadCorrupted(LoadRkfFile, sample, std::string("\0\1\2\3\4\x7f\x80\xff", 8), 2000);
 }
 
-TEST_F(Rkf, RefusedMemoryFailsWithoutLeaks)
+TEST_F(RkfReader, RefusedMemoryFailsWithoutLeaks)
 {
     loadWithRefusals(LoadRkfFile, sample);
 }

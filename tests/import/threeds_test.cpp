@@ -1,5 +1,6 @@
 // tests/import/threeds_test.cpp - the 3DS reader on whole files: the walk through chunks, names, limits, damage, real
 // files
+#include "tests/import/damage.h"
 #include "tests/import/threeds_building.h"
 
 using namespace threeds;

@@ -1,4 +1,4 @@
-// tests/import/literal_obj.h - the OBJ reader a second time, slow and word for word, to hold the fast one against
+// tests/import/obj_literal.h - the OBJ reader a second time, slow and word for word, to hold the fast one against
 #pragma once
 #include <string>
 #include <vector>

@@ -1,5 +1,5 @@
-// tests/import/literal_obj.cpp - byte by byte through 4096 bytes, numbers by sscanf, names by comparing all
-#include "tests/import/literal_obj.h"
+// tests/import/obj_literal.cpp - byte by byte through 4096 bytes, numbers by sscanf, names by comparing all
+#include "tests/import/obj_literal.h"
 
 #include <stdint.h>
 #include <stdio.h>
