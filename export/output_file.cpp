@@ -1,31 +1,21 @@
-// export/output_file.cpp - writing beside a file, then taking its place
+// export/output_file.cpp - opening, closing and placing the files of a writer
 #include "export/output_file.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
 
+#include <errno.h>
+#include <string.h>
+#include <vector>
+
 constexpr size_t placeRoom = 8192;
 
-static int reportUnwritten(const OutputFile* output)
+// Shows the box that says what could not be done, and explains it with the operating system's reason.
+static int reportFailure(const OutputFile* output, const char* what, int reason)
 {
-    messageBox(output->target.c_str(), "Error cannot write", iconStop);
+    messageBox(output->target.c_str(), what, iconStop);
+    if (reason != 0)
+        explainFailure(output->target.c_str(), strerror(reason));
     return 0;
-}
-
-static FILE* openBeside(OutputFile* output)
-{
-    constexpr int nameLimit = 100;
-    const std::string part = output->place + ".part";
-    std::string name = part;
-    int taken; // somebody else's file of that name must not be overwritten
-    FILE* file = createFile(name.c_str(), &taken);
-    for (int i = 1; i < nameLimit && taken; ++i)
-    {
-        name = part + std::to_string(i);
-        file = createFile(name.c_str(), &taken);
-    }
-    if (file)
-        output->temporary = name;
-    return file;
 }
 
 static FILE* openWhole(OutputFile* output)
@@ -34,16 +24,18 @@ static FILE* openWhole(OutputFile* output)
     FileTarget kind = findFileTarget(output->target.c_str(), place, sizeof place);
     if (kind == targetRefused)
         return nullptr;
-    output->place = place;
-    return kind == targetDirect ? openFile(place, "wb") : openBeside(output);
+    if (kind == targetDirect)
+        return openFile(place, "wb");
+    return createPendingFile(&output->pending, place) ? output->pending.file : nullptr;
 }
 
 int openOutput(OutputFile* output, const std::string& target, SaveMode mode)
 {
-    *output = { nullptr, mode, target, target, "" };
+    *output = { nullptr, mode, target, {} };
+    errno = 0;
     output->file = mode == saveInPlace ? openFile(target.c_str(), "wb") : openWhole(output);
     if (!output->file && mode == saveWhole)
-        messageBox(target.c_str(), "Error cannot create", iconStop);
+        return reportFailure(output, "Error cannot create", errno);
     return output->file != nullptr;
 }
 
@@ -52,46 +44,59 @@ static void abandonOutputs(OutputFile* outputs, int count)
 {
     for (int i = 0; i < count; ++i)
     {
-        if (outputs[i].file)
+        if (outputs[i].file && !outputs[i].pending.file)
             fclose(outputs[i].file);
         outputs[i].file = nullptr;
-        if (!outputs[i].temporary.empty())
-            removeFile(outputs[i].temporary.c_str());
-        outputs[i].temporary.clear();
+        dropPendingFile(&outputs[i].pending);
     }
+}
+
+// The last bytes reach the disk here, or do not.
+static bool finishOutput(OutputFile* output)
+{
+    if (output->pending.file)
+        return finishPendingFile(&output->pending);
+    bool whole = !ferror(output->file);
+    whole = fclose(output->file) == 0 && whole;
+    output->file = nullptr;
+    return whole;
 }
 
 int closeOutput(OutputFile* output, bool written)
 {
-    bool whole = written && !ferror(output->file);
-    if (fclose(output->file) != 0) // the last bytes reach the disk here, or do not
-        whole = false;
+    int reason = written ? 0 : errno;
+    errno = reason;
+    bool whole = finishOutput(output) && written;
+    if (reason == 0)
+        reason = errno;
     output->file = nullptr;
     if (whole)
         return 1;
     abandonOutputs(output, 1);
-    return output->mode == saveWhole ? reportUnwritten(output) : 0;
+    return output->mode == saveWhole ? reportFailure(output, "Error cannot write", reason) : 0;
 }
 
 int commitOutputs(OutputFile* outputs, int count, bool whole)
 {
-    if (!whole)
+    std::vector<PendingFile> pending;
+    std::vector<OutputFile*> owners;
+    for (int i = 0; whole && i < count; ++i)
     {
-        abandonOutputs(outputs, count);
-        return 0;
-    }
-    for (int i = 0; i < count; ++i)
-    {
-        if (outputs[i].temporary.empty()) // written where it belongs
+        if (!outputs[i].pending.file) // cleared, or written where it belongs
             continue;
-        if (!renameFile(outputs[i].temporary.c_str(), outputs[i].place.c_str()))
-        {
-            abandonOutputs(outputs + i, count - i);
-            return reportUnwritten(&outputs[i]);
-        }
-        outputs[i].temporary.clear();
+        pending.push_back(outputs[i].pending);
+        owners.push_back(&outputs[i]);
     }
-    return 1;
+    size_t placed = 0;
+    if (!pending.empty())
+        placed = static_cast<size_t>(placePendingFiles(pending.data(), static_cast<int>(pending.size())));
+    int reason = errno;
+    for (size_t i = 0; i < pending.size(); ++i)
+        owners[i]->pending = pending[i];
+    abandonOutputs(outputs, count);
+    if (placed < pending.size())
+        return reportFailure(owners[placed], "Error cannot write", reason);
+    return whole;
 }
 
 int commitOutput(OutputFile* output, bool written)

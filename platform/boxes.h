@@ -14,6 +14,10 @@ enum BoxIcon
 // is an empty caption.
 void messageBox(const char* text, const char* caption, BoxIcon icon);
 
+// Explains why something could not be done with a file, after the box that says so. The command line prints a line; the
+// windows leave it at the box.
+void explainFailure(const char* path, const char* cause);
+
 // Shows the result of a mesh tool for 1.3 seconds and returns when the notice has closed.
 void showNotice(const char* text);
 

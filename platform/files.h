@@ -12,10 +12,6 @@
 // never end.
 FILE* openFile(const char* path, const char* mode);
 
-// Creates a file for writing at a path where there is nothing yet, not even a dangling link. Null when that fails;
-// *taken is then 1 if something is there, else 0.
-FILE* createFile(const char* path, int* taken);
-
 // Returns 1 when the path, with links followed, leads to a regular file, and 0 for a folder, a device, a pipe or
 // nothing.
 int isPlainFile(const char* path);
@@ -48,10 +44,3 @@ enum FileTarget
 // Finds out what is at a path, and writes the path of the file itself, with links followed. Refuses an empty path, and
 // one that does not fit in roomBytes.
 FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes);
-
-// Puts a file in the place of another one in one step. It gets the permissions of the file that it replaces. Returns 1,
-// or 0 with both as they were.
-int renameFile(const char* from, const char* to);
-
-// Returns 1, or 0 when the file cannot be removed.
-int removeFile(const char* path);

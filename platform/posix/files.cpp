@@ -40,14 +40,6 @@ FILE* openFile(const char* path, const char* mode)
     return file;
 }
 
-FILE* createFile(const char* path, int* taken)
-{
-    letLongWritesFail();
-    FILE* file = fopen(path, "wbx");
-    *taken = !file && errno == EEXIST;
-    return file;
-}
-
 int isPlainFile(const char* path)
 {
     struct stat facts;
@@ -144,17 +136,4 @@ FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
         return targetRefused;
     memcpy(actual, name.c_str(), name.size() + 1);
     return direct ? targetDirect : targetReplaceable;
-}
-
-int renameFile(const char* from, const char* to)
-{
-    struct stat facts;
-    if (stat(to, &facts) == 0 && S_ISREG(facts.st_mode))
-        (void)!chmod(from, facts.st_mode & 07777); // not every file system has permissions
-    return rename(from, to) == 0;
-}
-
-int removeFile(const char* path)
-{
-    return remove(path) == 0;
 }

@@ -49,6 +49,12 @@ void messageBox(const char* text, const char* caption, BoxIcon)
         fprintf(stderr, "message: %s\n", text);
 }
 
+void explainFailure(const char* path, const char* cause)
+{
+    wipeBar();
+    fprintf(stderr, "kbx: %s: %s\n", path, cause);
+}
+
 void showNotice(const char* text)
 {
     wipeBar();

@@ -108,6 +108,7 @@ static INT_PTR CALLBACK noticeProc(HWND box, UINT message, WPARAM wParam, LPARAM
     }
     return FALSE;
 }
+void explainFailure(const char*, const char*) {}
 
 void showNotice(const char* text)
 {

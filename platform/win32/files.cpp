@@ -51,13 +51,6 @@ FILE* openFile(const char* path, const char* mode)
     return file;
 }
 
-FILE* createFile(const char* path, int* taken)
-{
-    int file = _wopen(wideFromUtf8(path).c_str(), _O_CREAT | _O_EXCL | _O_WRONLY | _O_BINARY, _S_IREAD | _S_IWRITE);
-    *taken = file < 0 && errno == EEXIST;
-    return file < 0 ? nullptr : _fdopen(file, "wb");
-}
-
 int isPlainFile(const char* path)
 {
     DWORD facts = GetFileAttributesW(wideFromUtf8(path).c_str());
@@ -113,14 +106,4 @@ FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
     DWORD type = GetFileType(handle);
     CloseHandle(handle);
     return type == FILE_TYPE_CHAR || type == FILE_TYPE_PIPE ? targetDirect : targetReplaceable;
-}
-
-int renameFile(const char* from, const char* to)
-{
-    return MoveFileExW(wideFromUtf8(from).c_str(), wideFromUtf8(to).c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
-}
-
-int removeFile(const char* path)
-{
-    return DeleteFileW(wideFromUtf8(path).c_str()) != 0;
 }

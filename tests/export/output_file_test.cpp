@@ -204,6 +204,7 @@ TEST_F(OutputFiles, SomebodysPartFileIsLeftAlone)
 
 TEST_F(OutputFiles, AbandoningRemovesWhatIsNotInPlace)
 {
+    namePendingFilesAtOnce(true);
     OutputFile outputs[3] = {};
     ASSERT_EQ(openOutput(&outputs[0], (folder + "a"), saveWhole), 1);
     ASSERT_EQ(openOutput(&outputs[1], (folder + "b"), saveWhole), 1);
@@ -211,4 +212,5 @@ TEST_F(OutputFiles, AbandoningRemovesWhatIsNotInPlace)
     EXPECT_EQ(filesInFolder().size(), 2u);
     EXPECT_EQ(commitOutputs(outputs, 3, false), 0);
     EXPECT_EQ(filesInFolder(), Names{});
+    namePendingFilesAtOnce(false);
 }

@@ -5,6 +5,7 @@
 #include "tests/faults/failing_files.h"
 
 #include "platform/files.h"
+#include "platform/pending_files.h"
 
 #include <errno.h>
 #include <string.h>
@@ -86,16 +87,6 @@ FILE* openFile(const char* path, const char* mode)
     return withFaults(fopen(path, mode), mode);
 }
 
-FILE* createFile(const char* path, int* taken)
-{
-    *taken = 0;
-    if (!mayOpen())
-        return nullptr;
-    FILE* file = fopen(path, "wbx");
-    *taken = !file && errno == EEXIST;
-    return withFaults(file, "wb");
-}
-
 int isPlainFile(const char* path)
 {
     std::error_code unknown;
@@ -138,18 +129,48 @@ FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
     return targetReplaceable; // the tests have neither links nor devices
 }
 
-int renameFile(const char* from, const char* to)
+// As the real ones on a file system where files always have names.
+int createPendingFile(PendingFile* pending, const char* place)
 {
-    if (fileFaults.renamesAllowed == 0)
-    {
-        fail();
+    *pending = { nullptr, place, "" };
+    if (!mayOpen())
         return 0;
-    }
-    fileFaults.renamesAllowed -= fileFaults.renamesAllowed > 0;
-    return rename(from, to) == 0;
+    std::string name = std::string(place) + ".part";
+    pending->file = withFaults(fopen(name.c_str(), "wbx"), "wb");
+    if (pending->file)
+        pending->temporary = name;
+    return pending->file != nullptr;
 }
 
-int removeFile(const char* path)
+int finishPendingFile(PendingFile* pending)
 {
-    return remove(path) == 0;
+    return !ferror(pending->file) && fflush(pending->file) == 0;
+}
+
+int placePendingFiles(PendingFile* pending, int count)
+{
+    for (int i = 0; i < count; ++i)
+    {
+        if (fileFaults.renamesAllowed == 0)
+        {
+            fail();
+            return i;
+        }
+        fileFaults.renamesAllowed -= fileFaults.renamesAllowed > 0;
+        fclose(pending[i].file);
+        pending[i].file = nullptr;
+        if (rename(pending[i].temporary.c_str(), pending[i].place.c_str()) != 0)
+            return i;
+        pending[i].temporary.clear();
+    }
+    return count;
+}
+
+void dropPendingFile(PendingFile* pending)
+{
+    if (pending->file)
+        fclose(pending->file);
+    if (!pending->temporary.empty())
+        remove(pending->temporary.c_str());
+    *pending = {};
 }

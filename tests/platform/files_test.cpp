@@ -51,25 +51,6 @@ TEST_F(Files, ALinkToADeviceThatNeverEndsDoesNotOpenForReading)
     EXPECT_EQ(openFile(path("endless.dxf").c_str(), "rb"), nullptr);
 }
 
-TEST_F(Files, AFileIsCreatedOnlyWhereNothingStands)
-{
-    int taken = -1;
-    FILE* file = createFile(path("a.part").c_str(), &taken);
-    ASSERT_NE(file, nullptr);
-    EXPECT_EQ(taken, 0);
-    fclose(file);
-    fs::create_symlink("nowhere", path("link.part"));
-    fs::create_directory(path("folder.part"));
-    for (const char* name : { "a.part", "link.part", "folder.part" })
-    {
-        EXPECT_EQ(createFile(path(name).c_str(), &taken), nullptr) << name;
-        EXPECT_EQ(taken, 1) << name;
-    }
-    EXPECT_EQ(createFile(path("missing/a.part").c_str(), &taken), nullptr);
-    EXPECT_EQ(taken, 0);
-    EXPECT_FALSE(fs::exists(path("nowhere")));
-}
-
 TEST_F(Files, APlainFileIsNoFolderDeviceOrLinkToNowhere)
 {
     std::ofstream(path("file")) << "x";

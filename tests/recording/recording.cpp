@@ -75,6 +75,11 @@ void messageBox(const char* text, const char* caption, BoxIcon icon)
     recorded.boxes.push_back({ text, caption ? caption : "(default)", icon });
 }
 
+void explainFailure(const char* path, const char* cause)
+{
+    recorded.causes.push_back(std::string(path) + ": " + cause);
+}
+
 void showNotice(const char* text)
 {
     recorded.notices.emplace_back(text);

@@ -42,6 +42,7 @@ struct Recording
     // boxes
     std::vector<RecordedBox> boxes;
     std::vector<std::string> notices;
+    std::vector<std::string> causes; // of failures, "PATH: CAUSE"
     std::vector<RecordedProgress> progress;
     int beeps = 0;
 
