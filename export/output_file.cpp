@@ -2,6 +2,7 @@
 #include "export/output_file.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
+#include "platform/refused_memory.h"
 
 #include <errno.h>
 #include <string.h>
@@ -12,6 +13,8 @@ constexpr size_t placeRoom = 8192;
 // Shows the box that says what could not be done, and explains it with the operating system's reason.
 static int reportFailure(const OutputFile* output, const char* what, int reason)
 {
+    if (reason == ENOMEM)
+        noteRefusedMemory();
     messageBox(output->target.c_str(), what, iconStop);
     if (reason != 0)
         explainFailure(output->target.c_str(), strerror(reason));

@@ -125,15 +125,15 @@ static int openNamed(PendingFile* pending)
 {
     for (int number = 0;; ++number)
     {
-        std::string name = temporaryName(pending->place, number);
+        std::string name = temporaryName(pending->place, number), kept = name; // no memory is wanted once it is there
         int file = open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (file < 0 && errno != EEXIST)
             return -1;
         file = file < 0 ? openAbandoned(name) : lockFresh(file, name);
         if (file < 0)
             continue;
-        pending->temporary = name;
         rememberName(name);
+        pending->temporary.swap(kept);
         return file;
     }
 }
@@ -195,11 +195,11 @@ static int nameFile(PendingFile* pending)
     std::string self = pathOfDescriptor(fileno(pending->file));
     for (int number = 0;; ++number)
     {
-        std::string name = temporaryName(pending->place, number);
+        std::string name = temporaryName(pending->place, number), kept = name; // no memory is wanted once it is linked
         if (linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
         {
-            pending->temporary = name;
             rememberName(name);
+            pending->temporary.swap(kept);
             return 1;
         }
         if (errno != EEXIST)
