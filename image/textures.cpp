@@ -29,6 +29,14 @@ void loadBuiltInTextures()
     loadTextureResource(&ReflectionImage, "reflect");
 }
 
+// The decoder keeps the data of a file in memory and searches all of it for markers. A sparse file can be much larger
+// than the disk, so a file that no picture needs is refused by its size alone.
+static int decodeTextureFile(FILE* file, Image* image, JpegOutput* output)
+{
+    progressiveRefused = 0;
+    return measureFile(file) <= textureFileLimit && decodeJpegFile(file, image, output);
+}
+
 int loadTextureFile(const char* path, Image* image, int* opened, JpegOutput* output)
 {
     FILE* file = openFile(path, "rb");
@@ -36,8 +44,8 @@ int loadTextureFile(const char* path, Image* image, int* opened, JpegOutput* out
         *opened = file != nullptr;
     if (!file)
         return 0;
-    Image fresh;
-    int ok = decodeJpegFile(file, &fresh, output);
+    Image fresh = {};
+    int ok = decodeTextureFile(file, &fresh, output);
     fclose(file);
     if (!ok)
     {

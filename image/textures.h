@@ -2,6 +2,8 @@
 #pragma once
 #include "image/jpeg.h"
 
+constexpr int64_t textureFileLimit = int64_t{ 256 } << 20; // bytes
+
 constexpr int textureWood = 0;
 constexpr int textureMetal = 1;
 constexpr int texturePattern = 2;
@@ -20,8 +22,8 @@ int loadTextureResource(Image* image, const char* name);
 void loadBuiltInTextures();
 
 // Decodes a JPEG file into the image and frees the old pixels. Returns 1; or 0, with the image as it was: without a
-// message when the file cannot be opened, with one when it cannot be decoded. *opened, where given, tells the two
-// apart; *output gets what the file says beside its pixels.
+// message when the file cannot be opened, with one when it is larger than textureFileLimit or cannot be decoded.
+// *opened, where given, tells the two apart; *output gets what the file says beside its pixels.
 int loadTextureFile(const char* path, Image* image, int* opened = nullptr, JpegOutput* output = nullptr);
 
 // Frees the pixels of all slots and of the reflection image.

@@ -74,6 +74,25 @@ TEST_F(Textures, FailuresAreToldAndKeepTheOldPixels)
     EXPECT_EQ(recorded.boxes, expected);
 }
 
+// A sparse file takes next to no place on the disk.
+TEST_F(Textures, FilesAboveTheSizeLimitAreRefusedUnread)
+{
+    std::string path = fileOf("large.jpg", jpegOf(24));
+    std::filesystem::resize_file(path, static_cast<uintmax_t>(textureFileLimit));
+    ASSERT_EQ(loadTextureFile(path.c_str(), user), 1);
+    uint32_t* pixels = user->pixels;
+    progressiveRefused = 1; // by an earlier file
+    std::filesystem::resize_file(path, static_cast<uintmax_t>(textureFileLimit) + 1);
+    int opened = 0;
+    EXPECT_EQ(loadTextureFile(path.c_str(), user, &opened), 0);
+    EXPECT_EQ(opened, 1);
+    EXPECT_EQ(user->pixels, pixels);
+    std::vector<RecordedBox> expected = { { "Error reading Jpeg file", "error", iconNone } };
+    EXPECT_EQ(recorded.boxes, expected);
+    std::filesystem::resize_file(path, uintmax_t{ 1 } << 40);
+    EXPECT_EQ(loadTextureFile(path.c_str(), user), 0);
+}
+
 TEST_F(Textures, FileThatDoesNotOpenFailsInSilence)
 {
     int opened = 1;
