@@ -27,19 +27,28 @@ constexpr int32_t groupsPerImcuRow = 8;
 constexpr int64_t alwaysPixelLimit = int64_t{ 1 } << 24;
 constexpr int64_t pixelsPerByteLimit = 512;
 
-static bool allocatePixels(const JpegState& state, Image* image)
+// An image of at most this many pixels gets its memory before its data has been looked at: 4 bytes a pixel, to which
+// the rows of samples and a copy of the data add less than 16 MiB and a byte for each byte of the file.
+constexpr int64_t uncheckedPixelLimit = 12 << 20;
+constexpr int64_t uncheckedPixelsPerByte = 8;
+
+static bool allocatePixels(JpegState* state, Image* image)
 {
-    int64_t pixels = int64_t{ state.width } * state.height;
-    int64_t fileBytes = state.source.totalBytes > 0 ? state.source.totalBytes : 0;
+    int64_t pixels = int64_t{ state->width } * state->height;
+    int64_t fileBytes = state->source.totalBytes > 0 ? state->source.totalBytes : 0;
     if (pixels > alwaysPixelLimit && pixels / pixelsPerByteLimit > fileBytes)
         return false;
     if (static_cast<uint64_t>(pixels) > PTRDIFF_MAX / sizeof(uint32_t))
         return false;
-    image->pixels = static_cast<uint32_t*>(state.heap.pixels(static_cast<size_t>(pixels) * sizeof(uint32_t)));
+    int64_t mcuRows = state->scanCount == 1 ? state->scan[0]->heightBlocks : state->imcuRows;
+    if (pixels > uncheckedPixelLimit + fileBytes * uncheckedPixelsPerByte &&
+        !scanDecodes(state, mcuRows * state->mcusPerRow))
+        return false;
+    image->pixels = static_cast<uint32_t*>(state->heap.pixels(static_cast<size_t>(pixels) * sizeof(uint32_t)));
     if (!image->pixels)
         return false;
-    image->width = state.width;
-    image->height = state.height;
+    image->width = state->width;
+    image->height = state->height;
     return true;
 }
 
@@ -156,7 +165,7 @@ static bool startDecompression(JpegState* state, Image* image)
     for (int32_t i = 0; i < state->componentCount; ++i)
         if (!allocateRows(state, &state->components[i]))
             return false;
-    return setUpScan(state) && setUpScanTables(state) && startEntropy(state) && allocatePixels(*state, image);
+    return setUpScan(state) && setUpScanTables(state) && startEntropy(state) && allocatePixels(state, image);
 }
 
 // Blocks go to the inverse DCT in pairs; the first of a pair waits here. A block stays in place until the next MCU.

@@ -327,6 +327,11 @@ static void decodeBlocksWide(JpegState* state)
 
 // ---- restarts and MCUs ----
 
+static bool endsScan(int32_t marker)
+{
+    return marker >= 0xC0 && (marker < 0xD0 || marker > 0xD7);
+}
+
 // Takes the restart marker that is due, or resynchronises: of the cycle of eight, the next two stay pending until they
 // are due, the last two are skipped, and the others count as the one that is due. Any other marker from C0 on ends the
 // data.
@@ -338,7 +343,7 @@ static void readRestartMarker(JpegState* state)
     {
         int32_t code = state->pendingMarker;
         bool isRestart = code >= 0xD0 && code <= 0xD7;
-        if (code >= 0xC0 && !isRestart)
+        if (endsScan(code))
             break;
         int32_t ahead = (code - 0xD0 - state->nextRestart) & 7;
         if (isRestart && (ahead == 1 || ahead == 2))
@@ -361,12 +366,19 @@ static void restart(JpegState* state)
         state->insufficientData = false;
 }
 
-bool startEntropy(JpegState* state)
+static void resetScan(JpegState* state)
 {
     memset(state->dcPrediction, 0, sizeof state->dcPrediction);
     state->restartsLeft = state->restartInterval;
+    state->nextRestart = 0;
     state->insufficientData = false;
     state->pendingMarker = 0;
+    state->segment.open = false;
+}
+
+bool startEntropy(JpegState* state)
+{
+    resetScan(state);
     state->segment = {};
     // A segment in memory cannot be longer than what is left; one in a file is expected to be as long as the file.
     uint64_t expected = state->source.bytesLeft;
@@ -404,4 +416,18 @@ bool decodeMcu(JpegState* state)
     }
     --state->restartsLeft;
     return ok;
+}
+
+bool scanDecodes(JpegState* state, int64_t mcuCount)
+{
+    SourcePlace start = placeOf(state->source);
+    if (!collectSegment(state))
+        return false;
+    if (endsScan(state->pendingMarker))
+        return true; // all MCUs that are missing count as 0
+    for (int64_t mcu = 0; mcu < mcuCount; ++mcu)
+        if (!decodeMcu(state))
+            return false;
+    resetScan(state);
+    return returnTo(&state->source, start);
 }

@@ -7,6 +7,11 @@
 // Sets up restarts, predictions and the bit reader at the start of the scan. Returns false without memory.
 bool startEntropy(JpegState* state);
 
+// Whether decodeMcu succeeds for all MCUs of the scan, as many as given. Leaves the state at the start of the scan,
+// where it must be before. Keeps no samples, so that it costs little memory and time, whatever size the header
+// announces.
+bool scanDecodes(JpegState* state, int64_t mcuCount);
+
 // Decodes the next MCU into state->blocks and state->lastIndex, after a restart where one is due. Returns false when
 // the source ends where more bytes are needed, or without memory.
 bool decodeMcu(JpegState* state);

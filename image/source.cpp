@@ -3,6 +3,8 @@
 
 #include "platform/files.h"
 
+#include <string.h>
+
 // What an exhausted source reads as. It has its own place because the block of memory may be read-only.
 static const uint8_t endOfImage[2] = { 0xFF, 0xD9 };
 
@@ -22,6 +24,27 @@ bool refillSource(JpegSource* source)
     source->next = got > 0 ? source->buffer : endOfImage;
     source->bytesLeft = got > 0 ? got : sizeof endOfImage;
     return got > 0;
+}
+
+SourcePlace placeOf(const JpegSource& source)
+{
+    SourcePlace place = { source.next, source.bytesLeft, 0, {} };
+    if (source.file)
+    {
+        place.filePosition = filePosition(source.file);
+        memcpy(place.buffer, source.buffer, fileBufferRoom);
+    }
+    return place;
+}
+
+bool returnTo(JpegSource* source, const SourcePlace& place)
+{
+    source->next = place.next;
+    source->bytesLeft = place.bytesLeft;
+    if (!source->file)
+        return true;
+    memcpy(source->buffer, place.buffer, fileBufferRoom);
+    return seekFile(source->file, place.filePosition) != 0;
 }
 
 int32_t readByte(JpegSource* source)

@@ -14,3 +14,16 @@ bool skipBytes(JpegSource* source, int32_t n);
 
 // Reads up to and with the next marker and returns its code; fill bytes and stuffed zeros are skipped.
 int32_t findMarker(JpegSource* source);
+
+// The place of the next byte, to read from there again.
+struct SourcePlace
+{
+    const uint8_t* next;
+    size_t bytesLeft;
+    int64_t filePosition;           // behind the buffer
+    uint8_t buffer[fileBufferRoom]; // a copy: next may point into it
+};
+
+SourcePlace placeOf(const JpegSource& source);
+// Returns false when the file does not allow it.
+bool returnTo(JpegSource* source, const SourcePlace& place);

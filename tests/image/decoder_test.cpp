@@ -319,6 +319,61 @@ TEST(JpegDecoder, CodesThatDoNotExistAreSymbolZero)
     EXPECT_TRUE(decodePlain(joinParts(parts)) == decoded);
 }
 
+// A grey block: `single` coefficients of 1, each by a code of one bit, then coefficients of 2 ** (size - 1) after runs
+// of 15 zeros, until the block is full. Their code has the given length.
+static Bytes blockOfRuns(int single, int size, int codeLength)
+{
+    JpegPlan plan;
+    plan.width = plan.height = 8;
+    plan.quant = 1;
+    plan.components = { { 1, 1, 1 } };
+    JpegParts parts = planJpeg(plan);
+    Bytes dc(18, 0), ac(19, 0);
+    dc[1] = 1;
+    ac[0] = 0x10;
+    ac[1] = ac[static_cast<size_t>(codeLength)] = 1;
+    ac[17] = 0x01;
+    ac[18] = static_cast<uint8_t>(0xF0 + size);
+    parts.huffman = segmentOf(0xC4, dc);
+    for (uint8_t byte : segmentOf(0xC4, ac))
+        parts.huffman.push_back(byte);
+    std::string bits = "0";
+    for (int i = 0; i < single; ++i)
+        bits += "01";
+    for (int k = single + 16; k < 64 + 16; k += 16)
+        bits += "1" + std::string(static_cast<size_t>(codeLength - 1), '0') + "1" +
+                std::string(static_cast<size_t>(size - 1), '0');
+    parts.entropy.assign((bits.size() + 7) / 8, 0);
+    for (size_t i = 0; i < bits.size(); ++i)
+        parts.entropy[i / 8] = static_cast<uint8_t>(parts.entropy[i / 8] | (bits[i] - '0') << (7 - i % 8));
+    return joinParts(parts);
+}
+
+TEST(JpegDecoder, ARunPastTheEndOfTheBlockSetsTheLastCoefficient)
+{
+    for (int size : { 1, 9 }) // a value within the look-ahead, and one after it
+        for (int codeLength : { 2, 9, 13 })
+            for (int single = 0; single < 16; ++single)
+            {
+                JpegPlan plan;
+                plan.width = plan.height = 8;
+                plan.quant = 1;
+                plan.components = { { 1, 1, 1 } };
+                plan.block = [&](int, int, int* zigzag)
+                {
+                    for (int k = 1; k <= single; ++k)
+                        zigzag[k] = 1;
+                    for (int k = single + 16; k < 64 + 16; k += 16)
+                        zigzag[k < 63 ? k : 63] = 1 << (size - 1);
+                };
+                auto within = decode(buildJpeg(plan));
+                ASSERT_TRUE(within.has_value());
+                Bytes past = blockOfRuns(single, size, codeLength);
+                EXPECT_TRUE(decode(past) == within) << size << " " << codeLength << " " << single;
+                EXPECT_TRUE(decodePlain(past) == within) << size << " " << codeLength << " " << single;
+            }
+}
+
 static std::vector<Bytes> samplesOfAllKinds()
 {
     std::vector<Bytes> files;

@@ -182,27 +182,6 @@ TEST(JpegRefusals, SidesAbove65500)
     EXPECT_TRUE(refused(changed([](JpegPlan& p) { p.block = [](int, int, int*) {}, p.height = 0; })));
 }
 
-TEST(JpegRefusals, HugeImageInTinyFileTakesNoMemory)
-{
-    JpegParts parts = planJpeg(goodPlan());
-    parts.frame[5] = parts.frame[7] = 0xFF;
-    parts.frame[6] = parts.frame[8] = 0xDC; // 65500
-    static size_t largest;
-    largest = 0;
-    const JpegHeap heap = { [](size_t count, size_t size)
-                            {
-                                largest = std::max(largest, count * size);
-                                return calloc(count, size);
-                            },
-                            [](size_t size)
-                            {
-                                largest = std::max(largest, size);
-                                return malloc(size);
-                            } };
-    EXPECT_TRUE(refused(joinParts(parts), heap));
-    EXPECT_LT(largest, size_t{ 8 } << 20);
-}
-
 TEST(JpegRefusals, PrecisionOtherThanEight)
 {
     for (int precision : { 0, 1, 7, 9, 12, 16 })
