@@ -4,6 +4,7 @@
 #include "export/preview.h"
 
 #include <stddef.h>
+#include <vector>
 
 static void appendBig16(std::string* bytes, uint32_t value)
 {
@@ -22,10 +23,11 @@ static void appendBig32(std::string* bytes, uint32_t value)
 // column, which are not used.
 constexpr int32_t cellsPerSide = previewSide + 1;
 
+// One row of cells. Source rows fall into rows of cells in order, so that one is enough.
 struct PreviewCells
 {
-    float sums[cellsPerSide][cellsPerSide][3];
-    float weights[cellsPerSide][cellsPerSide];
+    float sums[cellsPerSide][3];
+    float weights[cellsPerSide];
 };
 
 // The nearest cell of a source row or column and its weight there.
@@ -43,23 +45,22 @@ static CellWeight cellOf(int32_t index, float scale)
     return { cell, 1.0f - (distance < 0 ? -distance : distance) };
 }
 
-static void gatherRow(PreviewCells* cells, const PreviewSource* source, int32_t y, float scale)
+static void gatherRow(PreviewCells* cells, const PreviewSource* source, int32_t y, float rowWeight, float scale)
 {
     int32_t side = source->height;
     int32_t firstColumn = (source->width - side) / 2;
     const uint8_t* row = source->bits + static_cast<ptrdiff_t>(y) * source->strideBytes;
-    CellWeight down = cellOf(y, scale);
     for (int32_t x = 0; x < side; ++x)
     {
         int32_t column = firstColumn + x;
         if (column < 0 || column >= source->width)
             continue;
         CellWeight across = cellOf(x, scale);
-        float weight = across.weight * down.weight;
-        float* sums = cells->sums[down.cell][across.cell];
+        float weight = across.weight * rowWeight;
+        float* sums = cells->sums[across.cell];
         for (int32_t c = 0; c < 3; ++c)
             sums[c] += weight * static_cast<float>(row[column * 3 + c]);
-        cells->weights[down.cell][across.cell] += weight;
+        cells->weights[across.cell] += weight;
     }
 }
 
@@ -68,24 +69,30 @@ static uint8_t toByte(float value)
     return value < 255.0f ? static_cast<uint8_t>(value) : uint8_t{ 255 };
 }
 
+static void putCells(const PreviewCells* cells, uint8_t* pixels)
+{
+    for (int32_t x = 0; x < previewSide; ++x, pixels += 4)
+    {
+        float weight = cells->weights[x];
+        float factor = weight == 0 ? 1.0f : 1.0f / weight;
+        const float* sums = cells->sums[x];
+        pixels[2] = toByte(factor * sums[0]);
+        pixels[1] = toByte(factor * sums[1]);
+        pixels[0] = pixels[1]; // red repeats green
+        pixels[3] = 0;
+    }
+}
+
 void reduceToPreview(const PreviewSource* source, uint8_t* pixels)
 {
-    PreviewCells cells = {};
     float scale = static_cast<float>(previewSide) / static_cast<float>(source->height > 0 ? source->height : 1);
-    for (int32_t y = 0; y < source->height; ++y)
-        gatherRow(&cells, source, y, scale);
-    for (int32_t y = 0; y < previewSide; ++y)
+    int32_t sourceRow = 0;
+    for (int32_t y = 0; y < previewSide; ++y, pixels += previewSide * 4)
     {
-        for (int32_t x = 0; x < previewSide; ++x, pixels += 4)
-        {
-            float weight = cells.weights[y][x];
-            float factor = weight == 0 ? 1.0f : 1.0f / weight;
-            const float* sums = cells.sums[y][x];
-            pixels[2] = toByte(factor * sums[0]);
-            pixels[1] = toByte(factor * sums[1]);
-            pixels[0] = pixels[1]; // red repeats green
-            pixels[3] = 0;
-        }
+        PreviewCells cells = {};
+        for (; sourceRow < source->height && cellOf(sourceRow, scale).cell <= y; ++sourceRow)
+            gatherRow(&cells, source, sourceRow, cellOf(sourceRow, scale).weight, scale);
+        putCells(&cells, pixels);
     }
 }
 
@@ -231,9 +238,9 @@ static void putResourceMap(std::string* file, uint32_t pictureBytes)
 
 std::string previewFile(const PreviewSource* source)
 {
-    uint8_t pixels[previewSide * previewSide * 4];
-    reduceToPreview(source, pixels);
-    std::string picture = encodePicture(pixels), file;
+    std::vector<uint8_t> pixels(size_t{ previewSide } * previewSide * 4);
+    reduceToPreview(source, pixels.data());
+    std::string picture = encodePicture(pixels.data()), file;
     uint32_t pictureBytes = static_cast<uint32_t>(picture.size());
     putForkHeader(&file, pictureBytes);
     file.append(240, '\0');

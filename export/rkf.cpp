@@ -1,6 +1,7 @@
 // export/rkf.cpp - writing RKF
 #include "export/rkf.h"
 
+#include "model/memory.h"
 #include "model/rkf_format.h"
 #include "platform/boxes.h"
 
@@ -32,9 +33,15 @@ static int32_t countWritten(const Mesh* mesh)
     return count;
 }
 
-static bool writeRkfPositions(FILE* file, const Mesh* mesh)
+// Records on their way to the file, too large for a small stack.
+union RkfBlock
 {
-    RkfPosition block[rkfBlockRecords];
+    RkfPosition positions[rkfBlockRecords];
+    Corners words[rkfBlockRecords];
+};
+
+static bool writeRkfPositions(FILE* file, const Mesh* mesh, RkfPosition* block)
+{
     for (int32_t done = 0; done < mesh->vertexCount;)
     {
         int32_t count = rkfBlockCount(done, mesh->vertexCount);
@@ -77,9 +84,8 @@ static Corners packCoords(const Mesh* mesh, int32_t f)
 }
 
 // Four words for each face that is written, made by pack.
-static bool writeFaceWords(FILE* file, const Mesh* mesh, Corners (*pack)(const Mesh* mesh, int32_t f))
+static bool writeFaceWords(FILE* file, const Mesh* mesh, Corners* block, Corners (*pack)(const Mesh* mesh, int32_t f))
 {
-    Corners block[rkfBlockRecords];
     int32_t used = 0;
     for (int32_t f = 0; f < mesh->faceCount; ++f)
     {
@@ -100,15 +106,23 @@ int rkfCanHold(const Mesh* mesh)
     return countWritten(mesh) >= 0;
 }
 
-int WriteRkf(const Mesh* mesh, FILE* file, bool omitMaterials)
+static bool writeRkfBytes(const Mesh* mesh, FILE* file, bool omitMaterials, RkfBlock* block)
 {
     RkfHeader header = { mesh->vertexCount, countWritten(mesh), omitMaterials ? 0 : mesh->materialCount,
                          static_cast<int32_t>(sizeof(Material)) };
-    if (header.faceCount < 0)
-        return 0;
-    return writeRecords(file, &header, 1, sizeof header) && writeRkfPositions(file, mesh) &&
-           writeFaceWords(file, mesh, packFace) && writeFaceWords(file, mesh, packCoords) &&
+    return writeRecords(file, &header, 1, sizeof header) && writeRkfPositions(file, mesh, block->positions) &&
+           writeFaceWords(file, mesh, block->words, packFace) && writeFaceWords(file, mesh, block->words, packCoords) &&
            writeRecords(file, mesh->materials, header.materialCount, sizeof(Material));
+}
+
+int WriteRkf(const Mesh* mesh, FILE* file, bool omitMaterials)
+{
+    if (!rkfCanHold(mesh))
+        return 0;
+    auto* block = static_cast<RkfBlock*>(workAlloc(sizeof(RkfBlock)));
+    bool written = block && writeRkfBytes(mesh, file, omitMaterials, block);
+    workFree(block);
+    return written;
 }
 
 static int reportFileError()
@@ -121,10 +135,14 @@ int WriteRkfFile(const Mesh* mesh, const char* path, bool omitMaterials, SaveMod
 {
     if (!rkfCanHold(mesh))
         return reportFileError();
+    auto* block = static_cast<RkfBlock*>(workAlloc(sizeof(RkfBlock)));
     OutputFile output;
-    if (!openOutput(&output, path, mode))
+    if (!block || !openOutput(&output, path, mode))
+    {
+        workFree(block);
         return 0;
-    if (commitOutput(&output, WriteRkf(mesh, output.file, omitMaterials) != 0))
-        return 1;
-    return mode == saveInPlace ? reportFileError() : 0;
+    }
+    int whole = commitOutput(&output, writeRkfBytes(mesh, output.file, omitMaterials, block));
+    workFree(block);
+    return whole || mode == saveWhole ? whole : reportFileError();
 }

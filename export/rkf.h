@@ -10,9 +10,10 @@
 int rkfCanHold(const Mesh* mesh);
 
 // Writes into an open file, which is the caller's, to be flushed and closed. Returns 1, or 0 when the disk takes no
-// more or the format cannot hold the mesh (nothing is written then).
+// more, and with nothing written when the format cannot hold the mesh or after "Out of memory".
 int WriteRkf(const Mesh* mesh, FILE* file, bool omitMaterials);
 
-// Writes a file by its name. Returns 1, or 0: when the format cannot hold the mesh, after "File Error" and with the
-// target as it was; else as openOutput and closeOutput say, in place with "File Error" for a short write.
+// Writes a file by its name. Returns 1, or 0: when the format cannot hold the mesh, after "File Error", and after "Out
+// of memory", both with the target as it was; else as openOutput and closeOutput say, in place with "File Error" for a
+// short write.
 int WriteRkfFile(const Mesh* mesh, const char* path, bool omitMaterials, SaveMode mode);

@@ -1,5 +1,6 @@
 // export/text_writer.cpp - blocks into a file, and lines that are written once rather than a million times
 #include "export/text_writer.h"
+#include "model/memory.h"
 
 #include <assert.h>
 #include <stdarg.h>
@@ -90,11 +91,17 @@ void writeLine(TextWriter* writer, const char* format, ...)
 int writeTextOutput(OutputFile* output, const std::string& target, SaveMode mode,
                     void (*writeText)(TextWriter* writer, void* context), void* context)
 {
-    if (!openOutput(output, target, mode))
+    auto* writer = static_cast<TextWriter*>(workAlloc(sizeof(TextWriter))); // too large for a small stack
+    if (!writer)
         return 0;
-    TextWriter writer;
-    startText(&writer, output->file);
-    writeText(&writer, context);
-    int whole = closeOutput(output, finishText(&writer) != 0);
-    return whole || mode == saveInPlace;
+    int ok = openOutput(output, target, mode);
+    if (ok)
+    {
+        startText(writer, output->file);
+        writeText(writer, context);
+        int whole = closeOutput(output, finishText(writer) != 0);
+        ok = whole || mode == saveInPlace;
+    }
+    workFree(writer);
+    return ok;
 }

@@ -12,6 +12,7 @@
 constexpr size_t textBlockRoom = 64 * 1024;
 constexpr size_t textLineRoom = 512; // bytes that one call of textRoom gives
 
+// 64 KiB: the tests keep it on the stack, writeTextOutput does not.
 struct TextWriter
 {
     FILE* file; // the caller's, open for binary writing
@@ -62,6 +63,7 @@ void writeLine(TextWriter* writer, const char* format, ...);
 void writeBlankLine(TextWriter* writer);
 
 // Opens an output, has its text written and closes it. Returns 1; or 0 when the file could not be created or, with
-// saveWhole, not be written whole. A short write in place is not noticed: a full disk leaves a short file there.
+// saveWhole, not be written whole, and after "Out of memory" without a target touched. A short write in place is not
+// noticed: a full disk leaves a short file there.
 int writeTextOutput(OutputFile* output, const std::string& target, SaveMode mode,
                     void (*writeText)(TextWriter* writer, void* context), void* context);

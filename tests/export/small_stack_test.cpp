@@ -1,0 +1,94 @@
+// tests/export/small_stack_test.cpp - the writers keep no large arrays on the stack
+#include "export/bmp.h"
+#include "export/lux.h"
+#include "export/obj.h"
+#include "export/prop.h"
+#include "export/rkf.h"
+#include "tests/export/build.h"
+
+#include <pthread.h>
+
+using SmallStack = InOwnFolder;
+
+static MeshPointer oneTriangle()
+{
+    MeshPointer mesh = buildMesh({ { 0, 0, 0 }, { 1, 0, 0 }, { 0, 1, 0 } }, { { 0, 0 }, { 1, 0 } },
+                                 { { { 0, 1, 2, noCorner }, { 0, 1, 0, 0 }, 0, 0, 0 } }, 1, 1);
+    copyName(mesh->materialNames[0], "red");
+    copyName(mesh->groupNames[0], "one");
+    return mesh;
+}
+
+struct WriterRun
+{
+    const Mesh* mesh;
+    std::string folder;
+    int written;
+};
+
+static void fillGrey(uint8_t* row, int32_t, const BmpPicture* picture)
+{
+    memset(row, 0x80, bmpRowBytes(picture->width));
+}
+
+static void* runWriters(void* context)
+{
+    auto* run = static_cast<WriterRun*>(context);
+    const Mesh* mesh = run->mesh;
+    std::vector<uint8_t> pixels(200 * 100 * 3);
+    PreviewSource frame = { pixels.data(), 200, 100, 200 * 3 };
+    BmpPicture picture = {};
+    picture.width = picture.height = 300;
+    picture.fillRow = fillGrey;
+    for (SaveMode mode : { saveInPlace, saveWhole })
+    {
+        run->written += WriteObjFile(mesh, (run->folder + "a.obj").c_str(), "a.obj", mode);
+        run->written += WritePropFile(mesh, (run->folder + "a.pp2").c_str(), &frame, mode);
+        run->written += WriteRkfFile(mesh, (run->folder + "a.rkf").c_str(), false, mode);
+        run->written += WriteLuxFiles(mesh, (run->folder + "a.obj").c_str(), mode);
+        run->written += WriteBmpFile((run->folder + "a.bmp").c_str(), &picture, mode);
+    }
+    return nullptr;
+}
+
+// A thread with 64 KiB, twice what the writers and the library under them need.
+TEST_F(SmallStack, OfSixtyFourKiBIsEnoughForEveryWriter)
+{
+    MeshPointer mesh = oneTriangle();
+    WriterRun run = { mesh.get(), folder, 0 };
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, size_t{ 64 } * 1024), 0);
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, &attributes, runWriters, &run), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+    EXPECT_EQ(run.written, 10);
+    EXPECT_EQ(filesInFolder().size(), 10u);
+}
+
+// Their blocks come from the heap instead, which may refuse them.
+TEST_F(SmallStack, ARefusedBlockIsToldAndTouchesNoFile)
+{
+    MeshPointer mesh = oneTriangle();
+    for (const char* name : { "a.obj", "a.pp2", "a.rkf" })
+    {
+        std::string path = folder + name;
+        putFile(path, "earlier");
+        for (SaveMode mode : { saveInPlace, saveWhole })
+        {
+            recorded.boxes.clear();
+            recorded.allocations = 0;
+            recorded.refuseFrom = 1;
+            int done = path.back() == 'j'   ? WriteObjFile(mesh.get(), path.c_str(), name, mode)
+                       : path.back() == '2' ? WritePropFile(mesh.get(), path.c_str(), nullptr, mode)
+                                            : WriteRkfFile(mesh.get(), path.c_str(), false, mode);
+            recorded.refuseFrom = 0;
+            EXPECT_EQ(done, 0) << name;
+            EXPECT_EQ(recorded.boxes.size(), 1u) << name;
+            EXPECT_EQ(recorded.boxes[0].text, "Out of memory") << name;
+            EXPECT_EQ(contents(path), "earlier");
+        }
+    }
+    EXPECT_EQ(filesInFolder(), (Names{ "a.obj", "a.pp2", "a.rkf" }));
+}
