@@ -15,6 +15,7 @@ constexpr size_t blockFrontRoom = 16;
 constexpr size_t blockPaddingRoom = 128;
 constexpr size_t blockAlignment = 64;
 
+// Too large for a small stack, as is every record that holds one: a reader takes memory for it.
 struct BlockSource
 {
     FILE* file;           // the caller's

@@ -6,6 +6,7 @@
 #include "import/common/paths.h"
 #include "import/common/sanitize.h"
 #include "import/obj/parts.h"
+#include "model/memory.h"
 #include "model/normals.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
@@ -283,20 +284,27 @@ static int finishMesh(const ObjReader* reader, const char* path)
     return 1;
 }
 
+static int readObj(ObjReader* reader, Mesh* mesh, const char* path, size_t blockBytes)
+{
+    if (!openObjSource(&reader->source, path, blockBytes))
+        return 0;
+    reader->mesh = mesh;
+    reader->vertexCount = reader->uvCount = reader->faceCount = reader->polygonCount = reader->lineCount = 0;
+    reader->attributes = 0;
+    startNames(&reader->groups, mesh->groupNames);
+    startNames(&reader->materials, mesh->materialNames);
+    reader->library[0] = 0;
+    bool ok = readGeometry(reader);
+    closeObjSource(&reader->source);
+    return ok && finishMesh(reader, path);
+}
+
 int parseObjInBlocks(Mesh* mesh, const char* path, size_t blockBytes)
 {
-    ObjReader reader;
-    if (!openObjSource(&reader.source, path, blockBytes))
-        return 0;
-    reader.mesh = mesh;
-    reader.vertexCount = reader.uvCount = reader.faceCount = reader.polygonCount = reader.lineCount = 0;
-    reader.attributes = 0;
-    startNames(&reader.groups, mesh->groupNames);
-    startNames(&reader.materials, mesh->materialNames);
-    reader.library[0] = 0;
-    bool ok = readGeometry(&reader);
-    closeObjSource(&reader.source);
-    return ok && finishMesh(&reader, path);
+    auto* reader = static_cast<ObjReader*>(workAlloc(sizeof(ObjReader)));
+    int ok = reader && readObj(reader, mesh, path, blockBytes);
+    workFree(reader);
+    return ok;
 }
 
 int ParseObjFile(Mesh* mesh, const char* path)

@@ -3,6 +3,7 @@
 
 #include "import/common/plain_lines.h"
 #include "import/common/sanitize.h"
+#include "model/memory.h"
 #include "model/normals.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
@@ -245,8 +246,11 @@ static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
     mesh->lineCount = 0;
 }
 
-static bool readOff(OffSource* source, Mesh* mesh)
+static bool readOff(OffSource* source, FILE* file, Mesh* mesh)
 {
+    startLines(&source->lines, file);
+    source->lineCount = 0;
+    source->plainLines = kernelLevel() >= kernelsSse2;
     OffCounts counts;
     if (source->lines.blocks.sizeBytes <= 0 || !readHeader(source, mesh, &counts) ||
         !readVertices(source, mesh, counts.vertices))
@@ -265,11 +269,9 @@ int LoadOffFile(Mesh* mesh, const char* path)
         return 0;
     }
     showProgress("LOADING.....");
-    OffSource source;
-    startLines(&source.lines, file);
-    source.lineCount = 0;
-    source.plainLines = kernelLevel() >= kernelsSse2;
-    bool ok = readOff(&source, mesh);
+    auto* source = static_cast<OffSource*>(workAlloc(sizeof(OffSource)));
+    bool ok = source && readOff(source, file, mesh);
+    workFree(source);
     fclose(file);
     closeProgress();
     if (!ok)

@@ -513,6 +513,17 @@ static int readObjects(PoserReader* reader)
     return 0;
 }
 
+static int readFile(PoserReader* reader, FILE* file, Mesh* mesh)
+{
+    startBlocks(&reader->source.blocks, file);
+    reader->mesh = mesh;
+    startNames(&reader->groups, mesh->groupNames);
+    startNames(&reader->materials, mesh->materialNames);
+    reader->vertexLimit = reader->uvLimit = 0;
+    mesh->lineCount = mesh->liveFaceCount = mesh->faceCount = 0;
+    return readObjects(reader);
+}
+
 // Faces of a block without texture coordinates point to the first one of the next block, which may not be there.
 static int finishUvs(Mesh* mesh)
 {
@@ -531,16 +542,10 @@ int LoadPoserFile(Mesh* mesh, const char* path)
     FILE* file = openFile(path, "rb");
     if (!file)
         return 0;
-    PoserReader reader;
-    startBlocks(&reader.source.blocks, file);
-    reader.mesh = mesh;
-    startNames(&reader.groups, mesh->groupNames);
-    startNames(&reader.materials, mesh->materialNames);
-    reader.vertexLimit = reader.uvLimit = 0;
-    mesh->lineCount = mesh->liveFaceCount = mesh->faceCount = 0;
-
     const char* failure = "Unable to read file";
-    int ok = readObjects(&reader);
+    auto* reader = static_cast<PoserReader*>(workAlloc(sizeof(PoserReader)));
+    int ok = reader && readFile(reader, file, mesh);
+    workFree(reader);
     fclose(file);
     if (ok && mesh->vertexCount == 0)
     {
