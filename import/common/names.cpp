@@ -1,7 +1,11 @@
 // import/common/names.cpp - names by hash
 #include "import/common/names.h"
 
+#include "model/seeded_hash.h"
+
 #include <string.h>
+
+static_assert(nameRoom <= 4 * hashWordLimit);
 
 void startNames(NameTable* table, char (*names)[nameRoom])
 {
@@ -9,17 +13,25 @@ void startNames(NameTable* table, char (*names)[nameRoom])
     table->names = names;
 }
 
-// The place of the name, or the free one where it would go. There are twice as many places as slots.
+// The place of the name, or the free one where it would go. There are twice as many places as slots. A name that is too
+// long for a slot has a place as well, where it is not found.
 static size_t findPlace(const NameTable* table, const char* name)
 {
-    uint32_t hash = 2166136261u; // FNV-1a (Fowler, Noll, Vo)
-    for (const char* c = name; *c; ++c)
-        hash = (hash ^ static_cast<uint8_t>(*c)) * 16777619u;
     constexpr size_t mask = 2 * nameLimit - 1;
-    size_t place = (hash ^ hash >> 16) & mask;
+    size_t place = hashBytes(hashSeed(), name, strnlen(name, nameRoom)) & mask;
     while (table->places[place] && strcmp(table->names[table->places[place] - 1], name) != 0)
         place = (place + 1) & mask;
     return place;
+}
+
+void addFoundNames(NameTable* table, int32_t count)
+{
+    for (; table->count < count; ++table->count)
+    {
+        int16_t* place = &table->places[findPlace(table, table->names[table->count])];
+        if (*place == 0)
+            *place = static_cast<int16_t>(table->count + 1);
+    }
 }
 
 int32_t findName(const NameTable* table, const char* name)

@@ -17,6 +17,9 @@ struct NameTable
 // Makes an empty table over the slots of a mesh. Names that are added overwrite what the slots hold.
 void startNames(NameTable* table, char (*names)[nameRoom]);
 
+// Adds the names that the first slots hold already; of equal ones the first is found.
+void addFoundNames(NameTable* table, int32_t count);
+
 // The slot of the exact name, or -1.
 int32_t findName(const NameTable* table, const char* name);
 

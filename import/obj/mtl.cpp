@@ -9,7 +9,8 @@
 
 #include <string.h>
 
-constexpr int mtlLineRoom = 256; // the rest of a longer line is a line of its own
+constexpr int mtlLineRoom = 256;                       // the rest of a longer line is a line of its own
+constexpr int64_t mtlBytesLimit = int64_t{ 64 } << 20; // of a library; a model can name any file of the computer
 
 // What a library's values go to.
 struct MtlTarget
@@ -35,14 +36,10 @@ static MtlTarget targetOf(Mesh* mesh, int32_t slot, MtlScratch* scratch)
 }
 
 // The slot of a name, or that after the last material for a name that none has.
-static int32_t slotOf(const Mesh* mesh, const char* name)
+static int32_t slotOf(const Mesh* mesh, const NameTable& names, const char* name)
 {
-    for (int32_t i = 0; i < mesh->materialCount; ++i)
-    {
-        if (strcmp(mesh->materialNames[i], name) == 0)
-            return i;
-    }
-    return mesh->materialCount;
+    int32_t slot = findName(&names, name);
+    return slot >= 0 ? slot : mesh->materialCount;
 }
 
 static void readColour(float* colour, const char* value)
@@ -97,11 +94,11 @@ static void readValue(const MtlTarget& target, const char* keyword, const char* 
         copyNameFromText(*target.opacity, value);
 }
 
-void ReadMtlFile(Mesh* mesh, const char* path)
+static void readLibrary(Mesh* mesh, FILE* file)
 {
-    FILE* file = *path ? openFile(path, "rb") : nullptr;
-    if (!file)
-        return;
+    NameTable names;
+    startNames(&names, mesh->materialNames);
+    addFoundNames(&names, mesh->materialCount);
     MtlScratch scratch = {};
     MtlTarget target = targetOf(mesh, mesh->materialCount, &scratch);
     char line[mtlLineRoom];
@@ -113,9 +110,19 @@ void ReadMtlFile(Mesh* mesh, const char* path)
         *value++ = 0;
         value[strcspn(value, "\r\n")] = 0;
         if (strcmp(line, "newmtl") == 0)
-            target = targetOf(mesh, slotOf(mesh, value), &scratch);
+            target = targetOf(mesh, slotOf(mesh, names, value), &scratch);
         else
             readValue(target, line, value);
     }
+}
+
+void ReadMtlFile(Mesh* mesh, const char* path)
+{
+    FILE* file = *path ? openFile(path, "rb") : nullptr;
+    if (!file)
+        return;
+    int64_t sizeBytes = measureFile(file);
+    if (sizeBytes >= 0 && sizeBytes <= mtlBytesLimit)
+        readLibrary(mesh, file);
     fclose(file);
 }

@@ -199,25 +199,11 @@ int ReadDxfFace(DxfSource* source, DxfFace* face)
     return sameCorner(face->corners[3], face->corners[2]) ? 3 : 4;
 }
 
-static uint32_t hashPosition(const float (&position)[3], uint32_t seed)
-{
-    uint64_t hash = seed;
-    for (float value : position)
-    {
-        value += 0.0f; // -0 becomes 0
-        uint32_t bits;
-        memcpy(&bits, &value, sizeof bits);
-        hash = (hash ^ bits) * 0x9E3779B97F4A7C15;
-        hash ^= hash >> 32;
-    }
-    return static_cast<uint32_t>(hash);
-}
-
 // The place of the vertex with these coordinates, or the free place where it would go.
 static int32_t* findPlace(const DxfWelder* welder, const Mesh* mesh, const float (&position)[3])
 {
     uint32_t mask = static_cast<uint32_t>(welder->placeCount) - 1;
-    uint32_t place = hashPosition(position, welder->seed) & mask;
+    uint32_t place = hashPosition(*welder->seed, position) & mask;
     while (welder->places[place] && !sameCorner(mesh->vertices[welder->places[place] - 1].position, position))
         place = (place + 1) & mask;
     return &welder->places[place];
@@ -228,14 +214,13 @@ static bool growWelder(DxfWelder* welder, const Mesh* mesh)
     if (welder->placeCount > INT32_MAX / 2)
         return reportOutOfMemory() != 0;
     DxfWelder grown = *welder;
+    grown.seed = &hashSeed();
     grown.placeCount = welder->placeCount ? welder->placeCount * 2 : firstPlaces;
     while (grown.placeCount / 2 < mesh->vertexCapacity && grown.placeCount <= INT32_MAX / 2)
         grown.placeCount *= 2;
     grown.places = static_cast<int32_t*>(workAlloc(blockSize(grown.placeCount, sizeof(int32_t))));
     if (!grown.places)
         return false;
-    // Nobody can predict the seed, so that no file can be made whose positions all collide.
-    grown.seed = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(grown.places) >> 12) * 0x9E3779B1u;
     for (int32_t i = 0; i < mesh->vertexCount; ++i)
     {
         int32_t* place = findPlace(&grown, mesh, mesh->vertices[i].position);
@@ -331,8 +316,10 @@ static int32_t expectedFaces(const DxfSource* source)
     return static_cast<int32_t>(std::clamp<int64_t>(source->blocks.sizeBytes / faceBytes, leastGrowth, INT32_MAX));
 }
 
-static bool readDxf(DxfSource* source, Mesh* mesh)
+static bool readDxf(DxfSource* source, FILE* file, Mesh* mesh)
 {
+    startBlocks(&source->blocks, file);
+    source->plainLines = kernelLevel() >= kernelsSse2;
     DxfWelder welder = {};
     int32_t expected = expectedFaces(source);
     bool ok = growVertices(mesh, expected) && growUvs(mesh, leastGrowth) && growFaces(mesh, expected) &&
@@ -352,10 +339,9 @@ int LoadDxfFile(Mesh* mesh, const char* path)
     FILE* file = openFile(path, "rb");
     if (!file)
         return 0;
-    DxfSource source;
-    startBlocks(&source.blocks, file);
-    source.plainLines = kernelLevel() >= kernelsSse2;
-    bool ok = readDxf(&source, mesh);
+    auto* source = static_cast<DxfSource*>(workAlloc(sizeof(DxfSource)));
+    bool ok = source && readDxf(source, file, mesh);
+    workFree(source);
     fclose(file);
     if (!ok)
         return failUnreadable();

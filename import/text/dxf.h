@@ -5,6 +5,7 @@
 #include "import/common/block_source.h"
 #include "import/common/numbers.h"
 #include "model/mesh.h"
+#include "model/seeded_hash.h"
 
 constexpr size_t dxfLineRoom = 2048; // of a line with its terminator; what is left of a longer one is the next line
 
@@ -29,7 +30,7 @@ struct DxfWelder
 {
     int32_t* places;    // by hash, then the next free place: vertex index + 1, 0: free
     int32_t placeCount; // a power of 2, more than twice the number of vertices
-    uint32_t seed;      // of the hash
+    const HashSeed* seed;
 };
 
 // Reads plain 3DFACE entities (layer, four corners, perhaps a colour, and nothing else) and joins them at equal

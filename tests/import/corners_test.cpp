@@ -2,8 +2,10 @@
 #include "import/common/corners.h"
 #include "import/common/names.h"
 #include "import/common/numbers.h"
+#include "model/seeded_hash.h"
 #include "tests/recording/recording.h"
 #include "tests/import/random.h"
+#include "tests/import/runs.h"
 
 #include <gtest/gtest.h>
 #include <stdio.h>
@@ -228,6 +230,33 @@ TEST(FaceRecords, PolylinesAreChains)
         EXPECT_EQ(recordsOf(mesh, records), wanted[points - 2]) << points;
     }
     freeMesh(mesh);
+}
+
+// The places of a full table of names that FNV-1a, which has no seed, would put into one place.
+static std::vector<bool> placesAfterAFlood(uint64_t seed)
+{
+    static char slots[nameLimit][nameRoom];
+    setHashSeed(seed);
+    NameTable table;
+    startNames(&table, slots);
+    for (int number = 0; table.count < nameLimit; ++number)
+    {
+        std::string name = "name" + std::to_string(number);
+        uint32_t hash = 2166136261u;
+        for (char c : name)
+            hash = (hash ^ static_cast<uint8_t>(c)) * 16777619u;
+        bool colliding = ((hash ^ hash >> 16) & (2 * nameLimit - 1)) == 0;
+        EXPECT_TRUE(!colliding || findOrAddName(&table, name.c_str()) >= 0);
+    }
+    return std::vector<bool>(table.places, table.places + 2 * nameLimit);
+}
+
+TEST(Names, NoFileCanForeseeWhereANameGoes)
+{
+    std::vector<bool> places = placesAfterAFlood(1);
+    EXPECT_LE(longestRun(places), places.size() / 8);
+    EXPECT_EQ(placesAfterAFlood(1), places);
+    EXPECT_NE(placesAfterAFlood(2), places);
 }
 
 TEST(Names, FoundExactlyOrAddedOrRefusedWhenFull)

@@ -4,6 +4,7 @@
 #include "platform/files.h"
 #include "tests/import/damage.h"
 #include "tests/import/loading.h"
+#include "tests/import/runs.h"
 
 #include <math.h>
 
@@ -256,6 +257,37 @@ TEST_F(DxfReader, WeldingFindsTheFirstEqualVertex)
     EXPECT_EQ(mesh->vertexCount, static_cast<int32_t>(known.size()));
     freeDxfWelder(&welder);
     freeMesh(mesh);
+}
+
+// The places of a table in which something is.
+static std::vector<bool> takenPlaces(const DxfWelder& welder)
+{
+    return std::vector<bool>(welder.places, welder.places + welder.placeCount);
+}
+
+// Welds vertices that a multiplicative hash without a seed would put into one place.
+static std::vector<bool> placesAfterAFlood(uint64_t seed)
+{
+    setHashSeed(seed);
+    Mesh* mesh = createMesh("prop");
+    DxfWelder welder = {};
+    for (uint32_t bits = std::bit_cast<uint32_t>(1.0f); mesh->vertexCount < 1000; ++bits)
+    {
+        bool colliding = (bits * 0x9E3779B97F4A7C15u >> 32 & 1023) == 0;
+        EXPECT_TRUE(!colliding || WeldDxfVertex(&welder, mesh, std::bit_cast<float>(bits), 0, 0) >= 0);
+    }
+    std::vector<bool> taken = takenPlaces(welder);
+    freeDxfWelder(&welder);
+    freeMesh(mesh);
+    return taken;
+}
+
+TEST_F(DxfReader, NoFileCanForeseeWhereAVertexGoes)
+{
+    std::vector<bool> places = placesAfterAFlood(1);
+    EXPECT_LE(longestRun(places), places.size() / 32);
+    EXPECT_EQ(placesAfterAFlood(1), places);
+    EXPECT_NE(placesAfterAFlood(2), places);
 }
 
 TEST_F(DxfReader, WeldingTakesUpTheVerticesThatAreThere)
