@@ -13,7 +13,7 @@
 FILE* openFile(const char* path, const char* mode);
 
 // Returns 1 when the path, with links followed, leads to a regular file, and 0 for a folder, a device, a pipe or
-// nothing.
+// nothing, and for what only looks like a file, such as those of /proc and /sys, which may never end.
 int isPlainFile(const char* path);
 
 // The path with the current folder in front when it is relative, so that it still means the same file after the current

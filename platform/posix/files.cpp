@@ -13,6 +13,13 @@
 #include <unistd.h>
 #include <string>
 
+#ifdef __linux__
+#include <linux/magic.h>
+#include <sys/vfs.h>
+
+constexpr uint32_t configfsMagic = 0x62656570; // <linux/magic.h> lacks it
+#endif
+
 // Makes a write past the size limit of files fail as on a full disk. By default the operating system ends the program.
 static void letLongWritesFail()
 {
@@ -40,10 +47,34 @@ FILE* openFile(const char* path, const char* mode)
     return file;
 }
 
+// Whether the kernel makes the files of a file system up as they are read. Some of those never end, as
+// /proc/self/pagemap, and some wait or answer only once.
+static bool isMadeUp(const char* path)
+{
+#ifdef __linux__
+    static constexpr uint32_t made[] = {
+        PROC_SUPER_MAGIC, SYSFS_MAGIC,   DEBUGFS_MAGIC, TRACEFS_MAGIC,     CGROUP_SUPER_MAGIC, CGROUP2_SUPER_MAGIC,
+        SECURITYFS_MAGIC, SELINUX_MAGIC, SMACK_MAGIC,   PSTOREFS_MAGIC,    EFIVARFS_MAGIC,     RDTGROUP_SUPER_MAGIC,
+        BINFMTFS_MAGIC,   BPF_FS_MAGIC,  NSFS_MAGIC,    XENFS_SUPER_MAGIC, configfsMagic
+    };
+    struct statfs facts;
+    if (statfs(path, &facts) != 0)
+        return false;
+    for (uint32_t magic : made)
+    {
+        if (static_cast<uint32_t>(facts.f_type) == magic)
+            return true;
+    }
+#else
+    (void)path;
+#endif
+    return false;
+}
+
 int isPlainFile(const char* path)
 {
     struct stat facts;
-    return stat(path, &facts) == 0 && S_ISREG(facts.st_mode);
+    return stat(path, &facts) == 0 && S_ISREG(facts.st_mode) && !isMadeUp(path);
 }
 
 std::string fullPathOf(const char* path)

@@ -220,3 +220,21 @@ TEST_F(MtlReader, NoNameAndNoFileDoNothing)
     ReadMtlFile(loaded->mesh, folder.path.c_str());
     expectDefaults(mesh, 0);
 }
+
+TEST_F(MtlReader, ALibraryOfMoreThan64MiBIsNotRead)
+{
+    folder.write("lib.mtl", "newmtl a\nKd 1 0 0\n");
+    std::filesystem::path library = folder.path / "lib.mtl";
+    std::string model = "mtllib lib.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl a\nf 1 2 3\n";
+    std::filesystem::resize_file(library, uintmax_t{ 64 } << 20);
+    expectColour(readObj(model)->materials[0].diffuse, 1, 0, 0);
+    std::filesystem::resize_file(library, (uintmax_t{ 64 } << 20) + 1);
+    expectColour(readObj(model)->materials[0].diffuse, 1, 1, 1);
+}
+
+#ifdef __linux__
+TEST_F(MtlReader, ALibraryThatTheKernelMakesUpIsNotRead)
+{
+    expectDefaults(readObj("mtllib /proc/self/pagemap\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl a\nf 1 2 3\n"), 0);
+}
+#endif

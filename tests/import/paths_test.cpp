@@ -42,6 +42,10 @@ TEST(ModelPaths, APipeOfTheNameIsNoFileOfTheModel)
     ASSERT_EQ(mkfifo((folder.path / "a.mtl").c_str(), 0600), 0);
     EXPECT_EQ(findModelFile(model.c_str(), "a.mtl"), "");
     EXPECT_EQ(findTextureFile(model.c_str(), "maps/a.mtl"), "");
+#ifdef __linux__
+    EXPECT_EQ(findModelFile(model.c_str(), "/proc/self/status"), "");
+    EXPECT_EQ(findTextureFile(model.c_str(), "/sys/kernel/mm/transparent_hugepage/enabled"), "");
+#endif
 }
 #endif
 

@@ -61,6 +61,10 @@ TEST_F(Files, APlainFileIsNoFolderDeviceOrLinkToNowhere)
     EXPECT_EQ(isPlainFile(path("lost").c_str()), 0);
     EXPECT_EQ(isPlainFile(folder.c_str()), 0);
     EXPECT_EQ(isPlainFile("/dev/null"), 0);
+#ifdef __linux__
+    EXPECT_EQ(isPlainFile("/proc/self/pagemap"), 0);
+    EXPECT_EQ(isPlainFile("/proc/self/status"), 0);
+#endif
 }
 
 TEST_F(Files, ADeviceOpensForWriting)
