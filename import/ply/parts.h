@@ -164,8 +164,8 @@ bool readPlyHeader(PlyReader* reader);
 // The fewest bytes of one instance.
 int64_t plyInstanceBytes(const PlyReader* reader, const PlyElement& element);
 
-// Whether the file can have the instances that an element announces. An instance that takes no bytes may be there once
-// for every byte of the file.
+// Whether the file can have the instances that an element announces. Properties and instances that take no bytes may be
+// there once for every byte of the file: a file that means them writes at least a byte for each.
 bool plyCountPossible(const PlyReader* reader, const PlyElement& element);
 
 // Reads one instance. The list is emptied first. A null vertex means that no value is wanted. Returns false for a short

@@ -9,29 +9,45 @@ static bool swapsBytes(const PlyReader* reader)
     return reader->format == plyBigEndian;
 }
 
+// The fewest bytes of a property in a binary file.
+static int64_t propertyBytes(const PlyProperty& property)
+{
+    switch (property.kind)
+    {
+    case plyScalar: return static_cast<int64_t>(plyTypeBytes[property.type]);
+    case plyList: return static_cast<int64_t>(plyTypeBytes[property.countType]);
+    case plyString: break;
+    }
+    return 4;
+}
+
 int64_t plyInstanceBytes(const PlyReader* reader, const PlyElement& element)
 {
     if (reader->format == plyAscii)
         return 2; // a character and a line end
     int64_t bytes = 0;
     for (int32_t i = 0; i < element.propertyCount; ++i)
-    {
-        const PlyProperty& property = element.properties[i];
-        switch (property.kind)
-        {
-        case plyScalar: bytes += static_cast<int64_t>(plyTypeBytes[property.type]); break;
-        case plyList: bytes += static_cast<int64_t>(plyTypeBytes[property.countType]); break;
-        case plyString: bytes += 4; break;
-        }
-    }
+        bytes += propertyBytes(element.properties[i]);
     return bytes;
+}
+
+// The properties that may take no byte of an instance, and so as much time as the header wants.
+static int64_t sizelessProperties(const PlyElement& element)
+{
+    int64_t count = 0;
+    for (int32_t i = 0; i < element.propertyCount; ++i)
+        count += propertyBytes(element.properties[i]) == 0;
+    return count;
 }
 
 bool plyCountPossible(const PlyReader* reader, const PlyElement& element)
 {
-    int64_t bytes = plyInstanceBytes(reader, element);
+    int64_t bytes = plyInstanceBytes(reader, element), sizeless = sizelessProperties(element);
+    int64_t sizeBytes = reader->cursor.blocks.sizeBytes;
+    if (sizeless > 0 && element.count > sizeBytes / sizeless)
+        return false;
     if (bytes == 0)
-        return element.count <= reader->cursor.blocks.sizeBytes;
+        return element.count <= sizeBytes;
     int64_t left = bytesLeft(&reader->cursor) + (reader->format == plyAscii); // the last line may lack its end
     return element.count <= left / bytes;
 }

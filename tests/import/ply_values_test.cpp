@@ -49,6 +49,36 @@ TEST_F(PlyReader, AnUnknownTypeReadsNothingAndIsZero)
               "1 0 2 FFFFFFFF");
 }
 
+// A header's properties of unknown types can cost as much time as the file has bytes, not more.
+TEST_F(PlyReader, PropertiesWithoutBytesAreThereAtMostOnceForEveryByte)
+{
+    auto properties = [](int count, const std::string& text)
+    {
+        std::string lines;
+        for (int i = 0; i < count; ++i)
+            lines += text;
+        return lines;
+    };
+    auto file = [&](const std::string& format, int faces, const std::string& property)
+    {
+        return header(format,
+                      "element vertex 0\nelement face " + std::to_string(faces) + "\n" + properties(64, property)) +
+               std::string(2000, '\n');
+    };
+    for (const char* property : { "property list foo bar p\n", "property list foo int p\n", "property half p\n" })
+    {
+        std::string text = property;
+        auto most = static_cast<int>(file("binary_little_endian", 10, text).size() / 64);
+        EXPECT_EQ(facesReadBy(LoadPlyFile, file("binary_little_endian", most, text)), "") << text;
+        expectRefused(file("binary_little_endian", most + 1, text));
+    }
+    std::string lines = properties(1000, "0\n"), sizeless = properties(63, "property half p\n");
+    expectRefused(header("ascii", "element vertex 1000\nproperty int x\n" + sizeless + "element face 0\n") + lines);
+    EXPECT_NE(
+        verticesFrom(header("ascii", "element vertex 50\nproperty int x\n" + sizeless + "element face 0\n") + lines),
+        "failed");
+}
+
 TEST_F(PlyReader, FloatsAreSanitized)
 {
     for (float bad : { 1048576.0f, -2e6f, 1e-40f, __builtin_inff(), __builtin_nanf("") })
