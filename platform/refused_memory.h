@@ -1,12 +1,13 @@
 // platform/refused_memory.h - whether a refusal of memory still has to be reported
 //
-// Some operations fail without a message of their own, or with one that is about something else, when the operating
-// system gives them no memory. They note it here, so that a command line can say "Out of memory" in the end.
+// When the operating system refuses memory, some operations fail without a message, or with a message about something
+// else. They note the refusal here, so that the command line can say "Out of memory" at its end.
 #pragma once
 
+// Memory was refused, and nothing has said so yet.
 void noteRefusedMemory();
 
-// "Out of memory" has been shown for what was noted.
+// "Out of memory" has been shown for every refusal so far.
 void refusedMemoryReported();
 
 bool refusedMemoryUnreported();

@@ -1,7 +1,7 @@
-// platform/posix/pending_files.cpp - files without a name where the file system has them, else files under a lock
+// platform/posix/pending_files.cpp - files without a name where the file system supports them, else files under a lock
 //
-// Whoever writes a pending file holds a lock on it, and locks end with their process. A temporary name whose file is
-// not locked therefore belongs to a process that is gone.
+// A process holds a lock on the pending file that it writes, and locks end with their process. A temporary file that
+// nobody has locked therefore belongs to a process that has ended.
 #include "platform/pending_files.h"
 
 #include "platform/file_names.h"
@@ -16,7 +16,7 @@
 #include <time.h>
 #include <unistd.h>
 
-// Names of this process's files, for the signal handler: a handler must not allocate, so the room for them is fixed. A
+// Names of this process's files for the signal handler. A handler must not allocate, so the room for them is fixed. A
 // file for which there is no room stays behind when a signal comes, until the next writer takes it over.
 constexpr int namedLimit = 8;
 constexpr size_t namedPathRoom = 4096;
@@ -107,8 +107,8 @@ static int lockFresh(int file, const std::string& name)
     return closeUnlessGood(file, locked && hasName(file, name));
 }
 
-// What a dead process of this user left under a temporary name, locked and emptied. Returns its descriptor, or -1 when
-// it is in use or somebody else's.
+// Opens, locks and empties a temporary file that a dead process of this user has left. Returns its descriptor, or -1
+// when the file is in use or belongs to somebody else.
 static int openAbandoned(const std::string& name)
 {
     int file = open(name.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
@@ -180,7 +180,7 @@ int createPendingFile(PendingFile* pending, const char* place)
     return 0;
 }
 
-// Some file systems report a failed write only when a descriptor is closed: one is closed on trial.
+// Some file systems report a failed write only when a descriptor is closed, so a copy is closed.
 int finishPendingFile(PendingFile* pending)
 {
     if (ferror(pending->file) || fflush(pending->file) != 0)
@@ -189,7 +189,8 @@ int finishPendingFile(PendingFile* pending)
     return copy >= 0 && close(copy) == 0;
 }
 
-// Gives an unnamed file the first temporary name that is free; what a dead process left under one goes.
+// Gives an unnamed file the first temporary name that is free. Files that dead processes left under such names are
+// removed.
 static int nameFile(PendingFile* pending)
 {
     std::string self = pathOfDescriptor(fileno(pending->file));
@@ -222,7 +223,7 @@ static void keepPermissions(const PendingFile* pending)
     (void)!fchmod(fileno(pending->file), old.st_mode & (sameOwner ? 07777u : 0777u)); // some file systems keep none
 }
 
-// Last but for the renaming, which hardly ever fails: then all files of a set have a name in the folder.
+// The last step before renaming, which hardly ever fails. After it, all files of a set have a name in the folder.
 static int prepareToPlace(PendingFile* pending)
 {
     keepPermissions(pending);
@@ -240,7 +241,7 @@ static int placeFile(PendingFile* pending)
     return 1;
 }
 
-// Waits for other writers in the folder, but not for ever: a lock of somebody who keeps it must not hang the program.
+// Waits for other writers in the folder, but not for ever: a program that keeps its lock must not hang this one.
 static int lockFolder(const std::string& place)
 {
     constexpr int attempts = 400;

@@ -35,7 +35,7 @@ static HANDLE handleOf(FILE* file)
     return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)));
 }
 
-// The process's number makes the name its own.
+// The process's number makes the name unique.
 static HANDLE createTemporary(PendingFile* pending)
 {
     for (int number = 0;; ++number)
@@ -102,7 +102,7 @@ static int placeFile(PendingFile* pending)
     return 1;
 }
 
-// One set at a time on this machine; a process that keeps the turn for long is not waited for.
+// One set at a time on this machine. A process that keeps its turn longer than this is not waited for.
 int placePendingFiles(PendingFile* pending, int count)
 {
     constexpr DWORD patienceMs = 2000;
@@ -128,7 +128,7 @@ void dropPendingFile(PendingFile* pending)
     pending->temporary.clear();
 }
 
-// The files go with their handles, however the process ends.
+// The operating system deletes the files with their handles, however the process ends.
 void removePendingFilesOnSignals() {}
 void removePendingFiles() {}
 

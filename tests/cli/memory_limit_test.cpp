@@ -1,5 +1,5 @@
-// tests/cli/memory_limit_test.cpp - the built program under every limit of its memory: it does its work or says "Out of
-// memory", and leaves nothing behind
+// tests/cli/memory_limit_test.cpp - under every limit of its memory, kbx does its work, or says "Out of memory" and
+// leaves nothing behind
 //
 // Each command runs under limits in steps of 16 KiB, from the smallest under which the program starts to twice what the
 // command needs. The limit is on the whole address space, so it meets the C++ library and the stack as well.

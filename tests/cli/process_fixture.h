@@ -1,4 +1,4 @@
-// tests/cli/process_fixture.h - a kbx as a process of its own in a folder of its own, with a limit or an environment
+// tests/cli/process_fixture.h - running kbx as a process in a scratch folder, under limits and with an environment
 #pragma once
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -15,8 +15,8 @@
 
 struct Ending
 {
-    int status;       // of the exit; -1 for a signal
-    std::string said; // on standard error
+    int status;       // exit status; -1 when a signal ended the process
+    std::string said; // what it wrote to standard error
 };
 
 struct Surroundings
@@ -28,7 +28,7 @@ struct Surroundings
 
 using Words = std::vector<std::string>;
 
-// The folder holds a.obj, with many groups and materials, and a.mtl.
+// Its scratch folder has the model a.obj, with many groups and materials, and its library a.mtl.
 class ProcessTest : public testing::Test
 {
 protected:
@@ -109,7 +109,7 @@ protected:
         return { WIFEXITED(status) ? WEXITSTATUS(status) : -1, said.str() };
     }
 
-    // Done, with all outputs there; or status 1 and "Out of memory", with nothing new in the folder. Removes the
+    // Expects either status 0 and all outputs, or status 1, "Out of memory" and nothing new in the folder. Removes the
     // outputs.
     void expectDoneOrOutOfMemory(const Ending& ending, const std::set<std::string>& outputs)
     {

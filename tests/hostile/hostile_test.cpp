@@ -1,5 +1,5 @@
-// tests/hostile/hostile_test.cpp - a file that is wrong on purpose is refused with its message or gives a mesh that
-// keeps its promises, in memory that is in proportion to the file
+// tests/hostile/hostile_test.cpp - a file with a known mistake is refused with its message or gives a sound mesh, and
+// reading it takes memory in proportion to its size
 #include "tests/hostile/hostile_files.h"
 
 #include "image/jpeg.h"
