@@ -174,6 +174,51 @@ TEST_F(Shading, MoonIsZeroOnTheFarSideAndFlatTowardTheLimb)
               109u); // 0.5 x 1.2 / 1.4
 }
 
+TEST_F(Shading, MoonIsScaledByTheOpacity)
+{
+    for (int32_t i = 0; i < lightCount; ++i)
+        SetLight(&renderSettings, i, i == 2);
+    Material material = plainMaterial();
+    material.ambientLevel = material.specularLevel = 0;
+    material.transparency = 0.75f;
+    const float at[3] = { 0, -1, 0 };
+    // 2 x diffuse level x a quarter: red 0.25, green 0.125
+    EXPECT_EQ(shadeVertex(&material, renderSettings.lights, at, 0, renderMoon, opaqueWhite), 0xFF3F1F00u);
+}
+
+TEST_F(Shading, ALightsColourScalesItsDiffuseAndItsHighlight)
+{
+    for (int32_t i = 0; i < lightCount; ++i)
+        SetLight(&renderSettings, i, i == 2);
+    Material material = plainMaterial();
+    material.ambientLevel = 0;
+    material.diffuseLevel = 1;
+    material.specularLevel = 1;
+    const float colour[3] = { 0.5f, 0.25f, 0.125f };
+    for (int c = 0; c < 3; ++c)
+        renderSettings.lights[2].colour[c] = colour[c];
+    const float toward[3] = { 0, -1, 0 }, half[3] = { 0, -sqrtf(0.5f), sqrtf(0.5f) };
+    // diffuse red 1 and green 0.5; no highlight
+    EXPECT_EQ(shadeVertex(&material, renderSettings.lights, toward, 0, 0, opaqueWhite), 127u << 16 | 31u << 8);
+    uint32_t mirrored = shadeVertex(&material, renderSettings.lights, half, 0, 0, opaqueWhite);
+    EXPECT_NEAR(static_cast<float>(mirrored & 0xFF), 0.125f * 255, 1.0f) << "a blue highlight";
+}
+
+TEST_F(Shading, TransparencyByteIsTheWholePartOf255Times)
+{
+    Material material = plainMaterial();
+    const struct
+    {
+        float transparency;
+        uint32_t byte;
+    } cases[] = { { 0, 0 }, { 0.25f, 63 }, { 0.5f, 127 }, { 0.75f, 191 }, { 1, 255 }, { -1, 0 }, { 2, 255 } };
+    for (const auto& c : cases)
+    {
+        material.transparency = c.transparency;
+        EXPECT_EQ(transparencyByte(&material), c.byte) << c.transparency;
+    }
+}
+
 TEST_F(Shading, WildValuesGiveBytes)
 {
     Material material = plainMaterial();

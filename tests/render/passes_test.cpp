@@ -123,6 +123,32 @@ TEST_F(Passes, ATransparentFaceTurnedAwayIsDrawnBehindTheNearSide)
     EXPECT_NE(centreCell(display), renderSettings.backgroundColour) << "no face toward the eye is transparent";
 }
 
+TEST_F(Passes, TransparentFacesTurnedAwayAreDrawnBeforeThoseTowardTheEye)
+{
+    renderSettings.renderFlags &= ~renderBackCulled;
+    ApplyPreset(&renderSettings, presetProp, 0);
+    Display display(64, 64);
+    Mesh* mesh = emptyMesh();
+    mesh->materialCount = 2;
+    for (int m = 0; m < 2; ++m)
+    {
+        mesh->materials[m].transparency = 0.5f;
+        for (int k = 0; k < 3; ++k)
+        {
+            mesh->materials[m].diffuse[k] = k == 2 * m ? 1.0f : 0.0f;
+            mesh->materials[m].specular[k] = mesh->materials[m].ambient[k] = 0;
+        }
+    }
+    addSquare(mesh, 0.5f, true, 1);   // blue, toward the eye
+    addSquare(mesh, -0.5f, false, 0); // red, behind it, turned away
+    finishMesh(mesh);
+    installMesh(&display.list, mesh);
+    renderSettings.backgroundColour = 0;
+    display.drawWhole();
+    EXPECT_GT(centreCell(display) >> 11 & 31, 3u) << "the far one shows through the near one";
+    EXPECT_GT(centreCell(display) & 31, 3u);
+}
+
 TEST_F(Passes, HiddenDeletedAndOffScreenFacesAreNotDrawn)
 {
     Display display(64, 64);

@@ -2,6 +2,7 @@
 #include "render/project.h"
 
 #include "model/matrix.h"
+#include "render/kernels.h"
 #include "render/view.h"
 #include "tests/render/scenes.h"
 
@@ -40,6 +41,62 @@ TEST_F(Projection, VerticesOutsideTheDisplayOrTheDepthsStandInTheCentre)
     EXPECT_EQ(mesh->screenRect[2], 50);
     EXPECT_EQ(mesh->screenRect[3], 40);
     freeMesh(mesh);
+}
+
+// The matrix takes the position itself as column, row and depth.
+constexpr Matrix inPlace = { { 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1 } };
+constexpr KernelLevel everyLevel[] = { kernelsPlain, kernelsSse2, kernelsAvx2, kernelsAvx512 };
+
+TEST_F(Projection, DepthsFrom1To16383AreOnTheScreen)
+{
+    FrameTransforms transforms = {};
+    transforms.screen = inPlace;
+    const struct
+    {
+        float depth;
+        bool onScreen;
+    } cases[] = {
+        { 0, false }, { 0.999f, false }, { 1, true }, { 16383, true }, { 16383.998f, true }, { 16384, false }
+    };
+    for (KernelLevel level : everyLevel)
+    {
+        limitKernelLevel(level);
+        Mesh* mesh = emptyMesh();
+        for (const auto& c : cases)
+            addVertex(mesh, 7, 8, c.depth);
+        vertexKernels().project(mesh, &transforms, 100, 60);
+        for (int i = 0; i < 6; ++i)
+            EXPECT_EQ(!(mesh->projected[i].flags & vertexOffScreen), cases[i].onScreen) << cases[i].depth;
+        EXPECT_EQ(mesh->projected[2].flags, 1u);
+        EXPECT_EQ(mesh->projected[3].flags, 16383u);
+        freeMesh(mesh);
+    }
+}
+
+TEST_F(Projection, TheShadowMapTakesDepthsFrom0To16384AndColumnsFrom0To1024)
+{
+    FrameTransforms transforms = {};
+    transforms.light = inPlace;
+    const struct
+    {
+        float p[3];
+        bool onMap;
+    } cases[] = {
+        { { 5, 6, 0 }, true }, { { 5, 6, -0.001f }, false }, { { 5, 6, 16384 }, true }, { { 5, 6, 16385 }, false },
+        { { 0, 6, 9 }, true }, { { -0.001f, 6, 9 }, false }, { { 1024, 6, 9 }, true },  { { 1025, 6, 9 }, false },
+        { { 5, 0, 9 }, true }, { { 5, -0.001f, 9 }, false }, { { 5, 1024, 9 }, true },  { { 5, 1025, 9 }, false },
+    };
+    for (KernelLevel level : everyLevel)
+    {
+        limitKernelLevel(level);
+        Mesh* mesh = emptyMesh();
+        for (const auto& c : cases)
+            addVertex(mesh, c.p[0], c.p[1], c.p[2]);
+        vertexKernels().projectLight(mesh, &transforms);
+        for (int i = 0; i < 12; ++i)
+            EXPECT_EQ(!(mesh->projected[i].flags & vertexOffScreen), cases[i].onMap) << i;
+        freeMesh(mesh);
+    }
 }
 
 class Classification : public RenderTest

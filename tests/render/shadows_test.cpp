@@ -208,6 +208,38 @@ TEST_F(Shadows, WhatIsNearerToTheLightHidesWhatLiesBehind)
     EXPECT_EQ(markedCount(mesh), 0);
 }
 
+TEST_F(Shadows, OnlyFacesWithTheLitFlagCastAShadow)
+{
+    Display display(64, 64);
+    installMesh(&display.list, makePlates());
+    Mesh* mesh = display.list.meshes[0];
+    FrameTransforms transforms = markShadows(&display);
+    const uint16_t* map = display.target.shadowMap;
+    auto raised = [&]
+    {
+        return static_cast<size_t>(shadowMapSide * shadowMapSide -
+                                   std::count(map, map + shadowMapSide * shadowMapSide, 0));
+    };
+    size_t both = raised();
+    auto renderAgain = [&](uint32_t large, uint32_t small)
+    {
+        mesh->faceAttributes[0] = large;
+        mesh->faceAttributes[1] = small;
+        ClearShadowMap(display.target.shadowMap, display.target.shadowSize);
+        RenderShadowMap(&display.target, mesh);
+        MarkShadowedVertices(&display.target, mesh, &transforms);
+    };
+    ASSERT_EQ(markedCount(mesh), 1);
+    renderAgain(faceLit, 0);
+    EXPECT_EQ(markedCount(mesh), 0);
+    EXPECT_EQ(raised(), both) << "the large plate covers the entries of the small one";
+    renderAgain(0, faceLit);
+    EXPECT_EQ(markedCount(mesh), 1);
+    EXPECT_LT(raised(), both / 2);
+    renderAgain(0, 0);
+    EXPECT_EQ(raised(), 0u);
+}
+
 TEST_F(Shadows, MarksSurviveTheFrameAndDarkenOnlyWhileShadowsAreOn)
 {
     Display display(64, 64);
