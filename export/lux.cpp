@@ -1,6 +1,7 @@
 // export/lux.cpp - the scene's view, its list of pictures, and the four files
 #include "export/lux.h"
 #include "export/lux_parts.h"
+#include "export/written_names.h"
 #include "model/memory.h"
 #include "platform/file_names.h"
 
@@ -83,7 +84,7 @@ static void writeDistinctNames(TextWriter* writer, const char (*names)[nameRoom]
         int32_t earlier = 0;
         while (strcmp(names[earlier], names[i]) != 0) // ends at i
             ++earlier;
-        if (*names[i] && earlier == i)
+        if (*names[i] && nameFits(names[i], lineBreakers) && earlier == i)
             writeLine(writer, "%s", names[i]);
     }
 }
@@ -122,7 +123,11 @@ static void writeLuxText(TextWriter* writer, void* context)
 
 std::string luxBaseName(const char* path)
 {
-    return upToFirstDot(fileNameOf(path));
+    std::string name = upToFirstDot(fileNameOf(path));
+    for (char& c : name)
+        if (strchr(quoteBreakers, c)) // the scene includes its parts by name
+            c = '_';
+    return name;
 }
 
 int WriteLuxFiles(const Mesh* mesh, const char* path, SaveMode mode)

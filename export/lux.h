@@ -6,7 +6,8 @@
 #include "export/output_file.h"
 #include "model/mesh.h"
 
-// The base name of a scene's files: the file name of a path up to its first "."; dots in folder names do not count.
+// The base name of a scene's files: the file name of a path up to its first "."; dots in folder names do not count. '_'
+// replaces quotes and line ends, with which the scene could not name its parts.
 std::string luxBaseName(const char* path);
 
 // Writes the four files into the folder of a path, whose file name gives the base name.

@@ -4,6 +4,7 @@
 // in the order of their first use and take the coordinate they have there; a corner with another coordinate gets a
 // vertex after all of those, which corners of the same vertex and coordinate share.
 #include "export/lux_parts.h"
+#include "export/written_names.h"
 #include "model/memory.h"
 #include "model/seeded_hash.h"
 #include "platform/pages.h"
@@ -231,7 +232,9 @@ static void writeShape(TextWriter* writer, LuxScene* scene, int32_t slot)
     numberVertices(scene, slot, &shape);
     if (shape.triangles > 0)
     {
-        writeLine(writer, "\tNamedMaterial \"%s\"", scene->mesh->materialNames[slot]);
+        WrittenName written;
+        writeLine(writer, "\tNamedMaterial \"%s\"",
+                  writtenName(scene->mesh->materialNames, slot, quoteBreakers, &written));
         writeLine(writer, "\tShape \"trianglemesh\" \"integer indices\" [");
         writeTriangles(writer, scene, slot, &shape);
         writeLuxVertices(writer, scene, &shape);

@@ -1,5 +1,6 @@
 // export/lux_materials.cpp - glossy materials, with pictures, mixed with nothing where they are transparent
 #include "export/lux_parts.h"
+#include "export/written_names.h"
 
 static void writeImageMap(TextWriter* writer, const char* fileName)
 {
@@ -41,7 +42,7 @@ static LuxColours coloursOf(const Material* material)
     return colours;
 }
 
-static void writeGlossy(TextWriter* writer, const char* name, const std::string& glossyName, int textured,
+static void writeGlossy(TextWriter* writer, const char* name, const std::string& glossyName, bool textured,
                         const LuxColours* colours)
 {
     const float* kd = colours->diffuse;
@@ -69,7 +70,7 @@ static void writeGlossy(TextWriter* writer, const char* name, const std::string&
 }
 
 // The glossy material under its own name, mixed with nothing.
-static void writeMix(TextWriter* writer, const char* name, const std::string& glossyName, int masked,
+static void writeMix(TextWriter* writer, const char* name, const std::string& glossyName, bool masked,
                      float transparency)
 {
     writeLine(writer, R"(MakeNamedMaterial "%s")", name);
@@ -82,12 +83,18 @@ static void writeMix(TextWriter* writer, const char* name, const std::string& gl
         writeLine(writer, R"(    "float amount" [%f])", transparency);
 }
 
+static bool isLuxTexture(const char* fileName)
+{
+    return *fileName && nameFits(fileName, quoteBreakers);
+}
+
 static void writeLuxMaterial(TextWriter* writer, const Mesh* mesh, int32_t m)
 {
     const Material* material = &mesh->materials[m];
-    const char* name = mesh->materialNames[m];
-    int masked = *mesh->opacityNames[m] != 0, textured = *mesh->textureNames[m] != 0;
-    int transparent = masked || material->transparency > 0;
+    WrittenName written;
+    const char* name = writtenName(mesh->materialNames, m, quoteBreakers, &written);
+    bool masked = isLuxTexture(mesh->opacityNames[m]), textured = isLuxTexture(mesh->textureNames[m]);
+    bool transparent = masked || material->transparency > 0;
     std::string glossyName = transparent ? std::string(name) + "_tmp" : name;
     LuxColours colours = coloursOf(material);
 

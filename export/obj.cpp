@@ -3,6 +3,7 @@
 #include "export/face_order.h"
 #include "export/save_progress.h"
 #include "export/text_writer.h"
+#include "export/written_names.h"
 #include "platform/file_names.h"
 
 // A single texture coordinate is the placeholder (0, 0) that readers give a mesh without any.
@@ -86,8 +87,9 @@ struct ObjText
 static void groupMet(void* context, int32_t group)
 {
     ObjText* text = static_cast<ObjText*>(context);
+    WrittenName written;
     if (text->mesh->groupCount > 0)
-        writeLine(text->writer, "g %s", text->mesh->groupNames[group]);
+        writeLine(text->writer, "g %s", writtenName(text->mesh->groupNames, group, lineBreakers, &written));
 }
 
 static void faceMet(void* context, int32_t material, int32_t f)
@@ -96,7 +98,8 @@ static void faceMet(void* context, int32_t material, int32_t f)
     if (material != text->lastMaterial && text->mesh->materialCount > 0)
     {
         text->lastMaterial = material;
-        writeLine(text->writer, "usemtl %s", text->mesh->materialNames[material]);
+        WrittenName written;
+        writeLine(text->writer, "usemtl %s", writtenName(text->mesh->materialNames, material, lineBreakers, &written));
     }
     writeObjFace(text->writer, text->mesh, f, text->withUvs);
     countSaved(&text->progress);
@@ -115,7 +118,7 @@ static void writeObjText(TextWriter* writer, void* context)
     writeLine(writer, "#materials %d", mesh->materialCount);
     writeObjVertices(writer, mesh, &text->progress);
     writeObjUvs(writer, mesh, &text->progress);
-    if (mesh->materialCount > 0)
+    if (mesh->materialCount > 0 && nameFits(text->libraryName.c_str(), lineBreakers))
         writeLine(writer, "mtllib %s", text->libraryName.c_str());
     text->writer = writer;
     text->withUvs = uvs > 0;
@@ -128,22 +131,27 @@ static void writeMtlColour(TextWriter* writer, const char* keyword, const float*
     writeLine(writer, "%s %f %f %f", keyword, colour[0] * level, colour[1] * level, colour[2] * level);
 }
 
+static void writeMtlMap(TextWriter* writer, const char* keyword, const char* fileName)
+{
+    if (*fileName && nameFits(fileName, lineBreakers))
+        writeLine(writer, "%s %s", keyword, fileName);
+}
+
 static void writeMtlText(TextWriter* writer, void* context)
 {
     const Mesh* mesh = *static_cast<const Mesh**>(context);
     for (int32_t m = 0; m < mesh->materialCount; ++m)
     {
         const Material* material = &mesh->materials[m];
-        writeLine(writer, "newmtl %s", mesh->materialNames[m]);
+        WrittenName written;
+        writeLine(writer, "newmtl %s", writtenName(mesh->materialNames, m, lineBreakers, &written));
         writeLine(writer, "Ns %d", material->shininess);
         writeMtlColour(writer, "Ka", material->ambient, material->ambientLevel);
         writeMtlColour(writer, "Kd", material->diffuse, material->diffuseLevel);
         writeMtlColour(writer, "Ks", material->specular, material->specularLevel);
         writeLine(writer, "d %f", 1.0f - material->transparency);
-        if (*mesh->textureNames[m])
-            writeLine(writer, "map_Kd %s", mesh->textureNames[m]);
-        if (*mesh->opacityNames[m])
-            writeLine(writer, "map_d %s", mesh->opacityNames[m]);
+        writeMtlMap(writer, "map_Kd", mesh->textureNames[m]);
+        writeMtlMap(writer, "map_d", mesh->opacityNames[m]);
     }
 }
 

@@ -2,6 +2,7 @@
 #include "export/prop.h"
 #include "export/save_progress.h"
 #include "export/text_writer.h"
+#include "export/written_names.h"
 #include "platform/file_names.h"
 
 struct Channel
@@ -127,10 +128,13 @@ static void writePropFaces(TextWriter* writer, const Mesh* mesh, SaveProgress* p
     {
         uint32_t material = faceMaterial(mesh->faceAttributes[f]);
         uint32_t group = faceGroup(mesh->faceAttributes[f]);
+        WrittenName written;
         if (material != lastMaterial)
-            writeLine(writer, "      usemtl %s", mesh->materialNames[material]);
+            writeLine(writer, "      usemtl %s",
+                      writtenName(mesh->materialNames, static_cast<int32_t>(material), lineBreakers, &written));
         if (group != lastGroup)
-            writeLine(writer, "      g %s", mesh->groupNames[group]);
+            writeLine(writer, "      g %s",
+                      writtenName(mesh->groupNames, static_cast<int32_t>(group), lineBreakers, &written));
         lastMaterial = material;
         lastGroup = group;
         writePropFace(writer, mesh, f);
@@ -193,7 +197,7 @@ static void writePropColour(TextWriter* writer, const char* keyword, const float
 
 static void writePropMap(TextWriter* writer, const char* keyword, const char* fileName)
 {
-    if (!*fileName)
+    if (!*fileName || !nameFits(fileName, quoteBreakers))
     {
         writeLine(writer, "       %s NO_MAP", keyword);
         return;
@@ -222,7 +226,8 @@ static void writePropMaterialRest(TextWriter* writer, const char* texture, const
 static void writePropMaterial(TextWriter* writer, const Mesh* mesh, int32_t m)
 {
     const Material* material = &mesh->materials[m];
-    writeLine(writer, "   material %s", mesh->materialNames[m]);
+    WrittenName written;
+    writeLine(writer, "   material %s", writtenName(mesh->materialNames, m, lineBreakers, &written));
     writeLine(writer, "       {");
     writePropColour(writer, "KdColor", material->diffuse, material->diffuseLevel);
     writePropColour(writer, "KaColor", material->ambient, material->ambientLevel);
