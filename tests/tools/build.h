@@ -31,6 +31,17 @@ inline MeshPointer buildMesh(const std::vector<Point>& points, const std::vector
     return mesh;
 }
 
+// The normals of all vertices and the planes of all face slots.
+inline std::vector<float> normalsOf(const Mesh* mesh)
+{
+    std::vector<float> normals;
+    for (int32_t i = 0; i < mesh->vertexCount; ++i)
+        normals.insert(normals.end(), mesh->vertices[i].normal, mesh->vertices[i].normal + 3);
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+        normals.insert(normals.end(), mesh->facePlanes[f].normal, mesh->facePlanes[f].normal + 3);
+    return normals;
+}
+
 using ToolTest = CleanTest;
 using Texts = std::vector<std::string>;
 using Boxes = std::vector<RecordedBox>;

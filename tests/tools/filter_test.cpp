@@ -103,6 +103,8 @@ TEST_F(Filter, EntryZeroFitsAllVertices)
     EXPECT_EQ(mesh->boundsMax[0], 9);
     applyFilter(mesh.get(), 1);
     EXPECT_EQ(mesh->boundsMax[0], 1);
+    applyFilter(mesh.get(), 0);
+    EXPECT_EQ(mesh->boundsMax[0], 9);
     EXPECT_EQ(recorded.beeps, 0);
 }
 

@@ -26,6 +26,19 @@ TEST_F(Quads, TwoTrianglesMergeAcrossTheirLongestEdge)
     EXPECT_EQ(recorded.notices, (Texts{ "Mesh converted to quads" }));
 }
 
+TEST_F(Quads, ABentQuadGetsItsMeanPlaneAndNormals)
+{
+    std::vector<Point> bent = square;
+    bent[3].z = 1;
+    MeshPointer mesh = buildMesh(bent, { { 0, 1, 2, none }, { 2, 1, 3, none } });
+    std::vector<float> before = normalsOf(mesh.get());
+    ASSERT_EQ(makeQuads(mesh.get()), 1);
+    std::vector<float> merged = normalsOf(mesh.get());
+    EXPECT_NE(merged, before);
+    computeNormals(mesh.get());
+    EXPECT_EQ(merged, normalsOf(mesh.get()));
+}
+
 // The reader of Poser files does not count triangles; only the statistics of the panel show the number.
 TEST_F(Quads, TrianglesOfAPoserFileAreNotCountedSoThatMergingThemCountsBelowZero)
 {

@@ -1,6 +1,7 @@
 // tests/tools/split_test.cpp - Split: which faces form a piece, and how the groups are named
 #include "tools/split.h"
 
+#include "tests/tools/literal.h"
 #include "tests/tools/random.h"
 
 #include <map>
@@ -168,98 +169,6 @@ TEST_F(Split, EveryRefusedAllocationLeavesTheMeshAsItWas)
     }
 }
 
-// The tool in its literal form, with its stack.
-static bool plainSplit(Mesh* mesh)
-{
-    size_t vertexCount = static_cast<size_t>(mesh->vertexCount), faceCount = static_cast<size_t>(mesh->faceCount);
-    std::vector<std::array<int64_t, 9>> records(vertexCount, { -1, -1, -1, -1, -1, -1, -1, -1, -1 });
-    std::vector<int64_t> pieces(faceCount, -1), stack(faceCount);
-    bool lines = false;
-    for (size_t f = 0; f < faceCount; ++f)
-    {
-        if (mesh->faceAttributes[f] & faceDeleted)
-            pieces[f] = 4096;
-        else if (mesh->faceAttributes[f] & faceLine)
-        {
-            pieces[f] = 0;
-            lines = true;
-        }
-        else
-        {
-            for (size_t k = 0; k < 4 && mesh->faces[f][k] != none; ++k)
-            {
-                auto& record = records[mesh->faces[f][k]];
-                for (size_t slot = 0; slot < 8; ++slot)
-                {
-                    if (record[slot] == -1)
-                    {
-                        record[slot] = static_cast<int64_t>(f);
-                        break;
-                    }
-                }
-            }
-        }
-    }
-    int64_t next = lines, extra = 0;
-    for (size_t f = 0; f < faceCount; ++f)
-    {
-        if (pieces[f] != -1)
-            continue;
-        int64_t id = -1;
-        for (size_t k = 0; k < 4 && mesh->faces[f][k] != none && id == -1; ++k)
-            id = records[mesh->faces[f][k]][8];
-        if (id == -1)
-        {
-            id = next;
-            if (next < 127)
-                ++next;
-            else
-                extra = 1;
-        }
-        size_t top = 0;
-        auto push = [&](int64_t face)
-        {
-            stack[top] = face;
-            if (top < faceCount)
-                ++top;
-        };
-        push(static_cast<int64_t>(f));
-        while (top > 0)
-        {
-            size_t g = static_cast<size_t>(stack[--top]);
-            pieces[g] = id;
-            for (size_t k = 0; k < 4 && mesh->faces[g][k] != none; ++k)
-            {
-                auto& record = records[mesh->faces[g][k]];
-                if (record[8] != -1)
-                    continue;
-                record[8] = id;
-                for (size_t slot = 0; slot < 8; ++slot)
-                {
-                    if (record[slot] == -1 || pieces[static_cast<size_t>(record[slot])] != -1)
-                        continue;
-                    pieces[static_cast<size_t>(record[slot])] = id;
-                    push(record[slot]);
-                }
-            }
-        }
-    }
-    if (next < 2)
-        return false;
-    if (lines)
-        strcpy(mesh->groupNames[0], "lines");
-    mesh->groupCount = static_cast<int32_t>(next + extra);
-    for (int64_t i = lines; i < next + extra; ++i)
-        snprintf(mesh->groupNames[i], nameRoom, "%d", static_cast<int>(i - lines + 1));
-    for (size_t f = 0; f < faceCount; ++f)
-    {
-        if (!(mesh->faceAttributes[f] & faceDeleted))
-            mesh->faceAttributes[f] =
-                (mesh->faceAttributes[f] & ~faceGroupMask) | (static_cast<uint32_t>(pieces[f]) & 0x1FF) << 9;
-    }
-    return true;
-}
-
 TEST_F(Split, RandomMeshesAreSplitLikeTheLiteralVersion)
 {
     int split = 0;
@@ -270,7 +179,7 @@ TEST_F(Split, RandomMeshesAreSplitLikeTheLiteralVersion)
         if (seed % 50 == 0)
             shape = { .vertexLimit = 3000, .faceLimit = 600 }; // more pieces than groups
         MeshPointer want = randomMesh(seed, shape), have = randomMesh(seed, shape);
-        bool done = plainSplit(want.get());
+        bool done = literalSplit(want.get());
         resetRecording();
         ASSERT_EQ(splitMesh(have.get()), 1);
         ASSERT_EQ(recorded.notices, (Texts{ done ? "    Mesh spitted" : "  Nothing to do" })) << "seed " << seed;

@@ -1,6 +1,7 @@
 // tests/tools/weld_test.cpp - Weld: which vertices merge, what becomes of corners, and what is reported
 #include "tools/weld.h"
 
+#include "tests/tools/literal.h"
 #include "tests/tools/random.h"
 
 #include <math.h>
@@ -30,6 +31,24 @@ TEST_F(Weld, EqualPositionsBecomeTheFirstVertex)
     EXPECT_GT(mesh->vertices[3].normal[2], 0.9f);
     EXPECT_EQ(recorded.notices, (Texts{ "Removed 2 vertices" }));
     EXPECT_TRUE(recorded.boxes.empty());
+}
+
+// Two triangles at an angle, whose common vertices get the mean of both normals.
+TEST_F(Weld, NormalsAreComputedAgain)
+{
+    std::vector<Point> bent = apart;
+    bent[4].z = 2;
+    for (WeldMode mode : { weldExact, weldNear })
+    {
+        MeshPointer mesh = buildMesh(bent, pair);
+        std::vector<float> before = normalsOf(mesh.get());
+        ASSERT_EQ(weldVertices(mesh.get(), mode), 1);
+        ASSERT_EQ(mesh->vertexCount, 4);
+        std::vector<float> welded = normalsOf(mesh.get());
+        EXPECT_FALSE(std::equal(welded.begin(), welded.end(), before.begin()));
+        computeNormals(mesh.get());
+        EXPECT_EQ(welded, normalsOf(mesh.get()));
+    }
 }
 
 TEST_F(Weld, NearPositionsMergeOnlyWithExactWeldOff)
@@ -188,99 +207,12 @@ TEST_F(Weld, EveryRefusedAllocationLeavesTheMeshAsItWas)
     }
 }
 
-// The tool in its literal form: chains by steps of the key, an overflow of vertexCount entries. Vertices that no face
-// uses take no part, deleted slots are renumbered. Returns the number removed, -1 when all keys are equal.
-static int plainWeld(Mesh* mesh, WeldMode mode)
-{
-    struct Entry
-    {
-        int64_t vertex = -1, next = -1;
-    };
-    size_t count = static_cast<size_t>(mesh->vertexCount);
-    std::vector<float> key(count);
-    std::vector<uint32_t> target(count), renumbered(count);
-    std::vector<bool> used(count), dropped(count);
-    for (size_t i = 0; i < count; ++i)
-    {
-        const float* p = mesh->vertices[i].position;
-        key[i] = fabsf(p[0] - p[1] + p[2]);
-        target[i] = static_cast<uint32_t>(i);
-    }
-    float smallest = *std::min_element(key.begin(), key.end()), largest = *std::max_element(key.begin(), key.end());
-    if (smallest == largest)
-        return -1;
-    float scale = static_cast<float>(count - 1) / (largest - smallest), eps = mode == weldExact ? 0 : 0.00001f;
-    for (int32_t f = 0; f < mesh->faceCount; ++f)
-    {
-        for (size_t k = 0; k < 4 && mesh->faces[f][k] != none && !(mesh->faceAttributes[f] & faceDeleted); ++k)
-            used[mesh->faces[f][k]] = true;
-    }
-    std::vector<Entry> table(2 * count);
-    size_t overflow = 0;
-    for (size_t i = 0; i < count; ++i)
-    {
-        dropped[i] = !used[i];
-        if (!used[i])
-            continue;
-        size_t index = std::min(static_cast<size_t>((key[i] - smallest) * scale), count - 1);
-        const float* p = mesh->vertices[i].position;
-        for (;;)
-        {
-            if (table[index].vertex == -1)
-            {
-                table[index].vertex = static_cast<int64_t>(i);
-                break;
-            }
-            const float* q = mesh->vertices[table[index].vertex].position;
-            if (fabsf(p[0] - q[0]) <= eps && fabsf(p[1] - q[1]) <= eps && fabsf(p[2] - q[2]) <= eps)
-            {
-                target[i] = static_cast<uint32_t>(table[index].vertex);
-                dropped[i] = true;
-                break;
-            }
-            if (table[index].next == -1)
-            {
-                EXPECT_LT(overflow, count); // never runs out
-                table[index].next = static_cast<int64_t>(count + overflow++);
-            }
-            index = static_cast<size_t>(table[index].next);
-        }
-    }
-    int removed = static_cast<int>(std::count(dropped.begin(), dropped.end(), true));
-    if (removed == 0)
-        return 0;
-    uint32_t kept = 0;
-    for (size_t i = 0; i < count; ++i)
-    {
-        if (dropped[i])
-            continue;
-        memcpy(mesh->vertices[kept].position, mesh->vertices[i].position, sizeof mesh->vertices[i].position);
-        mesh->vertices[kept].colour = mesh->vertices[i].colour;
-        renumbered[i] = kept++;
-    }
-    mesh->vertexCount = static_cast<int32_t>(kept);
-    for (int32_t f = 0; f < mesh->faceCount; ++f)
-    {
-        Corners& corners = mesh->faces[f];
-        for (size_t k = 0; k < 4 && corners[k] != none; ++k)
-        {
-            if (corners[k] >= count || !used[corners[k]])
-            {
-                corners = { 0, 0, 0, none };
-                break;
-            }
-            corners[k] = renumbered[target[corners[k]]];
-        }
-    }
-    return removed;
-}
-
 static void expectLiteralWeld(WeldMode mode, unsigned seed, const RandomShape& shape, int* changed)
 {
     MeshPointer want = randomMesh(seed, shape), have = randomMesh(seed, shape);
     spoilDeletedSlots(want.get(), seed);
     spoilDeletedSlots(have.get(), seed);
-    int removed = plainWeld(want.get(), mode);
+    int removed = literalWeld(want.get(), mode);
     resetRecording();
     ASSERT_EQ(weldVertices(have.get(), mode), removed >= 0) << "seed " << seed;
     Texts notices;
