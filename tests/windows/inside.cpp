@@ -2,6 +2,7 @@
 #include "tests/windows/inside.h"
 
 #include "platform/dialogs.h"
+#include "platform/file_names.h"
 #include "platform/win32/handles.h"
 #include "platform/win32/names.h"
 #include "resources/ids.h"
@@ -35,9 +36,12 @@ static int chooseAnswer(FileDialog* dialog)
     if (path.empty() || wideFromUtf8(path.c_str()).size() >= dialog->pathRoom)
         return 0;
     memcpy(dialog->path, path.c_str(), path.size() + 1);
-    std::string title = path.substr(path.find_last_of("\\/:") + 1);
     if (dialog->fileTitle)
+    {
+        std::wstring wide = wideFromUtf8(fileNameOf(path.c_str())).substr(0, dialog->fileTitleRoom - 1);
+        std::string title = utf8FromWide(wide.c_str());
         memcpy(dialog->fileTitle, title.c_str(), title.size() + 1);
+    }
     return 1;
 }
 
