@@ -99,16 +99,21 @@ TEST_F(Seeds, StatisticsAreTheSameUnderEverySeed)
         EXPECT_EQ(counts(mesh.get(), seed), want) << seed;
 }
 
-// All edges from a low vertex to the one that makes the same sum, so that all but a few are hashed.
+// Edges of a thousand sums, so that many are hashed, and each vertex has some of several sums.
 TEST_F(Seeds, TheEdgeTableIsTheSameUnderEverySeed)
 {
-    constexpr uint32_t vertices = 30000;
+    constexpr uint32_t vertices = 30000, sums = 1000;
     auto table = [](uint64_t seed)
     {
         setHashSeed(seed);
+        std::mt19937 random(9);
         std::vector<Corners> faces;
-        for (uint32_t i = 1; i < vertices / 2 - 1; ++i)
-            faces.push_back({ i, vertices - i, 0, none });
+        for (int f = 0; f < 13000; ++f)
+        {
+            uint32_t a = sums + static_cast<uint32_t>(random() % 14000), b = vertices - 2 * sums - a;
+            b += static_cast<uint32_t>(random() % sums);
+            faces.push_back({ a, b, vertices - 2 * sums + static_cast<uint32_t>(random() % sums) - b, none });
+        }
         MeshPointer mesh = buildMesh(std::vector<Point>(vertices, Point{ 0, 0, 0 }), faces);
         EdgeTable edges;
         EXPECT_EQ(buildEdgeTable(mesh.get(), &edges), 1);
