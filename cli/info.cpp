@@ -61,12 +61,19 @@ static std::string grouped(int64_t value)
     return digits;
 }
 
-static bool textureFound(const std::string& modelPath, const char* name)
+// A model whose textures are looked for.
+struct TextureSearch
 {
-    return !findTextureFile(modelPath.c_str(), name).empty();
+    std::string modelPath;
+    FolderListings listings;
+};
+
+static bool textureFound(TextureSearch* search, const char* name)
+{
+    return !findTextureFile(search->modelPath.c_str(), name, &search->listings).empty();
 }
 
-static void putTexture(Output* out, const std::string& modelPath, const char* kind, const char* name)
+static void putTexture(Output* out, TextureSearch* search, const char* kind, const char* name)
 {
     if (!*name)
         return;
@@ -74,7 +81,7 @@ static void putTexture(Output* out, const std::string& modelPath, const char* ki
     put(out, kind);
     put(out, " ");
     putReadableName(out, name);
-    put(out, textureFound(modelPath, name) ? " (found)" : " (missing)");
+    put(out, textureFound(search, name) ? " (found)" : " (missing)");
 }
 
 static void putCount(Output* out, const char* label, int64_t value, const std::string& remark = {})
@@ -121,14 +128,15 @@ static void printFacts(Output* out, const std::string& path, const Mesh* mesh, c
         put(out, (" " + grouped(facts.groupFaces[static_cast<size_t>(g)]) + " faces").c_str());
         endLine(out);
     }
+    TextureSearch search = { path, {} };
     putCount(out, "materials", mesh->materialCount);
     for (int32_t m = 0; m < mesh->materialCount; ++m)
     {
         put(out, "    ");
         putReadableName(out, mesh->materialNames[m]);
         put(out, (" " + grouped(facts.materialFaces[static_cast<size_t>(m)]) + " faces").c_str());
-        putTexture(out, path, "texture", mesh->textureNames[m]);
-        putTexture(out, path, "opacity", mesh->opacityNames[m]);
+        putTexture(out, &search, "texture", mesh->textureNames[m]);
+        putTexture(out, &search, "opacity", mesh->opacityNames[m]);
         endLine(out);
     }
 }
@@ -138,14 +146,14 @@ static Json jsonOf(const float (&values)[3])
     return Json::array({ values[0], values[1], values[2] });
 }
 
-static Json textureJson(const std::string& modelPath, const char* name)
+static Json textureJson(TextureSearch* search, const char* name)
 {
     if (!*name)
         return nullptr;
-    return { { "name", name }, { "found", textureFound(modelPath, name) } };
+    return { { "name", name }, { "found", textureFound(search, name) } };
 }
 
-static Json materialJson(const std::string& path, const Mesh* mesh, int32_t m, const Facts& facts)
+static Json materialJson(TextureSearch* search, const Mesh* mesh, int32_t m, const Facts& facts)
 {
     const Material& material = mesh->materials[m];
     return {
@@ -159,8 +167,8 @@ static Json materialJson(const std::string& path, const Mesh* mesh, int32_t m, c
         { "specularLevel", material.specularLevel },
         { "shininess", material.shininess },
         { "transparency", material.transparency },
-        { "texture", textureJson(path, mesh->textureNames[m]) },
-        { "opacity", textureJson(path, mesh->opacityNames[m]) },
+        { "texture", textureJson(search, mesh->textureNames[m]) },
+        { "opacity", textureJson(search, mesh->opacityNames[m]) },
     };
 }
 
@@ -169,9 +177,10 @@ static Json jsonFacts(const std::string& path, const Mesh* mesh, const Facts& fa
     Json groups = Json::array();
     for (int32_t g = 0; g < mesh->groupCount; ++g)
         groups.push_back({ { "name", mesh->groupNames[g] }, { "faces", facts.groupFaces[static_cast<size_t>(g)] } });
+    TextureSearch search = { path, {} };
     Json materials = Json::array();
     for (int32_t m = 0; m < mesh->materialCount; ++m)
-        materials.push_back(materialJson(path, mesh, m, facts));
+        materials.push_back(materialJson(&search, mesh, m, facts));
     return {
         { "file", path },
         { "name", mesh->name },

@@ -28,10 +28,12 @@ int64_t measureFile(FILE* file);
 int64_t filePosition(FILE* file);
 int seekFile(FILE* file, int64_t position);
 
+struct FolderListings; // platform/folder_listings.h
+
 // Looks in a folder ("" is the current one) for a file whose name is the given one in any case of its ASCII letters.
 // Writes the name as the folder spells it and returns 1, or returns 0 when there is none or it does not fit in
-// roomBytes.
-int findNameIgnoringCase(const char* folder, const char* name, char* found, size_t roomBytes);
+// roomBytes. Of names that differ in their case only it is the one that the operating system lists first.
+int findNameIgnoringCase(FolderListings* listings, const char* folder, const char* name, char* found, size_t roomBytes);
 
 // What is at the path of a target.
 enum FileTarget

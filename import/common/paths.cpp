@@ -25,7 +25,7 @@ static bool isAbsolute(const std::string& name)
 }
 
 // folder + name, where the letter case of each part of the name is ignored. Empty when a part is missing.
-static std::string findIgnoringCase(std::string folder, const std::string& name)
+static std::string findIgnoringCase(std::string folder, const std::string& name, FolderListings* listings)
 {
     size_t begin = 0;
     for (;;)
@@ -33,7 +33,7 @@ static std::string findIgnoringCase(std::string folder, const std::string& name)
         size_t end = std::min(name.find('/', begin), name.size());
         std::string part = name.substr(begin, end - begin);
         char found[1024];
-        if (!part.empty() && !findNameIgnoringCase(folder.c_str(), part.c_str(), found, sizeof found))
+        if (!part.empty() && !findNameIgnoringCase(listings, folder.c_str(), part.c_str(), found, sizeof found))
             return {};
         if (!part.empty())
             folder += found;
@@ -44,7 +44,7 @@ static std::string findIgnoringCase(std::string folder, const std::string& name)
     }
 }
 
-static std::string findInFolder(const std::string& folder, const std::string& name)
+static std::string findInFolder(const std::string& folder, const std::string& name, FolderListings* listings)
 {
     std::string path = folder + name;
     if (fileOpens(path))
@@ -54,31 +54,31 @@ static std::string findInFolder(const std::string& folder, const std::string& na
     path = folder + slashed;
     if (fileOpens(path))
         return path;
-    path = findIgnoringCase(folder, slashed);
+    path = findIgnoringCase(folder, slashed, listings);
     return !path.empty() && fileOpens(path) ? path : std::string{};
 }
 
-static std::string findNamed(const char* modelPath, const std::string& name)
+static std::string findNamed(const char* modelPath, const std::string& name, FolderListings* listings)
 {
     if (name.empty())
         return {};
     if (isAbsolute(name))
         return fileOpens(name) ? name : std::string{};
-    return findInFolder(folderOf(modelPath), name);
+    return findInFolder(folderOf(modelPath), name, listings);
 }
 
-std::string findModelFile(const char* modelPath, const char* name)
+std::string findModelFile(const char* modelPath, const char* name, FolderListings* listings)
 {
-    std::string path = findNamed(modelPath, name);
+    std::string path = findNamed(modelPath, name, listings);
     std::string withoutBlanks(name, std::string(name).find_last_not_of(" \t") + 1); // Windows ignores those
-    return path.empty() && withoutBlanks != name ? findNamed(modelPath, withoutBlanks) : path;
+    return path.empty() && withoutBlanks != name ? findNamed(modelPath, withoutBlanks, listings) : path;
 }
 
-std::string findTextureFile(const char* modelPath, const char* name)
+std::string findTextureFile(const char* modelPath, const char* name, FolderListings* listings)
 {
-    std::string path = findModelFile(modelPath, name);
+    std::string path = findModelFile(modelPath, name, listings);
     const char* bare = bareNameInModel(name);
     if (path.empty() && *bare)
-        path = findInFolder(folderOf(modelPath), bare);
+        path = findInFolder(folderOf(modelPath), bare, listings);
     return path;
 }

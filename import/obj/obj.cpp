@@ -280,7 +280,8 @@ static int finishMesh(const ObjReader* reader, const char* path)
     computeBounds(mesh);
     if (mesh->uvCount == 0 && !resetUvs(mesh))
         return 0;
-    ReadMtlFile(mesh, findModelFile(path, reader->library).c_str());
+    FolderListings listings;
+    ReadMtlFile(mesh, findModelFile(path, reader->library, &listings).c_str());
     return 1;
 }
 

@@ -1,6 +1,7 @@
 // platform/posix/files.cpp - files on operating systems where names are bytes and letter case counts
 #include "platform/files.h"
 
+#include "platform/folder_listings.h"
 #include "platform/refused_memory.h"
 
 #include <dirent.h>
@@ -11,6 +12,7 @@
 #include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <algorithm>
 #include <string>
 
 #ifdef __linux__
@@ -105,25 +107,48 @@ int seekFile(FILE* file, int64_t position)
     return fseeko(file, static_cast<off_t>(position), SEEK_SET) == 0;
 }
 
-int findNameIgnoringCase(const char* folder, const char* name, char* found, size_t roomBytes)
+static std::vector<std::string> listFolder(DIR* folder)
 {
-    DIR* entries = opendir(*folder ? folder : ".");
+    std::vector<std::string> names;
+    while (const dirent* entry = readdir(folder))
+        names.emplace_back(entry->d_name);
+    auto comesBefore = [](const std::string& a, const std::string& b) { return strcasecmp(a.c_str(), b.c_str()) < 0; };
+    std::stable_sort(names.begin(), names.end(), comesBefore);
+    return names;
+}
+
+// The names in a folder, or null for one that cannot be opened.
+static const std::vector<std::string>* namesIn(FolderListings* listings, const char* folder)
+{
+    struct stat facts;
+    if (stat(folder, &facts) != 0)
+        return nullptr;
+    FolderListings::FolderId id = { facts.st_dev, facts.st_ino };
+    if (auto known = listings->names.find(id); known != listings->names.end())
+        return &known->second;
+    DIR* entries = opendir(folder);
     if (!entries && errno == ENOMEM)
         noteRefusedMemory();
     if (!entries)
-        return 0;
-    int ok = 0;
-    while (const dirent* entry = readdir(entries))
-    {
-        if (strcasecmp(entry->d_name, name) == 0 && strlen(entry->d_name) < roomBytes)
-        {
-            memcpy(found, entry->d_name, strlen(entry->d_name) + 1);
-            ok = 1;
-            break;
-        }
-    }
+        return nullptr;
+    std::vector<std::string>* names = &listings->names[id];
+    *names = listFolder(entries);
     closedir(entries);
-    return ok;
+    return names;
+}
+
+int findNameIgnoringCase(FolderListings* listings, const char* folder, const char* name, char* found, size_t roomBytes)
+{
+    const std::vector<std::string>* names = namesIn(listings, *folder ? folder : ".");
+    if (!names)
+        return 0;
+    auto comesBefore = [](const std::string& entry, const char* wanted)
+    { return strcasecmp(entry.c_str(), wanted) < 0; };
+    auto entry = std::lower_bound(names->begin(), names->end(), name, comesBefore);
+    if (entry == names->end() || strcasecmp(entry->c_str(), name) != 0 || entry->size() >= roomBytes)
+        return 0;
+    memcpy(found, entry->c_str(), entry->size() + 1);
+    return 1;
 }
 
 // The path at the end of a chain of dangling links; for any other path, the path itself.

@@ -82,7 +82,7 @@ int seekFile(FILE* file, int64_t position)
     return _fseeki64(file, position, SEEK_SET) == 0;
 }
 
-int findNameIgnoringCase(const char* folder, const char* name, char* found, size_t roomBytes)
+int findNameIgnoringCase(FolderListings*, const char* folder, const char* name, char* found, size_t roomBytes)
 {
     std::string path = *folder ? std::string(folder) + "\\" + name : std::string(name);
     if (GetFileAttributesW(wideFromUtf8(path.c_str()).c_str()) == INVALID_FILE_ATTRIBUTES || strlen(name) >= roomBytes)

@@ -1,6 +1,8 @@
 // tests/platform/files_test.cpp - files by name: opening, measuring, finding, replacing
 #include "platform/files.h"
 
+#include "platform/folder_listings.h"
+
 #include <gtest/gtest.h>
 #include <string.h>
 #include <filesystem>
@@ -78,8 +80,10 @@ TEST_F(Files, ANameIsFoundWhateverTheCaseOfItsLetters)
 {
     std::ofstream(path("Wood.JPG")) << "";
     char found[32] = "";
-    EXPECT_EQ(findNameIgnoringCase(folder.c_str(), "wood.jpg", found, sizeof found), 1);
+    FolderListings listings;
+    EXPECT_EQ(findNameIgnoringCase(&listings, folder.c_str(), "wood.jpg", found, sizeof found), 1);
     EXPECT_STREQ(found, "Wood.JPG");
-    EXPECT_EQ(findNameIgnoringCase(folder.c_str(), "wood.jpg", found, strlen("Wood.JPG")), 0) << "no room for its end";
-    EXPECT_EQ(findNameIgnoringCase(folder.c_str(), "iron.jpg", found, sizeof found), 0);
+    EXPECT_EQ(findNameIgnoringCase(&listings, folder.c_str(), "wood.jpg", found, strlen("Wood.JPG")), 0)
+        << "no room for its end";
+    EXPECT_EQ(findNameIgnoringCase(&listings, folder.c_str(), "iron.jpg", found, sizeof found), 0);
 }
