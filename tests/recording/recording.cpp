@@ -292,6 +292,7 @@ void* allocatePages(size_t sizeBytes)
         return nullptr;
     ++recorded.liveBlocks;
     recorded.liveBytes += sizeBytes;
+    recorded.requestedBytes += sizeBytes;
     if (recorded.liveBytes > recorded.peakBytes)
         recorded.peakBytes = recorded.liveBytes;
     return block;
