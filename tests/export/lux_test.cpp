@@ -167,6 +167,28 @@ TEST_F(LuxWriter, SlotsWithoutTrianglesWriteNothingAndVerticesStartAnewForEachSl
     EXPECT_EQ(text.find("m2"), std::string::npos);
 }
 
+// So many vertices with the same second coordinate are neighbours in the hash table, whatever its seed.
+TEST_F(LuxWriter, EqualCoordinatesOfOtherVerticesAreNotShared)
+{
+    constexpr uint32_t vertices = 3000;
+    std::vector<Point> points;
+    std::vector<FaceSpec> faces;
+    for (uint32_t i = 0; i < vertices; ++i)
+        points.push_back({ static_cast<float>(i), 0, 0 });
+    for (uint32_t uv : { 0u, 1u })
+        for (uint32_t i = 0; i < vertices; i += 3)
+            faces.push_back({ { i, i + 1, i + 2, noCorner }, { uv, uv, uv, 0 }, 0, 0, 0 });
+    MeshPointer mesh = buildMesh(points, { { 0, 0 }, { 1, 1 } }, faces, 1, 1);
+    std::string text = geometry(mesh.get(), folder);
+    Names triangles;
+    for (uint32_t i = 0; i < 2 * vertices; i += 3)
+        triangles.push_back(std::to_string(i) + " " + std::to_string(i + 1) + " " + std::to_string(i + 2));
+    EXPECT_EQ(linesBetween(text, "indices", "\t]"), triangles);
+    Names positions = linesBetween(text, "point P", "\t]");
+    ASSERT_EQ(positions.size(), 2 * vertices);
+    EXPECT_TRUE(std::equal(positions.begin(), positions.begin() + vertices, positions.begin() + vertices));
+}
+
 // Against the plainest way to say the same: a map from vertex and coordinate to its number.
 TEST_F(LuxWriter, SharedVerticesAreThoseOfAPlainSearch)
 {

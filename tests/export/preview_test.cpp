@@ -297,3 +297,21 @@ TEST(PreviewWriter, ThePicturesLengthIsInTheForkAsSixteenBits)
     EXPECT_EQ(file.size(), 260 + picture.size() + 58);
     EXPECT_EQ(file.substr(256, 2), std::string(2, '\0'));
 }
+
+// 91 x 91 pixels whose first plane starts with these bytes, then alternates.
+static std::string firstPackedPlane(const std::vector<uint8_t>& start)
+{
+    std::vector<uint8_t> pixels(91 * 91 * 4);
+    for (size_t x = 0; x < 91; ++x)
+        pixels[x * 4] = x < start.size() ? start[x] : static_cast<uint8_t>(100 + x % 2);
+    constexpr size_t firstRow = 122 + 2; // behind the row's length
+    return encodePicture(pixels.data()).substr(firstRow);
+}
+
+TEST(PreviewWriter, TheShortestRunHasThreeBytes)
+{
+    EXPECT_EQ(firstPackedPlane({ 1, 2, 7, 7, 7, 3 }).substr(0, 7), std::string("\x01\x01\x02\xFE\x07\x55\x03"));
+    EXPECT_EQ(firstPackedPlane({ 1, 2, 7, 7, 3 }).substr(0, 6), std::string("\x5A\x01\x02\x07\x07\x03"));
+    EXPECT_EQ(firstPackedPlane({ 7, 7, 7, 3 }).substr(0, 4), std::string("\xFE\x07\x57\x03"));
+    EXPECT_EQ(firstPackedPlane({ 7, 7, 3 }).substr(0, 4), std::string("\x5A\x07\x07\x03"));
+}

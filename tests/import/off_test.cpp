@@ -170,6 +170,20 @@ TEST_F(OffReader, LongLinesGoOnAsTheNextOne)
     EXPECT_EQ(positionOf(loaded.mesh, 1), "4 5 6");
 }
 
+// The last of three numbers stands at the line's end, with and without the byte that is too many.
+TEST_F(OffReader, ALineHas255BytesAtMost)
+{
+    for (size_t length = 250; length < 260; ++length)
+    {
+        std::string line = "1 2 " + std::string(length - 5, ' ') + "3";
+        ASSERT_EQ(line.size(), length);
+        LoadedMesh loaded(LoadOffFile, "OFF\n2 0 0\n" + line + "\n4 5 6\n7 8 9\n");
+        ASSERT_EQ(loaded.result, 1);
+        EXPECT_EQ(positionOf(loaded.mesh, 0), length <= 255 ? "1 2 3" : "0 0 0") << length;
+        EXPECT_EQ(positionOf(loaded.mesh, 1), length <= 255 ? "4 5 6" : "0 0 0") << length; // the "3" alone
+    }
+}
+
 TEST_F(OffReader, LinesAcrossBlocksAreWhole)
 {
     std::string text = "OFF\n20000 0 0\n";

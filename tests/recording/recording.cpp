@@ -233,6 +233,8 @@ void focusToolPanel()
 void runAboutBox()
 {
     ++recorded.aboutRuns;
+    if (recorded.duringAbout)
+        recorded.duringAbout();
 }
 
 void destroyMainWindow()

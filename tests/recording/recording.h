@@ -58,6 +58,7 @@ struct Recording
     std::vector<std::string> titles;
     std::vector<std::string> focus; // "main", "panel", "display" in the order given
     int aboutRuns = 0;
+    void (*duringAbout)() = nullptr; // what happens while the box is open
     bool mainWindowDestroyed = false;
 
     // picture

@@ -50,6 +50,7 @@ TEST_F(Commands, ExitDestroysTheMainWindow)
 TEST_F(Commands, AboutKeepsTheSpin)
 {
     frameState.continuousRedraw = 1;
+    recorded.duringAbout = [] { mainWindowActivated(false); };
     EXPECT_TRUE(runCommand(ID_ABOUT));
     EXPECT_EQ(recorded.aboutRuns, 1);
     EXPECT_EQ(frameState.continuousRedraw, 1);
@@ -426,4 +427,93 @@ TEST_F(Commands, ActivationPresentsThePictureAgain)
     recorded.presented.clear();
     mainWindowActivated(true);
     EXPECT_TRUE(recorded.presented.empty());
+}
+
+TEST_F(Commands, ReadRkfSwitchesWireframeOff)
+{
+    recorded.dialogAnswers = { writeFile("one.obj", triangleObj) };
+    runCommand(ID_OPEN_MESH);
+    recorded.dialogAnswers = { (folder / "a.rkf").string(), (folder / "a.rkf").string() };
+    EXPECT_TRUE(runCommand(ID_SAVE_RKF)); // without materials, which would choose a preset
+    for (int answers = 1; answers >= 0; --answers)
+    {
+        choices.render.renderFlags |= renderWireframe;
+        recorded.panelChecks[ID_WIREFRAME] = true;
+        EXPECT_TRUE(runCommand(ID_READ_RKF)); // the second time cancelled
+        EXPECT_EQ(choices.render.renderFlags & renderWireframe, answers ? 0u : renderWireframe);
+        EXPECT_EQ(recorded.panelChecks[ID_WIREFRAME], answers == 0);
+        EXPECT_TRUE(redrawAsked());
+    }
+}
+
+TEST_F(Commands, ReadRkfChoosesPropForAModelWithMaterialsOnly)
+{
+    for (int32_t materials : { 0, 1, 2 })
+    {
+        recorded.dialogAnswers = { writeFile("one.obj", triangleObj), (folder / "a.rkf").string(),
+                                   (folder / "a.rkf").string() };
+        runCommand(ID_OPEN_MESH);
+        currentMesh()->materialCount = materials;
+        runCommand(ID_SAVE_RKF);
+        runCommand(ID_PRESET_GOLD);
+        runCommand(ID_READ_RKF);
+        EXPECT_EQ(currentMesh()->materialCount, materials);
+        EXPECT_EQ(choices.materialPreset, materials > 0 ? presetProp : ID_PRESET_GOLD - ID_PRESET_BRASS) << materials;
+        EXPECT_EQ(choices.render.propMaterial, materials > 0 ? 1 : 0) << materials;
+        EXPECT_EQ(recorded.menuChecks[ID_PRESET_PROP], materials > 0) << materials;
+        EXPECT_EQ(recorded.menuChecks[ID_PRESET_GOLD], materials == 0) << materials;
+    }
+}
+
+// A texture leaves a Brick back, which the next material replaces.
+TEST_F(Commands, EachPresetHasABrassBack)
+{
+    for (int id = ID_PRESET_BRASS; id <= ID_PRESET_PROP; ++id)
+    {
+        runCommand(ID_TEXTURE_PATTERN);
+        EXPECT_TRUE(looksLike(choices.render.behind, presetBrick));
+        runCommand(id);
+        EXPECT_TRUE(looksLike(choices.render.front, id - ID_PRESET_BRASS)) << id;
+        EXPECT_TRUE(looksLike(choices.render.behind, presetBrass)) << id;
+    }
+}
+
+TEST_F(Commands, TheFirstLightIsOnAtStart)
+{
+    const Light* lights = choices.render.lights;
+    EXPECT_NE(lights[0].on, 0u);
+    EXPECT_EQ(lights[1].on, 0u);
+    EXPECT_EQ(lights[2].on, 0u);
+    EXPECT_FLOAT_EQ(dotProduct(lights[0].direction, lights[0].direction), 1.0f);
+    for (int id = ID_LIGHT_1; id < ID_LIGHT_1 + lightCount; ++id)
+        EXPECT_EQ(recorded.menuChecks[id], id == ID_LIGHT_1) << id;
+}
+
+TEST_F(Commands, TogglingALightSwitchesItAloneAndMakesItsDirectionAUnit)
+{
+    for (int32_t light = 0; light < lightCount; ++light)
+    {
+        uint32_t before[lightCount];
+        for (int32_t i = 0; i < lightCount; ++i)
+            before[i] = choices.render.lights[i].on;
+        forget();
+        EXPECT_TRUE(runCommand(ID_LIGHT_1 + light));
+        EXPECT_TRUE(redrawAsked());
+        for (int32_t i = 0; i < lightCount; ++i)
+            EXPECT_EQ(choices.render.lights[i].on != 0, (before[i] != 0) != (i == light)) << light << " " << i;
+        EXPECT_EQ(recorded.menuChecks[ID_LIGHT_1 + light], choices.render.lights[light].on != 0);
+        const float* direction = choices.render.lights[light].direction;
+        EXPECT_FLOAT_EQ(dotProduct(direction, direction), 1.0f);
+    }
+    EXPECT_EQ(choices.lightMask, 6u); // the first one was on
+}
+
+// What is painted again is the finished picture; the cells may be those of a frame that is being drawn.
+TEST_F(Commands, ActivationPresentsWithoutConversion)
+{
+    drawFrame();
+    std::string shown(reinterpret_cast<const char*>(frameBuffer.picture.bits), 3000);
+    memset(frameBuffer.cells, 0x5A, 4000);
+    mainWindowActivated(true);
+    EXPECT_EQ(memcmp(frameBuffer.picture.bits, shown.data(), shown.size()), 0);
 }

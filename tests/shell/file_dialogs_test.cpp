@@ -112,6 +112,32 @@ TEST_F(FileDialogs, ALongProposalIsCutAtAWholeCharacter)
     }
 }
 
+// 315 characters have room before the extension. One outside the first 65,536 counts as two, and is not divided.
+TEST_F(FileDialogs, AProposalThatJustFitsIsKeptWhole)
+{
+    MeshPointer mesh = triangle();
+    const std::string cup = "\U0001F375";
+    const struct
+    {
+        std::string name, kept;
+    } rows[] = {
+        { std::string(314, 'n'), std::string(314, 'n') },
+        { std::string(315, 'n'), std::string(315, 'n') },
+        { std::string(316, 'n'), std::string(315, 'n') },
+        { std::string(313, 'n') + cup, std::string(313, 'n') + cup },
+        { std::string(314, 'n') + cup, std::string(314, 'n') },
+        { std::string(314, 'n') + cup + "n", std::string(314, 'n') },
+        { cup + std::string(313, 'n'), cup + std::string(313, 'n') },
+        { cup + std::string(314, 'n'), cup + std::string(313, 'n') },
+    };
+    for (const auto& row : rows)
+    {
+        std::string name = row.name, path;
+        EXPECT_EQ(SaveObjFile(mesh.get(), &name, &path), 0);
+        EXPECT_EQ(recorded.dialogs.back().proposed, row.kept + ".obj");
+    }
+}
+
 TEST_F(FileDialogs, AnObjFileThatCannotBeCreatedIsReportedAndTheNameStays)
 {
     std::string name = "a.obj", path = "before", chosen = folder + "missing/b.obj";

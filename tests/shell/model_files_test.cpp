@@ -91,7 +91,11 @@ TEST_F(ModelFiles, AModelFromTheCommandLineIsTitledAndRememberedLikeAnyOther)
     EXPECT_EQ(currentFilePath, path);
     EXPECT_STREQ(currentMesh()->name, "object");
     EXPECT_EQ(choices.materialPreset, presetProp);
-    EXPECT_TRUE(recorded.menuChecks[ID_PRESET_PROP]);
+    EXPECT_EQ(choices.render.propMaterial, 1);
+    EXPECT_TRUE(looksLike(choices.render.front, presetProp));
+    EXPECT_TRUE(looksLike(choices.render.behind, presetBrass));
+    for (int id = ID_PRESET_BRASS; id <= ID_PRESET_PROP; ++id)
+        EXPECT_EQ(recorded.menuChecks[id], id == ID_PRESET_PROP) << id;
     EXPECT_EQ(modelList.count, 1);
 }
 
@@ -109,6 +113,10 @@ TEST_F(ModelFiles, ACommandLineThatCannotBeReadGivesWayToTheBuiltInModel)
     EXPECT_EQ(currentFilePath, "");
     EXPECT_EQ(currentMesh()->vertexCount, 2828);
     EXPECT_EQ(choices.materialPreset, presetBrass);
+    EXPECT_EQ(choices.render.propMaterial, 0);
+    EXPECT_TRUE(looksLike(choices.render.front, presetBrass));
+    for (int id = ID_PRESET_BRASS; id <= ID_PRESET_PROP; ++id)
+        EXPECT_EQ(recorded.menuChecks[id], id == ID_PRESET_BRASS) << id;
 }
 
 TEST_F(ModelFiles, AFailedObjExportLeavesTitleAndNames)

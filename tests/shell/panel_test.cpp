@@ -148,10 +148,17 @@ TEST_F(Panel, MetallicBorrowsTextureAndPreset)
 {
     runCommand(ID_TEXTURE_METAL);
     runCommand(ID_PRESET_GOLD);
+    EXPECT_TRUE(looksLike(choices.render.behind, presetBrass));
     click(ID_METALLIC, true);
     EXPECT_EQ(choices.render.currentTexture, &ReflectionImage);
+    EXPECT_TRUE(looksLike(choices.render.front, presetWhite));
+    EXPECT_TRUE(looksLike(choices.render.behind, presetBrick));
     EXPECT_TRUE(recorded.menuChecks[ID_PRESET_GOLD]);
+    forget();
     click(ID_METALLIC, false);
+    EXPECT_TRUE(redrawAsked());
+    EXPECT_TRUE(looksLike(choices.render.front, ID_PRESET_GOLD - ID_PRESET_BRASS));
+    EXPECT_TRUE(looksLike(choices.render.behind, presetBrick));
     EXPECT_EQ(choices.render.currentTexture, &TextureSlots[1]);
     EXPECT_EQ(choices.materialPreset, 4);
     EXPECT_TRUE(recorded.menuChecks[ID_PRESET_GOLD]);
@@ -194,7 +201,9 @@ TEST_F(Panel, InvertFlipsTheShownFaces)
     click(ID_BY_GROUP, true);
     select(1);
     Corners shown = currentMesh()->faces[0], hidden = currentMesh()->faces[1];
+    forget();
     EXPECT_TRUE(runPanelCommand(ID_INVERT));
+    EXPECT_TRUE(redrawAsked());
     EXPECT_EQ(currentMesh()->faces[0][0], shown[1]);
     EXPECT_EQ(currentMesh()->faces[1], hidden);
 }
@@ -238,4 +247,51 @@ TEST_F(Panel, NoMeshIsNoHarm)
     for (int id = ID_WIREFRAME; id <= ID_QUAD; ++id)
         runPanelCommand(id);
     EXPECT_TRUE(recorded.notices.empty());
+}
+
+TEST_F(Panel, UntickingTexturedLeavesWireframe)
+{
+    click(ID_TEXTURED, true);
+    click(ID_WIREFRAME, true);
+    click(ID_TEXTURED, false);
+    EXPECT_TRUE(recorded.panelChecks[ID_WIREFRAME]);
+    EXPECT_EQ(choices.render.renderFlags & (renderTextured | renderWireframe), renderWireframe);
+}
+
+TEST_F(Panel, ARefilledListForgetsTheSelection)
+{
+    open(threeGroups);
+    click(ID_BY_GROUP, true);
+    select(2);
+    EXPECT_EQ(hiddenFaces(), 2);
+    open(threeGroups);
+    EXPECT_FALSE(recorded.panelChecks[ID_BY_GROUP]);
+    select(2); // not by group any more
+    EXPECT_EQ(recorded.filterSelection, 0);
+    click(ID_BY_GROUP, true);
+    EXPECT_EQ(recorded.filterSelection, 0);
+    EXPECT_EQ(hiddenFaces(), 0);
+}
+
+// The view fits what is shown.
+TEST_F(Panel, TheFilterFitsTheView)
+{
+    open("v 0 0 0\nv 1 0 0\nv 0 1 0\nv 9 0 0\nv 9 9 0\ng small\nf 1 2 3\ng large\nf 3 4 5\n");
+    float whole = modelList.radius;
+    click(ID_BY_GROUP, true);
+    select(1);
+    EXPECT_LT(modelList.radius, whole / 2);
+    EXPECT_EQ(modelList.radius, currentMesh()->radius);
+    click(ID_BY_GROUP, false);
+    EXPECT_EQ(modelList.radius, whole);
+}
+
+// A vertex that no face uses counts until Weld removes it.
+TEST_F(Panel, WeldFitsTheView)
+{
+    open("v 0 0 0\nv 1 0 0\nv 0 1 0\nv 90 90 0\nf 1 2 3\n");
+    float before = modelList.radius;
+    EXPECT_TRUE(runPanelCommand(ID_WELD));
+    EXPECT_LT(modelList.radius, before);
+    EXPECT_EQ(modelList.radius, currentMesh()->radius);
 }

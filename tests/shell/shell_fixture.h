@@ -2,6 +2,7 @@
 #pragma once
 #include "image/textures.h"
 #include "model/memory.h"
+#include "render/materials.h"
 #include "resources/ids.h"
 #include "shell/choices.h"
 #include "shell/commands.h"
@@ -12,6 +13,7 @@
 
 #include <gtest/gtest.h>
 #include <stdio.h>
+#include <string.h>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -62,6 +64,13 @@ protected:
     static void drawFrame()
     {
         RenderFrame(&frameBuffer, &modelList, &choices.render, &frameState);
+    }
+
+    // Whether a material has the colour and the shine of a preset.
+    static bool looksLike(const Material& material, int32_t preset)
+    {
+        return memcmp(material.diffuse, materialPresets[preset].colour, sizeof material.diffuse) == 0 &&
+               material.specularLevel == materialPresets[preset].specularLevel;
     }
 
     bool redrawAsked() const

@@ -232,7 +232,9 @@ TEST_F(DesktopInside, NoticeClosesByItselfAndOnlyThenTheCallerGoesOn)
         showNotice("wait");
         waitedMs = static_cast<DWORD>(GetTickCount64() - start);
     };
-    EXPECT_GE(noticeAfter(show, NoticeTime::itsOwn).shownMs, 1290u);
+    DWORD shownMs = noticeAfter(show, NoticeTime::itsOwn).shownMs;
+    EXPECT_GE(shownMs, 1290u);
+    EXPECT_LT(shownMs, 2500u); // a busy machine is late, but not twice the time
     EXPECT_GE(waitedMs, 1290u);
 }
 
