@@ -1,6 +1,7 @@
 // export/text_writer.cpp - blocks into a file, and lines that are written once rather than a million times
 #include "export/text_writer.h"
 #include "model/memory.h"
+#include "platform/pages.h"
 
 #include <assert.h>
 #include <stdarg.h>
@@ -91,9 +92,9 @@ void writeLine(TextWriter* writer, const char* format, ...)
 int writeTextOutput(OutputFile* output, const std::string& target, SaveMode mode,
                     void (*writeText)(TextWriter* writer, void* context), void* context)
 {
-    auto* writer = static_cast<TextWriter*>(workAlloc(sizeof(TextWriter))); // too large for a small stack
+    auto* writer = static_cast<TextWriter*>(allocatePages(sizeof(TextWriter))); // too large for a small stack
     if (!writer)
-        return 0;
+        return mode == saveWhole ? reportOutOfMemory() : 0;
     int ok = openOutput(output, target, mode);
     if (ok)
     {
@@ -102,6 +103,6 @@ int writeTextOutput(OutputFile* output, const std::string& target, SaveMode mode
         int whole = closeOutput(output, finishText(writer) != 0);
         ok = whole || mode == saveInPlace;
     }
-    workFree(writer);
+    releasePages(writer);
     return ok;
 }

@@ -1,7 +1,7 @@
 // import/common/byte_cursor.h - binary files through a cursor that turns bad at the end
 //
-// Once a read would pass the end of the file the cursor is bad and stays bad. That read gives zeros; a later, shorter one
-// may still give bytes that the block holds. So a series of reads is checked once, at its end.
+// Once a read would pass the end of the file the cursor is bad and stays bad. That read gives zeros; a later, shorter
+// one may still give bytes that the block holds. So a series of reads is checked once, at its end.
 #pragma once
 #include "import/common/block_source.h"
 

@@ -74,8 +74,8 @@ struct Recording
     int allocations = 0;
     size_t liveBytes = 0, peakBytes = 0;
     size_t requestedBytes = 0; // of all blocks, released or not
-    int refuseFrom = 0; // the n-th allocation since the last reset and all later ones are refused; 0: none
-    int refuseOnly = 0; // only the n-th is refused; 0: none
+    int refuseFrom = 0;        // the n-th allocation since the last reset and all later ones are refused; 0: none
+    int refuseOnly = 0;        // only the n-th is refused; 0: none
 };
 
 extern Recording recorded;
