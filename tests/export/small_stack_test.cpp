@@ -85,8 +85,9 @@ TEST_F(SmallStack, ARefusedBlockIsToldAndTouchesNoFile)
                                             : WriteRkfFile(mesh.get(), path.c_str(), false, mode);
             recorded.refuseFrom = 0;
             EXPECT_EQ(done, 0) << name;
-            EXPECT_EQ(recorded.boxes.size(), 1u) << name;
-            EXPECT_EQ(recorded.boxes[0].text, "Out of memory") << name;
+            bool silent = mode == saveInPlace && path.back() != 'f'; // the desktop's commands have boxes of their own
+            ASSERT_EQ(recorded.boxes.size(), silent ? 0u : 1u) << name;
+            EXPECT_TRUE(silent || recorded.boxes[0].text == "Out of memory") << name;
             EXPECT_EQ(contents(path), "earlier");
         }
     }
