@@ -168,25 +168,27 @@ TEST_F(LuxWriter, SlotsWithoutTrianglesWriteNothingAndVerticesStartAnewForEachSl
 }
 
 // So many vertices with the same second coordinate are neighbours in the hash table, whatever its seed.
+// The vertices come from a range far larger than the table of made ones, so that many meet in it.
 TEST_F(LuxWriter, EqualCoordinatesOfOtherVerticesAreNotShared)
 {
-    constexpr uint32_t vertices = 3000;
-    std::vector<Point> points;
+    constexpr uint32_t pointCount = 200003, used = 3000; // a prime: the squares of the first half differ
+    std::vector<Point> points(pointCount);
+    for (uint32_t i = 0; i < pointCount; ++i)
+        points[i] = { static_cast<float>(i), 0, 0 };
+    auto vertex = [](uint64_t k) { return static_cast<uint32_t>((k + 1000) * (k + 1000) % pointCount); };
     std::vector<FaceSpec> faces;
-    for (uint32_t i = 0; i < vertices; ++i)
-        points.push_back({ static_cast<float>(i), 0, 0 });
     for (uint32_t uv : { 0u, 1u })
-        for (uint32_t i = 0; i < vertices; i += 3)
-            faces.push_back({ { i, i + 1, i + 2, noCorner }, { uv, uv, uv, 0 }, 0, 0, 0 });
+        for (uint32_t i = 0; i < used; i += 3)
+            faces.push_back({ { vertex(i), vertex(i + 1), vertex(i + 2), noCorner }, { uv, uv, uv, 0 }, 0, 0, 0 });
     MeshPointer mesh = buildMesh(points, { { 0, 0 }, { 1, 1 } }, faces, 1, 1);
     std::string text = geometry(mesh.get(), folder);
     Names triangles;
-    for (uint32_t i = 0; i < 2 * vertices; i += 3)
+    for (uint32_t i = 0; i < 2 * used; i += 3)
         triangles.push_back(std::to_string(i) + " " + std::to_string(i + 1) + " " + std::to_string(i + 2));
     EXPECT_EQ(linesBetween(text, "indices", "\t]"), triangles);
     Names positions = linesBetween(text, "point P", "\t]");
-    ASSERT_EQ(positions.size(), 2 * vertices);
-    EXPECT_TRUE(std::equal(positions.begin(), positions.begin() + vertices, positions.begin() + vertices));
+    ASSERT_EQ(positions.size(), 2 * used);
+    EXPECT_TRUE(std::equal(positions.begin(), positions.begin() + used, positions.begin() + used));
 }
 
 // Against the plainest way to say the same: a map from vertex and coordinate to its number.
