@@ -1,6 +1,7 @@
 // tests/tools/duplicates_test.cpp - Dup Faces: which faces repeat an earlier one
 #include "tools/duplicates.h"
 
+#include "tests/tools/literal.h"
 #include "tests/tools/random.h"
 
 #include <set>
@@ -98,52 +99,6 @@ TEST_F(DuplicateFaces, EveryRefusedAllocationLeavesTheMeshAsItWas)
     }
 }
 
-// The tool in its literal form: chains by the sum, with an overflow of faceCount - 1 entries. Returns the number
-// removed.
-static int plainRemove(Mesh* mesh)
-{
-    struct Entry
-    {
-        int32_t face = -1;
-        size_t next = 0;
-    };
-    size_t first = static_cast<size_t>(mesh->vertexCount) * 4, used = 0,
-           faceCount = static_cast<size_t>(mesh->faceCount);
-    std::vector<Entry> table(first + faceCount);
-    int removed = 0;
-    for (int32_t f = 0; f < mesh->faceCount; ++f)
-    {
-        if (mesh->faceAttributes[f] & (faceDeleted | faceLine))
-            continue;
-        const Corners& a = mesh->faces[f];
-        size_t index = 1 + a[0] + a[1] + a[2] + a[3];
-        for (;;)
-        {
-            if (table[index].face == -1)
-            {
-                table[index].face = f;
-                break;
-            }
-            const Corners& b = mesh->faces[table[index].face];
-            auto isIn = [&b](uint32_t word) { return word == b[0] || word == b[1] || word == b[2] || word == b[3]; };
-            if (isIn(a[0]) && isIn(a[1]) && isIn(a[2]) && isIn(a[3]))
-            {
-                mesh->faceAttributes[f] |= faceDeleted;
-                --mesh->liveFaceCount;
-                ++removed;
-                break;
-            }
-            if (table[index].next == 0)
-            {
-                EXPECT_LT(used, faceCount - 1); // never runs out
-                table[index].next = first + used++;
-            }
-            index = table[index].next;
-        }
-    }
-    return removed;
-}
-
 TEST_F(DuplicateFaces, RandomMeshesAreCleanedLikeTheLiteralVersion)
 {
     int changed = 0;
@@ -152,7 +107,7 @@ TEST_F(DuplicateFaces, RandomMeshesAreCleanedLikeTheLiteralVersion)
         RandomShape shape = { .vertexLimit = 3 + static_cast<int>(seed % 9),
                               .faceLimit = 1 + static_cast<int>(seed % 150) };
         MeshPointer want = randomMesh(seed, shape), have = randomMesh(seed, shape);
-        int removed = plainRemove(want.get());
+        int removed = literalRemoveDuplicates(want.get());
         resetRecording();
         ASSERT_EQ(removeDuplicateFaces(have.get()), 1);
         ASSERT_EQ(recorded.notices,
@@ -180,7 +135,7 @@ TEST_F(DuplicateFaces, ManyFacesOfOneSumAreCleanedLikeTheLiteralVersion)
     }
     MeshPointer want = buildMesh(std::vector<Point>(vertexCount, Point{ 0, 0, 0 }), faces);
     MeshPointer have = buildMesh(std::vector<Point>(vertexCount, Point{ 0, 0, 0 }), faces);
-    EXPECT_GT(plainRemove(want.get()), 1000);
+    EXPECT_GT(literalRemoveDuplicates(want.get()), 1000);
     EXPECT_GT(want->liveFaceCount, 100);
     ASSERT_EQ(removeDuplicateFaces(have.get()), 1);
     expectEqualStates(stateOf(have.get()), stateOf(want.get()), 0);

@@ -1,108 +1,28 @@
 // tests/tools/edges_test.cpp - the edge table: neighbours, chains, the overflow
 #include "tools/edges.h"
 
+#include "tests/tools/literal.h"
 #include "tests/tools/random.h"
 
 #include <algorithm>
 
 using Edges = ToolTest;
 
-// The table in its literal form: chains of edges with one sum, walked from the home entry. Faces are as they come, -1
-// for none.
-struct PlainEdge
-{
-    int64_t vertex = 0, face1 = -1, face2 = -1;
-    bool many = false, disagrees = false;
-    size_t next = 0;
-    bool operator==(const PlainEdge&) const = default;
-};
-
-struct PlainTable
-{
-    std::vector<PlainEdge> entries;
-    size_t used = 0;
-    bool overflow = false;
-};
-
-static void plainInsert(PlainTable& table, int64_t a, int64_t b, int64_t face)
-{
-    size_t index = static_cast<size_t>(a + b + 1);
-    for (;;)
-    {
-        PlainEdge& edge = table.entries[index];
-        if (edge.face1 == -1)
-        {
-            edge.vertex = a;
-            edge.face1 = face;
-            return;
-        }
-        if (edge.vertex == a || edge.vertex == b)
-        {
-            if (edge.face2 != -1)
-                edge.many = true;
-            else
-            {
-                edge.face2 = face;
-                edge.disagrees = edge.vertex == a;
-            }
-            return;
-        }
-        if (edge.next == 0)
-        {
-            if (table.used == table.entries.size())
-            {
-                table.overflow = true;
-                return;
-            }
-            edge.next = table.used++;
-        }
-        index = edge.next;
-    }
-}
-
-static PlainTable plainTable(const Mesh* mesh)
-{
-    PlainTable table;
-    table.entries.resize(static_cast<size_t>(mesh->vertexCount) * 4);
-    table.used = static_cast<size_t>(mesh->vertexCount) * 2;
-    for (int32_t f = 0; f < mesh->faceCount && !table.overflow; ++f)
-    {
-        if (mesh->faceAttributes[f] & (faceDeleted | faceLine))
-            continue;
-        size_t n = mesh->faces[f][3] == none ? 3 : 4;
-        for (size_t k = 0; k < n && !table.overflow; ++k)
-            plainInsert(table, mesh->faces[f][k], mesh->faces[f][(k + 1) % n], f);
-    }
-    return table;
-}
-
-static int64_t plainOther(const PlainTable& table, uint32_t a, uint32_t b, int64_t face)
-{
-    const PlainEdge* edge = &table.entries[a + b + 1];
-    while (edge->vertex != a && edge->vertex != b)
-    {
-        if (edge->next == 0)
-            return -1;
-        edge = &table.entries[edge->next];
-    }
-    return edge->face1 == face ? edge->face2 : edge->face2 == face ? edge->face1 : -1;
-}
-
 static void expectEqualTables(const Mesh* mesh, unsigned seed)
 {
-    PlainTable plain = plainTable(mesh);
+    LiteralEdgeTable literal = literalEdgeTable(mesh);
     EdgeTable table;
     resetRecording();
-    ASSERT_EQ(buildEdgeTable(mesh, &table), !plain.overflow) << "seed " << seed;
-    if (plain.overflow)
+    ASSERT_EQ(buildEdgeTable(mesh, &table), !literal.overflow) << "seed " << seed;
+    if (literal.overflow)
     {
         ASSERT_EQ(recorded.boxes, (Boxes{ { "edge table overflow", "(default)", iconNone } })) << "seed " << seed;
         return;
     }
-    ASSERT_EQ(table.entryCount, plain.used) << "seed " << seed;
+    ASSERT_EQ(table.entryCount, literal.used) << "seed " << seed;
     for (uint32_t i = 0; i < table.entryCount; ++i)
     {
-        const PlainEdge& want = plain.entries[i];
+        const LiteralEdge& want = literal.entries[i];
         const EdgeEntry& have = table.entries[i];
         ASSERT_EQ(static_cast<int64_t>(have.face1) - 1, want.face1) << "seed " << seed << " entry " << i;
         ASSERT_EQ(static_cast<int64_t>(have.face2) - 1, want.face2) << "seed " << seed << " entry " << i;
@@ -116,7 +36,7 @@ static void expectEqualTables(const Mesh* mesh, unsigned seed)
         {
             uint32_t face = (a * 7 + b) % static_cast<uint32_t>(mesh->faceCount);
             for (uint32_t step = 0; step < 3; ++step, face = (face + 1) % static_cast<uint32_t>(mesh->faceCount))
-                ASSERT_EQ(static_cast<int32_t>(otherFace(&table, a, b, face)), plainOther(plain, a, b, face))
+                ASSERT_EQ(static_cast<int32_t>(otherFace(&table, a, b, face)), literalOtherFace(literal, a, b, face))
                     << "seed " << seed << " edge " << a << ' ' << b << " face " << face;
         }
     }

@@ -1,6 +1,7 @@
 // tests/tools/orientation_test.cpp - Fix Normals and Invert
 #include "tools/orientation.h"
 
+#include "tests/tools/literal.h"
 #include "tests/tools/random.h"
 
 #include <map>
@@ -136,157 +137,6 @@ TEST_F(FixNormals, EveryRefusedAllocationLeavesTheMeshAsItWas)
     EXPECT_EQ(fixNormals(mesh.get()), 1); // there is no fourth
 }
 
-// The tool in its literal form, with its chains, its links, its flags and its stack. Returns the notice or the box.
-struct PlainEntry
-{
-    int64_t key = 0, face1 = -1, face2 = -1;
-    bool many = false, disagrees = false;
-    size_t next = 0;
-};
-
-constexpr uint32_t linkMark = 1u << 30;
-constexpr uint32_t linkFace = (1u << 28) - 1;
-
-struct Adjacency
-{
-    uint32_t links[4] = { none, none, none, none };
-    bool visited = false, queued = false, turn = false;
-};
-
-static bool plainEdges(const Mesh* mesh, std::vector<PlainEntry>& table)
-{
-    size_t vertexCount = static_cast<size_t>(mesh->vertexCount), used = 2 * vertexCount;
-    table.assign(4 * vertexCount, {});
-    for (int32_t f = 0; f < mesh->faceCount; ++f)
-    {
-        if (mesh->faceAttributes[f] & (faceDeleted | faceLine))
-            continue;
-        size_t n = mesh->faces[f][3] == none ? 3 : 4;
-        for (size_t k = 0; k < n; ++k)
-        {
-            int64_t a = mesh->faces[f][k], b = mesh->faces[f][(k + 1) % n];
-            size_t index = static_cast<size_t>(a + b + 1);
-            while (table[index].face1 != -1 && table[index].key != a && table[index].key != b)
-            {
-                if (table[index].next == 0)
-                {
-                    if (used == table.size())
-                        return false;
-                    table[index].next = used++;
-                }
-                index = table[index].next;
-            }
-            PlainEntry& entry = table[index];
-            if (entry.face1 == -1)
-            {
-                entry.key = a;
-                entry.face1 = f;
-            }
-            else if (entry.face2 != -1)
-                entry.many = true;
-            else
-            {
-                entry.face2 = f;
-                entry.disagrees = entry.key == a;
-            }
-        }
-    }
-    return true;
-}
-
-static void plainLink(Adjacency& record, uint32_t link)
-{
-    for (int slot = 0; slot < 3; ++slot)
-    {
-        if (record.links[slot] == none)
-        {
-            record.links[slot] = link;
-            return;
-        }
-    }
-    record.links[3] = link;
-}
-
-static void plainFlip(Mesh* mesh, std::vector<Adjacency>& records, uint32_t g)
-{
-    flipFace(mesh->faces[g], mesh->faceUvs[g]);
-    for (uint32_t& link : records[g].links)
-    {
-        if (link == none)
-            break;
-        link ^= linkMark;
-        for (uint32_t& back : records[link & linkFace].links)
-        {
-            if (back != none && (back & linkFace) == g)
-            {
-                back ^= linkMark;
-                break;
-            }
-        }
-    }
-}
-
-static std::string plainFix(Mesh* mesh)
-{
-    std::vector<PlainEntry> table;
-    if (!plainEdges(mesh, table))
-        return "edge table overflow";
-    int count = 0;
-    for (PlainEntry& entry : table)
-    {
-        if (entry.many)
-            entry.face1 = -1;
-        else if (entry.face1 != -1)
-            count += entry.disagrees;
-    }
-    if (count == 0)
-        return "Normals ok, nothing to do";
-    size_t faceCount = static_cast<size_t>(mesh->faceCount);
-    std::vector<Adjacency> records(faceCount);
-    for (const PlainEntry& entry : table)
-    {
-        if (entry.face1 == -1 || entry.face2 == -1)
-            continue;
-        uint32_t mark = entry.disagrees ? linkMark : 0;
-        plainLink(records[static_cast<size_t>(entry.face1)], static_cast<uint32_t>(entry.face2) | mark);
-        plainLink(records[static_cast<size_t>(entry.face2)], static_cast<uint32_t>(entry.face1) | mark);
-    }
-    std::vector<uint32_t> stack(faceCount + 1);
-    size_t top = 0;
-    auto push = [&](uint32_t face)
-    {
-        stack[top] = face;
-        if (top < faceCount)
-            ++top;
-    };
-    for (uint32_t f = 0; f < faceCount; ++f)
-    {
-        if (records[f].links[0] == none || records[f].visited)
-            continue;
-        push(f);
-        while (top > 0)
-        {
-            uint32_t g = stack[--top];
-            records[g].visited = true;
-            if (records[g].turn)
-                plainFlip(mesh, records, g);
-            records[g].turn = false;
-            for (uint32_t link : records[g].links)
-            {
-                if (link == none)
-                    break;
-                uint32_t h = link & linkFace;
-                if (records[h].visited || records[h].queued)
-                    continue;
-                records[h].queued = true;
-                records[h].turn = (link & linkMark) != 0;
-                push(h);
-            }
-        }
-    }
-    return "    Normals fixed";
-}
-
 TEST_F(FixNormals, RandomMeshesAreFixedLikeTheLiteralVersion)
 {
     std::map<std::string, int> outcomes;
@@ -295,7 +145,7 @@ TEST_F(FixNormals, RandomMeshesAreFixedLikeTheLiteralVersion)
         RandomShape shape = { .vertexLimit = 4 + static_cast<int>(seed % 40),
                               .faceLimit = 3 + static_cast<int>(seed % 50) };
         MeshPointer want = randomMesh(seed, shape), have = randomMesh(seed, shape);
-        std::string outcome = plainFix(want.get());
+        std::string outcome = literalFixNormals(want.get());
         ++outcomes[outcome];
         resetRecording();
         int ok = fixNormals(have.get());
