@@ -2,7 +2,7 @@
 //
 // spans_avx2.cpp and spans_avx512.cpp include this file once each, for their width of registers. Before that they
 // define WIDE (declares an inlined function), WIDE_TARGET (names the instruction set of a called one), the types Ints
-// and Mask, and the operations on them. Both files name these operations alike on purpose: they are one interface for
+// and Mask, and the operations on them. Both files name these operations alike, because they are one interface for
 // this file.
 //
 // Depths, texture coordinates and cells are computed in 32-bit lanes. Colours are packed in pairs of channels: each 128

@@ -87,7 +87,7 @@ void applyPivots(ThreeDsReadContext* context)
 {
     int32_t count = context->objectCount;
     if (count == groupLimit - 1)
-        --count; // a full table's last record stays out, on purpose
+        --count; // the last record of a full table is shared by several objects, and so has no pivot of its own
     for (int32_t i = 0; i < count; ++i)
         applyPivot(context->mesh, context->objects[i]);
 }

@@ -134,7 +134,7 @@ int readMaterial(ThreeDsReadContext* context, const Chunk& chunk)
         return 0;
     Material* material = &entry->material;
     if (material->reserved1[0] & selfIlluminated)
-        material->diffuseLevel = context->selfIllumination; // it scales the diffuse colour, on purpose
+        material->diffuseLevel = context->selfIllumination; // nothing shines here, so it scales the diffuse colour
     if (context->shading == shadingMetal)
         memcpy(material->specular, material->diffuse, sizeof material->specular);
     return 1;
