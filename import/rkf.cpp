@@ -19,7 +19,7 @@ static bool readRecords(FILE* file, void* records, int32_t count, size_t recordB
     return fread(records, recordBytes, wanted, file) == wanted;
 }
 
-// The counts are believed only as far as the file has the bytes for them.
+// The counts are trusted only as far as the file has bytes for them.
 static int readHeader(FILE* file, RkfHeader* header)
 {
     int64_t sizeBytes = measureFile(file);
@@ -73,8 +73,8 @@ static int readPositions(FILE* file, Mesh* mesh)
     return 1;
 }
 
-// Takes the material out of the first corner. Returns 0 for a corner that is no vertex; only the last two may be
-// absent.
+// Takes the material out of the first corner. Returns 0 for a corner index past the last vertex. Only the last two
+// corners may be absent.
 static int unpackFace(Corners* corners, uint32_t* attributes, uint32_t vertexCount)
 {
     auto& [a, b, c, d] = *corners;
@@ -83,7 +83,7 @@ static int unpackFace(Corners* corners, uint32_t* attributes, uint32_t vertexCou
     if (a >= vertexCount || b >= vertexCount || (c >= vertexCount && c != noCorner) ||
         (d >= vertexCount && d != noCorner))
         return 0;
-    if (c == noCorner) // nothing stands behind an absent corner
+    if (c == noCorner) // a corner after an absent one is ignored
         d = noCorner;
     return 1;
 }
@@ -144,7 +144,7 @@ static int readMaterials(FILE* file, Mesh* mesh, const RkfHeader& header)
     return 1;
 }
 
-// Without the materials that they name, faces are of material 0.
+// Faces get material 0 when the file lacks the materials that they name.
 static void dropMissingMaterials(Mesh* mesh)
 {
     for (int32_t f = 0; f < mesh->faceCount; ++f)

@@ -4,11 +4,12 @@
 
 #include <stdio.h>
 
-// Fills a fresh mesh from the start of a file; the file is the caller's. Coordinates become per vertex: where faces
-// disagree, the corner read last wins. Materials are named mat1, mat2, ...; those of another record size are left out.
-// Returns 1, or 0 for a short file, for counts below 0 or larger than the file can hold, for corners that are not
-// vertices and for more than 512 materials, without a box but "Out of memory"; the mesh is then only good for freeMesh.
+// Fills a fresh mesh from the start of a file; the caller closes the file. Coordinates become per vertex: where faces
+// disagree, the corner read last counts. Materials are named mat1, mat2, ...; materials of another record size are left
+// out. Returns 1, or 0 for a short file, for counts below 0 or larger than the file can hold, for corner indices past
+// the last vertex and for more than 512 materials. It shows no box except "Out of memory". After a failure the mesh can
+// only be passed to freeMesh.
 int ReadRkf(Mesh* mesh, FILE* file);
 
-// The same for a file by its name. Returns 1, or 0: silently when the file does not open, else after "File Error".
+// Reads a file given by its name. Returns 1, or 0: silently when the file does not open, otherwise after "File Error".
 int LoadRkfFile(Mesh* mesh, const char* path);

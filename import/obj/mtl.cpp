@@ -1,6 +1,6 @@
 // import/obj/mtl.cpp - material libraries
 //
-// Lines of a keyword, one blank and a value. A keyword with a blank or tab in front is another, unknown one.
+// Each line is a keyword, one blank and a value. A keyword after a blank or tab is an unknown one.
 #include "import/common/names.h"
 #include "import/common/numbers.h"
 #include "import/obj/obj.h"
@@ -9,10 +9,10 @@
 
 #include <string.h>
 
-constexpr int mtlLineRoom = 256;                       // the rest of a longer line is a line of its own
-constexpr int64_t mtlBytesLimit = int64_t{ 64 } << 20; // of a library; a model can name any file of the computer
+constexpr int mtlLineRoom = 256;                       // the rest of a longer line is read as another line
+constexpr int64_t mtlBytesLimit = int64_t{ 64 } << 20; // of a library; a model can name any file on the computer
 
-// What a library's values go to.
+// Where the values of a library are stored.
 struct MtlTarget
 {
     Material* material;
@@ -20,7 +20,7 @@ struct MtlTarget
     char (*opacity)[nameRoom];
 };
 
-// Takes the values without a material when all slots are in use.
+// Receives the values when all material slots are in use.
 struct MtlScratch
 {
     Material material;
@@ -35,7 +35,7 @@ static MtlTarget targetOf(Mesh* mesh, int32_t slot, MtlScratch* scratch)
     return { &mesh->materials[slot], &mesh->textureNames[slot], &mesh->opacityNames[slot] };
 }
 
-// The slot of a name, or that after the last material for a name that none has.
+// The slot of the material with this name, or the slot after the last material when there is none.
 static int32_t slotOf(const Mesh* mesh, const NameTable& names, const char* name)
 {
     int32_t slot = findName(&names, name);

@@ -22,12 +22,12 @@ constexpr int32_t progressStep = 10000; // statements
 enum Outcome
 {
     readingContinues,
-    readingEnds, // the statement has no end
+    readingEnds, // the input ends inside the statement
     readingFails // out of memory
 };
 
-// The samples are small compared with what they save, and there are enough of them to meet each section of a file in
-// proportion.
+// The samples are small compared with the time they save. There are enough of them to represent each section of a file
+// in proportion to its size.
 constexpr int64_t estimateFrom = int64_t{ 4 } << 20;
 constexpr int sampleCount = 64;
 constexpr int64_t sampleBytes = 4096;
@@ -37,7 +37,7 @@ struct SampleCounts
     int64_t vertices, uvs, faces;
 };
 
-// Records of the face whose keyword has been read: one, or those of its fan.
+// The number of records for the face whose keyword has been read: one, or those of its fan.
 static int64_t recordsInLine(const char* at, const char* end)
 {
     int corners = 0;
@@ -62,16 +62,17 @@ static SampleCounts countSample(const char* text, size_t length)
     return counts;
 }
 
-// The file's count from that of the samples. A section may begin or end anywhere between two samples, so the count of
-// one sample is added. A statement takes at least 8 bytes of the file.
+// Estimates the count of the whole file from that of the samples. A section may begin or end anywhere between two
+// samples, so the count of one sample is added. A statement takes at least 8 bytes of the file.
 static int32_t scaleCount(int64_t total, int64_t most, int64_t sizeBytes)
 {
     int64_t count = (total + most) * (sizeBytes / sampleBytes) / sampleCount;
     return static_cast<int32_t>(std::min({ count + count / 32, sizeBytes / 8, int64_t{ 1 } << 30 }));
 }
 
-// Arrays of the right size from the start are never copied, which for a large file would cost more than the reading.
-// Reads a few places of the file and puts it back at its start. Returns false when that fails.
+// Samples a few places of the file and returns to its start, so that the arrays have the right size from the beginning.
+// Copying the arrays of a large file would take longer than reading it. Returns false when it cannot return to the
+// start.
 static bool estimateObj(const BlockSource* source, ObjEstimate* estimate)
 {
     *estimate = {};
@@ -95,8 +96,8 @@ static bool estimateObj(const BlockSource* source, ObjEstimate* estimate)
     return seekFile(source->file, 0);
 }
 
-// The numbers of a position or a texture coordinate; all of them 0 when one is missing or bad. *stop is where reading
-// stopped.
+// Reads the numbers of a position or a texture coordinate. All of them become 0 when one is missing or bad. *stop
+// receives the place where reading stopped.
 template <size_t count>
 static void readCoordinates(const char* at, float (&values)[count], const char** stop)
 {
@@ -159,7 +160,7 @@ static Outcome readUv(ObjReader* reader, const char* text)
     return readingContinues;
 }
 
-// Makes room for more face records. The first time, the vertices are there to estimate by.
+// Makes room for more face records. By the first face, most vertices have been read, so their count gives an estimate.
 static bool makeFaceRoom(ObjReader* reader, int32_t records)
 {
     Mesh* mesh = reader->mesh;
@@ -200,7 +201,8 @@ static Outcome readCorners(ObjReader* reader, const char* text, int kind)
     return readingContinues;
 }
 
-// A group or material name: the rest of the line, blanks included. A new name changes nothing when all slots are taken.
+// Reads a group or material name: the rest of the line, blanks included. When all slots are taken, a new name changes
+// nothing.
 static void readName(ObjReader* reader, const char* text, int kind)
 {
     int32_t slot = findOrAddName(kind == objGroup ? &reader->groups : &reader->materials, text);
@@ -223,7 +225,7 @@ static Outcome readStatement(ObjReader* reader, int kind, const char* text)
     case objPolyline: return readCorners(reader, text, kind);
     case objEmpty: return readingContinues;
     }
-    if (!endObjStatement(&reader->source, text)) // the text stays where it is
+    if (!endObjStatement(&reader->source, text)) // the text stays valid
         return readingEnds;
     if (kind == objLibrary)
         copyNameFromText(reader->library, text);

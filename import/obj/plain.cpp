@@ -1,4 +1,4 @@
-// import/obj/plain.cpp - the lines that nearly all of an OBJ file consists of, read by their numbers alone
+// import/obj/plain.cpp - the fast way through the plain lines that make up nearly all of an OBJ file
 #include "import/obj/parts.h"
 
 #include "import/common/plain_lines.h"
@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-// From the place behind the last number to the next line; null when the rest of the line has to be examined.
+// Goes from the byte after the last number to the next line. Returns null when the rest of the line must be examined.
 static const char* endPlainLine(const char* argument, const char* at)
 {
     if (*at == '\n' || *at == '\r')
@@ -125,7 +125,7 @@ static const char* takeCorners(const char* at, PlainFace* face)
     return face->count >= 3 ? at : nullptr;
 }
 
-// Of four numbers, a bit for each that is not an index below count.
+// Sets one bit for each of four numbers that is not an index below count.
 static int outOfRange(__m128i indices, int32_t count)
 {
     __m128i inside = _mm_cmplt_epi32(indices, _mm_set1_epi32(count));
@@ -145,13 +145,13 @@ static const char* takeFace(const char* at, const ObjReader* reader, int32_t slo
     __m128i known = _mm_andnot_si128(_mm_srai_epi32(uvs, 31), _mm_cmplt_epi32(uvs, _mm_set1_epi32(reader->uvCount)));
     Mesh* mesh = reader->mesh;
     storeCorners(&mesh->faces[slot], vertices);
-    storeCorners(&mesh->faceUvs[slot], _mm_and_si128(uvs, known)); // else the first
+    storeCorners(&mesh->faceUvs[slot], _mm_and_si128(uvs, known)); // an unknown index becomes the first one
     mesh->faceAttributes[slot] = reader->attributes;
     return end;
 }
 
-// Takes statements of one keyword, one after the other. take(argument, k) returns where the next line begins, or null
-// when it does not take the k-th; then it has changed nothing.
+// Takes consecutive statements of one keyword. take(argument, k) returns where the next line begins. It returns null,
+// and has changed nothing, when it does not take the k-th statement.
 template <size_t room, typename Take>
 static int32_t takeStatements(ObjSource* source, const char (&keyword)[room], int32_t most, Take take)
 {
@@ -159,7 +159,7 @@ static int32_t takeStatements(ObjSource* source, const char (&keyword)[room], in
     int32_t taken = 0;
     while (taken < most && at < source->linesEnd)
     {
-        const char* line = at + (*at == '\n'); // of CR LF
+        const char* line = at + (*at == '\n'); // skips the LF of CR LF
         if (line >= source->linesEnd || memcmp(line, keyword, room - 1) != 0)
             break;
         const char* next = take(line + room - 1, taken);

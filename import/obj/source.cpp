@@ -3,7 +3,7 @@
 
 #include "platform/files.h"
 
-// Neither a keyword nor an argument: the scan continues behind it.
+// Neither a keyword nor an argument: the scan continues after it.
 constexpr int objDropped = -1;
 
 int openObjSource(ObjSource* source, const char* path, size_t blockBytes)
@@ -26,7 +26,7 @@ void closeObjSource(ObjSource* source)
     source->blocks.file = nullptr;
 }
 
-// Nothing of the old block is left unread here: a statement that runs across two blocks is copied together.
+// By now the old block has no unread bytes: a statement that runs across two blocks has been copied.
 static bool nextBlock(ObjSource* source)
 {
     BlockSource* blocks = &source->blocks;
@@ -52,7 +52,7 @@ int64_t objPosition(const ObjSource* source)
     return position < source->blocks.sizeBytes ? position : source->blocks.sizeBytes;
 }
 
-// The rest of a line whose next byte is c, its end included.
+// Skips the rest of a line whose next byte is c, including its line end.
 static int dropLine(ObjSource* source, char c)
 {
     while (!isLineEnd(c))
@@ -63,8 +63,8 @@ static int dropLine(ObjSource* source, char c)
     return objDropped;
 }
 
-// What follows a long keyword's first letter. A byte that does not fit is taken, and the rest of the line is read as
-// if it were a new line: the scan has no way back, since the byte may be the last one of a block.
+// Matches what follows the first letter of a long keyword. A byte that does not match is consumed, and the rest of the
+// line is read like a new line. The scan cannot go back, because that byte may be the last one of a block.
 static int matchKeyword(ObjSource* source, const char* rest, int kind)
 {
     char c;
@@ -80,7 +80,7 @@ static int matchKeyword(ObjSource* source, const char* rest, int kind)
     return isBlank(c) ? kind : objDropped;
 }
 
-// What follows a keyword of one letter, or of that letter and a second one.
+// Matches what follows a keyword of one letter, or of that letter and a second one.
 static int matchLetter(ObjSource* source, int kind, char second, int secondKind)
 {
     char c;
@@ -109,7 +109,7 @@ static int matchStatement(ObjSource* source, char first)
     }
 }
 
-// Copies an argument. Returns its kind, objEmpty when there is none, objEnd when it has no end.
+// Copies an argument. Returns its kind, objEmpty when there is no argument, or objEnd when it has no end.
 static int copyArgument(ObjSource* source, int kind)
 {
     char c;
@@ -132,7 +132,7 @@ static int copyArgument(ObjSource* source, int kind)
     return kind;
 }
 
-// One statement, or one line without one, byte by byte: the meaning of the scan.
+// Scans one statement, or one line without a statement, byte by byte. This scan defines the results of the faster one.
 static int scanBytes(ObjSource* source)
 {
     char c;
@@ -145,7 +145,7 @@ static int scanBytes(ObjSource* source)
     return kind > objEnd ? copyArgument(source, kind) : kind;
 }
 
-// What follows a keyword and its separator. The line's end is in the block.
+// Finds what follows a keyword and its separator. The line end is in the block.
 static int beginArgument(ObjSource* source, const char* at, int kind, const char** text)
 {
     while (isBlank(*at))
@@ -157,7 +157,7 @@ static int beginArgument(ObjSource* source, const char* at, int kind, const char
     return isEmpty ? objEmpty : kind;
 }
 
-// matchKeyword where the line's end is in the block.
+// Like matchKeyword, when the line end is in the block.
 static int matchKeywordInLine(ObjSource* source, const char* at, const char* keyword, int kind, const char** text)
 {
     while (*keyword && *at == *keyword)
@@ -171,7 +171,7 @@ static int matchKeywordInLine(ObjSource* source, const char* at, const char* key
     return objDropped;
 }
 
-// scanBytes where the line's end is in the block, before linesEnd.
+// Like scanBytes, when the line end is in the block, before linesEnd.
 static int scanLine(ObjSource* source, const char** text)
 {
     const char* at = source->blocks.at;

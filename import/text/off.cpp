@@ -13,10 +13,10 @@
 #include <string.h>
 #include <algorithm>
 
-constexpr size_t lineRoom = 256;            // with the terminator; what is left of a longer line is the next line
+constexpr size_t lineRoom = 256;            // with the terminator; the rest of a longer line is the next line
 constexpr int32_t spareRecords = 1024;      // vertices and faces that tools may add
 constexpr int32_t progressInterval = 10000; // lines
-constexpr int64_t shortestVertexBytes = 2;  // a character and a line feed: a bad vertex line is a vertex
+constexpr int64_t shortestVertexBytes = 2;  // a character and a line feed: a bad line still gives a vertex
 constexpr int64_t shortestFaceBytes = 8;    // "3 0 1 2" and a line feed
 
 struct OffCounts
@@ -58,8 +58,8 @@ int NextOffLine(OffSource* source)
     return 0;
 }
 
-// Room for as many as announced, but for no more than the file has bytes for. Every count fits in 32 bits then, or the
-// growth refuses it.
+// Makes room for the announced count, but for no more than the file has bytes for. The count then fits in 32 bits, or
+// growing the array fails.
 static int32_t roomFor(int32_t announced, int64_t most)
 {
     int64_t count = announced < 0 ? 0 : announced;
@@ -90,7 +90,7 @@ static void storeVertex(MeshVertex* vertex, float (&position)[3])
     vertex->colour = opaqueWhite;
 }
 
-// A line that does not hold three good numbers is a vertex all the same: it keeps the numbering of those after it.
+// A line without three good numbers still gives a vertex, so that the later vertices keep their numbers.
 static void readVertexLine(const char* line, MeshVertex* vertex)
 {
     float position[3];
@@ -99,8 +99,8 @@ static void readVertexLine(const char* line, MeshVertex* vertex)
     storeVertex(vertex, position);
 }
 
-// Nearly all lines hold nothing but numbers. They are read straight from the block, as plain lines first. A line that
-// has to be examined further, such as a comment, gives null, and readVertexLine reads it.
+// Nearly all lines consist of numbers only. They are read in place in the block, first as plain lines. For a line that
+// must be examined further, such as a comment, this returns null, and readVertexLine reads it.
 template <typename Number>
 static const char* scanInLine(const char* at, Number* numbers, int count, const char* (*scan)(const char*, Number*))
 {
@@ -113,7 +113,7 @@ static const char* scanInLine(const char* at, Number* numbers, int count, const 
     return at;
 }
 
-// From the place behind the last number to the next line; null when the line is too long.
+// Goes from the byte after the last number to the next line. Returns null when the line is too long.
 static const char* endLine(const char* line, const char* at)
 {
     if (!at || at - line >= static_cast<ptrdiff_t>(lineRoom - 1))
@@ -156,13 +156,13 @@ static void storeFace(Mesh* mesh, const int32_t (&numbers)[5])
         return;
     Corners corners;
     for (size_t k = 0; k < 3; ++k)
-        corners[k] = static_cast<uint32_t>(numbers[k + 1]); // a negative one is out of range then
+        corners[k] = static_cast<uint32_t>(numbers[k + 1]); // a negative index is then out of range
     corners[3] = numbers[0] == 3 ? noCorner : static_cast<uint32_t>(numbers[4]);
     if (cornersUsable(corners, static_cast<uint32_t>(mesh->vertexCount)))
-        mesh->faces[mesh->faceCount++] = corners; // the other arrays are zero as they come
+        mesh->faces[mesh->faceCount++] = corners; // the other arrays are already zero
 }
 
-// The corner count has one digit, as in all but a few lines.
+// Reads a corner count of one digit; nearly all lines have one.
 static const char* takeFace(const char* line, Mesh* mesh)
 {
     if (line[0] < '3' || line[0] > '9' || !isBlank(line[1]))
@@ -217,10 +217,10 @@ static bool readVertices(OffSource* source, Mesh* mesh, int32_t count)
     return true;
 }
 
-// A list that is shorter than announced is no error, nor is a file that grows while it is read.
+// A list that is shorter than announced is accepted. So is a file that grows while it is read.
 static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
 {
-    int32_t normalsDone = 0; // made for the faces of a run while those are in the cache
+    int32_t normalsDone = 0; // normals are added run by run, while the faces are in the cache
     for (int32_t done = 0; done < announced;)
     {
         int32_t taken = takeLines(source, std::min(announced - done, mesh->faceCapacity - mesh->faceCount),
@@ -257,7 +257,7 @@ static bool readOff(OffSource* source, FILE* file, Mesh* mesh)
         return false;
     readFaces(source, mesh, counts.faces);
     computeBounds(mesh);
-    return addPlaceholderUv(mesh) != 0; // the texture indices are 0 as they come
+    return addPlaceholderUv(mesh) != 0; // the texture indices are already 0
 }
 
 int LoadOffFile(Mesh* mesh, const char* path)

@@ -7,17 +7,17 @@
 
 struct OffSource
 {
-    char* line;        // of NextOffLine
+    char* line;        // the line that NextOffLine found
     int32_t lineCount; // without comments and blank lines
     bool plainLines;   // lines may be read by the fast kernel
     LineView lines;
 };
 
-// Reads triangles and quads; the fifth and further corners of a face are dropped. Everything is of group 0 and
-// material 0, with the placeholder texture coordinate.
+// Reads triangles and quads; the fifth and later corners of a face are dropped. Everything gets group 0, material 0 and
+// the placeholder texture coordinate.
 // Returns 1, or 0 after "Error: failed to open" or "Error readin file".
 int LoadOffFile(Mesh* mesh, const char* path);
 
-// The next line that is neither blank nor a comment, without the blanks and tabs around it. Returns 1, or 0 at the end
-// of the file.
+// Finds the next line that is neither blank nor a comment, and cuts the blanks and tabs around it. Returns 1, or 0 at
+// the end of the file.
 int NextOffLine(OffSource* source);

@@ -15,10 +15,10 @@
 #include <string.h>
 #include <algorithm>
 
-constexpr int32_t spareVertices = 256; // beyond what a block announces, of texture coordinates also
+constexpr int32_t spareVertices = 256; // more than a block announces; also for texture coordinates
 constexpr int32_t spareFaces = 1024;
 
-// Shortest lines that make one: "v 0 0 0", "vt 0 0", "f 1 2 3" and a line end.
+// The shortest lines of each kind: "v 0 0 0", "vt 0 0", "f 1 2 3", each with a line end.
 constexpr int64_t shortestVertexBytes = 8;
 constexpr int64_t shortestUvBytes = 7;
 constexpr int64_t shortestFaceBytes = 8;
@@ -33,17 +33,17 @@ struct PoserReader
     int64_t uvLimit;
 };
 
-// A geometry block while it is read; at its end it goes into the mesh.
+// A geometry block while it is read; when it ends, it is added to the mesh.
 struct PoserBlock
 {
-    int32_t firstVertex, firstUv; // indices in the block start from these
+    int32_t firstVertex, firstUv; // the block's indices count from these
     int32_t vertexCount, uvCount; // of the block alone
     int32_t faceCount;            // of the mesh
     int32_t liveFaceCount, lineCount;
     uint32_t group, material; // current
 };
 
-// Skips bytes and returns false at the end of the file; else the next byte is not to be skipped.
+// Skips bytes up to one that must not be skipped. Returns false at the end of the file.
 template <typename Skipped>
 static bool skipWhile(BlockSource* blocks, Skipped skipped)
 {
@@ -56,8 +56,8 @@ static bool skipWhile(BlockSource* blocks, Skipped skipped)
     return false;
 }
 
-// Takes the word at the cursor and the byte that ends it, which *last receives. Returns false for a word without an
-// end.
+// Takes the word at the cursor and the byte that ends it; *last receives that byte. Returns false when the word does
+// not end.
 static bool takeWord(PoserSource* source, char* last)
 {
     BlockSource* blocks = &source->blocks;
@@ -78,7 +78,7 @@ static bool takeWord(PoserSource* source, char* last)
     return false;
 }
 
-// Takes the rest of the line and its end, in whose place the terminator goes.
+// Takes the rest of the line and its line end, which the terminator replaces.
 static bool takeRest(PoserSource* source)
 {
     BlockSource* blocks = &source->blocks;
@@ -96,7 +96,7 @@ static bool takeRest(PoserSource* source)
     return false;
 }
 
-// Skips blanks, line ends and comments. Returns false at the end of the file, also where its last byte could begin a
+// Skips blanks, line ends and comments. Returns false at the end of the file, and also when the last byte could begin a
 // comment.
 static bool skipToToken(BlockSource* blocks)
 {
@@ -117,7 +117,7 @@ static bool skipToToken(BlockSource* blocks)
 int NextPoserToken(PoserSource* source)
 {
     BlockSource* blocks = &source->blocks;
-    source->rest = source->word + poserTextRoom - 1; // a terminator for a token without a rest
+    source->rest = source->word + poserTextRoom - 1; // an empty rest, for a token without one
     *source->rest = 0;
     if (!skipToToken(blocks))
         return 0;
@@ -158,7 +158,7 @@ int SkipPoserBlock(PoserSource* source)
     return 1;
 }
 
-// Reads up to the '{' that opens a block; whatever stands before it is ignored, but for a '}'.
+// Reads up to the '{' that opens a block. Anything before it is ignored, except a '}'.
 static int enterBlock(PoserSource* source)
 {
     while (NextPoserToken(source))
@@ -203,7 +203,7 @@ static int64_t linesLeft(const PoserReader* reader, int64_t shortestBytes)
     return (blocks.sizeBytes - blockPosition(&blocks)) / shortestBytes + 1;
 }
 
-// What is announced may be read; memory is taken for no more than the file has lines for.
+// The file may contain everything it announces, but memory is taken only for as many lines as it can hold.
 static int announceVertices(PoserReader* reader, const PoserBlock* block, int32_t count)
 {
     reader->vertexLimit += int64_t{ count } + spareVertices;
@@ -230,7 +230,7 @@ static int announceFaces(PoserReader* reader, const PoserBlock* block, int32_t c
     return growFaces(reader->mesh, growthFor(reader->mesh->faceCapacity, block->faceCount + more + spareFaces, 0));
 }
 
-// scanFloats, for the rest of a line, which is padded.
+// Like scanFloats, for the rest of a line, which is padded.
 static int scanRest(const char* rest, float* values, int count)
 {
     int found = 0;
@@ -276,8 +276,7 @@ static int readUv(PoserReader* reader, PoserBlock* block)
     return 1;
 }
 
-// A statement with a bad corner is ignored, as is one with fewer corners than it needs. Returns 0 only when memory
-// gives out.
+// Ignores a statement that has a bad corner or fewer corners than it needs. Returns 0 only when memory runs out.
 static int readElement(PoserReader* reader, PoserBlock* block, bool polyline)
 {
     int32_t vertices[cornerLimit], uvs[cornerLimit];
@@ -299,7 +298,7 @@ static int readElement(PoserReader* reader, PoserBlock* block, bool polyline)
     else
     {
         storePolygon(mesh, block->faceCount, corners, attributes);
-        if (count != 3) // the count that the panel shows is one of polygons, which triangles are not here
+        if (count != 3) // the panel shows this count as polygons; triangles are not counted in this format
             block->liveFaceCount += records;
     }
     block->faceCount += records;
@@ -326,7 +325,7 @@ static int finishGeometry(Mesh* mesh, const PoserBlock& block)
     return 1;
 }
 
-// One of the three counts. Returns 0 when it is none or memory gives out.
+// Reads one of the three counts. Returns 0 for a bad count or when memory runs out.
 static int readCount(PoserReader* reader, const PoserBlock* block,
                      int (*announce)(PoserReader*, const PoserBlock*, int32_t))
 {
@@ -360,7 +359,7 @@ static int readGeometryLine(PoserReader* reader, PoserBlock* block)
     return 1;
 }
 
-// A count of vertices below 1 makes the block one without geometry, whatever it had before.
+// With a vertex count below 1 a block has no geometry, whatever it had before.
 static bool announcesNothing(const PoserSource* source)
 {
     int32_t count;
@@ -385,7 +384,7 @@ static int readGeometry(PoserReader* reader)
     return 0;
 }
 
-// Numbers of which each is good or 0. Returns 0 when there are fewer than wanted.
+// Reads numbers; a bad one becomes 0. Returns 0 when there are fewer than wanted.
 static int readGoodFloats(const char* text, float* values, int count)
 {
     if (scanFloats(text, values, count) < count)
@@ -395,7 +394,7 @@ static int readGoodFloats(const char* text, float* values, int count)
     return 1;
 }
 
-// A colour and a fourth number that scales it.
+// Reads a colour and a fourth number that scales it.
 static int readColour(const char* text, float (&colour)[3], float* level)
 {
     float values[4];
@@ -420,7 +419,7 @@ static int readMaterialLine(PoserSource* source, Mesh* mesh, int32_t index)
         return readColour(source->rest, material->ambient, &material->ambientLevel);
     if (wordIs(source, "KsColor"))
     {
-        material->shininess = 10; // an NsExponent counts only after this line
+        material->shininess = 10; // an NsExponent counts only if it follows this line
         return readColour(source->rest, material->specular, &material->specularLevel);
     }
     if (wordIs(source, "NsExponent"))
@@ -444,7 +443,7 @@ static int readMaterialLine(PoserSource* source, Mesh* mesh, int32_t index)
     return 1;
 }
 
-// Materials are those that faces use; the file has others, which are passed over.
+// Only materials that faces use are read; the others in the file are skipped.
 static int readMaterial(PoserReader* reader)
 {
     PoserSource* source = &reader->source;
@@ -492,7 +491,7 @@ static bool opensObject(const PoserSource* source)
     return wordIs(source, "actor") || wordIs(source, "prop") || wordIs(source, "figure") || wordIs(source, "hairProp");
 }
 
-// Reads the file's one outer block; what follows it is ignored.
+// Reads the file's one outer block and ignores what follows it.
 static int readObjects(PoserReader* reader)
 {
     PoserSource* source = &reader->source;
@@ -524,7 +523,7 @@ static int readFile(PoserReader* reader, FILE* file, Mesh* mesh)
     return readObjects(reader);
 }
 
-// Faces of a block without texture coordinates point to the first one of the next block, which may not be there.
+// Faces of a block without texture coordinates point to the first one of the next block, which may be missing.
 static int finishUvs(Mesh* mesh)
 {
     if (mesh->uvCount == 0)

@@ -8,27 +8,27 @@ constexpr size_t poserTextRoom = 2048; // of a word, and of the rest of its line
 
 struct PoserSource
 {
-    char* rest; // of the token's line; a blank separates it from the word; numberPaddingRoom readable bytes follow it
+    char* rest; // of the token's line, after a blank that follows the word; numberPaddingRoom readable bytes follow it
     char word[poserTextRoom + numberPaddingRoom];
     BlockSource blocks;
 };
 
 // Reads the geomCustom blocks of all props, hair props, actors and figures into one mesh, and the materials that their
-// faces use. Geometry in other files is not followed. No progress is shown.
+// faces use. Geometry in other files is not read. No progress is shown.
 // Returns 1, or 0: silently for a file that does not open, else after "No internal geometry" or "Unable to read file".
 int LoadPoserFile(Mesh* mesh, const char* path);
 
-// Reads a word and the rest of its line; a brace is a token by itself, and what follows it is the next one. Comments
-// from // to the line's end are skipped. The texts stay until the next call. Returns 1, or 0 at the end of the file,
-// also when it comes before the line's end, and for a word or a rest of poserTextRoom bytes.
+// Reads a word and the rest of its line. A brace is a token by itself, and what follows it is the next token. Comments
+// from // to the line's end are skipped. The texts are valid until the next call. Returns 1, or 0 at the end of the
+// file, even before the line's end, and for a word or a rest of poserTextRoom bytes.
 int NextPoserToken(PoserSource* source);
 
 // After a '{': reads up to the matching '}'. Returns 1, or 0 at the end of the file.
 int SkipPoserBlock(PoserSource* source);
 
-// Cuts a name in place at its first tab, blank or ':' and to the room of a name. Returns its length.
+// Cuts a name in place at its first tab, blank or ':' and to at most the room of a name. Returns its length.
 size_t PoserName(char* text);
 
-// The bare file name in a texture reference, a part of text, which is changed: what follows the last ':', '"' or '\',
-// without a closing quote. "NO_MAP" becomes empty.
+// Returns the bare file name of a texture reference, which is changed in place: the part after the last ':', '"' or
+// '\', without a closing quote. "NO_MAP" gives an empty name.
 char* PoserMapName(char* text);

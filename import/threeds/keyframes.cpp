@@ -64,9 +64,9 @@ int readKeyframer(ThreeDsReadContext* context, const Chunk& chunk)
     return readChildren(context, chunk, emptyChildEndsSection, readKeyframerChild);
 }
 
-// The matrix that is applied is frame x translation by -pivot x inverse of the frame. That is a translation by the
-// turned pivot, whatever the inverse is; made so, it does not round where nothing is to be moved, and objects that
-// touch still touch. An object whose frame has no inverse stays where it is.
+// The matrix that is applied is frame x translation by -pivot x inverse of the frame. This equals a translation by the
+// turned pivot. Computed as a translation, it does not round when nothing moves, so objects that touch still touch. An
+// object whose frame has no inverse does not move.
 static void applyPivot(Mesh* mesh, const ThreeDsObject& object)
 {
     Matrix turn = object.matrix, inverse;
@@ -87,7 +87,7 @@ void applyPivots(ThreeDsReadContext* context)
 {
     int32_t count = context->objectCount;
     if (count == groupLimit - 1)
-        --count; // the last record of a full table is shared by several objects, and so has no pivot of its own
+        --count; // several objects share the last record of a full table, so it has no pivot of its own
     for (int32_t i = 0; i < count; ++i)
         applyPivot(context->mesh, context->objects[i]);
 }

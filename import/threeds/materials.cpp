@@ -30,7 +30,7 @@ static float takeUnitFloat(ThreeDsReadContext* context)
     return value < 0 ? 0 : value > 1 ? 1 : value;
 }
 
-// The first child must be the colour; others behind it are not looked at.
+// Only the first child can be the colour; later children are ignored.
 static int readColour(ThreeDsReadContext* context, float (&colour)[3])
 {
     Chunk chunk;
@@ -84,7 +84,7 @@ static int readSelfIllumination(ThreeDsReadContext* context, Material* material)
     return 1;
 }
 
-// The name is all of the chunk's data, cut to its slot.
+// The name is all of the chunk's data, cut to the size of a slot.
 static int readTextureChild(ThreeDsReadContext* context, const Chunk& child)
 {
     if (child.id != chunkMapName)
@@ -134,7 +134,7 @@ int readMaterial(ThreeDsReadContext* context, const Chunk& chunk)
         return 0;
     Material* material = &entry->material;
     if (material->reserved1[0] & selfIlluminated)
-        material->diffuseLevel = context->selfIllumination; // nothing shines here, so it scales the diffuse colour
+        material->diffuseLevel = context->selfIllumination; // it scales the diffuse colour: nothing glows here
     if (context->shading == shadingMetal)
         memcpy(material->specular, material->diffuse, sizeof material->specular);
     return 1;

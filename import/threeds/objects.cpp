@@ -7,12 +7,12 @@
 
 constexpr size_t vertexBytes = 12, uvBytes = 8, faceBytes = 8, faceNumberBytes = 2;
 
-// The bytes of a whole file for each of its vertices and faces, when it has no texture coordinates; other files have
-// more. The first list takes room for the whole file, so that later lists do not move it. Room that is never touched
+// How many bytes a file has for each of its vertices and faces when it has no texture coordinates; with them it has
+// more. The first list gets room for the whole file, so that later lists do not move it. Room that is never touched
 // costs nothing.
 constexpr int64_t fileBytesPerVertex = 30, fileBytesPerFace = 15;
 
-// Takes a list's length; -1 when the file has fewer records.
+// Takes a list's length. Returns -1 when the file has fewer records than that.
 static int32_t takeListCount(ByteCursor* cursor, size_t recordBytes)
 {
     int32_t count = takeNumber<uint16_t>(cursor);
@@ -93,8 +93,8 @@ static void readMatrix(ThreeDsReadContext* context)
     lastRow[3] = 1;
 }
 
-// A face with a corner that is not a vertex of the object, or with two equal corners, is dropped. Face slots behind
-// faceCount are zero, so texture indices are written only where the object has coordinates for all corners.
+// Drops a face with a corner index past the object's last vertex, or with two equal corners. Face slots after faceCount
+// are zero, so texture indices are written only where the object has coordinates for all corners.
 static void decodeFaces(ThreeDsReadContext* context, const uint8_t* at, int64_t count)
 {
     Mesh* mesh = context->mesh;
@@ -106,7 +106,7 @@ static void decodeFaces(ThreeDsReadContext* context, const uint8_t* at, int64_t 
     int32_t face = mesh->faceCount;
     for (int64_t i = 0; i < count; ++i, at += faceBytes)
     {
-        uint16_t corners[4]; // the fourth are flags
+        uint16_t corners[4]; // the fourth number holds flags
         memcpy(corners, at, sizeof corners);
         uint32_t a = corners[0], b = corners[1], c = corners[2];
         if (a >= vertexCount || b >= vertexCount || c >= vertexCount || a == b || a == c || b == c)
@@ -120,8 +120,8 @@ static void decodeFaces(ThreeDsReadContext* context, const uint8_t* at, int64_t 
     mesh->faceCount = face;
 }
 
-// Face numbers are taken to count the faces that were kept. Behind a dropped face they are one off: a table of the
-// file's own numbers is not worth its memory for damaged files.
+// Face numbers count only the faces that were kept, so they are one off after a dropped face. A table of the file's own
+// numbers would cost memory and help only damaged files.
 static int readFaceMaterial(ThreeDsReadContext* context)
 {
     Mesh* mesh = context->mesh;
@@ -176,7 +176,7 @@ static int readFaces(ThreeDsReadContext* context, const Chunk& chunk)
 
 static int readTrimeshChild(ThreeDsReadContext* context, const Chunk& child)
 {
-    constexpr uint32_t matrixChunkBytes = 54; // any other length has no meaning here
+    constexpr uint32_t matrixChunkBytes = 54; // a chunk of any other length is ignored
     setProgress(blockFraction(&context->cursor.blocks));
     switch (child.id)
     {

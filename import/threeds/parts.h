@@ -1,7 +1,7 @@
 // import/threeds/parts.h - what the parts of the 3DS reader share: chunks, names, the side table
 //
-// A chunk is a 16-bit id, a 32-bit length that counts these six bytes too, and data that may end with more chunks, all
-// little-endian. Whatever has been read of a chunk, reading goes on at its end.
+// A chunk is a 16-bit id, a 32-bit length that includes these six bytes, and data that may end with more chunks. All
+// numbers are little-endian. Reading continues at a chunk's end, however much of the chunk has been read.
 #pragma once
 #include "import/common/byte_cursor.h"
 #include "model/matrix.h"
@@ -41,7 +41,7 @@ enum ChunkId : uint16_t
 };
 
 constexpr uint32_t chunkHeaderBytes = 6;
-constexpr int32_t chunkNameLength = 35; // of names in the file, their terminator not counted
+constexpr int32_t chunkNameLength = 35; // of names in the file, without their terminator
 
 struct Chunk
 {
@@ -67,8 +67,8 @@ struct ThreeDsMaterial
     char texture[nameRoom];
 };
 
-// All that is kept while a file is read. The counts, the mesh's own too, stop one below their limits: what comes after
-// shares the last entry, which the mesh counts in the end.
+// The state of a read. All counts, including those of the mesh, stop one below their limits: everything after that
+// shares the last entry, and at the end the mesh counts that entry too.
 struct ThreeDsReadContext
 {
     int32_t objectCount;
@@ -82,12 +82,12 @@ struct ThreeDsReadContext
     int32_t uvBase;            // of its texture coordinates
     int32_t firstFace;         // of its face list
     int32_t materialsUsed;     // entries of materials, the shared last one included
-    int32_t groupsUsed;        // of the mesh, likewise
-    int32_t slotsUsed;         // materials of the mesh, likewise
+    int32_t groupsUsed;        // of the mesh, counted the same way
+    int32_t slotsUsed;         // materials of the mesh, counted the same way
     ThreeDsMaterial* material; // being read
     float selfIllumination;
     uint16_t shading;
-    ThreeDsObject* nodeObject; // that the keyframer node's first pivot is for; null: none
+    ThreeDsObject* nodeObject; // receives the keyframer node's first pivot; null: none
     ByteCursor cursor;
 };
 
@@ -98,18 +98,18 @@ enum EmptyChild
     emptyChildEndsSection
 };
 
-// Reads the six bytes of a header. Returns 0 when the file ends before.
+// Reads the six bytes of a header. Returns 0 when the file is too short.
 int readChunkHeader(ThreeDsReadContext* context, Chunk* chunk);
 
-// Reads the children from here to the end of their parent, each by readChild, which may leave off anywhere and returns
-// 0 to fail. Returns 0 when one failed or a header cannot be read.
+// Reads the children from here to the end of their parent. readChild may stop anywhere in a child, and returns 0 to
+// fail. Returns 0 when a child failed or a header cannot be read.
 int readChildren(ThreeDsReadContext* context, const Chunk& parent, EmptyChild emptyChild,
                  int (*readChild)(ThreeDsReadContext* context, const Chunk& child));
 
-// Reads a name up to its 0; '#' and ' ' become '_'. Returns 0 for one that is too long or does not end.
+// Reads a name up to its 0; '#' and ' ' become '_'. Returns 0 for a name that is too long or does not end.
 int readChunkName(ThreeDsReadContext* context, char (&name)[nameRoom]);
 
-// The children of the editor section, and the keyframer section.
+// Read the children of the editor section, and the keyframer section.
 int readObject(ThreeDsReadContext* context, const Chunk& chunk);
 int readMaterial(ThreeDsReadContext* context, const Chunk& chunk);
 int readKeyframer(ThreeDsReadContext* context, const Chunk& chunk);
@@ -117,5 +117,5 @@ int readKeyframer(ThreeDsReadContext* context, const Chunk& chunk);
 // Moves every object by minus its pivot, in the object's own frame.
 void applyPivots(ThreeDsReadContext* context);
 
-// The mesh slot of the material that faces name; it gets one when it is met first. 0 for an unknown name.
+// The mesh slot of the material that faces name; a material gets a slot when it is first used. 0 for an unknown name.
 int32_t placeMaterial(ThreeDsReadContext* context, const char* name);

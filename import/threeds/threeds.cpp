@@ -1,4 +1,4 @@
-// import/threeds/threeds.cpp - the walk over a 3DS file and what is done to the mesh at its end
+// import/threeds/threeds.cpp - reading the sections of a 3DS file and completing the mesh
 #include "import/threeds/threeds.h"
 
 #include "import/threeds/parts.h"
@@ -10,8 +10,8 @@
 
 #include <algorithm>
 
-// Cosine and sine of the turn about x. The angle is 1.57075 and not exactly a right one: files that were exported hold
-// coordinates turned by it, and reading a model anew must give the same ones.
+// Cosine and sine of the turn about x. The angle is 1.57075 rather than a right angle, because exported files hold
+// coordinates turned by 1.57075, and reading a model again must give the same coordinates.
 constexpr float turnCosine = 0x1.84a222p-15f, turnSine = 1.0f;
 
 static int readEditorChild(ThreeDsReadContext* context, const Chunk& child)
