@@ -6,6 +6,12 @@
 
 LoopState loopState;
 
+void askForRedraw()
+{
+    frameState.fullRedraw = 1;
+    loopState.redrawPending = 1;
+}
+
 static void drawFrame()
 {
     startSpeedMeter(&loopState.speed);

@@ -13,6 +13,9 @@ struct LoopState
 
 extern LoopState loopState;
 
+// Lets the next frame be drawn at the next idle moment, and whole.
+void askForRedraw();
+
 enum WaitingMessage
 {
     messageNone,

@@ -1,14 +1,26 @@
 // shell/model_files.cpp - file commands
 #include "shell/model_files.h"
 
-#include "export/lux.h"
 #include "import/dispatch.h"
-#include "platform/boxes.h"
 #include "platform/controls.h"
+#include "platform/file_names.h"
 #include "resources/ids.h"
 #include "shell/choices.h"
 #include "shell/file_dialogs.h"
+#include "shell/panel.h"
 #include "shell/scene.h"
+
+// Makes a mesh that has been read from a file the current one, which the list then owns: installs it, names it by the
+// path, refills the panel, resets the view's rotations and sets the title.
+static void showLoadedMesh(Mesh* mesh, const char* path)
+{
+    installMesh(&modelList, mesh);
+    nameModel(fileNameOf(path), path);
+    fillFilterList(mesh);
+    updateStatistics();
+    resetViewRotations(&frameState.view);
+    showFileTitle();
+}
 
 int openMeshInto(Mesh* mesh, const char* path)
 {
@@ -91,18 +103,4 @@ int exportMesh(ExportKind kind)
         return 0;
     showSavedTitle();
     return 1;
-}
-
-int exportLuxRender(const Mesh* mesh, const char* modelFileName)
-{
-    if (!WriteLuxFiles(mesh, modelFileName, saveInPlace))
-        return 0;
-    messageBox((luxBaseName(modelFileName) + ".lxo, .lxm and .lxs files exported").c_str(), "LuxRender Export",
-               iconNone);
-    return 1;
-}
-
-const char* currentModelPath()
-{
-    return currentFilePath.empty() ? currentFileName.c_str() : currentFilePath.c_str();
 }

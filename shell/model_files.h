@@ -22,10 +22,3 @@ int openMeshFile(); // asks for the file
 int readRkfFile();
 int saveRkfFile(); // refused without a word for a model with polylines: the format carries none
 int exportMesh(ExportKind kind);
-
-// Writes the mesh as a scene for LuxRender beside the file of a model and shows "%s.lxo, .lxm and .lxs files exported".
-// Returns 1, or 0 without a box as soon as memory or a file is refused; files written before stay.
-int exportLuxRender(const Mesh* mesh, const char* modelFileName);
-
-// The file that the current model's scene is written beside: in the current folder for the built-in model.
-const char* currentModelPath();

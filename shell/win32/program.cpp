@@ -7,6 +7,7 @@
 #include "shell/panel.h"
 #include "shell/win32/placement.h"
 #include "shell/scene.h"
+#include "shell/start_up.h"
 #include "shell/win32/desktop.h"
 
 #include <commctrl.h>

@@ -9,6 +9,7 @@
 #include "shell/loop.h"
 #include "shell/panel.h"
 #include "shell/scene.h"
+#include "shell/start_up.h"
 #include "tests/recording/recording.h"
 
 #include <gtest/gtest.h>
