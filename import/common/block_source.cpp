@@ -1,11 +1,11 @@
-// import/common/block_source.cpp - fetching blocks and moving in the file
+// import/common/block_source.cpp - fetching blocks and changing the position in the file
 #include "import/common/block_source.h"
 
 #include "platform/files.h"
 
 #include <string.h>
 
-// An empty block for the bytes from a position on.
+// Starts an empty block at a position of the file.
 static void emptyBlock(BlockSource* source, int64_t position)
 {
     source->blockStart = position;
@@ -15,7 +15,7 @@ static void emptyBlock(BlockSource* source, int64_t position)
 
 void startBlocks(BlockSource* source, FILE* file, size_t blockBytes)
 {
-    setvbuf(file, nullptr, _IONBF, 0); // the blocks are large enough
+    setvbuf(file, nullptr, _IONBF, 0); // the blocks are large enough without a buffer of the library
     source->file = file;
     source->sizeBytes = measureFile(file);
     source->fetchedBytes = 0;
@@ -51,7 +51,7 @@ bool moveBlocks(BlockSource* source, int64_t position)
         source->at = source->block + inBlock;
         return true;
     }
-    // The file is never put past its end: reads there find nothing, and a later move back starts over.
+    // The file is never put past its end. Reads there find nothing, and a later move back fetches a new block.
     int64_t reachable = position < source->sizeBytes ? position : source->sizeBytes;
     emptyBlock(source, position);
     return seekFile(source->file, reachable);

@@ -1,4 +1,4 @@
-// import/common/byte_cursor.cpp - records, skipping and seeking
+// import/common/byte_cursor.cpp - taking records, skipping and seeking
 #include "import/common/byte_cursor.h"
 
 void startBytes(ByteCursor* cursor, FILE* file)
@@ -22,7 +22,7 @@ const uint8_t* takeRecords(ByteCursor* cursor, size_t recordBytes, int64_t wante
     return takeBytes(cursor, static_cast<size_t>(*count) * recordBytes);
 }
 
-// Whether the cursor has gone over the file again too often.
+// Whether the cursor has read the file too many times over.
 static bool isOverspent(const ByteCursor* cursor)
 {
     constexpr int64_t fewBytes = int64_t{ 4 } * blockRoom;

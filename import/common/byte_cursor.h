@@ -1,7 +1,7 @@
-// import/common/byte_cursor.h - binary files through a cursor that turns bad at the end
+// import/common/byte_cursor.h - binary files read through a cursor that turns bad at the end
 //
-// Once a read would pass the end of the file the cursor is bad and stays bad. That read gives zeros; a later, shorter
-// one may still give bytes that the block holds. So a series of reads is checked once, at its end.
+// When a read would pass the end of the file, the cursor turns bad and stays bad. That read gives zeros; a later,
+// shorter one may still give bytes that the block holds. So a series of reads is checked once, at its end.
 #pragma once
 #include "import/common/block_source.h"
 
@@ -9,8 +9,8 @@
 
 struct ByteCursor
 {
-    int64_t runStart;   // where the cursor was put last; it has read on from there without a gap
-    int64_t takenBytes; // by the cursor before that; what was read twice counts twice
+    int64_t runStart;   // where the cursor was last moved to; it has read on from there without a gap
+    int64_t takenBytes; // taken before that; bytes read twice count twice
     bool bad;
     BlockSource blocks;
 };
@@ -29,8 +29,8 @@ inline int64_t bytesLeft(const ByteCursor* cursor)
     return left > 0 && !cursor->bad ? left : 0;
 }
 
-// The next bytes, at most blockRoom, where they lie in the block: good until the next call. Null, and a bad cursor,
-// when the file has fewer.
+// Takes the next bytes, at most blockRoom, in place in the block. They are valid until the next call. Returns null, and
+// the cursor turns bad, when the file has fewer.
 inline const uint8_t* takeBytes(ByteCursor* cursor, size_t bytes)
 {
     BlockSource* blocks = &cursor->blocks;
@@ -44,11 +44,11 @@ inline const uint8_t* takeBytes(ByteCursor* cursor, size_t bytes)
     return reinterpret_cast<const uint8_t*>(taken);
 }
 
-// As many whole records as lie in the block, at least one and at most `wanted`; *count receives how many. Null, and a
-// bad cursor, when the file has not even one.
+// Takes as many whole records as lie in the block, at least one and at most `wanted`; *count receives how many. Returns
+// null, and the cursor turns bad, when the file does not have even one.
 const uint8_t* takeRecords(ByteCursor* cursor, size_t recordBytes, int64_t wanted, int64_t* count);
 
-// One little-endian number; 0, and a bad cursor, when the file has not enough bytes.
+// Takes one little-endian number. Returns 0, and the cursor turns bad, when the file has too few bytes.
 template <typename T>
 inline T takeNumber(ByteCursor* cursor)
 {
@@ -59,10 +59,10 @@ inline T takeNumber(ByteCursor* cursor)
     return value;
 }
 
-// Passes over bytes without reading them. The cursor is bad when the file has fewer.
+// Skips bytes. The cursor turns bad when the file has fewer.
 void skipBytes(ByteCursor* cursor, int64_t bytes);
 
-// Puts the cursor anywhere from 0 on, also past the end, where reading fails. A file whose parts overlap may make the
-// cursor go back, but only as often as the time stays in proportion to the file: once the cursor has taken every byte
-// twice, or fetched the file four times over, it is bad.
+// Moves the cursor to any position from 0 on, also past the end, where reading fails. In a file whose parts overlap the
+// cursor may go back, but the time must stay in proportion to the file: the cursor turns bad once it has taken every
+// byte twice, or fetched the file four times.
 void seekBytes(ByteCursor* cursor, int64_t position);

@@ -18,19 +18,19 @@ inline bool isBlankOrLineEnd(char c)
     return isBlank(c) || isLineEnd(c);
 }
 
-// What ends the text of a statement, a name or a number.
+// The bytes that end the text of a statement, a name or a number.
 inline bool isTextEnd(char c)
 {
     return c == 0 || isLineEnd(c);
 }
 
-// isspace of the C locale.
+// Like isspace in the C locale.
 inline bool isSpace(char c)
 {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-// What scanf skips before a number, without the line ends.
+// The bytes that scanf skips before a number, except line ends.
 inline bool isSpaceInLine(char c)
 {
     return isSpace(c) && !isLineEnd(c);
@@ -54,15 +54,14 @@ constexpr uint64_t eightTimes(uint8_t byte)
     return UINT64_C(0x0101010101010101) * byte;
 }
 
-// Marks, by their top bits, bytes of eight that are at most '\r'. The lowest mark is right; those above it may be
-// wrong. Few bytes of a text are that low, so that a search for a line end looks at single bytes only where this finds
-// one.
+// Marks, in their top bits, those of eight bytes that are at most '\r'. The lowest mark is right; higher ones may be
+// wrong. Few bytes of a text are that low, so a search for a line end looks at single bytes only where this finds one.
 inline uint64_t marksUpToReturn(uint64_t bytes)
 {
     return (bytes - eightTimes('\r' + 1)) & ~bytes & eightTimes(0x80);
 }
 
-// The first line end from at on, which must be there. Reads up to seven bytes behind it.
+// Finds the first line end from at on; there must be one. Reads up to seven bytes after it.
 inline const char* findLineEnd(const char* at)
 {
     for (;;)
@@ -80,7 +79,8 @@ inline const char* findLineEnd(const char* at)
     }
 }
 
-// The first byte from at on that ends a text, or end when there is none before it. Reads up to seven bytes behind.
+// Finds the first byte from at on that ends a text. Returns end when there is none before it. Reads up to seven bytes
+// more.
 inline const char* findTextEnd(const char* at, const char* end)
 {
     while (at < end)
@@ -94,7 +94,7 @@ inline const char* findTextEnd(const char* at, const char* end)
         at += __builtin_ctzll(low) >> 3;
         if (at >= end || isTextEnd(*at))
             break;
-        ++at; // a tab or the like
+        ++at; // a tab or another low byte that ends no text
     }
     return at < end ? at : end;
 }

@@ -8,7 +8,7 @@ static bool cornerEnds(char c)
     return c == ' ' || isTextEnd(c);
 }
 
-// What stands between the numbers of one corner: '/' and any white space but the blank, which ends the corner.
+// Skips the bytes between the numbers of one corner: '/' and all white space except the blank, which ends the corner.
 static const char* skipInCorner(const char* at)
 {
     while (*at == '/' || *at == '\t' || *at == '\v' || *at == '\f')
@@ -16,7 +16,7 @@ static const char* skipInCorner(const char* at)
     return at;
 }
 
-// Reads the two numbers of one corner. Returns the blank or the text's end after it, or null when they are none.
+// Reads the two numbers of one corner. Returns the blank or text end after it, or null when a number is missing.
 static const char* scanCorner(const char* at, int32_t* vertex, int32_t* uv)
 {
     at = scanInt(skipInCorner(at), vertex);
@@ -35,7 +35,8 @@ static const char* scanCorner(const char* at, int32_t* vertex, int32_t* uv)
     return at;
 }
 
-// scanCorner for a padded text: "7", "7/3", "7/3/5" and "7//5" of up to 7 digits without a look at each byte.
+// Like scanCorner, for a padded text. It reads "7", "7/3", "7/3/5" and "7//5" of up to 7 digits without testing each
+// byte.
 static const char* scanCornerPadded(const char* at, int32_t* vertex, int32_t* uv)
 {
     uint64_t first = loadEight(at);
@@ -152,7 +153,7 @@ static uint32_t uvOf(const CornerList& corners, int32_t k)
     return corners.uvs ? static_cast<uint32_t>(corners.firstUv + corners.uvs[k]) : 0;
 }
 
-// A record of the count corners from k on.
+// A record with the count corners from k on.
 static void storeRun(Mesh* mesh, int32_t face, const CornerList& corners, int32_t k, int32_t count)
 {
     Corners& vertices = mesh->faces[face];

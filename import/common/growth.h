@@ -1,10 +1,10 @@
-// import/common/growth.h - by how much the arrays of a mesh grow while a file is read
+// import/common/growth.h - how much the arrays of a mesh grow while a file is read
 #pragma once
 #include <stdint.h>
 
-// By how many records an array must grow to hold `needed` of them: 0 when it holds them already. It grows by half of
-// what it holds and by `least` at least, so that copying stays in proportion to what is read. More than 31 bits of
-// records give a growth that growVertices and the like refuse.
+// The number of records that an array must grow by to hold `needed` of them; 0 when it already does. It grows by at
+// least half of its size and at least by `least`, so that the time for copying stays in proportion to what is read.
+// When 31 bits are too few, the result is a growth that growVertices and the like refuse.
 inline int32_t growthFor(int32_t capacity, int64_t needed, int64_t least)
 {
     int64_t missing = needed - capacity;

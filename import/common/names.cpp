@@ -1,4 +1,4 @@
-// import/common/names.cpp - names by hash
+// import/common/names.cpp - a hash table of names
 #include "import/common/names.h"
 
 #include "model/seeded_hash.h"
@@ -13,8 +13,8 @@ void startNames(NameTable* table, char (*names)[nameRoom])
     table->names = names;
 }
 
-// The place of the name, or the free one where it would go. There are twice as many places as slots. A name that is too
-// long for a slot has a place as well, where it is not found.
+// Finds the place of the name, or the free place where it would go. There are twice as many places as slots. For a name
+// that is too long for a slot it finds a free place.
 static size_t findPlace(const NameTable* table, const char* name)
 {
     constexpr size_t mask = 2 * nameLimit - 1;

@@ -1,4 +1,4 @@
-// import/common/numbers.cpp - the numbers of scanf, byte by byte
+// import/common/numbers.cpp - reading the numbers of scanf byte by byte
 #include "import/common/numbers.h"
 
 #include "model/ascii.h"
@@ -8,7 +8,7 @@
 #include <math.h>
 #include <stdlib.h>
 
-// The end of a word in any letter case, or null when the text differs.
+// Matches a word in any letter case. Returns its end, or null when the text differs.
 static const char* skipWord(const char* at, const char* word)
 {
     for (; *word; ++word, ++at)
@@ -24,8 +24,8 @@ static bool isHexDigit(char c)
     return isDigit(c) || (asciiLower(c) >= 'a' && asciiLower(c) <= 'f');
 }
 
-// What scanf collects for a number after its sign and "0x": digits, one '.', and after a digit one exponent letter,
-// which a sign may follow at once. An exponent without digits is taken and means nothing.
+// Finds what scanf collects for a number after its sign and "0x": digits, one '.', and after a digit one exponent
+// letter with an optional sign. An exponent without digits is taken but has no effect.
 template <typename IsDigit>
 static const char* skipFloatText(const char* p, IsDigit isDigitHere, char exponentLetter, bool digitSeen)
 {
@@ -70,7 +70,7 @@ static const char* scanHexFloat(const char* at, const char* digits, float* value
     return end;
 }
 
-// The digits of a decimal number as far as they fit, and the power of ten they are to be multiplied by.
+// The leading digits of a decimal number, as many as fit, and the power of ten that scales them.
 struct Decimal
 {
     uint64_t digits;
@@ -130,7 +130,7 @@ const char* scanFloat(const char* at, float* value)
     if (*p == '0' && asciiLower(p[1]) == 'x')
         return scanHexFloat(at, p + 2, value);
     const char* end = skipFloatText(p, isDigit, 'e', false);
-    if (!isDigit(p[*p == '.'])) // nothing, or a lone '.'
+    if (!isDigit(p[*p == '.'])) // no digit, or only a '.'
         return nullptr;
     float found;
     if (convertDecimal(readDecimal(p, end), &found))

@@ -1,10 +1,10 @@
 // import/common/numbers.h - numbers in text, exactly as scanf's %f and %d take them
 //
-// The byte after a text cannot continue a number: it is 0 or a line end. None of these functions skips anything in
-// front of the number. They return the first byte after what scanf would have taken, or null where scanf finds no
-// number; *value then stays as it was.
+// The byte after a text cannot continue a number: it is 0 or a line end. None of these functions skips anything before
+// the number. They return the first byte after what scanf would have taken. Where scanf finds no number they return
+// null and leave *value unchanged.
 //
-// The padded functions give the same results faster: they take eight bytes at a time and need numberPaddingRoom
+// The padded functions give the same results faster. They take eight bytes at a time and need numberPaddingRoom
 // readable bytes after the end of the text.
 #pragma once
 #include "import/common/characters.h"
@@ -17,15 +17,15 @@ constexpr int numberPaddingRoom = 16;
 
 const char* scanFloat(const char* at, float* value);
 
-// A number outside of the range of 64 bits becomes the end of that range. The value is the low 32 bits.
+// A number outside the range of 64 bits becomes the nearer end of that range. The value is its low 32 bits.
 const char* scanInt(const char* at, int32_t* value);
 
-// sscanf(text, "%f %f ...") and "%d %d ...": how many were found, at most count.
+// Like sscanf(text, "%f %f ...") and "%d %d ...". Return how many were found, at most count.
 int scanFloats(const char* text, float* values, int count);
 int scanInts(const char* text, int32_t* values, int count);
 
-// How many of eight bytes, from the lowest on, are decimal digits. The addition moves what lies above '9' into the top
-// bit of a byte, the subtraction what lies below '0'. Carries only run upward, past the first byte that is not a digit.
+// How many of eight bytes, from the lowest on, are decimal digits. The addition sets the top bit of a byte above '9',
+// the subtraction that of a byte below '0'. Carries only run upward, past the first byte that is not a digit.
 inline int leadingDigits(uint64_t bytes)
 {
     constexpr uint8_t topBit = 0x80;
@@ -33,15 +33,15 @@ inline int leadingDigits(uint64_t bytes)
     return others ? __builtin_ctzll(others) >> 3 : 8;
 }
 
-// Two numbers stand side by side in 2 x bits, the more significant one in the lower half. Multiplied by this factor,
-// the upper half becomes the lower number times `scale` plus the upper number.
+// Joins two neighbouring numbers in 2 x bits; the more significant one is in the lower half. After multiplying by this
+// factor, the upper half holds the lower number times `scale` plus the upper number.
 constexpr uint64_t pairFactor(uint64_t scale, int bits)
 {
     return (scale << bits) + 1;
 }
 
-// The value of the lowest 1 to 8 bytes, all digits: they move to the top, and neighbours join to twos, fours and
-// eights.
+// The value of the lowest 1 to 8 bytes, which are all digits. They move to the top, and neighbours are joined to groups
+// of two, four and eight.
 inline uint32_t digitsValue(uint64_t bytes, int count)
 {
     bytes <<= 64 - 8 * count;
@@ -50,7 +50,7 @@ inline uint32_t digitsValue(uint64_t bytes, int count)
     return static_cast<uint32_t>(((bytes & 0x0000FFFF0000FFFF) * pairFactor(10000, 32)) >> 32);
 }
 
-// digitsValue of two numbers at once, of 1 to 8 digits each: one in each half of a register.
+// digitsValue for two numbers of 1 to 8 digits at once, one in each half of a register.
 inline void twoDigitsValues(uint64_t first, int firstCount, uint64_t second, int secondCount, int32_t* firstValue,
                             int32_t* secondValue)
 {
@@ -76,15 +76,15 @@ constexpr double tenths[] = { 1e0,  1e-1,  1e-2,  1e-3,  1e-4,  1e-5,  1e-6,  1e
                               1e-9, 1e-10, 1e-11, 1e-12, 1e-13, 1e-14, 1e-15, 1e-16 };
 constexpr uint64_t wholePowersOfTen[] = { 1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000 };
 
-// A double within three units in its last place of a number gives that number's nearest float, unless it lies so near
-// the middle of two floats that the error could decide: then this returns false. Good between the smallest normal float
-// and 2^127.
+// Gives the nearest float of a number from a double that is within three units in its last place of it. Returns false
+// when the double lies so near the middle of two floats that the error could decide. Valid from the smallest normal
+// float up to 2^127.
 inline bool nearestFloat(double close, float* value)
 {
     uint64_t bits;
     memcpy(&bits, &close, sizeof bits);
     *value = static_cast<float>(close);
-    constexpr uint64_t middle = 1 << (52 - 23 - 1); // of the bits of a double that a float does not have
+    constexpr uint64_t middle = 1 << (52 - 23 - 1); // the midpoint of the bits that a double has beyond a float
     constexpr uint64_t error = 4;
     return (bits & (2 * middle - 1)) - (middle - error) > 2 * error;
 }
@@ -109,7 +109,7 @@ inline const char* scanFloatPadded(const char* at, float* value)
         uint64_t part = loadEight(p);
         decimals = leadingDigits(part);
         p += decimals;
-        if (wholeDigits + decimals <= 8) // all of them side by side
+        if (wholeDigits + decimals <= 8) // all digits are contiguous and fit in one step
             number = digitsValue((whole & ~(~uint64_t{ 0 } << 8 * wholeDigits)) | part << 8 * wholeDigits,
                                  wholeDigits + decimals);
         else
@@ -130,7 +130,7 @@ inline const char* scanFloatPadded(const char* at, float* value)
     }
     float nearest;
     if (*p > '9' || !nearestFloat(static_cast<double>(static_cast<int64_t>(number)) * tenths[decimals], &nearest))
-        return scanFloat(at, value); // an exponent, a hexadecimal number, or too close to call
+        return scanFloat(at, value); // an exponent, a hexadecimal number, or a value too near the middle of two floats
     *value = negative ? -nearest : nearest;
     return p;
 }

@@ -1,4 +1,4 @@
-// import/common/paths.cpp - looking for named files beside a model
+// import/common/paths.cpp - finding named files beside a model
 #include "import/common/paths.h"
 
 #include "platform/file_names.h"
@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-// A model names files, not pipes, which could make the program wait for ever.
+// Only plain files count, because a pipe could make the program wait for ever.
 static bool fileOpens(const std::string& path)
 {
     FILE* file = isPlainFile(path.c_str()) ? openFile(path.c_str(), "rb") : nullptr;
@@ -24,7 +24,8 @@ static bool isAbsolute(const std::string& name)
     return name[0] == '/';
 }
 
-// folder + name, where the letter case of each part of the name is ignored. Empty when a part is missing.
+// Returns folder + name, found without regard to the letter case of each part of the name. Empty when a part is
+// missing.
 static std::string findIgnoringCase(std::string folder, const std::string& name, FolderListings* listings)
 {
     size_t begin = 0;
@@ -70,7 +71,7 @@ static std::string findNamed(const char* modelPath, const std::string& name, Fol
 std::string findModelFile(const char* modelPath, const char* name, FolderListings* listings)
 {
     std::string path = findNamed(modelPath, name, listings);
-    std::string withoutBlanks(name, std::string(name).find_last_not_of(" \t") + 1); // Windows ignores those
+    std::string withoutBlanks(name, std::string(name).find_last_not_of(" \t") + 1); // Windows ignores trailing blanks
     return path.empty() && withoutBlanks != name ? findNamed(modelPath, withoutBlanks, listings) : path;
 }
 

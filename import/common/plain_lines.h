@@ -1,23 +1,24 @@
-// import/common/plain_lines.h - lines of plain numbers, read by kernels
+// import/common/plain_lines.h - fast kernels for lines of plain numbers
 //
-// Nearly every line of a large text file consists of numbers with single blanks between them, and nearly every number
-// of digits, perhaps with a '-' in front and a '.' among them. The kernels find the ends of all numbers in 64 bytes at
-// once, so that no number waits for the one before it, and turn eight or sixteen digits into a value together.
+// Nearly every line of a large text file consists of numbers separated by single blanks. Nearly every number consists
+// of digits with an optional leading '-' and an optional '.'. The kernels find the ends of all numbers in 64 bytes at
+// once, so that no number waits for the one before it, and convert eight or sixteen digits together.
 //
-// A line that is written in any other way is refused. The scanners of numbers.h read it, and give the same values.
+// Lines of any other form are refused. The scanners of numbers.h read those lines, and they give the same values for
+// plain ones.
 #pragma once
 #include "import/common/block_source.h"
 #include "import/common/numbers.h"
 #include "import/common/sanitize.h"
 #include "model/mesh.h"
 
-// Readable bytes that a line must have before it, and from its first byte on.
+// A line must have this many readable bytes before it, and from its first byte on.
 constexpr size_t plainFrontRoom = 8;
 constexpr size_t plainLineRoom = 96;
 static_assert(plainFrontRoom <= blockFrontRoom && plainLineRoom <= blockPaddingRoom);
 
-// Takes lines one after the other as long as the block holds all the bytes that a line may have, at most `most` lines.
-// take(line, k) returns where the next line begins, or null when it does not take the k-th. Returns how many it took.
+// Takes consecutive lines, at most `most`, as long as the block holds all the bytes that a line may have. take(line, k)
+// returns where the next line begins, or null when it does not take the k-th line. Returns how many were taken.
 template <typename Take>
 inline int32_t takePlainLines(BlockSource* source, size_t lineRoom, int32_t most, Take take)
 {
@@ -66,7 +67,7 @@ inline uint64_t otherThanDigits(const char* text)
     return ~digits;
 }
 
-// Takes the lowest bit away and gives its offset. Returns false when there is none: the line has more than 64 bytes.
+// Removes the lowest bit and gives its offset. Returns false when no bit is left: the line has more than 64 bytes.
 inline bool takeLowest(uint64_t* bits, uint64_t* offset)
 {
     if (!*bits)
@@ -76,7 +77,7 @@ inline bool takeLowest(uint64_t* bits, uint64_t* offset)
     return true;
 }
 
-// Masks: [k] has all bits, or the low four, of the first k of sixteen bytes.
+// Masks: entry [k] has all bits, or the low four, set in the first k of sixteen bytes.
 struct FirstBytes
 {
     alignas(16) uint8_t masks[17][16];
@@ -94,27 +95,26 @@ struct FirstBytes
 };
 inline constexpr FirstBytes firstBytes(0xFF), firstNibbles(0x0F);
 
-// From [k] on, the low four bits of the last k of eight bytes.
+// From [k] on: the low four bits are set in the last k of eight bytes.
 alignas(16) inline constexpr uint8_t lastNibbles[16] = { 0, 0, 0, 0, 0, 0, 0, 0, 15, 15, 15, 15, 15, 15, 15, 15 };
 
-// Sixteen digits, the most significant one first: the value of each four of them.
+// Converts sixteen digits, the most significant one first, to the values of groups of four.
 inline __m128i joinFours(__m128i digits)
 {
     __m128i tenAndOne = _mm_set1_epi16(static_cast<int16_t>(pairFactor(10, 8)));
-    asm("" : "+x"(tenAndOne)); // or GCC makes four shifts and additions of the product
+    asm("" : "+x"(tenAndOne)); // otherwise GCC replaces the product with four shifts and additions
     __m128i twos = _mm_srli_epi16(_mm_mullo_epi16(digits, tenAndOne), 8);
     return _mm_madd_epi16(twos, _mm_set1_epi32(1 << 16 | 100));
 }
 
-// Two results of joinFours: the value of each eight digits.
+// Joins two results of joinFours to the values of groups of eight digits.
 inline __m128i joinEights(__m128i first, __m128i second)
 {
     return _mm_madd_epi16(_mm_packs_epi32(first, second), _mm_set1_epi32(1 << 16 | 10000));
 }
 
-// A line of numbers that may have signs and points. A byte that is not a digit ends a number, or else it must be a
-// sign: signsAreInPlace tests all signs together after the numbers have been taken, so that no number waits for the
-// test.
+// A line of numbers that may have signs and points. Every byte that is not a digit must end a number or be a sign.
+// signsAreInPlace tests all signs together after the numbers have been taken, so that no number waits for the test.
 struct PlainLine
 {
     const char* text;
@@ -136,22 +136,21 @@ inline bool signsAreInPlace(const PlainLine& line)
     return (line.doubled & passed) == line.signs;
 }
 
-// A number as sixteen digits, filled up with zeros on the right, in groups of four; and the factor that gives its
-// value.
+// A number as sixteen digits in groups of four, filled up with zeros on the right, and the factor that gives its value.
 struct PlainNumber
 {
     __m128i fours;
     const double* scale;
 };
 
-// By the sign and the number of digits before the point.
+// Indexed by the sign and the number of digits before the point.
 inline constexpr double plainScales[2][32] = {
     { 1e-16, 1e-15, 1e-14, 1e-13, 1e-12, 1e-11, 1e-10, 1e-9, 1e-8, 1e-7, 1e-6, 1e-5, 1e-4, 1e-3, 1e-2, 1e-1, 1 },
     { -1e-16, -1e-15, -1e-14, -1e-13, -1e-12, -1e-11, -1e-10, -1e-9, -1e-8, -1e-7, -1e-6, -1e-5, -1e-4, -1e-3, -1e-2,
       -1e-1, -1 },
 };
 
-// Takes a number of up to sixteen digits and passes the byte after it, which the caller must check.
+// Takes a number of up to sixteen digits and the byte after it, which the caller must check.
 inline bool takePlainNumber(PlainLine* line, PlainNumber* number)
 {
     uint64_t end;
@@ -178,7 +177,7 @@ inline bool takePlainNumber(PlainLine* line, PlainNumber* number)
     return true;
 }
 
-// Within three units in their last place.
+// The results are within three units in their last place.
 inline __m128d closeToNumbers(const PlainNumber& first, const PlainNumber& second)
 {
     __m128i eights = joinEights(first.fours, second.fours);
@@ -188,11 +187,13 @@ inline __m128d closeToNumbers(const PlainNumber& first, const PlainNumber& secon
     return _mm_mul_pd(all, _mm_loadh_pd(_mm_load_sd(first.scale), second.scale));
 }
 
-// nearestFloat and SanitizeFloat of four: false when one lies too near the middle of two floats, or is too large.
+// nearestFloat and SanitizeFloat for four values. Returns false when one lies too near the middle of two floats, or is
+// too large.
 inline bool coordinatesOf(__m128d first, __m128d second, __m128* values)
 {
     __m128 nearest = _mm_movelh_ps(_mm_cvtpd_ps(first), _mm_cvtpd_ps(second));
-    // The bits that no float has, from the top of a word on: the middle of two floats is the smallest number.
+    // The bits of a double beyond those of a float, moved to the top of a word. The middle of two floats is then the
+    // smallest number.
     __m128 lowWords = _mm_shuffle_ps(_mm_castpd_ps(first), _mm_castpd_ps(second), _MM_SHUFFLE(2, 0, 2, 0));
     __m128i fromMiddle = _mm_add_epi32(_mm_slli_epi32(_mm_castps_si128(lowWords), 3), _mm_set1_epi32(4 << 3));
     __m128i tooClose = _mm_cmplt_epi32(fromMiddle, _mm_set1_epi32(INT32_MIN + (9 << 3)));
@@ -202,8 +203,8 @@ inline bool coordinatesOf(__m128d first, __m128d second, __m128* values)
     return _mm_movemask_ps(_mm_or_ps(_mm_castsi128_ps(tooClose), tooLarge)) == 0;
 }
 
-// Three numbers with single blanks between them, as coordinates, the last one twice. Returns the place after them, or
-// null.
+// Takes three coordinates with single blanks between them; *position repeats the last one. Returns the place after
+// them, or null.
 inline const char* scanPlainPosition(const char* text, __m128* position)
 {
     PlainLine line = startPlainLine(text);
@@ -222,7 +223,7 @@ inline void storeWhiteVertex(MeshVertex* vertex, __m128 position)
     _mm_storeu_ps(reinterpret_cast<float*>(vertex), _mm_or_ps(position, colour));
 }
 
-// Numbers without sign and point, up to eight digits each.
+// For numbers without sign and point, of up to eight digits each.
 struct PlainDigits
 {
     const char* end;
@@ -248,7 +249,7 @@ inline DigitLine startDigitLine(const char* text)
     return { text, otherThanDigits(text), 0 };
 }
 
-// Takes 1 to 8 digits and passes the byte after them, as takePlainNumber does.
+// Takes 1 to 8 digits and the byte after them, like takePlainNumber.
 inline bool takePlainDigits(DigitLine* line, PlainDigits* digits)
 {
     uint64_t end;
@@ -259,8 +260,8 @@ inline bool takePlainDigits(DigitLine* line, PlainDigits* digits)
     return digits->count - 1 < 8;
 }
 
-// Three or four whole numbers with single blanks between them; corners beyond the count become noCorner. Returns the
-// place after them, or null.
+// Takes three or four whole numbers with single blanks between them; unused corners become noCorner. Returns the place
+// after them, or null.
 inline const char* scanPlainCorners(const char* text, int count, __m128i* corners)
 {
     DigitLine line = startDigitLine(text);
@@ -276,14 +277,14 @@ inline const char* scanPlainCorners(const char* text, int count, __m128i* corner
     return text + line.at - 1;
 }
 
-// Whether the first count corners of four are vertices. Scanned ones are not negative.
+// Whether the first count of four corners are vertex indices. Scanned numbers are never negative.
 inline bool cornersBelow(__m128i corners, int count, int32_t vertexCount)
 {
     int below = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmplt_epi32(corners, _mm_set1_epi32(vertexCount))));
     return (~below & ((1 << count) - 1)) == 0;
 }
 
-// Two corners at the same vertex.
+// Whether two corners have the same vertex.
 inline bool anyTwoEqual(__m128i corners)
 {
     __m128i next = _mm_cmpeq_epi32(corners, _mm_shuffle_epi32(corners, _MM_SHUFFLE(0, 3, 2, 1)));

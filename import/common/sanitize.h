@@ -1,23 +1,23 @@
 // import/common/sanitize.h - the check that every reader applies to every number it takes for a coordinate
 //
-// Models are smaller than 2^20 units. A larger magnitude, an infinity or a NaN is a damaged file, and would spoil the
-// bounds of all that is sound in it.
+// Models are smaller than 2^20 units. A larger magnitude, an infinity or a NaN comes from a damaged file, and would
+// spoil the bounds of the sound coordinates.
 #pragma once
 #include <stdint.h>
 #include <string.h>
 #include <bit>
 #include <cstddef>
 
-constexpr int32_t coordinateExponentLimit = 20; // of the magnitudes that are kept, by their power of two
+constexpr int32_t coordinateExponentLimit = 20; // kept magnitudes are below 2 to this power
 
 constexpr uint32_t floatExponent(uint32_t bits)
 {
     return (bits >> 23) & 0xFF;
 }
-constexpr uint32_t badFloatExponent = 127 + coordinateExponentLimit; // and all above it
+constexpr uint32_t badFloatExponent = 127 + coordinateExponentLimit; // this exponent and all larger ones are bad
 
-// Magnitudes from 2^20 on, infinities and NaN become 0 and are reported bad (returns 0); zeros and denormals become 0
-// and are good (returns 1); anything else stays.
+// A magnitude of 2^20 or more, an infinity or a NaN becomes 0 and is reported bad (returns 0). Zeros and denormals
+// become 0 and are good (returns 1). Any other value stays.
 inline int SanitizeFloat(float* value)
 {
     uint32_t exponent = floatExponent(std::bit_cast<uint32_t>(*value));
@@ -27,7 +27,7 @@ inline int SanitizeFloat(float* value)
     return exponent == 0;
 }
 
-// The bits that SanitizeFloat leaves, and its answer, without a branch.
+// The bits that SanitizeFloat leaves, and its result, without a branch.
 inline uint32_t sanitizedBits(uint32_t bits)
 {
     return floatExponent(bits) - 1 < badFloatExponent - 1 ? bits : 0;
@@ -37,7 +37,7 @@ inline bool isGoodFloat(uint32_t bits)
     return floatExponent(bits) < badFloatExponent;
 }
 
-// Each value by itself.
+// Checks each value by itself.
 template <size_t count>
 inline void sanitizeEach(float (&values)[count])
 {
@@ -45,7 +45,7 @@ inline void sanitizeEach(float (&values)[count])
         SanitizeFloat(&value);
 }
 
-// The values of one position or texture coordinate: all of them become 0 when one is bad. Without a branch.
+// Checks the values of one position or texture coordinate together, without a branch: all become 0 when one is bad.
 template <size_t count>
 inline void sanitizeTogether(float (&values)[count])
 {

@@ -22,8 +22,8 @@ bool findPlyLineEnd(PlyReader* reader)
     return false;
 }
 
-// The block has the whole line, or more bytes than a line may have. A line end is put behind the block, so that no loop
-// has to test for the block's end.
+// The block holds the whole line, or more bytes than a line may have. A line end is put after the block, so that no
+// loop has to test for the block's end.
 bool nextPlyLine(PlyReader* reader, PlyLine* line)
 {
     BlockSource* blocks = &reader->cursor.blocks;
@@ -51,7 +51,7 @@ bool endPlyLine(PlyReader* reader, PlyLine* line)
     auto room = static_cast<size_t>(blockEnd + 1 - line->at);
     const char* end =
         *line->at == line->lineEnd ? line->at : static_cast<const char*>(memchr(line->at, line->lineEnd, room));
-    end += end < blockEnd; // the last line may lack its end
+    end += end < blockEnd; // the last line may lack its line end
     auto bytes = static_cast<size_t>(end - line->start);
     if (bytes > plyLineLimit)
         return false;
@@ -118,7 +118,7 @@ static PlyType typeNamed(const PlyWord& word)
     return plyUnknown;
 }
 
-// The words of a header line that mean something, and how many it has.
+// The words of a header line that have a meaning, and how many it has.
 struct HeaderLine
 {
     PlyWord words[5];
@@ -202,7 +202,7 @@ static bool readProperty(PlyReader* reader, const HeaderLine& line)
     return true;
 }
 
-// The file's end ends the header as well. Comments and other lines mean nothing.
+// The end of the file also ends the header. Comments and unknown lines are ignored.
 bool readPlyHeader(PlyReader* reader)
 {
     HeaderLine line;

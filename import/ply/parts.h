@@ -1,7 +1,7 @@
 // import/ply/parts.h - what the parts of the PLY reader share: the header's tables, lines and words, values, lists
 //
-// A header names elements in the order of their data, each with a number of instances and the properties of one. In
-// ASCII files an instance is a line, in binary ones its properties follow each other without gaps.
+// A header lists elements in the order of their data, each with its number of instances and its properties. In ASCII
+// files an instance is a line; in binary ones its properties follow each other without gaps.
 #pragma once
 #include "import/common/byte_cursor.h"
 #include "import/common/numbers.h"
@@ -25,7 +25,7 @@ enum PlyFormat
 
 enum PlyType : uint8_t
 {
-    plyUnknown = 0, // any other name: its values are 0 and take neither byte nor word
+    plyUnknown = 0, // any other name: its values are 0 and take no bytes or words
     plyInt8 = 1,
     plyInt16 = 2,
     plyInt32 = 3,
@@ -44,7 +44,7 @@ enum PlyKind : uint8_t
     plyString = 2
 };
 
-// Where a wanted value goes.
+// Where a wanted value is stored.
 enum PlyField : uint8_t
 {
     plyX,
@@ -74,7 +74,7 @@ struct PlyElement
     PlyProperty properties[plyPropertyLimit];
 };
 
-// One vertex while it is read; the colours are 255 before each.
+// A vertex while it is read; its colours start at 255.
 struct PlyVertex
 {
     float position[3];
@@ -89,19 +89,19 @@ struct PlyReader
     int32_t elementCount;
     PlyElement elements[plyElementLimit];
 
-    int32_t* list; // the last list that was read, of any property: a later one of the instance replaces it
+    int32_t* list; // the last list read, of any property: a later list of the same instance replaces it
     int32_t listCount;
     int32_t listCapacity;
-    int64_t sizelessLeft; // items of unknown type, which take no bytes, that lists may still have
+    int64_t sizelessLeft; // how many more items of unknown type, which take no bytes, lists may have
 
-    int32_t progressCount; // vertices, faces and strip steps since the bar moved
+    int32_t progressCount; // vertices, faces and strip steps since the bar last moved
     bool verticesRead, faceListRead, stripsRead;
-    int32_t normalsDone; // faces whose planes are known and whose vertices have their share
+    int32_t normalsDone; // the normals of this many faces have been added to their vertices
 
     ByteCursor cursor;
 };
 
-// One value as a whole number and as a float. A float's whole number is truncated toward zero.
+// One value as a whole number and as a float. A float is truncated toward zero for its whole number.
 struct PlyNumber
 {
     int32_t whole;
@@ -114,26 +114,26 @@ struct PlyWord
     const char* end;
 };
 
-// A line where it lies in the block; up to lineEnd, blanks separate words. A word in double quotes runs to the next
+// A line, read in place in the block. Up to lineEnd, blanks separate words. A word in double quotes ends at the next
 // double quote or the line's end.
 struct PlyLine
 {
     const char* start;
     const char* at;
-    int32_t words; // taken
+    int32_t words; // words taken so far
     char lineEnd;
 };
 
-// Finds the next line that is not blank. Returns false at the end of the file and for a line that is too long.
-// endPlyLine takes the rest of the line; it returns false when the line is too long.
+// nextPlyLine finds the next line that is not blank. It returns false at the end of the file and for a line that is too
+// long. endPlyLine takes the rest of the line; it returns false when the line is too long.
 bool nextPlyLine(PlyReader* reader, PlyLine* line);
 bool endPlyLine(PlyReader* reader, PlyLine* line);
 
-// Returns false when the line has no more words. The byte after a word's text cannot continue a number, and the text is
-// padded for fast number reading.
+// Returns false when the line has no more words. The byte after a word cannot continue a number, and the text is padded
+// for fast number reading.
 bool nextPlyWord(PlyLine* line, PlyWord* word);
 
-// The number at a word's beginning as scanf takes it; 0 when there is none.
+// The number at the beginning of a word, as scanf takes it; 0 when there is none.
 inline const char* plyNumberStart(const PlyWord& word)
 {
     const char* at = word.text;
@@ -156,27 +156,27 @@ inline float plyWordReal(const PlyWord& word)
     return value;
 }
 
-// Finds out what ends a line; then reads the header and the line end after "end_header". Return false for a file that
-// has none.
+// findPlyLineEnd finds out which byte ends a line. readPlyHeader reads the header and the line end after "end_header".
+// They return false for a file that has none.
 bool findPlyLineEnd(PlyReader* reader);
 bool readPlyHeader(PlyReader* reader);
 
-// The fewest bytes of one instance.
+// The smallest number of bytes that an instance takes.
 int64_t plyInstanceBytes(const PlyReader* reader, const PlyElement& element);
 
-// Whether the file can have the instances that an element announces. Properties and instances that take no bytes may be
-// there once for every byte of the file: a file that means them writes at least a byte for each.
+// Whether the file can hold the instances that an element announces. A real file writes at least a byte for each
+// property and instance, so those that take no bytes are limited to one for each byte of the file.
 bool plyCountPossible(const PlyReader* reader, const PlyElement& element);
 
-// Reads one instance. The list is emptied first. A null vertex means that no value is wanted. Returns false for a short
-// read, a line that is too long or has too few words, and a list length that is negative or more than the file can
+// Reads one instance. The list is emptied first. With a null vertex no value is stored. Returns false for a short read,
+// for a line that is too long or has too few words, and for a list length that is negative or more than the file can
 // hold.
 bool readPlyInstance(PlyReader* reader, const PlyElement& element, PlyVertex* vertex);
 
 // Take the instances that make up nearly all lines of an ASCII file: three numbers for a position, or a 3 and three
-// numbers for a triangle, with single blanks between them. They go on as long as such lines come, for at most `most`
-// lines, and return how many they took; readPlyInstance reads the next one, however it is written. The faces have room;
-// a triangle with a corner that is not a vertex is dropped.
+// numbers for a triangle, with single blanks between them. They stop at the first other line or after `most` lines and
+// return how many they took; readPlyInstance reads the line where they stopped. The faces must have room. A triangle
+// with a corner index past the last vertex is dropped.
 int32_t takePlainPositions(PlyReader* reader, MeshVertex* vertices, int32_t most);
 int32_t takePlainTriangles(PlyReader* reader, Mesh* mesh, int32_t most);
 
@@ -199,7 +199,7 @@ inline PlyNumber plyReal(float value)
     return { static_cast<int32_t>(value), value };
 }
 
-// SanitizeFloat's rule, for the exponent of a double.
+// The rule of SanitizeFloat, for the exponent of a double.
 inline PlyNumber plyReal64(uint64_t bits)
 {
     uint64_t exponent = (bits >> 52) & 0x7FF;
@@ -227,7 +227,7 @@ inline float plyLoadFloat(const uint8_t* bytes, bool swap)
     return std::bit_cast<float>(plyLoad<uint32_t>(bytes, swap));
 }
 
-// A value in a binary file. swap: its bytes are in the order that the machine does not use.
+// Reads a value of a binary file. swap: its byte order is not that of the machine.
 inline PlyNumber decodePlyNumber(PlyType type, const uint8_t* bytes, bool swap)
 {
     switch (type)

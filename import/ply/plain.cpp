@@ -1,14 +1,14 @@
-// import/ply/plain.cpp - the lines that nearly all of an ASCII file consists of: positions and triangles
+// import/ply/plain.cpp - the fast way through the positions and triangles that make up nearly all of an ASCII file
 //
-// Numbers stand with single blanks between them, and the first number begins the line. A line is first read as one of
-// plain numbers, then by the scanners of any number; a line that is written in another way is left.
+// The first number begins the line, and single blanks separate the numbers. A line is first read as one of plain
+// numbers, then by the scanners for all numbers. Lines of any other form are left to readPlyInstance.
 #include "import/ply/parts.h"
 
 #include "import/common/plain_lines.h"
 #include "platform/processor.h"
 
-// Passes the blanks and the line end that follow the last number of a line. Null for anything else, and for a line that
-// is too long.
+// Skips the blanks and the line end after the last number of a line. Returns null for anything else, and for a line
+// that is too long.
 static const char* passPlainEnd(const char* line, const char* at, char lineEnd)
 {
     if (!at)
@@ -18,7 +18,7 @@ static const char* passPlainEnd(const char* line, const char* at, char lineEnd)
     return *at == lineEnd && at - line < static_cast<ptrdiff_t>(plyLineLimit) ? at + 1 : nullptr;
 }
 
-// Returns what follows the last number, or null.
+// Returns the byte after the last number, or null.
 template <typename Number>
 static const char* scanThree(const char* at, Number (&numbers)[3], const char* (*scan)(const char*, Number*))
 {

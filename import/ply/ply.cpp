@@ -1,4 +1,4 @@
-// import/ply/ply.cpp - the elements of a PLY file: vertices, faces, triangle strips
+// import/ply/ply.cpp - reading the elements of a PLY file: vertices, faces, triangle strips
 #include "import/ply/ply.h"
 
 #include "import/common/corners.h"
@@ -28,7 +28,7 @@ static void countProgress(PlyReader* reader, int32_t steps)
     setProgress(blockFraction(&reader->cursor.blocks));
 }
 
-// Lines until the bar moves next.
+// How many lines are left until the bar moves.
 static int32_t untilProgress(const PlyReader* reader)
 {
     return progressInterval - reader->progressCount;
@@ -75,7 +75,7 @@ struct VertexLayout
     } places[plyPropertyLimit];
     int32_t placeCount;
     size_t recordBytes; // 0: a vertex has no fixed size
-    bool floatsOnly;    // x, y and z are floats side by side and nothing else is wanted
+    bool floatsOnly;    // x, y and z are contiguous floats, and nothing else is wanted
 };
 
 static VertexLayout layOutVertex(const PlyElement& element)
@@ -225,7 +225,7 @@ static bool startFaces(Mesh* mesh, int64_t count)
     return growFaces(mesh, static_cast<int32_t>(count < INT32_MAX ? count : INT32_MAX));
 }
 
-// Stores the face of the list. It is dropped when it has fewer than three corners, or one that is not a vertex.
+// Stores the face of the list. Drops it when it has fewer than three corners, or a corner index past the last vertex.
 static bool storeListFace(PlyReader* reader, Mesh* mesh)
 {
     int32_t count = reader->listCount;
@@ -243,7 +243,7 @@ static bool storeListFace(PlyReader* reader, Mesh* mesh)
     return true;
 }
 
-// The face slots behind faceCount are zero, so a face needs its corners only.
+// Face slots after faceCount are zero, so only the corners are written.
 static void storeTriangle(Mesh* mesh, uint32_t a, uint32_t b, uint32_t c)
 {
     auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
@@ -252,14 +252,14 @@ static void storeTriangle(Mesh* mesh, uint32_t a, uint32_t b, uint32_t c)
     mesh->faces[mesh->faceCount++] = { a, b, c, noCorner };
 }
 
-// Adds the normals of the faces stored since the last call, while those are in the cache.
+// Adds the normals of the faces stored since the last call, while those faces are in the cache.
 static void catchUpNormals(PlyReader* reader, Mesh* mesh)
 {
     addFaceNormals(mesh, reader->normalsDone, mesh->faceCount);
     reader->normalsDone = mesh->faceCount;
 }
 
-// The usual binary face: one list of 32-bit indices with a count of one byte, and scalars that are not used.
+// The usual binary face: one list of 32-bit indices with a count of one byte, and unused scalars.
 struct FaceLayout
 {
     size_t before, after; // bytes of scalars
@@ -285,8 +285,8 @@ static FaceLayout layOutFace(const PlyElement& element)
     return layout;
 }
 
-// Takes faces of so many corners as long as they come and lie whole in the block. Returns how many; there is room for
-// `most`. The face slots behind faceCount are zero, so a face needs its corners only.
+// Takes faces with the given number of corners as long as they follow and lie whole in the block. Returns how many;
+// there is room for `most`. Face slots after faceCount are zero, so only the corners are written.
 template <size_t corners, bool swap>
 static int32_t takeFacesOfSize(BlockSource* blocks, Mesh* mesh, const FaceLayout& layout, int32_t most)
 {
@@ -314,7 +314,7 @@ static int32_t takeFacesOfSize(BlockSource* blocks, Mesh* mesh, const FaceLayout
     return taken;
 }
 
-// Takes triangles and quads as they come. Returns how many, at most as many as there is room for.
+// Takes triangles and quads in any order. Returns how many, at most as many as there is room for.
 template <bool swap>
 static int32_t takeUsualFaces(BlockSource* blocks, Mesh* mesh, const FaceLayout& layout, int32_t most)
 {
@@ -335,7 +335,7 @@ static bool isPlainFace(const PlyElement& element)
     return element.propertyCount == 1 && list.kind == plyList && isWhole(list.countType) && isWhole(list.type);
 }
 
-// How the faces of the element are read; neither: one by one.
+// How the faces of the element are read; one by one when neither applies.
 struct FaceReading
 {
     FaceLayout layout;
@@ -343,8 +343,8 @@ struct FaceReading
     bool plain; // lines of plain numbers
 };
 
-// Takes faces by the fast ways, as many as come. *taken is 0 when the next face needs readPlyInstance. Returns false
-// when memory gives out.
+// Takes as many faces as the fast ways can. *taken is 0 when readPlyInstance must read the next face. Returns false
+// when memory runs out.
 static bool takeFastFaces(PlyReader* reader, Mesh* mesh, const FaceReading& reading, int32_t left, int32_t* taken)
 {
     *taken = 0;
@@ -391,7 +391,7 @@ static bool readFaces(PlyReader* reader, Mesh* mesh, const PlyElement& element)
     return true;
 }
 
-// -1 ends a strip, and the two entries after it begin the next one. Triangles without area stay.
+// -1 ends a strip, and the two entries after it begin the next one. Triangles without area are kept.
 static bool readStrips(PlyReader* reader, Mesh* mesh, const PlyElement& element)
 {
     if (element.count != 1)
@@ -435,14 +435,14 @@ static bool readBody(PlyReader* reader, Mesh* mesh)
         else if (hasName(element->name, "tristrips"))
             ok = readStrips(reader, mesh, *element);
         else
-            readPlyInstance(reader, *element, nullptr); // other elements are single records in the files that have them
+            readPlyInstance(reader, *element, nullptr); // files that have other elements have one instance of them
         if (!ok)
             return false;
     }
     return true;
 }
 
-// Reads the opened file with the boxes around it.
+// Reads an opened file and shows its boxes.
 static bool readPly(PlyReader* reader, Mesh* mesh)
 {
     showProgress("LOADING.....");

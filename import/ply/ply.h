@@ -4,12 +4,12 @@
 #pragma once
 #include "model/mesh.h"
 
-// 1 once a file with colours on its vertices has been read; never 0 again by itself. The PLY reader alone sets it. It
-// is for whoever wants to offer "Vertex color" only where there is something to see, and for tests, which may clear it.
+// Becomes 1 when a file with vertex colours has been read, and never returns to 0 by itself. Only the PLY reader sets
+// it. It serves code that offers "Vertex color" only when there are colours, and tests, which may clear it.
 extern int32_t vertexColoursPresent;
 
-// Reads an ASCII or binary PLY file of either byte order into a fresh mesh. Faces are of group 0 and material 0; there
-// is one texture coordinate, the placeholder. Colours on vertices set vertexColoursPresent.
-// Returns 1, or 0: without a message when the file does not open, is empty, or there is no memory to start with, else
-// after "error reading ply file". The mesh is then only good for freeMesh.
+// Reads an ASCII or binary PLY file of either byte order into a fresh mesh. Faces get group 0 and material 0; the
+// placeholder is the only texture coordinate. Colours on vertices set vertexColoursPresent.
+// Returns 1 or 0. It shows no message when the file does not open or is empty, or when there is no memory to start
+// with; otherwise it fails after "error reading ply file". After a failure the mesh can only be passed to freeMesh.
 int LoadPlyFile(Mesh* mesh, const char* path);

@@ -9,7 +9,7 @@ static bool swapsBytes(const PlyReader* reader)
     return reader->format == plyBigEndian;
 }
 
-// The fewest bytes of a property in a binary file.
+// The smallest number of bytes that a property takes in a binary file.
 static int64_t propertyBytes(const PlyProperty& property)
 {
     switch (property.kind)
@@ -31,7 +31,7 @@ int64_t plyInstanceBytes(const PlyReader* reader, const PlyElement& element)
     return bytes;
 }
 
-// The properties that may take no byte of an instance, and so as much time as the header wants.
+// The number of properties that may take no byte of an instance; the header alone decides how much time they take.
 static int64_t sizelessProperties(const PlyElement& element)
 {
     int64_t count = 0;
@@ -48,11 +48,11 @@ bool plyCountPossible(const PlyReader* reader, const PlyElement& element)
         return false;
     if (bytes == 0)
         return element.count <= sizeBytes;
-    int64_t left = bytesLeft(&reader->cursor) + (reader->format == plyAscii); // the last line may lack its end
+    int64_t left = bytesLeft(&reader->cursor) + (reader->format == plyAscii); // the last line may lack its line end
     return element.count <= left / bytes;
 }
 
-// Makes room for a list. What the old one held is not kept.
+// Makes room for a list. The items of the old one are lost.
 static bool startList(PlyReader* reader, int32_t count)
 {
     reader->listCount = 0;
@@ -68,7 +68,7 @@ static bool startList(PlyReader* reader, int32_t count)
     return true;
 }
 
-// A list of items without a size is zeros.
+// The items of a list are zeros when they have no size.
 static bool readSizelessList(PlyReader* reader, int32_t count)
 {
     reader->sizelessLeft -= count;
@@ -160,8 +160,8 @@ static const char* scanPlyNumber(const char* at, PlyType type, PlyNumber* number
     return end;
 }
 
-// Reads the number of the next word. Returns false when there is none; an unknown type takes no word. A word that
-// begins with its number, as nearly all do, is not searched for its end first.
+// Reads the number of the next word. Returns false when there is no word; an unknown type takes none. Nearly all words
+// begin with their number, and then their end is not searched for first.
 static bool nextPlyNumber(PlyLine* line, PlyType type, PlyNumber* number)
 {
     *number = { 0, 0 };
@@ -220,7 +220,7 @@ static bool readAsciiProperty(PlyReader* reader, PlyLine* line, const PlyPropert
     return ok;
 }
 
-// Takes the whole line even where it does not fit the properties: the next instance is on the next line.
+// Takes the whole line even when it does not fit the properties, so that the next instance starts on the next line.
 static bool readAsciiInstance(PlyReader* reader, const PlyElement& element, PlyVertex* vertex)
 {
     PlyLine line;
@@ -238,6 +238,6 @@ bool readPlyInstance(PlyReader* reader, const PlyElement& element, PlyVertex* ve
     if (reader->format == plyAscii)
         return readAsciiInstance(reader, element, vertex);
     if (!readBinaryInstance(reader, element, vertex))
-        reader->cursor.bad = true; // where the next value stands is not known
+        reader->cursor.bad = true; // the position of the next value is unknown
     return !reader->cursor.bad;
 }
