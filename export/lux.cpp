@@ -1,4 +1,4 @@
-// export/lux.cpp - the scene's view, its list of pictures, and the four files
+// export/lux.cpp - the scene's view, its list of pictures, and writing the four files
 #include "export/lux.h"
 #include "export/lux_parts.h"
 #include "export/written_names.h"
@@ -41,7 +41,7 @@ static void writeFilm(TextWriter* writer, const LuxScene* scene)
     writeBlankLine(writer);
 }
 
-// A lamp, and a sky for those who prefer it, commented out.
+// Writes a lamp, and a sky as a comment that users may enable.
 static void writeLights(TextWriter* writer)
 {
     writeLine(writer, R"(LightGroup "directional")");
@@ -76,13 +76,13 @@ void writeLuxView(TextWriter* writer, LuxScene* scene)
     writeLine(writer, "WorldEnd");
 }
 
-// Each name once, compared byte for byte.
+// Lists each name once; names are compared byte for byte.
 static void writeDistinctNames(TextWriter* writer, const char (*names)[nameRoom], int32_t count)
 {
     for (int32_t i = 0; i < count; ++i)
     {
         int32_t earlier = 0;
-        while (strcmp(names[earlier], names[i]) != 0) // ends at i
+        while (strcmp(names[earlier], names[i]) != 0) // stops at i at the latest
             ++earlier;
         if (*names[i] && nameFits(names[i], lineBreakers) && earlier == i)
             writeLine(writer, "%s", names[i]);
@@ -112,7 +112,7 @@ constexpr int luxFileCount = sizeof luxFiles / sizeof luxFiles[0];
 struct LuxText
 {
     LuxScene scene;
-    const LuxFile* file; // the one being written
+    const LuxFile* file; // the file being written
 };
 
 static void writeLuxText(TextWriter* writer, void* context)

@@ -1,18 +1,18 @@
-// export/lux.h - the mesh as a scene that LuxRender can render at once
+// export/lux.h - the mesh as a scene that LuxRender can render without changes
 //
-// Four files with one base name: geometry (.lxo), materials (.lxm), the scene that includes both (.lxs) and a list of
-// the pictures it needs (_textures.txt). The mesh's y axis becomes the scene's z. Lines end in CR LF.
+// A scene has four files with one base name: geometry (.lxo), materials (.lxm), the scene that includes both (.lxs) and
+// a list of the pictures it needs (_textures.txt). The mesh's y axis becomes the scene's z. Lines end in CR LF.
 #pragma once
 #include "export/output_file.h"
 #include "model/mesh.h"
 
 // The base name of a scene's files: the file name of a path up to its first "."; dots in folder names do not count. '_'
-// replaces quotes and line ends, with which the scene could not name its parts.
+// replaces quotes and line ends, because the scene cannot include files with such names.
 std::string luxBaseName(const char* path);
 
 // Writes the four files into the folder of a path, whose file name gives the base name.
 //
-// Returns 1, or 0 as soon as memory or a file is refused. In place that is silent, files written before stay and short
-// writes are not noticed; with saveWhole a box says what failed ("Out of memory" among them), and earlier files stay as
-// they were.
+// Returns 1, or 0 as soon as memory or a file is refused. When writing in place, no message appears, files written
+// before stay and short writes are not noticed. With saveWhole a box shows the cause ("Out of memory" among them), and
+// existing files stay unchanged.
 int WriteLuxFiles(const Mesh* mesh, const char* path, SaveMode mode);

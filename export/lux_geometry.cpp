@@ -1,16 +1,16 @@
 // export/lux_geometry.cpp - one triangle mesh for each material slot
 //
-// A scene's vertex has one texture coordinate, a mesh's vertex has one for each face. The slot's vertices are numbered
-// in the order of their first use and take the coordinate they have there; a corner with another coordinate gets a
-// vertex after all of those, which corners of the same vertex and coordinate share.
+// A scene's vertex has one texture coordinate, but a mesh's vertex has one for each face. The slot's vertices are
+// numbered in the order of their first use and take the coordinate they have there. A corner with another coordinate
+// gets a new vertex after all of those, and corners with the same vertex and coordinate share it.
 #include "export/lux_parts.h"
 #include "export/written_names.h"
 #include "model/memory.h"
 #include "model/seeded_hash.h"
 #include "platform/pages.h"
 
-// The material slot that a face is written with; the flags do not matter. -1: past the mesh's materials, or a deleted
-// face that has corners which are no vertices.
+// The material slot that a face is written with; the flags do not matter. -1 for a slot past the mesh's materials, or
+// for a deleted face with corner indices past the last vertex.
 static int32_t slotOf(const LuxScene* scene, int32_t f)
 {
     const Mesh* mesh = scene->mesh;
@@ -43,7 +43,7 @@ static int64_t countSlotCorners(const LuxScene* scene, int32_t slot)
     return corners;
 }
 
-// Entries of the hash table for so many corners: a power of two, at most half of it filled.
+// The size of the hash table for a number of corners: a power of two, of which at most half is filled.
 static int64_t tableEntries(int64_t corners)
 {
     int64_t entries = 16;
@@ -52,7 +52,7 @@ static int64_t tableEntries(int64_t corners)
     return entries;
 }
 
-// Takes room for at least one element, because a block of no bytes could not be told from a refusal.
+// Allocates at least one element, because a block of no bytes looks like a refusal.
 static void* takeRoom(int64_t count, size_t elementSize)
 {
     return allocatePages(blockSize(count > 0 ? count : 1, elementSize));
@@ -105,7 +105,7 @@ static LuxVertex cornerOf(const Mesh* mesh, int32_t f, size_t k)
     return corner;
 }
 
-// Equal numbers, or the same bits when they are none.
+// Equal numbers, or NaNs with the same bits.
 static int sameUv(const LuxVertex& a, const LuxVertex& b)
 {
     return (a.u == b.u && a.v == b.v) || (memcmp(&a.u, &b.u, sizeof a.u) == 0 && memcmp(&a.v, &b.v, sizeof a.v) == 0);
@@ -116,7 +116,7 @@ static uint32_t hashOf(const LuxVertex& corner)
     return hashWords(hashSeed(), corner.vertex, coordinateBits(corner.u), coordinateBits(corner.v));
 }
 
-// What a slot's faces have come to so far.
+// What has been collected from a slot's faces so far.
 struct SlotShape
 {
     int32_t vertexCount; // in scene->vertices
@@ -170,7 +170,7 @@ static void writeTriangle(TextWriter* writer, int32_t a, int32_t b, int32_t c)
     textWritten(writer, putLineEnd(formatInt(out, c)));
 }
 
-// A quad (a, b, c, d) is (a, b, c) and (c, d, a). Vertices of lines count, but make no triangle.
+// A quad (a, b, c, d) becomes (a, b, c) and (c, d, a). The vertices of lines count, but lines make no triangles.
 static void writeTriangles(TextWriter* writer, LuxScene* scene, int32_t slot, SlotShape* shape)
 {
     for (int32_t i = scene->slotStarts[slot]; i < scene->slotStarts[slot + 1]; ++i)
@@ -217,7 +217,7 @@ static void writeLuxVertices(TextWriter* writer, const LuxScene* scene, const Sl
     writeLine(writer, "\t]");
 }
 
-// The vertices met go back to unmet, and the part of the table that was in use is emptied.
+// Marks the slot's vertices as unmet again, and empties the part of the table that was in use.
 static void forgetSlot(LuxScene* scene, const SlotShape* shape)
 {
     for (int32_t i = 0; i < shape->vertexCount; ++i)

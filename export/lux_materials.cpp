@@ -1,4 +1,4 @@
-// export/lux_materials.cpp - glossy materials, with pictures, mixed with nothing where they are transparent
+// export/lux_materials.cpp - glossy materials with pictures; transparent ones are mixed with nothing
 #include "export/lux_parts.h"
 #include "export/written_names.h"
 
@@ -16,7 +16,7 @@ static void writeImageMap(TextWriter* writer, const char* fileName)
     writeLine(writer, R"(    "float vdelta" [-0.000000])");
 }
 
-// The slot's picture times a colour.
+// Multiplies the slot's picture by a colour.
 static void writeScaledMap(TextWriter* writer, const char* name, const char* kind, const float* colour)
 {
     writeLine(writer, R"(Texture "%s_%s" "color" "scale" "texture tex1" ["%s_map"] "color tex2" [%f %f %f])", name,
@@ -69,7 +69,7 @@ static void writeGlossy(TextWriter* writer, const char* name, const std::string&
               colours->roughness);
 }
 
-// The glossy material under its own name, mixed with nothing.
+// Writes the named material, which mixes the glossy one with nothing.
 static void writeMix(TextWriter* writer, const char* name, const std::string& glossyName, bool masked,
                      float transparency)
 {

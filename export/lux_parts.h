@@ -12,7 +12,7 @@ struct LuxVertex
     float u, v;
 };
 
-// A scene being written. A slot here is one of the mesh's material slots.
+// A scene being written. A slot is one of the mesh's material slots.
 struct LuxScene
 {
     const Mesh* mesh;
@@ -22,17 +22,17 @@ struct LuxScene
     // Work memory of the geometry
     int32_t slotStarts[materialLimit + 1]; // faces of material m: slotFaces[slotStarts[m]] up to the next start
     int32_t* slotFaces;                    // faces by material slot, in record order
-    int32_t* newIndex;                     // of a mesh vertex among the slot's vertices, -1: not met
-    LuxVertex* vertices; // of the slot: those met, by order of first use, then the ones made for other uvs
-    int32_t* others;     // hash table of the latter: index + 1, 0: free; null without texture coordinates
+    int32_t* newIndex;                     // of a mesh vertex among the slot's vertices; -1: not met yet
+    LuxVertex* vertices; // of the slot: those met, by order of first use, then those added for other uvs
+    int32_t* others;     // hash table of the added ones: index + 1, 0: free; null without texture coordinates
 };
 
-// Sorts the faces and takes the work memory. Returns 1, or 0 when memory was refused, without a box. closeLuxScene must
-// follow in either case.
+// Sorts the faces and allocates the work memory. Returns 1, or 0 without a box when memory was refused. Call
+// closeLuxScene in either case.
 int openLuxScene(LuxScene* scene, const Mesh* mesh, const std::string& baseName);
 void closeLuxScene(LuxScene* scene);
 
-// The text of one file each: .lxo, .lxm, .lxs and _textures.txt.
+// Each writes the text of one file: .lxo, .lxm, .lxs and _textures.txt.
 void writeLuxGeometry(TextWriter* writer, LuxScene* scene);
 void writeLuxMaterials(TextWriter* writer, LuxScene* scene);
 void writeLuxView(TextWriter* writer, LuxScene* scene);

@@ -19,7 +19,7 @@ enum TextureKind
     textureReflection
 };
 
-// What all passes of a frame share.
+// The state that all passes of a frame share.
 struct FaceDrawer
 {
     Mesh* mesh;
@@ -31,7 +31,7 @@ struct FaceDrawer
     FaceBlockSorter sortBlock; // null where there is none
     FillState fill;
     uint32_t polygons;                       // drawn so far
-    int32_t shadings;                        // of a vertex so far
+    int32_t shadings;                        // vertex shadings so far
     uint32_t transparent[2 * materialLimit]; // of a FacePass
 };
 
@@ -39,7 +39,7 @@ struct FaceDrawer
 struct FaceMaterial
 {
     const Material* material;
-    uint32_t key; // of the vertices shaded with it, on the side of the pass
+    uint32_t key; // of the vertices that are shaded with it on the side of the pass
 };
 
 static TextureKind textureKindOf(const Mesh* mesh, const RenderSettings* settings)
@@ -49,7 +49,7 @@ static TextureKind textureKindOf(const Mesh* mesh, const RenderSettings* setting
         return textureNone;
     if (settings->renderFlags & renderMetallic)
         return textureReflection;
-    // One coordinate is the placeholder of files that have none.
+    // One texture coordinate alone is the placeholder of files that have none.
     return settings->renderFlags & renderTextured && mesh->uvCount > 1 ? textureCoordinates : textureNone;
 }
 
@@ -77,8 +77,7 @@ static FaceMaterial materialOf(const FaceDrawer* drawer, uint32_t attributes)
     return { &drawer->mesh->materials[index], key | index << vertexMaterialShift };
 }
 
-// Shades a vertex on the side that is seen. The vertex keeps the colour, and with it the key, for the faces that share
-// it.
+// Shades a vertex on the visible side. The vertex keeps the colour and its key for the other faces that share it.
 static void shadeProjected(FaceDrawer* drawer, uint32_t index, const FaceMaterial& face)
 {
     const MeshVertex& vertex = drawer->mesh->vertices[index];
@@ -97,8 +96,8 @@ static void shadeProjected(FaceDrawer* drawer, uint32_t index, const FaceMateria
     ++drawer->shadings;
 }
 
-// Reads place and depth of a face's corners. Returns their number, or 0 when a corner is off the screen or its index is
-// not that of a vertex.
+// Reads the place and depth of a face's corners. Returns their number, or 0 when a corner is off the screen or its
+// index is past the last vertex.
 static int readCorners(const Mesh* mesh, TriangleCorner* out, int32_t faceIndex)
 {
     const Corners& corners = mesh->faces[faceIndex];
@@ -116,7 +115,7 @@ static int readCorners(const Mesh* mesh, TriangleCorner* out, int32_t faceIndex)
     return count;
 }
 
-// Colours and texture coordinates of the corners.
+// Gives the corners their colours and texture coordinates.
 static void shadeCorners(FaceDrawer* drawer, TriangleCorner* out, int count, int32_t faceIndex,
                          const FaceMaterial& face)
 {
@@ -155,7 +154,7 @@ static void fillFace(FaceDrawer* drawer, const TriangleCorner* corners)
     filler(&drawer->fill, &state);
 }
 
-// Draws the lines between a polyline's points; closed adds the last side of a polygon.
+// Draws the lines between a polyline's points; with closed set, also the last side of a polygon.
 static void drawOutline(FaceDrawer* drawer, const TriangleCorner* corners, int count, bool closed)
 {
     ++drawer->polygons;
@@ -165,7 +164,7 @@ static void drawOutline(FaceDrawer* drawer, const TriangleCorner* corners, int c
         drawLine(&drawer->fill, corners[count - 1], corners[0]);
 }
 
-// The half of a quad without corner 1; drawn before the one without corner 3.
+// The half of a quad without corner 1. It is drawn before the half without corner 3.
 static const TriangleCorner* secondHalfOf(TriangleCorner* half, const TriangleCorner* quad)
 {
     half[0] = quad[0];
@@ -174,7 +173,7 @@ static const TriangleCorner* secondHalfOf(TriangleCorner* half, const TriangleCo
     return half;
 }
 
-// sorted tells that a sorter has already passed the face; a triangle then needs no second test for pixels.
+// sorted means that a sorter has already passed the face; a triangle then needs no second test for pixels.
 static void drawFace(FaceDrawer* drawer, int32_t index, const FaceMaterial& face, bool sorted)
 {
     TriangleCorner corner[4];
@@ -201,7 +200,7 @@ static void drawFace(FaceDrawer* drawer, int32_t index, const FaceMaterial& face
         fillFace(drawer, corner);
 }
 
-// Draws a triangle of one pixel, that of a corner, in an opaque pass without a texture.
+// Draws a triangle that covers one pixel, that of a corner, in an opaque pass without a texture.
 static void drawSingle(FaceDrawer* drawer, int32_t faceIndex, uint32_t vertexIndex)
 {
     ++drawer->polygons;
@@ -219,8 +218,8 @@ static void drawSingle(FaceDrawer* drawer, int32_t faceIndex, uint32_t vertexInd
     fill->noiseCounter += noiseStep;
 }
 
-// Draws the faces of the pass among first..end - 1. Returns 1 when any of first..end - 1 that is not hidden is
-// transparent, whichever way it faces.
+// Draws the faces of the pass that lie in first..end - 1. Returns 1 when any face in that range is transparent and not
+// hidden, whichever way it faces.
 static int drawFaceRange(FaceDrawer* drawer, const FacePass* pass, int32_t first, int32_t end)
 {
     const Mesh* mesh = drawer->mesh;
@@ -239,7 +238,7 @@ static int drawFaceRange(FaceDrawer* drawer, const FacePass* pass, int32_t first
     return anyTransparent;
 }
 
-// The same in the same order, eight faces a step.
+// Draws the same faces in the same order, eight at a time.
 static int drawFaceBlocks(FaceDrawer* drawer, const FacePass* pass)
 {
     const Mesh* mesh = drawer->mesh;
@@ -264,7 +263,7 @@ static int drawFaceBlocks(FaceDrawer* drawer, const FacePass* pass)
     return drawFaceRange(drawer, pass, i, mesh->faceCount) | anyTransparent;
 }
 
-// Draws the opaque, or the transparent, faces of one side; returns as drawFaceRange does.
+// Draws the opaque or the transparent faces of one side. Returns what drawFaceRange does.
 static int drawFaces(FaceDrawer* drawer, uint32_t side, bool opaque)
 {
     const Mesh* mesh = drawer->mesh;

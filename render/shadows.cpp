@@ -1,7 +1,8 @@
 // render/shadows.cpp - the light's view of the model and the shadow marks
 //
-// An entry stores the depth of the face's plane at its whole column and row, where the vertices are placed as well, but
-// never nearer than the face's nearest corner. The depth is computed in 64 bits, wide enough for faces seen edge-on.
+// An entry stores the depth of the face's plane at its whole column and row, where vertices are placed too, but never a
+// depth nearer than the face's nearest corner. The depth is computed in 64 bits, which are enough for faces seen
+// edge-on.
 #include "render/shadows.h"
 
 #include "model/matrix.h"
@@ -26,7 +27,7 @@ void ProjectToLight(Mesh* mesh, const FrameTransforms* transforms)
 
 constexpr int64_t steepestStep = int64_t{ 1 } << 29; // 16.16 depths per column; gentler spans fit in 32 bits
 
-// a / b in 16.16, by a 32-bit division where that is enough, because it is faster.
+// a / b in 16.16. It divides in 32 bits where they are enough, because that is faster.
 static int64_t quotient16(int64_t a, int32_t b)
 {
     if (a >= -32768 && a < 32768)
@@ -42,7 +43,7 @@ static DepthPlane depthPlaneOf(const TriangleFrame& frame)
              quotient16(dz2 * frame.dx1 - dz1 * frame.dx2, frame.area) };
 }
 
-// In 64 bits, for faces so steep that the step per column does not fit in 32.
+// Works in 64 bits, for faces so steep that the step per column does not fit in 32.
 static void fillSteepShadowSpan(uint16_t* entry, int32_t count, int64_t depth, int64_t perColumn, int32_t highest)
 {
     for (int32_t i = 0; i < count; ++i, depth += perColumn)
@@ -76,14 +77,14 @@ static inline int64_t depthAt(const ShadowTriangle& triangle, int32_t x, int32_t
            triangle.plane.perColumn * (x - triangle.x);
 }
 
-// Prefetches the entry eight rows below: rows lie far apart, and the processor does not foresee them.
+// Prefetches the entry eight rows below, because rows lie too far apart for the processor to predict the access.
 static inline void prefetchAhead(const uint16_t* entry, int32_t side)
 {
     uintptr_t ahead = reinterpret_cast<uintptr_t>(entry) + static_cast<uintptr_t>(side) * 8 * sizeof *entry;
     __builtin_prefetch(reinterpret_cast<const void*>(ahead), 1);
 }
 
-// A gentle step keeps all depths of a span, and the one a column to the left of it, within 32 bits.
+// With a gentle step, all depths of a span and the one a column to its left fit in 32 bits.
 void fillShadowRows(uint16_t* map, int32_t side, const ShadowTriangle* triangle)
 {
     const DepthPlane& plane = triangle->plane;
@@ -106,10 +107,10 @@ void fillShadowRows(uint16_t* map, int32_t side, const ShadowTriangle* triangle)
     }
 }
 
-// What all spans of a triangle share. low and high hold the columns in the order that packing puts right.
+// The values that all spans of a triangle share. low and high hold the columns in the order that packing makes right.
 struct Avx2Shadow
 {
-    __m256i low, high, sixteen; // steps of sixteen columns, and by sixteen
+    __m256i low, high, sixteen; // offsets of sixteen columns; sixteen is the step by sixteen columns
     __m256i limit;
 };
 
@@ -149,8 +150,7 @@ withAvx2 void fillShadowSpanAvx2(uint16_t* entry, int32_t count, int32_t room, i
 
 withAvx2 void fillShadowRowsAvx2(uint16_t* map, int32_t side, const ShadowTriangle* triangle)
 {
-    const ShadowTriangle t =
-        *triangle; // a copy, because the compiler cannot know that the map does not overlap the record
+    const ShadowTriangle t = *triangle; // a copy: the compiler must expect the map to overlap it
     if (t.plane.perColumn > steepestStep || t.plane.perColumn < -steepestStep)
         return fillShadowRows(map, side, triangle);
     int32_t perColumn = static_cast<int32_t>(t.plane.perColumn);
@@ -193,8 +193,8 @@ static inline int fillCornerEntries(uint16_t* map, int32_t side, const TriangleF
     return 1;
 }
 
-// Does what fillShadowRows does, without its records, for a triangle of few rows and columns; most triangles of a
-// finely cut model are such. Returns 0, with nothing raised, for a larger or a steep one.
+// Does the same as fillShadowRows, without its records, for a triangle of few rows and columns. Most triangles of a
+// finely divided model are like that. Returns 0, with nothing raised, for a larger or steep triangle.
 static inline int fillSmallTriangle(uint16_t* map, int32_t side, const TriangleFrame& frame)
 {
     if (!isSmallEdge(frame.dx1, frame.dy1) || !isSmallEdge(frame.dx2, frame.dy2) ||
@@ -245,7 +245,7 @@ static void fillShadowTriangle(FrameBuffer* target, const TriangleCorner* corner
     fillRows(target->shadowMap, target->shadowSize, &triangle);
 }
 
-// The face's corners on the map. Returns their number, up to the first absent one, or 0 when one is off the map.
+// Reads the face's corners on the map. Returns their number, up to the first absent one, or 0 when one is off the map.
 static int readLightCorners(TriangleCorner* out, const Mesh* mesh, const Corners& corners)
 {
     int count = 0;
@@ -283,8 +283,9 @@ void RenderShadowMap(FrameBuffer* target, const Mesh* mesh)
     }
 }
 
-// Whether an entry that is nearer to the light than its vertex by excess depths can hold the vertex's own surface,
-// which rises within the entry by its slope. A surface turned away from the light lies under another side of the model.
+// Whether an entry that is nearer to the light than its vertex, by excess depths, can belong to the vertex's own
+// surface, whose depth rises within the entry. A surface turned away from the light lies under another side of the
+// model.
 static bool isOwnSurface(uint32_t excess, float towardLight)
 {
     if (!(towardLight > 0))

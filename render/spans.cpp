@@ -1,7 +1,7 @@
 // render/spans.cpp - the plain triangle fillers, which define the value of every pixel
 //
-// Colours are computed in signed 16-bit lanes: a byte of colour times 256, less 32768. So 0 is -32768 and 255 is 32512,
-// saturation clamps a colour, and after flipping the sign the top bits of a lane are its field of the cell.
+// Colours are computed in signed 16-bit lanes that hold a byte of colour times 256, less 32768. So 0 is -32768 and 255
+// is 32512. Saturation clamps a colour. After the sign is flipped, the top bits of a lane are its field of the cell.
 #include "render/raster.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ static inline int32_t saturate16(int32_t value)
     return std::clamp(value, -32768, 32767);
 }
 
-// A 16.16 byte of colour as a lane.
+// A colour byte in 16.16 as a lane.
 static inline int32_t colourLane(uint32_t colour)
 {
     return saturate16((static_cast<int32_t>(colour) >> 8) - laneBias);
@@ -41,13 +41,13 @@ static inline bool isNearer(int32_t depth, uint32_t cell)
     return static_cast<uint32_t>(depth) > cell >> 16;
 }
 
-// From unsigned lanes.
+// The colours are unsigned lanes.
 static inline uint32_t packCell(uint32_t blue, uint32_t green, uint32_t red, int32_t depth)
 {
     return static_cast<uint32_t>(depth) << 16 | (red & 0xF800) | (green >> 10) << 5 | blue >> 11;
 }
 
-// The present colour's fields at the top of 16 bits.
+// These give a field of the present colour in the top bits of 16.
 static inline uint32_t cellBlue(uint32_t cell)
 {
     return cell << 11 & 0xF800;
@@ -109,7 +109,7 @@ struct TransparentSpan
 {
     static constexpr int32_t lanes = laneCount;
 
-    // The face's lane, made unsigned, plus the share of the present field that comes through.
+    // Adds the share of the present field that shows through to the face's lane, as an unsigned value.
     static inline uint32_t blend(int32_t lane, uint32_t field, uint32_t fourth, uint32_t transparency)
     {
         uint32_t share = fourth * (transparency * 256) >> 16;
@@ -151,7 +151,7 @@ struct TexturedSpan
 {
     static constexpr int32_t lanes = laneCount;
 
-    // Texel byte x light, mixed with the top byte of the present field: 8 bits and 8 of fraction.
+    // Texel byte x light, mixed with the top byte of the present field; the result has 8 bits and 8 of fraction.
     static inline uint32_t mix(uint32_t texelByte, uint32_t colour, uint32_t field, uint32_t transparency)
     {
         int32_t light = colourLane(colour) + laneBias;
@@ -193,7 +193,8 @@ struct TexturedSpan
     }
 };
 
-// Walks the rows. The loop over a span's pixels is compiled into the walk, because most spans are a few pixels long.
+// Walks the rows. The loop over a span's pixels is compiled into the walk, because most spans are only a few pixels
+// long.
 template <class Span>
 static void fillTriangle(FillState* fill, const SpanState* state)
 {

@@ -1,4 +1,4 @@
-// render/spans_avx2.cpp - the fillers for processors with AVX2: eight pixels a step
+// render/spans_avx2.cpp - the fillers for processors with AVX2: eight pixels at a time
 #include <immintrin.h>
 #include <stdint.h>
 
@@ -7,7 +7,7 @@
 
 constexpr int32_t stepPixels = 8;
 using Ints = __m256i;
-using Mask = __m256i; // all bits of a lane, or none
+using Mask = __m256i; // each lane has all bits set, or none
 
 // clang-format off
 WIDE Ints add32(Ints a, Ints b) { return _mm256_add_epi32(a, b); }

@@ -1,4 +1,4 @@
-// render/spans_avx512.cpp - the fillers for processors with AVX-512: sixteen pixels a step
+// render/spans_avx512.cpp - the fillers for processors with AVX-512: sixteen pixels at a time
 #include <immintrin.h>
 #include <stdint.h>
 

@@ -1,9 +1,9 @@
-// render/spans_wide.h - the fillers of spans.cpp, stepPixels pixels a step, with the same bits
+// render/spans_wide.h - the fillers of spans.cpp for stepPixels pixels at a time, with the same results
 //
-// spans_avx2.cpp and spans_avx512.cpp include this file once each, for their width of registers. Before that they
+// spans_avx2.cpp and spans_avx512.cpp each include this file once, for their own register width. Before that they
 // define WIDE (declares an inlined function), WIDE_TARGET (names the instruction set of a called one), the types Ints
-// and Mask, and the operations on them. Both files name these operations alike, because they are one interface for
-// this file.
+// and Mask, and the operations on them. The operations have the same names in both files, because they are this file's
+// interface to the registers.
 //
 // Depths, texture coordinates and cells are computed in 32-bit lanes. Colours are packed in pairs of channels: each 128
 // bits of a register of 16-bit lanes hold four pixels of the first channel and four of the second. That is the order in
@@ -16,11 +16,11 @@
 
 constexpr auto noiseStride = static_cast<int32_t>(noiseStep);
 
-// What all spans of a triangle share.
+// The values that all spans of a triangle share.
 struct WideTriangle
 {
-    Ints offset[laneCount]; // per-pixel step x 0, 1, 2...
-    Ints step[laneCount];   // x pixels
+    Ints offset[laneCount]; // per-pixel step x 0, 1, 2, ...
+    Ints step[laneCount];   // per-pixel step x stepPixels
     Ints lowest, highest;
     Ints noisePair, noiseRed;               // amplitudes: blue and green, red and fourth
     Ints transparencyPair, transparencyRed; // bytes in 16 bits: blue and green, red and red
@@ -66,7 +66,7 @@ WIDE Ints withNoise(Ints lanes, Ints squares, Ints amplitudes)
     return addSaturated16(lanes, high16(squares, amplitudes));
 }
 
-// From unsigned lanes: the fields are moved down by multiplying with powers of two.
+// From unsigned lanes. Multiplying by powers of two moves the fields down.
 WIDE Ints packCells(Ints bluesGreens, Ints reds, Ints depth)
 {
     Ints none = zero();
@@ -183,7 +183,8 @@ WIDE Ints lanesFrom(const WideTriangle& t, __m128i values)
     return add32(first, t.offset[lane]);
 }
 
-// An empty span takes the first step too, with no lane active. Most spans end within that step, and a branch for empty
+// An empty span also takes the first step, with no lane active. Most spans end within that step, and a branch for empty
+// ones would be mispredicted in many rows.
 // ones would be mispredicted in many rows.
 template <class Span>
 WIDE void fillWideSpan(const WideTriangle& t, uint32_t* cell, int32_t count, uint32_t counter, __m128i values,
@@ -233,7 +234,7 @@ WIDE __m128i loadLanes(const uint32_t* lanes)
     return _mm_load_si128(reinterpret_cast<const __m128i*>(lanes));
 }
 
-// The walk of fillTriangle, with the attributes of a row in registers.
+// Walks the rows as fillTriangle does, with the attributes of a row in registers.
 template <class Span>
 WIDE_TARGET static void fillTriangleWide(FillState* fill, const SpanState* state)
 {
@@ -275,7 +276,7 @@ WIDE_TARGET static void fillTriangleWide(FillState* fill, const SpanState* state
     fill->noiseCounter = counter;
 }
 
-// Whether signed 32-bit numbers can index all texels, as the gather instructions need it.
+// Whether signed 32-bit numbers can index all texels, as the gather instructions require.
 WIDE bool texelsHavePlaces(const Image& image)
 {
     return static_cast<int64_t>(image.width) * image.height <= INT32_MAX;

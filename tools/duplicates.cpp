@@ -1,12 +1,12 @@
 // tools/duplicates.cpp - finding repeated faces by the sum of their corners
 //
-// A face with three or more different corner words repeats another one of the same sum exactly when both hold the same
-// words equally often: the sum fixes the remaining word of the stored face. Such faces are chained by their sums, which
-// keeps neighbours in the mesh neighbours in memory. Only the first few faces of one sum are chained; the others go
-// into a hash table of their words.
+// A face with three or more different corner words repeats another face of the same sum exactly when both contain the
+// same words equally often, because the sum fixes the remaining word of the stored face. Such faces are chained by
+// their sums, which keeps neighbours in the mesh neighbours in memory. Only the first few faces of one sum are chained;
+// the others go into a hash table of their words.
 //
-// A collapsed face, with one or two different words, may also repeat a face that has other words besides. All collapsed
-// faces are therefore entered first. Every face that is kept then marks the collapsed faces that repeat it.
+// A collapsed face, with one or two different words, may also repeat a face that has further words. All collapsed faces
+// are therefore stored first. Every face that is kept then marks the collapsed faces that repeat it.
 //
 // The store has one place for each face. A face takes one place at most, so the store cannot overflow.
 #include "tools/duplicates.h"
@@ -95,7 +95,7 @@ static CollapsedFace* findCollapsed(const FaceStore& store, uint32_t sum, uint32
     }
 }
 
-// Marks the collapsed faces that repeat this face, which is kept.
+// Marks the collapsed faces that repeat this kept face.
 static void markCollapsed(const FaceStore& store, const Corners& corners)
 {
     uint32_t sum = sumOf(corners);
@@ -111,7 +111,7 @@ static void markCollapsed(const FaceStore& store, const Corners& corners)
     }
 }
 
-// Returns whether the face repeats one of the hash table; stores it there if it does not.
+// Returns whether the face repeats one in the hash table; stores it there otherwise.
 static bool repeatsHashed(const FaceStore& store, const Mesh* mesh, uint32_t face)
 {
     Corners words = sorted(mesh->faces[face]);
@@ -125,7 +125,7 @@ static bool repeatsHashed(const FaceStore& store, const Mesh* mesh, uint32_t fac
     return false;
 }
 
-// Returns whether the face repeats a stored one; stores it if it does not.
+// Returns whether the face repeats a stored one; stores it otherwise.
 static bool repeatsStored(const FaceStore& store, const Mesh* mesh, uint32_t face)
 {
     const Corners& corners = mesh->faces[face];

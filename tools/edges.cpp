@@ -1,4 +1,4 @@
-// tools/edges.cpp - building and asking the edge table
+// tools/edges.cpp - building and searching the edge table
 #include "tools/edges.h"
 
 #include "model/memory.h"
@@ -7,7 +7,7 @@
 #include "tools/hash.h"
 
 constexpr int chainLimit = 8;                 // entries of one sum that are chained
-constexpr uint64_t firstHashedEntries = 4096; // places of the hash when it is first needed
+constexpr uint64_t firstHashedEntries = 4096; // size of the hash table when it is first needed
 
 // Where a walk along the edges of one sum ended.
 struct EdgePlace
@@ -22,7 +22,8 @@ static uint32_t hashStart(const EdgeTable* table, uint32_t a, uint32_t b)
     return hashWords(hashSeed(), a < b ? a : b, a < b ? b : a) & table->hashedMask;
 }
 
-// The place of the edge in the hash: it holds the index of the edge's entry, or 0 when the edge is not there.
+// Finds the place of the edge in the hash table. It holds the index of the edge's entry, or 0 when the edge is not
+// there.
 static uint32_t findHashed(const EdgeTable* table, uint32_t a, uint32_t b)
 {
     uint32_t place = hashStart(table, a, b);
@@ -61,7 +62,7 @@ static EdgePlace findEdge(const EdgeTable* table, uint32_t a, uint32_t b)
     return { index, false, true };
 }
 
-// Doubles the hash and enters its contents again. Returns 0 after "Out of memory".
+// Doubles the hash table and enters its contents again. Returns 0 after "Out of memory".
 static int growHash(EdgeTable* table)
 {
     EdgeTable old = *table;

@@ -1,4 +1,4 @@
-// tools/filter.cpp - the list of groups and materials, and hiding the faces of all entries but one
+// tools/filter.cpp - the list of groups and materials, and hiding the faces of all entries except one
 #include "tools/filter.h"
 
 #include "platform/boxes.h"

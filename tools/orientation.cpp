@@ -32,8 +32,8 @@ void invertMesh(Mesh* mesh)
     computeNormals(mesh);
 }
 
-// The faces across the edges of a face, free links last. A link is the neighbour's face + 1, with linkDisagrees set
-// when the windings disagree along the shared edge; 0: no link.
+// The faces across the edges of a face; free links come last. A link is the neighbour's face + 1, with linkDisagrees
+// set when the windings disagree along the shared edge; 0: no link.
 struct Neighbours
 {
     uint32_t links[4];
@@ -42,8 +42,8 @@ struct Neighbours
 constexpr uint32_t linkDisagrees = 1u << 31;
 
 // Marks of a face.
-constexpr uint8_t markReached = 1; // it is on the stack or has been
-constexpr uint8_t markTurned = 2;  // it is turned over when it is taken from the stack
+constexpr uint8_t markReached = 1; // the face is or was on the stack
+constexpr uint8_t markTurned = 2;  // the face is turned over when it is taken from the stack
 
 struct Adjacency
 {
@@ -52,7 +52,7 @@ struct Adjacency
     uint32_t* waiting;      // a stack of faces
 };
 
-// Empties the entries of non-manifold edges. Returns on how many of the other edges the faces disagree.
+// Empties the entries of non-manifold edges. Returns the number of other edges on which the faces disagree.
 static uint32_t countDisagreements(EdgeTable* edges)
 {
     uint32_t count = 0;
@@ -89,8 +89,8 @@ static void linkFaces(const EdgeTable* edges, Neighbours* neighbours)
     }
 }
 
-// Goes depth first from a face that stays. A face is turned over when its winding disagrees with the present winding of
-// the face from which it is reached. Every face is pushed at most once, so the stack cannot overflow.
+// Goes depth first from a face that keeps its winding. A face is turned over when its winding disagrees with the
+// present winding of the face it is reached from. Every face is pushed at most once, so the stack cannot overflow.
 static void orientPiece(Mesh* mesh, const Adjacency& adjacency, uint32_t first)
 {
     uint32_t waitingCount = 0;

@@ -21,7 +21,7 @@ static bool isTriangle(const Mesh* mesh, uint32_t face)
     return isSurface(mesh->faceAttributes[face]) && corners[3] == noCorner && cornersAreVertices(mesh, corners, 3);
 }
 
-// The slot of the corner at which the longest edge starts. Of equally long edges the first one counts.
+// The slot of the corner at which the longest edge starts; of equally long edges, the first one.
 static size_t longestEdge(const Mesh* mesh, const Corners& corners)
 {
     float d01 = squaredLength(mesh, corners[0], corners[1]);
@@ -48,7 +48,7 @@ static void insertCorner(Corners& corners, size_t slot, uint32_t value)
     corners[slot] = value;
 }
 
-// Makes the face a quad if it can be merged. Returns whether it was.
+// Merges the face into a quad if possible. Returns whether it did.
 static bool mergeWithNeighbour(Mesh* mesh, const EdgeTable* edges, uint32_t face)
 {
     Corners& corners = mesh->faces[face];
@@ -96,7 +96,7 @@ struct FaceArrays
     Plane* facePlanes;
     uint32_t* faceAttributes;
     int32_t count;     // face slots in use
-    int32_t liveCount; // of them not records of polylines
+    int32_t liveCount; // those that are not records of polylines
 };
 
 static void freeFaceArrays(FaceArrays* arrays)
@@ -139,7 +139,7 @@ static void appendFace(FaceArrays* arrays, const Corners& corners, const Corners
     arrays->liveCount += !(attributes & faceLine);
 }
 
-// The triangle of corner i of a quad and the two corners that follow it.
+// The triangle of corner i of a quad and the next two corners.
 static void appendTriangle(FaceArrays* arrays, const Mesh* mesh, int32_t quad, size_t i)
 {
     const Corners& c = mesh->faces[quad];

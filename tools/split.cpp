@@ -7,7 +7,7 @@
 #include <stdio.h>
 #include <array>
 
-constexpr uint32_t lastPiece = 127; // shared by all pieces that come after pieces 0 to 126
+constexpr uint32_t lastPiece = 127; // shared by all pieces after pieces 0 to 126
 constexpr uint32_t noPiece = 0;     // pieces are stored as piece + 1
 
 using FacesOfVertex = std::array<uint32_t, 8>; // faces + 1; 0: free, after all others
@@ -51,8 +51,8 @@ static int makePieces(Pieces* pieces, const Mesh* mesh)
     return 0;
 }
 
-// How many corners connect a face to others: none when it is deleted, a record of a polyline or has a corner that is
-// not a vertex.
+// How many corners connect a face to others. None do when it is deleted, a record of a polyline or has a corner index
+// past the last vertex.
 static size_t connectingCorners(const Mesh* mesh, uint32_t face)
 {
     if (!isSurface(mesh->faceAttributes[face]))
@@ -88,7 +88,7 @@ static void enterFaces(Pieces* pieces, const Mesh* mesh)
     pieces->nextPiece = pieces->hasLines;
 }
 
-// The piece of a face that has none yet: that of its first vertex which has one, else a new one.
+// The piece of a face that has none yet. It is the piece of its first vertex that has one, otherwise a new one.
 static uint32_t choosePiece(Pieces* pieces, const Corners& corners, size_t count)
 {
     for (size_t k = 0; k < count; ++k)

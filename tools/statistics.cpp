@@ -1,7 +1,7 @@
-// tools/statistics.cpp - counting what is wrong with a mesh
+// tools/statistics.cpp - counting the defects of a mesh
 //
-// Each edge goes into the list of its lower end, and a list is counted by the upper ends. There is no hash and no
-// comparison, so every mesh takes linear time.
+// Each edge goes into the list of its lower end, and each list is counted by the upper ends. There is no hash table and
+// no comparison, so every mesh takes linear time.
 #include "tools/statistics.h"
 
 #include "model/memory.h"
@@ -13,7 +13,7 @@
 
 struct EdgeLists
 {
-    uint32_t* start; // per vertex: where its list starts in upper; one more for the end of the last list
+    uint32_t* start; // per vertex: where its list starts in upper; one more entry for the end of the last list
     uint32_t* upper; // the upper ends of all edges, list by list
     uint32_t* uses;  // per vertex: how often it is an upper end in the list being counted
 };
@@ -119,7 +119,7 @@ static void countList(const EdgeLists& lists, int32_t vertex, MeshStatistics* st
     {
         statistics->openEdges += lists.uses[*end] == 1;
         statistics->nonManifoldEdges += lists.uses[*end] > 2;
-        lists.uses[*end] = 0; // counts each edge once, and clears for the next list
+        lists.uses[*end] = 0; // counts each edge once, and clears the count for the next list
     }
 }
 

@@ -26,8 +26,8 @@ static int runInvert(Mesh* mesh)
     return 1;
 }
 
-// What a tool changes: the counts, the bounds, the groups. A button stands in one row only: while "Exact Weld" is off,
-// the panel takes weld-near for Weld's button.
+// What a tool changes: the counts, the bounds, the groups. Each button appears in one row only: while "Exact Weld" is
+// off, the panel uses weld-near for Weld's button.
 const std::array<MeshTool, 8> meshTools = { {
     { ID_FIX_NORMALS, "fix-normals", "turns faces over until neighbours agree", fixNormals, false, false, false },
     { ID_DUP_FACES, "dup-faces", "deletes faces that repeat an earlier one", removeDuplicateFaces, true, false, false },

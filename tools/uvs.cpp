@@ -26,15 +26,15 @@ int resetUvs(Mesh* mesh)
     return 1;
 }
 
-// The projection looks along viewAxis, from 24 degrees above and 60 degrees to the side. With textureRight and
-// textureUp it makes three unit vectors at right angles. No side of a box is narrowed to less than 0.4 of its length.
+// The projection looks along viewAxis, from 24 degrees above and 60 degrees to the side. viewAxis, textureRight and
+// textureUp are perpendicular unit vectors. No side of a box is narrowed to less than 0.4 of its length.
 constexpr float viewAxis[3] = { 0.7911536f, 0.4067366f, 0.4567727f };
 constexpr float textureRight[3] = { 0.5f, 0, -0.8660254f };
 constexpr float textureUp[3] = { -0.3522442f, 0.9135455f, -0.2033683f };
-constexpr float spreadRadius = 0.1f; // of the sphere that is unrolled evenly, in largest extents of the model
+constexpr float spreadRadius = 0.1f; // radius of the evenly unrolled sphere, in largest extents of the model
 
-// acos(c) / sqrt(1 - c c) - 1 for c = 0..1: how much longer the arc to the pole is than its projection. It is a cubic
-// with the right values and slopes at both ends, so that every machine computes the same bits.
+// acos(c) / sqrt(1 - c c) - 1 for c = 0..1: how much longer the arc to the pole is than its projection. The cubic has
+// the right values and slopes at both ends, and every machine computes the same bits from it.
 static float arcExcess(float c)
 {
     return 0.5707963f + c * (-1.0f + c * (0.6209408f + c * -0.1917371f));

@@ -1,10 +1,10 @@
 // tools/weld.cpp - merging vertices by position
 //
-// Vertices are taken in order and looked up in a hash table of those kept so far. Where only equal positions merge, the
-// key is the position. Otherwise it is the step of |x - y + z| and the cell of a grid; near positions lie in the same
-// cell or in neighbouring ones. A vertex merges into the first kept one that it is near to. A vertex that is kept moves
-// down at once, so that the kept ones are contiguous and have their new numbers. The store has one place for each
-// vertex, and a vertex is stored at most once, so the store cannot overflow.
+// Vertices are taken in order and looked up in a hash table of the vertices kept so far. Where only equal positions
+// merge, the key is the position. Otherwise it is the step of |x - y + z| and the cell of a grid; near positions lie in
+// the same cell or in neighbouring ones. A vertex merges into the first kept vertex that it is near to. A kept vertex
+// moves down at once, so that the kept vertices are contiguous and have their new numbers. The store has one place for
+// each vertex, and a vertex is stored at most once, so the store cannot overflow.
 #include "tools/weld.h"
 
 #include "model/memory.h"
@@ -28,9 +28,8 @@ struct VertexStore
 {
     MeshVertex* vertices; // of the mesh; the first `kept` of them stay
     uint32_t kept;
-    uint32_t*
-        target;     // per old vertex: unused, or 1 until it is looked up and then the new number + 1 of what it becomes
-    uint32_t* home; // hash table: new number + 1, with a tag above it where only equal positions merge; 0: free
+    uint32_t* target; // per old vertex: unused, 1 until it is looked up, then the new number + 1 of its kept vertex
+    uint32_t* home;   // hash table: new number + 1, with a tag above it where only equal positions merge; 0: free
     uint32_t homeMask;
     uint32_t* next; // per kept vertex where near positions merge: the next one of the same hash, as in home
 };
@@ -75,7 +74,7 @@ static void markUsedVertices(const Mesh* mesh, uint32_t* target)
     }
 }
 
-// Gives a vertex the next new number and moves its position and colour down. Normals are computed again afterwards.
+// Gives a vertex the next new number and moves its position and colour down. Normals are recomputed later.
 static uint32_t keepVertex(VertexStore* store, uint32_t vertex)
 {
     if (store->kept != vertex)
@@ -83,8 +82,8 @@ static uint32_t keepVertex(VertexStore* store, uint32_t vertex)
     return store->target[vertex] = ++store->kept;
 }
 
-// How a home entry is divided where only equal positions merge: the new number + 1 in the low bits, bits of the hash as
-// a tag above it. The upper bits of a hash give the entry where its search starts.
+// The parts of a home entry where only equal positions merge: the new number + 1 in the low bits, bits of the hash as a
+// tag above it. The upper bits of a hash give the entry where its search starts.
 struct EqualWeld
 {
     VertexStore* store;
@@ -114,8 +113,8 @@ static void mergeEqual(const EqualWeld& weld, uint32_t vertex, uint32_t hash)
     store->home[place] = tag | keepVertex(store, vertex);
 }
 
-// Works in three rounds, so that the cache misses of a batch overlap: prefetch the home entries, prefetch the vertices
-// stored there, compare.
+// Works in three rounds so that the cache misses of a batch overlap: it prefetches the home entries, then the vertices
+// stored there, then compares.
 static void mergeEqualBatch(const EqualWeld& weld, uint32_t first, uint32_t count)
 {
     const VertexStore* store = weld.store;
@@ -147,7 +146,7 @@ static void mergeAllEqual(const Mesh* mesh, VertexStore* store)
 }
 
 // The number of a coordinate's cell in the grid. Cells are 2^-14 wide, six times the tolerance, so near coordinates lie
-// in the same cell or in neighbouring ones. Multiplying by 2^14 is exact. Past 128 the distance to the next float
+// in the same cell or in neighbouring ones. Multiplying by 2^14 is exact. From 128 on the distance to the next float
 // exceeds the tolerance, so only equal coordinates are near. From 2^20 on, where cell numbers would become too large,
 // every value has a cell of its own.
 static int64_t gridCell(float x)
@@ -192,7 +191,7 @@ struct NearWeld
 {
     VertexStore* store;
     float smallest, scale;
-    int32_t vertexCount; // before
+    int32_t vertexCount; // before welding
     const HashSeed* seed;
 };
 
@@ -202,7 +201,8 @@ static int32_t stepOfPosition(const NearWeld& weld, const float* position)
 }
 
 // The home entries where a vertex or one near to it may be stored. The first is that of its own step and cell. The
-// others are those of the neighbouring cells that a near position may lie in; in the middle of a cell there are none.
+// others are those of the neighbouring cells that may contain a near position; for a vertex in the middle of a cell
+// there are none.
 struct Search
 {
     int32_t step;
@@ -218,7 +218,7 @@ static Search searchAround(const NearWeld& weld, const float* position)
     Search search;
     search.step = stepOfPosition(weld, position);
     uint64_t key = static_cast<uint64_t>(search.step) * factors[3];
-    uint64_t toNext[3]; // from the key to that of the neighbouring cell on an axis; 0: not to be searched
+    uint64_t toNext[3]; // the difference of the keys of a cell and its neighbour on an axis; 0: do not search there
     for (int axis = 0; axis < 3; ++axis)
     {
         int64_t cell = gridCell(position[axis]);
@@ -240,7 +240,7 @@ static Search searchAround(const NearWeld& weld, const float* position)
     return search;
 }
 
-// The first kept vertex that is near, as new number + 1; 0: none.
+// The first kept vertex that is near, as its new number + 1; 0: none.
 static uint32_t firstNear(const NearWeld& weld, const float* position, const Search& search)
 {
     const VertexStore* store = weld.store;
@@ -271,7 +271,7 @@ static void mergeNear(const NearWeld& weld, uint32_t vertex, const Search& searc
     *search.homes[0] = number;
 }
 
-// In three rounds, as mergeEqualBatch.
+// Works in three rounds, like mergeEqualBatch.
 static void mergeNearBatch(const NearWeld& weld, uint32_t first, uint32_t count)
 {
     const VertexStore* store = weld.store;
@@ -319,7 +319,7 @@ static void renumberCorners(Mesh* mesh, const uint32_t* target, uint32_t oldCoun
         Corners& corners = mesh->faces[f];
         for (size_t k = 0; k < 4 && corners[k] != noCorner; ++k)
         {
-            if (corners[k] >= oldCount || target[corners[k]] == unused) // only of a deleted slot
+            if (corners[k] >= oldCount || target[corners[k]] == unused) // happens only in a deleted slot
             {
                 corners = { 0, 0, 0, noCorner };
                 break;
@@ -350,7 +350,7 @@ static void finishWeld(Mesh* mesh, const VertexStore& store)
     showNotice(text);
 }
 
-// Whether the smallest and the largest key of the vertices differ. They also differ when the first is not a number.
+// Whether the smallest and the largest key of the vertices differ. They also differ when the first key is NaN.
 static bool keysDiffer(const Mesh* mesh)
 {
     const float first = keyOf(mesh->vertices[0].position);

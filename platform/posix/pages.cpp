@@ -1,8 +1,8 @@
 // platform/posix/pages.cpp - pages by mmap
 //
-// A page in front of every block stores its mapping, so that the block can be released by its address alone. Large
-// blocks start at 2 MiB boundaries, consist of whole 2 MiB pages and ask for huge ones: touching fresh memory in pages
-// of 4 KiB takes longer than reading a file into it, and a huge page takes no longer than a hundred small ones.
+// A page before every block stores its mapping, so that the address is enough to release the block. Large blocks start
+// at 2 MiB boundaries, consist of whole 2 MiB pages and request huge pages: touching fresh memory in pages of 4 KiB
+// takes longer than reading a file into it, and a huge page takes no longer than a hundred small ones.
 #include "platform/pages.h"
 
 #include "platform/refused_memory.h"

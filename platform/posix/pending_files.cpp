@@ -1,7 +1,7 @@
-// platform/posix/pending_files.cpp - files without a name where the file system supports them, else files under a lock
+// platform/posix/pending_files.cpp - unnamed files where the file system supports them, otherwise locked files
 //
-// A process holds a lock on the pending file that it writes, and locks end with their process. A temporary file that
-// nobody has locked therefore belongs to a process that has ended.
+// A process holds a lock on the pending file that it writes, and locks end with their process. A temporary file without
+// a lock therefore belongs to a process that has ended.
 #include "platform/pending_files.h"
 
 #include "platform/file_names.h"
@@ -16,8 +16,8 @@
 #include <time.h>
 #include <unistd.h>
 
-// Names of this process's files for the signal handler. A handler must not allocate, so the room for them is fixed. A
-// file for which there is no room stays behind when a signal comes, until the next writer takes it over.
+// The names of this process's files, for the signal handler. A handler must not allocate, so the table has a fixed
+// size. A file that does not fit in it stays behind when a signal arrives, until the next writer takes it over.
 constexpr int namedLimit = 8;
 constexpr size_t namedPathRoom = 4096;
 static char namedPaths[namedLimit][namedPathRoom];
@@ -29,7 +29,7 @@ static void rememberName(const std::string& name)
     {
         if (*path || name.size() >= namedPathRoom)
             continue;
-        memcpy(path + 1, name.c_str() + 1, name.size()); // the first byte last: the handler sees the whole or nothing
+        memcpy(path + 1, name.c_str() + 1, name.size()); // first byte last: the handler sees all or nothing
         *path = name[0];
         return;
     }
@@ -52,7 +52,7 @@ void removePendingFiles()
 extern "C" void endBySignal(int signalNumber)
 {
     removePendingFiles();
-    raise(signalNumber); // comes when the handler has returned, and then has its default effect
+    raise(signalNumber); // delivered after the handler has returned, with its default effect
 }
 
 void removePendingFilesOnSignals()
@@ -64,7 +64,7 @@ void removePendingFilesOnSignals()
     {
         struct sigaction present;
         if (sigaction(signalNumber, nullptr, &present) == 0 && present.sa_handler == SIG_DFL)
-            sigaction(signalNumber, &action, nullptr); // one that is ignored, as under nohup, stays so
+            sigaction(signalNumber, &action, nullptr); // an ignored signal, as under nohup, stays ignored
     }
 }
 
@@ -84,7 +84,7 @@ static std::string temporaryName(const std::string& place, int number)
     return folderOf(place) + ".kestrelbox-" + std::to_string(number) + ".part";
 }
 
-// Whether the descriptor is still the file of that name: another writer may have taken it over and placed it.
+// Whether the descriptor is still the file of that name. Another writer may have taken it over and placed it.
 static bool hasName(int file, const std::string& name)
 {
     struct stat opened, named;
@@ -99,8 +99,8 @@ static int closeUnlessGood(int file, bool good)
     return good ? file : -1;
 }
 
-// Locks a file that was just created. Returns -1 when another writer was faster. A file system without locks has files
-// that nobody takes over.
+// Locks a file that was just created. Returns -1 when another writer was faster. Without support for locks, nobody
+// takes over a file.
 static int lockFresh(int file, const std::string& name)
 {
     bool locked = flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
@@ -120,12 +120,13 @@ static int openAbandoned(const std::string& name)
     return closeUnlessGood(file, ours && ftruncate(file, 0) == 0);
 }
 
-// A file under the first temporary name that is free or abandoned.
+// Creates a file under the first temporary name that is free or abandoned. The name is copied first, because nothing
+// may fail once the file exists.
 static int openNamed(PendingFile* pending)
 {
     for (int number = 0;; ++number)
     {
-        std::string name = temporaryName(pending->place, number), kept = name; // no memory is wanted once it is there
+        std::string name = temporaryName(pending->place, number), kept = name;
         int file = open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (file < 0 && errno != EEXIST)
             return -1;
@@ -143,12 +144,12 @@ static std::string pathOfDescriptor(int file)
     return "/proc/self/fd/" + std::to_string(file);
 }
 
-// A file that gets its name when it is whole. Returns its descriptor, or -1 where there is no such thing.
+// Opens a file that gets its name when it is complete. Returns its descriptor, or -1 where that is not supported.
 static int openUnnamed(const std::string& place)
 {
 #ifdef O_TMPFILE
     int file = open(folderForOpening(place).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
-    if (file >= 0 && access(pathOfDescriptor(file).c_str(), F_OK) == 0) // by which it is named later
+    if (file >= 0 && access(pathOfDescriptor(file).c_str(), F_OK) == 0) // this path names it later
     {
         flock(file, LOCK_EX | LOCK_NB);
         return file;
@@ -162,7 +163,7 @@ static int openUnnamed(const std::string& place)
 int createPendingFile(PendingFile* pending, const char* place)
 {
     *pending = { nullptr, place, "" };
-    signal(SIGXFSZ, SIG_IGN); // a write past the limit of a file's size is to fail as on a full disk
+    signal(SIGXFSZ, SIG_IGN); // a write past the file size limit must fail as on a full disk
     int file = namedAtOnce ? -1 : openUnnamed(pending->place);
     if (file < 0)
         file = openNamed(pending);
@@ -180,7 +181,7 @@ int createPendingFile(PendingFile* pending, const char* place)
     return 0;
 }
 
-// Some file systems report a failed write only when a descriptor is closed, so a copy is closed.
+// Closes a copy, because some file systems report a failed write only when a descriptor is closed.
 int finishPendingFile(PendingFile* pending)
 {
     if (ferror(pending->file) || fflush(pending->file) != 0)
@@ -189,14 +190,14 @@ int finishPendingFile(PendingFile* pending)
     return copy >= 0 && close(copy) == 0;
 }
 
-// Gives an unnamed file the first temporary name that is free. Files that dead processes left under such names are
-// removed.
+// Gives an unnamed file the first temporary name that is free. Removes files that dead processes left under such names.
+// The name is copied first, because nothing may fail once the file is linked.
 static int nameFile(PendingFile* pending)
 {
     std::string self = pathOfDescriptor(fileno(pending->file));
     for (int number = 0;; ++number)
     {
-        std::string name = temporaryName(pending->place, number), kept = name; // no memory is wanted once it is linked
+        std::string name = temporaryName(pending->place, number), kept = name;
         if (linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
         {
             rememberName(name);
@@ -220,10 +221,10 @@ static void keepPermissions(const PendingFile* pending)
     if (stat(pending->place.c_str(), &old) != 0 || !S_ISREG(old.st_mode) || fstat(fileno(pending->file), &fresh) != 0)
         return;
     bool sameOwner = old.st_uid == fresh.st_uid && old.st_gid == fresh.st_gid;
-    (void)!fchmod(fileno(pending->file), old.st_mode & (sameOwner ? 07777u : 0777u)); // some file systems keep none
+    (void)!fchmod(fileno(pending->file), old.st_mode & (sameOwner ? 07777u : 0777u)); // some file systems have none
 }
 
-// The last step before renaming, which hardly ever fails. After it, all files of a set have a name in the folder.
+// The last step before renaming, which hardly ever fails. After it, every file of a set has a name in the folder.
 static int prepareToPlace(PendingFile* pending)
 {
     keepPermissions(pending);
@@ -241,7 +242,8 @@ static int placeFile(PendingFile* pending)
     return 1;
 }
 
-// Waits for other writers in the folder, but not for ever: a program that keeps its lock must not hang this one.
+// Waits for other writers in the folder, but only for a limited time, so that a program that keeps its lock cannot
+// block this one.
 static int lockFolder(const std::string& place)
 {
     constexpr int attempts = 400;

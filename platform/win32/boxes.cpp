@@ -8,7 +8,7 @@
 
 constexpr UINT_PTR noticeTimer = 1;
 constexpr UINT noticeMs = 1300;
-constexpr wchar_t barCharacter = 127; // the text of the bar consists of these; each is drawn as a solid block
+constexpr wchar_t barCharacter = 127; // the bar's text consists of these; each is drawn as a solid block
 
 static HWND progressBox;
 
@@ -58,7 +58,7 @@ void setProgress(float fraction)
         return;
     SetWindowTextW(control, bar.c_str());
     InvalidateRect(control, nullptr, FALSE);
-    UpdateWindow(control); // paints at once, because a reader does not process messages
+    UpdateWindow(control); // paints at once, because readers do not process messages
 }
 
 void closeProgress()
@@ -68,7 +68,7 @@ void closeProgress()
     progressBox = nullptr;
 }
 
-// Makes the box wider for a text that is too long for it. It never becomes narrower.
+// Widens the box for a text that is too long for it. The box never becomes narrower.
 static void widenNotice(HWND box, const wchar_t* text)
 {
     HWND control = GetDlgItem(box, ID_NOTICE_TEXT);

@@ -8,7 +8,7 @@
 
 static_assert(dialogOverwritePrompt == OFN_OVERWRITEPROMPT && dialogHideReadOnly == OFN_HIDEREADONLY);
 
-// Stores a text as UTF-8, cut to a number of characters, the terminator included.
+// Stores a text as UTF-8, cut to a number of characters that includes the terminator.
 static void storeText(const std::wstring& wide, char* text, size_t room)
 {
     std::string narrow = utf8FromWide(wide.substr(0, room - 1).c_str());

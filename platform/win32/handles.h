@@ -1,4 +1,4 @@
-// platform/win32/handles.h - the windows of the desktop program, which boxes, controls, dialogs and picture work on
+// platform/win32/handles.h - the windows of the desktop program, for boxes, controls, dialogs and picture
 //
 // A handle is null until its window exists. Calls with a null window do nothing.
 #pragma once

@@ -1,4 +1,4 @@
-// platform/win32/pending_files.cpp - files that are deleted with their last handle until they are whole
+// platform/win32/pending_files.cpp - files that are deleted with their last handle unless they are completed
 #include "platform/pending_files.h"
 
 #include "platform/file_names.h"
@@ -9,7 +9,7 @@
 #include <io.h>
 #include <windows.h>
 
-// What the C library says for the errors that writers meet.
+// Sets errno as the C library does for the errors that writers meet.
 static void setErrno(DWORD error)
 {
     switch (error)
@@ -35,7 +35,7 @@ static HANDLE handleOf(FILE* file)
     return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)));
 }
 
-// The process's number makes the name unique.
+// The process id makes the name unique.
 static HANDLE createTemporary(PendingFile* pending)
 {
     for (int number = 0;; ++number)
@@ -62,7 +62,7 @@ int createPendingFile(PendingFile* pending, const char* place)
         pending->temporary.clear();
         return 0;
     }
-    deleteWithHandle(file, true); // where the file system cannot, an ended process leaves the file behind
+    deleteWithHandle(file, true); // where the file system cannot do this, a process that ends leaves the file behind
     int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(file), _O_BINARY);
     pending->file = descriptor < 0 ? nullptr : _fdopen(descriptor, "wb");
     if (pending->file)
@@ -102,7 +102,7 @@ static int placeFile(PendingFile* pending)
     return 1;
 }
 
-// One set at a time on this machine. A process that keeps its turn longer than this is not waited for.
+// Places one set at a time on this machine, and stops waiting for a process that keeps its turn too long.
 int placePendingFiles(PendingFile* pending, int count)
 {
     constexpr DWORD patienceMs = 2000;
@@ -128,9 +128,9 @@ void dropPendingFile(PendingFile* pending)
     pending->temporary.clear();
 }
 
-// The operating system deletes the files with their handles, however the process ends.
+// Nothing to do: the operating system deletes the files with their handles, however the process ends.
 void removePendingFilesOnSignals() {}
 void removePendingFiles() {}
 
-// They always have names.
+// Nothing to do: the files always have names.
 void namePendingFilesAtOnce(bool) {}

@@ -10,7 +10,7 @@ constexpr COLORREF greyColour = 0xC0C0C0;
 HBITMAP aboutBitmap;
 HBRUSH panelBrush;
 
-// In the middle of its place, pixel for pixel unless the place is too small; never distorted.
+// Centres the picture in its place. It is drawn pixel for pixel, or reduced in proportion when the place is too small.
 static void drawPicture(const DRAWITEMSTRUCT* item)
 {
     HDC bitmapDc = CreateCompatibleDC(item->hDC);

@@ -15,7 +15,7 @@ LRESULT CALLBACK displayProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
     case WM_SIZE: displayResized(LOWORD(lParam), HIWORD(lParam)); break;
     case WM_ERASEBKGND:
         if (loopState.appRunning)
-            return 1; // the picture covers it all; a white flash would show between erasing and painting
+            return 1; // the picture covers the whole window; erasing it would show a white flash before painting
         break;
     case WM_PAINT: displayPainted(); break;
     case WM_MOUSEMOVE: displayMouseMoved((wParam & MK_LBUTTON) != 0, (wParam & MK_RBUTTON) != 0, x, y); break;

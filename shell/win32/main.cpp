@@ -2,7 +2,7 @@
 #include "platform/win32/names.h"
 #include "shell/win32/desktop.h"
 
-// What follows the program's own name on the command line.
+// Returns the command line after the program's own name.
 static const wchar_t* argumentsOf(const wchar_t* line)
 {
     bool quoted = false;
@@ -13,7 +13,7 @@ static const wchar_t* argumentsOf(const wchar_t* line)
     return line;
 }
 
-// Takes the command line from Windows in wide characters, because the one passed here knows only the code page.
+// Gets the command line in wide characters from Windows, because the one passed here is limited to the code page.
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, char*, int showState)
 {
     if (previous)

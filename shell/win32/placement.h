@@ -1,4 +1,4 @@
-// shell/win32/placement.h - where the windows stand
+// shell/win32/placement.h - the positions of the windows
 #pragma once
 #include <stdint.h>
 
@@ -7,10 +7,10 @@ struct WindowRect
     int32_t x, y, width, height;
 };
 
-// The main window's size before the client area has been measured.
+// The main window's size until the client area has been measured.
 WindowRect firstMainWindow(int32_t displayWidth, int32_t displayHeight);
 
-// The main window in the middle of the desktop, its client area just large enough for the display and the tool panel.
+// Centres the main window on the desktop. Its client area just fits the display and the tool panel.
 //   panelWidth, client*: as measured with the window at its first size
 WindowRect placeMainWindow(int32_t displayWidth, int32_t displayHeight, int32_t panelWidth, int32_t clientWidth,
                            int32_t clientHeight, int32_t desktopWidth, int32_t desktopHeight);

@@ -80,7 +80,7 @@ static bool createDisplay(int showState)
     int32_t width = frameState.displayWidth, height = frameState.displayHeight;
     displayWindow = CreateWindowExW(WS_EX_TOPMOST, displayClass, L"hola", WS_CHILD | WS_BORDER, CW_USEDEFAULT,
                                     CW_USEDEFAULT, width, height, mainWindow, nullptr, programInstance, nullptr);
-    frameState.displayWidth = width; // the buffer is made for the whole size, before the border has been taken off
+    frameState.displayWidth = width; // the buffer has the whole size, without subtracting the border
     frameState.displayHeight = height;
     if (!createFrameBuffer(&frameBuffer, width, height))
     {
@@ -99,7 +99,7 @@ static void dispatch(MSG* message)
     DispatchMessageW(message);
 }
 
-// While frames are drawn; the panel gets its keyboard handling only from the blocking loop.
+// Takes a message while frames are drawn. The panel gets its keyboard handling only from the blocking loop.
 static WaitingMessage takeWaitingMessage()
 {
     MSG message;
