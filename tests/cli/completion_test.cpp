@@ -1,4 +1,4 @@
-// tests/cli/completion_test.cpp - the completions of kbx in the shells themselves, where they are installed
+// tests/cli/completion_test.cpp - kbx's completions in the real shells, where they are installed
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
@@ -40,7 +40,7 @@ static const Completed cases[] = {
     { "kbx render -o mod", "model.obj" },
 };
 
-// Where no file name is wanted none is offered.
+// No names are offered where no file name is expected.
 static const char* const withoutFiles[] = { "kbx render --preset mod", "kbx render --size mod", "kbx info --tool=mod" };
 
 static bool installed(const std::string& shell)
@@ -53,7 +53,7 @@ static std::string lastWord(const std::string& line)
     return line.substr(line.rfind(' ') + 1);
 }
 
-// A shell at a terminal of its own, with a kbx that writes the last of its words into the file "word".
+// A shell at its own terminal, with a kbx that writes its last word into the file "word".
 class Terminal
 {
 public:
@@ -83,7 +83,7 @@ public:
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
-    // The last word of the command after a tab at the end of the line; what the terminal shows when none comes.
+    // The last word of the command after a tab at the end of the line; what the terminal shows when there is none.
     std::string complete(const std::string& line)
     {
         if (!waitForPrompt())
@@ -98,7 +98,7 @@ public:
     }
 
 private:
-    // Reads until the prompt stands at the end of what is shown, and where it is wanted the file is there.
+    // Reads until the prompt ends the output, and until the file exists if the test expects it.
     bool waitForPrompt(bool withWord = false)
     {
         for (int tries = 0; tries < 300; ++tries)

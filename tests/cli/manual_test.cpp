@@ -1,4 +1,4 @@
-// tests/cli/manual_test.cpp - the manual page and the completions, as the build leaves them
+// tests/cli/manual_test.cpp - the manual page and the completions that the build makes
 #include <gtest/gtest.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -40,7 +40,7 @@ protected:
         return text.str();
     }
 
-    // What bash offers for the last of the words.
+    // The completions that bash offers for the last of the words.
     std::string offered(const std::string& words) const
     {
         return output("bash -c '. \"" + folder + "/kbx.bash\"; COMP_WORDS=(" + words +

@@ -1,8 +1,8 @@
-// tests/cli/memory_limit_test.cpp - under every limit of its memory, kbx does its work, or says "Out of memory" and
+// tests/cli/memory_limit_test.cpp - under every memory limit kbx either does its work, or says "Out of memory" and
 // leaves nothing behind
 //
 // Each command runs under limits in steps of 16 KiB, from the smallest under which the program starts to twice what the
-// command needs. The limit is on the whole address space, so it meets the C++ library and the stack as well.
+// command needs. The limit is on the whole address space, so it includes the C++ library and the stack.
 #include "tests/cli/process_fixture.h"
 
 #if !defined(__SANITIZE_ADDRESS__) // the sanitizer's shadow is far larger than any limit

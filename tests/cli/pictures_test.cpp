@@ -1,6 +1,6 @@
-// tests/cli/pictures_test.cpp - pictures of the built-in model compared with ones that a person has looked at
+// tests/cli/pictures_test.cpp - pictures of the built-in model compared with ones that a person has checked
 //
-// What is compared is the mean colour of each block of 16 x 16 pixels. tests/data/pictures/pictures.txt names the
+// The test compares the mean colour of each block of 16 x 16 pixels. tests/data/pictures/pictures.txt lists the
 // pictures with kbx's options; scripts/pictures redraws them.
 #include <gtest/gtest.h>
 #include <stdlib.h>
@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 constexpr int width = 620, height = 520, blockSide = 16;
 constexpr int blockColumns = (width + blockSide - 1) / blockSide, blockRows = (height + blockSide - 1) / blockSide;
 
-// Of 255, in the mean of a block: what another processor's estimate of a reciprocal square root may change.
+// How much the mean of a block may differ, of 255: processors estimate reciprocal square roots differently.
 constexpr int tolerance = 2;
 
 struct Entry

@@ -28,7 +28,7 @@ struct Surroundings
 
 using Words = std::vector<std::string>;
 
-// Its scratch folder has the model a.obj, with many groups and materials, and its library a.mtl.
+// The scratch folder holds the model a.obj, with many groups and materials, and its library a.mtl.
 class ProcessTest : public testing::Test
 {
 protected:

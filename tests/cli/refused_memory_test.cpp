@@ -1,5 +1,5 @@
-// tests/cli/refused_memory_test.cpp - kbx with each of its requests for memory refused in turn, including those of the
-// C and C++ libraries
+// tests/cli/refused_memory_test.cpp - kbx when each memory request is refused in turn, also those of the C and C++
+// libraries
 #include "tests/cli/process_fixture.h"
 
 class KbxWithRefusedMemory : public ProcessTest
@@ -39,8 +39,8 @@ protected:
         expectDoneOrOutOfMemory(ending, outputs);
     }
 
-    // Refuses each request from the first one given on, alone. Then it refuses each together with all after it; of the
-    // many requests that parse the command line it takes every seventh.
+    // From the given request on, refuses each request alone, and then each together with all later ones. Of the many
+    // requests that parse the command line it takes every seventh.
     void refuseEach(const Words& words, const std::set<std::string>& outputs, long first)
     {
         const long count = countRequests(words, outputs);
@@ -51,8 +51,8 @@ protected:
             refuse(words, outputs, "REFUSE_FROM=" + std::to_string(n));
     }
 
-    // Every command first describes the command line, with the same requests. This is 100 fewer than those, so that the
-    // last of them are refused as well.
+    // Every command first parses the command line, with the same requests. The value is 100 below their number, so that
+    // the last of them are refused too.
     long common() const
     {
         return countRequests({ "--version" }, {}) - 100;

@@ -1,4 +1,4 @@
-// tests/cli/stack_limit_test.cpp - the built program on a stack of 128 KiB: every command does the same as on a large
+// tests/cli/stack_limit_test.cpp - on a stack of 128 KiB every command of the built program does the same as on a large
 // one
 #include "tests/cli/process_fixture.h"
 #include "tests/image/jpeg_builder.h"
@@ -23,7 +23,7 @@ protected:
         std::ofstream(folder / "a.jpg", std::ios::binary) << std::string(picture.begin(), picture.end());
     }
 
-    // Those of a format that can be read; there must be one.
+    // The models of a format that can be read; there must be one.
     void addSamples(const std::string& extension, const Samples& samples)
     {
         size_t modelsBefore = models.size();
@@ -38,7 +38,7 @@ protected:
         EXPECT_GT(models.size(), modelsBefore) << extension;
     }
 
-    // Also a refusal, such as that of lines in a format that has none, must be the same.
+    // A refusal must also be the same, such as that of lines in a format that has none.
     void expectTheSame(const Words& words) const
     {
         Surroundings around;

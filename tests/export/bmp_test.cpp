@@ -4,7 +4,7 @@
 
 using BmpWriter = InOwnFolder;
 
-// Bytes 1, 2, 3, ... in each row, ten more in the next one.
+// Bytes 1, 2, 3, ... in each row; each row starts 10 higher than the one before.
 static void fillCounting(uint8_t* bytes, int32_t row, const BmpPicture* picture)
 {
     for (int32_t i = 0; i < picture->width * 3; ++i)

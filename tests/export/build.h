@@ -1,4 +1,4 @@
-// tests/export/build.h - small meshes, files in a folder of their own, and what the writers' tests share
+// tests/export/build.h - small meshes, scratch files and helpers for the writers' tests
 #pragma once
 #include "model/normals.h"
 #include "tests/clean_test.h"

@@ -1,4 +1,4 @@
-// tests/export/full_disk_test.cpp - what happens when the files cannot grow any further
+// tests/export/full_disk_test.cpp - what happens when files cannot grow
 #include "export/lux.h"
 #include "export/obj.h"
 #include "export/prop.h"
@@ -11,8 +11,8 @@
 
 using FullDisk = InOwnFolder;
 
-// Runs a writer in a process whose files may have limitBytes; 0 when it failed and said so for that path, with the text
-// that a failed write has.
+// Runs a writer in a process whose files are limited to limitBytes. Returns 0 when it failed and showed the text of a
+// failed write for that path.
 static int failsUnderLimit(rlim_t limitBytes, const std::string& path, const std::function<int()>& write)
 {
     pid_t child = fork();
@@ -52,7 +52,7 @@ TEST_F(FullDisk, ObjKeepsTheEarlierFiles)
     EXPECT_EQ(filesInFolder(), (Names{ "a.mtl", "a.obj" }));
 }
 
-// The OBJ file is small enough, the library with its 512 materials is not: neither is replaced.
+// The OBJ file fits, but the library with its 512 materials does not. Neither file is replaced.
 TEST_F(FullDisk, AnObjFileWhoseLibraryDoesNotFitIsNotReplaced)
 {
     MeshPointer mesh = buildMesh({ { 0, 0, 0 } }, {}, {}, 512, 1);
@@ -81,7 +81,7 @@ TEST_F(FullDisk, PropKeepsTheEarlierFiles)
     EXPECT_EQ(filesInFolder(), (Names{ "a.pp2", "a.rsr" }));
 }
 
-// The material file with its 512 blocks is the one that does not fit; the geometry, whole by then, is not put in place.
+// The material file with its 512 blocks does not fit. The geometry is complete by then, but it is not put in place.
 TEST_F(FullDisk, SceneKeepsTheEarlierFiles)
 {
     MeshPointer mesh = buildMesh({ { 0, 0, 0 } }, {}, {}, 512, 1);

@@ -102,7 +102,7 @@ TEST_F(LuxWriter, WithoutTextureCoordinatesThereIsNoUvBlock)
                                             }));
 }
 
-// Only the lines between two marks.
+// Returns only the lines between two marks.
 static std::vector<std::string> linesBetween(const std::string& text, const std::string& from, const std::string& to)
 {
     std::vector<std::string> lines;
@@ -167,8 +167,8 @@ TEST_F(LuxWriter, SlotsWithoutTrianglesWriteNothingAndVerticesStartAnewForEachSl
     EXPECT_EQ(text.find("m2"), std::string::npos);
 }
 
-// So many vertices with the same second coordinate are neighbours in the hash table, whatever its seed.
-// The vertices come from a range far larger than the table of made ones, so that many meet in it.
+// This many vertices with the same second coordinate are neighbours in the hash table under every seed.
+// The vertices come from a range far larger than the table of added ones, so that many share a place in it.
 TEST_F(LuxWriter, EqualCoordinatesOfOtherVerticesAreNotShared)
 {
     constexpr uint32_t pointCount = 200003, used = 3000; // a prime: the squares of the first half differ
@@ -191,7 +191,7 @@ TEST_F(LuxWriter, EqualCoordinatesOfOtherVerticesAreNotShared)
     EXPECT_TRUE(std::equal(positions.begin(), positions.begin() + used, positions.begin() + used));
 }
 
-// Against the plainest way to say the same: a map from vertex and coordinate to its number.
+// Compares with a simple map from vertex and coordinate to number.
 TEST_F(LuxWriter, SharedVerticesAreThoseOfAPlainSearch)
 {
     std::mt19937 random(11);

@@ -1,4 +1,4 @@
-// tests/export/number_format_test.cpp - every digit as printf writes it
+// tests/export/number_format_test.cpp - every digit is the one that printf writes
 #include "export/number_format.h"
 
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ static std::string formatted(char* (*function)(char*, float), float value)
     return std::string(text, end);
 }
 
-// Compares without a string in the way, for the long runs.
+// Compares without making strings, for the long runs.
 static bool allEqual(float value)
 {
     static char* (*const functions[])(char*, float) = { formatPlain, formatSix, formatEight };
@@ -104,8 +104,8 @@ TEST(NumberFormat, WhatIsNoNumberFillsItsColumns)
         EXPECT_TRUE(allEqual(std::bit_cast<float>(bits)));
 }
 
-// Ties: fractions whose binary expansion ends exactly one place below the last decimal kept: odd multiples of 2^-7 for
-// 6 decimals, of 2^-9 for 8; and the neighbours of such fractions.
+// Ties are fractions whose binary expansion ends exactly one place below the last decimal kept: odd multiples of 2^-7
+// for 6 decimals, of 2^-9 for 8. Their neighbours are tested as well.
 TEST(NumberFormat, TiesGoToEven)
 {
     for (int power : { 7, 8, 9, 10, 20 })
@@ -130,7 +130,7 @@ TEST(NumberFormat, EveryExponentWithHardMantissas)
                 ASSERT_TRUE(allEqual(std::bit_cast<float>(sign << 31 | exponent << 23 | mantissa)));
 }
 
-// NUMBER_FORMAT_TRIALS asks for a longer run.
+// NUMBER_FORMAT_TRIALS sets a longer run.
 TEST(NumberFormat, RandomFloatsAreAsPrinted)
 {
     const char* asked = getenv("NUMBER_FORMAT_TRIALS");

@@ -153,8 +153,8 @@ static MeshPointer mixedFaces()
     return mesh;
 }
 
-// Group 0 has only m1, which group 1 then leaves for m0 and comes back to; group 2 goes on with m1 without a line;
-// group 3 has no live face.
+// Group 0 has only m1. Group 1 changes from m1 to m0 and back. Group 2 continues with m1 and needs no line. Group 3 has
+// no live face.
 static const Names mixedLines = { "mtllib out.mtl", "g g0",    "usemtl m1", "f 3 4 1", "f 4 1 2", "g g1", "usemtl m0",
                                   "f 2 3 4",        "f 1 2 3", "usemtl m1", "f 1 2 3", "f 4 1 2", "g g2", "f 3 4 1" };
 
@@ -167,13 +167,13 @@ TEST_F(ObjWriter, WithoutWorkMemoryTheOrderIsTheSame)
 {
     MeshPointer mesh = mixedFaces();
     recorded.allocations = 0;
-    recorded.refuseOnly = 2; // the first is the text's block, the third the library's
+    recorded.refuseOnly = 2; // request 1 is the text's block, request 3 the library's
     EXPECT_EQ(faceLinesOf(written(mesh.get(), folder)), mixedLines);
     EXPECT_EQ(recorded.allocations, 3);
     EXPECT_EQ(recorded.boxes, Boxes{});
 }
 
-// The group's line comes with the group's first live face, before anybody asks for its material.
+// The group's line is written at the group's first live face, before the line of its material.
 TEST_F(ObjWriter, AGroupWhoseMaterialsArePastTheCountHasItsLineAndNoFaces)
 {
     MeshPointer mesh = mixedFaces();

@@ -1,4 +1,4 @@
-// tests/export/output_file_test.cpp - whole or not at all
+// tests/export/output_file_test.cpp - a file is written completely or not at all
 #include "export/output_file.h"
 #include "tests/export/build.h"
 
@@ -154,8 +154,8 @@ TEST_F(OutputFiles, PermissionsOfAReplacedFileStay)
     EXPECT_EQ(facts.st_mode & 07777, 0640u);
 }
 
-// Whether the check holds for a user who may not write everything: another process, which root gives to nobody. Its
-// exit status: 0 and 1, or 2 when it cannot be given away.
+// Runs the check in another process as a user who may not write everything; root becomes nobody there. Returns the exit
+// status: 0 when the check holds, 1 when it fails, or 2 when root cannot change its user.
 static int asOrdinaryUser(const std::function<bool()>& check)
 {
     constexpr uid_t nobody = 65534;

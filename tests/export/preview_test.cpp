@@ -4,7 +4,7 @@
 
 #include <random>
 
-// A reader for such files, with nothing in common with the writer. Throws what is wrong as a text.
+// A reader for preview files that shares nothing with the writer. It throws a text that says what is wrong.
 struct Cursor
 {
     const std::string* bytes;
@@ -161,7 +161,7 @@ struct Frame
     PreviewSource source;
 };
 
-// The bytes past the picture's width belong to nobody's pixels; colour gives blue, green, red of a pixel.
+// The bytes beyond the picture's width belong to no pixel; colour gives blue, green, red of a pixel.
 template <class Colour>
 static Frame makeFrame(int32_t width, int32_t height, int32_t stride, Colour colour)
 {
@@ -215,7 +215,7 @@ TEST(PreviewWriter, NinetyOneRowsComeThroughPixelByPixelTopRowFirst)
     }
 }
 
-// 182 rows: even ones fall on a cell (weight 1), odd ones half way and go down (weight a half).
+// 182 rows: even rows lie on a cell (weight 1), odd rows lie halfway and count for the next cell (weight a half).
 TEST(PreviewWriter, PixelsAreWeightedByTheirDistance)
 {
     Frame frame =
@@ -226,7 +226,7 @@ TEST(PreviewWriter, PixelsAreWeightedByTheirDistance)
                       return Bgr{ value, 0, 0 };
                   });
     std::vector<uint8_t> pixels = readPreview(previewFile(&frame.source));
-    // cell (10, 20): columns 19, 20 with weights 1/2, 1; rows 39, 40 likewise; all four weigh 2.25
+    // cell (10, 20): columns 19, 20 with weights 1/2, 1; rows 39, 40 the same; all four weigh 2.25
     EXPECT_EQ(pixels[(20 * 91 + 10) * 3 + 2], static_cast<int>((250 * 1.0 + 100 * 0.5) / 2.25));
     EXPECT_EQ(pixels[(20 * 91 + 9) * 3 + 2], 0);
     EXPECT_EQ(pixels[(19 * 91 + 10) * 3 + 2], 0);
@@ -250,7 +250,7 @@ TEST(PreviewWriter, FramesOfAnyShapeStayInsideTheirBytes)
     EXPECT_EQ(readPreview(previewFile(&empty)), std::vector<uint8_t>(91 * 91 * 3));
 }
 
-// Rows of every mixture of runs and single bytes, the longest of both included.
+// Rows with every mixture of runs and single bytes, including the longest of both.
 TEST(PreviewWriter, AnyPixelsComeBackAndTheFileHasAnEvenPicture)
 {
     std::mt19937 random(9);
@@ -304,7 +304,7 @@ static std::string firstPackedPlane(const std::vector<uint8_t>& start)
     std::vector<uint8_t> pixels(91 * 91 * 4);
     for (size_t x = 0; x < 91; ++x)
         pixels[x * 4] = x < start.size() ? start[x] : static_cast<uint8_t>(100 + x % 2);
-    constexpr size_t firstRow = 122 + 2; // behind the row's length
+    constexpr size_t firstRow = 122 + 2; // after the row's length
     return encodePicture(pixels.data()).substr(firstRow);
 }
 

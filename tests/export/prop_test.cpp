@@ -18,7 +18,7 @@ static bool hasLine(const std::string& text, const std::string& line)
     return ("\r\n" + text).find("\r\n" + line + "\r\n") != std::string::npos;
 }
 
-// One channel as text, its differing lines given.
+// One channel as text, with its individual lines given.
 static std::vector<std::string> channelLines(const std::string& name, const std::string& label, const std::string& min,
                                              const std::string& tracking, bool offset, const std::string& value)
 {
@@ -96,7 +96,7 @@ static const std::vector<std::string> previewMaterialLines = {
     "       }",
 };
 
-// The lines of the golden file before and behind its channels.
+// The lines of the golden file before and after its channels.
 static const std::vector<std::string> goldenStart = {
     "{",
     "// Prop exported by Kestrelbox3 - mesh viewer and converter",

@@ -1,5 +1,5 @@
-// tests/export/round_trip_test.cpp - what is written can be read again, and is the same but for what a format cannot
-// say
+// tests/export/round_trip_test.cpp - what is written can be read back, and is the same except for what a format cannot
+// store
 #include "export/number_format.h"
 #include "export/obj.h"
 #include "export/prop.h"
@@ -20,7 +20,7 @@ static MeshPointer load(int (*reader)(Mesh*, const char*), const std::string& pa
     return mesh;
 }
 
-// A number as a file has it; readers make a plain 0 of a negative one.
+// A number as a file has it. Readers turn -0 into 0.
 static std::string number(char* (*format)(char*, float), float value)
 {
     char text[numberRoom + numberSlack];
@@ -34,13 +34,13 @@ static void addField(std::string* text, const std::string& field)
     *text += field;
 }
 
-// How a format tells a mesh.
+// How a format stores a mesh.
 struct Telling
 {
     char* (*position)(char*, float);
     bool wordNames;      // names end at their first blank, tab or colon
     bool linesAreFaces;  // and those of two points are lost
-    bool singleUvIsNone; // one coordinate alone is taken for the placeholder
+    bool singleUvIsNone; // a single coordinate counts as the placeholder
 };
 constexpr Telling asObj = { formatEight, false, false, true };
 constexpr Telling asProp = { formatSix, true, true, false };
@@ -82,7 +82,7 @@ static std::multiset<std::string> facesOf(const Mesh* mesh, const Telling& telli
     return faces;
 }
 
-// The materials that faces use. maps: with the names of their pictures.
+// The materials that faces use; with maps set, including their picture names.
 static std::set<std::string> materialsOf(const Mesh* mesh, const Telling& telling, bool maps)
 {
     std::set<std::string> materials;
@@ -107,7 +107,7 @@ static std::set<std::string> materialsOf(const Mesh* mesh, const Telling& tellin
     return materials;
 }
 
-// Those that the reader takes; most do.
+// The files that the reader accepts, which are most of them.
 static std::vector<std::string> realObjFiles()
 {
     std::vector<std::string> paths;
@@ -147,7 +147,7 @@ static std::string writeSample(const std::string& folder)
     return folder + "sample.obj";
 }
 
-// Unused groups and materials are not written; after one trip there are none, and the order of the names is the file's.
+// Unused groups and materials are not written. After one trip there are none, and the names are in the file's order.
 static void expectObjRoundTrip(const std::string& path, const std::string& folder)
 {
     SCOPED_TRACE(path);
@@ -205,7 +205,8 @@ static void expectPropRoundTrip(const std::string& path, const std::string& fold
     EXPECT_TRUE(facesOf(third.get(), lossy) == facesOf(first.get(), lossy));
 }
 
-// Positions to six decimals; names to their first blank; polylines come back as faces, those of two points not at all.
+// Positions have six decimals. Names end at their first blank. Polylines come back as faces, except those of two
+// points, which are lost.
 TEST_F(RoundTrip, ObjToPropToObj)
 {
     std::string path = writeSample(folder);
@@ -224,8 +225,8 @@ TEST_F(RoundTrip, RealObjFilesToPropToObj)
         expectPropRoundTrip(path, folder);
 }
 
-// Positions, corners and materials by number are kept; groups, names and polylines are not, texture coordinates become
-// those of the vertices.
+// Positions, corners and materials by number are kept. Groups, names and polylines are lost, and texture coordinates
+// become those of the vertices.
 static void expectRkfRoundTrip(const std::string& path, const std::string& folder)
 {
     SCOPED_TRACE(path);

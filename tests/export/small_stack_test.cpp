@@ -51,7 +51,7 @@ static void* runWriters(void* context)
     return nullptr;
 }
 
-// A thread with 64 KiB, twice what the writers and the library under them need.
+// A thread with a stack of 64 KiB, twice what the writers and the libraries they call need.
 TEST_F(SmallStack, OfSixtyFourKiBIsEnoughForEveryWriter)
 {
     MeshPointer mesh = oneTriangle();
@@ -67,7 +67,7 @@ TEST_F(SmallStack, OfSixtyFourKiBIsEnoughForEveryWriter)
     EXPECT_EQ(filesInFolder().size(), 10u);
 }
 
-// Their blocks come from the heap instead, which may refuse them.
+// The blocks come from the heap instead, which may refuse them.
 TEST_F(SmallStack, ARefusedBlockIsToldAndTouchesNoFile)
 {
     MeshPointer mesh = oneTriangle();

@@ -42,7 +42,7 @@ TEST_F(TextBlocks, AFullDiskIsToldAtTheEnd)
     FILE* file = fopen("/dev/full", "wb");
     if (!file)
         GTEST_SKIP() << "no device that is always full";
-    for (int lines : { 1, 100000 }) // what fits the block, and what does not
+    for (int lines : { 1, 100000 }) // text that fits the block, and text that does not
     {
         TextWriter writer;
         startText(&writer, file);

@@ -1,5 +1,5 @@
-// tests/export/written_names_test.cpp - names that would break a line or a quoted text, read back the same or not at
-// all
+// tests/export/written_names_test.cpp - names that would break a line or a quoted text are read back unchanged or not
+// at all
 #include "export/lux.h"
 #include "export/obj.h"
 #include "export/prop.h"
@@ -8,7 +8,7 @@
 #include "import/text/poser.h"
 #include "tests/export/build.h"
 
-// Four materials, groups, textures and masks, of which the second is an ordinary one.
+// Four materials, groups, textures and masks; the second of each is an ordinary one.
 class WrittenNames : public InOwnFolder
 {
 protected:
@@ -95,7 +95,7 @@ TEST_F(WrittenNames, PropsReadBackTheSameTextureOrNone)
     EXPECT_EQ(countOf(text, "transparencyMap NO_MAP\r\n"), 4);
 }
 
-// Every line end is the writer's own, and every line closes the quotes that it opens.
+// The text has no line ends but the writer's own, and every line closes the quotes that it opens.
 static void expectWholeLines(const std::string& text, const std::string& name)
 {
     for (size_t at = 0; at < text.size();)

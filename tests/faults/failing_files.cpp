@@ -1,7 +1,7 @@
 // tests/faults/failing_files.cpp - platform/files.h with failing reads and writes
 //
-// The real file is wrapped in a stream of the test. It reports the real size, so that a reader notices the failure only
-// when it gets there, as on a disk with a bad sector or a network share that disappears.
+// The real file is wrapped in a stream of the test. It reports the real size, so a reader only notices the failure when
+// it gets there, as with a bad sector or a network share that disappears.
 #include "tests/faults/failing_files.h"
 
 #include "platform/files.h"
@@ -118,7 +118,7 @@ int seekFile(FILE* file, int64_t position)
 
 int findNameIgnoringCase(FolderListings*, const char*, const char*, char*, size_t)
 {
-    return 0; // the tests name their files as they are
+    return 0; // the tests use the exact file names
 }
 
 FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
@@ -129,7 +129,7 @@ FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
     return targetReplaceable; // the tests have neither links nor devices
 }
 
-// As the real ones on a file system where files always have names.
+// Behave as the real ones do on a file system where files always have names.
 int createPendingFile(PendingFile* pending, const char* place)
 {
     *pending = { nullptr, place, "" };

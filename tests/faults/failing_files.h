@@ -1,4 +1,4 @@
-// tests/faults/failing_files.h - files as the posix ones, but that fail after a number of bytes
+// tests/faults/failing_files.h - files like the posix ones that fail after a number of bytes
 #pragma once
 #include <stdint.h>
 

@@ -67,7 +67,7 @@ static int loadAny(Mesh* mesh, const char* path)
     return strstr(path, ".rkf") ? LoadRkfFile(mesh, path) : readModelFile(mesh, path, {});
 }
 
-// As for a file that ends there: a whole mesh, or a refusal that says so.
+// Expects the result of a file that ends there: a sound mesh, or a refusal with its message.
 TEST_F(FailingFiles, AReadThatFailsAnywhereIsNoHarm)
 {
     const std::pair<const char*, Samples> formats[] = {
@@ -104,7 +104,7 @@ TEST_F(FailingFiles, APictureWhoseReadFailsKeepsTheOldOne)
     Image image = {};
     ASSERT_EQ(loadTextureFile(path.c_str(), &image), 1);
     uint32_t* before = image.pixels;
-    for (size_t length = 0; length + 2 < bytes.size(); ++length) // without its last two bytes it is whole all the same
+    for (size_t length = 0; length + 2 < bytes.size(); ++length) // the last two bytes are not needed
     {
         fileFaults = { .readableBytes = static_cast<int64_t>(length) };
         recorded.boxes.clear();
@@ -124,7 +124,7 @@ static Mesh* sampleMesh(const std::string& path)
     return mesh;
 }
 
-// Every number of bytes that the disk may still take: the writer fails, says so, and what stood there stays.
+// Tries every amount of room on the disk: the writer fails and says so, and the old file stays unchanged.
 static void failEveryWrite(const std::function<int()>& write, const std::function<void(int64_t)>& check)
 {
     int64_t room = 0;

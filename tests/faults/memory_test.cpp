@@ -1,7 +1,7 @@
-// tests/faults/memory_test.cpp - every request for memory of every command refused in turn
+// tests/faults/memory_test.cpp - every memory request of every command refused in turn
 //
-// The readers, tools and writers have such tests of their own. These are about the whole program: which message the
-// user gets, and that the model that is shown stays whole.
+// The readers, tools and writers have such tests of their own. These tests cover the whole program: which message the
+// user gets, and that the model on display stays sound.
 #include "tests/shell/shell_fixture.h"
 
 #include "shell/display.h"
@@ -37,9 +37,9 @@ protected:
         forget();
     }
 
-    // Runs a command for n = 1, 2, ... until it makes fewer than n requests for memory. First only the n-th request is
-    // refused, then in a second round all later ones, too. check tests what else must hold after a refusal. silent says
-    // for which requests no "Out of memory" is shown. Returns how many requests the command makes.
+    // Runs a command for n = 1, 2, ... until it makes fewer than n memory requests. In the first round only the n-th
+    // request is refused, in the second all later ones too. check tests what else must hold after a refusal. silent
+    // says for which requests no "Out of memory" is shown. Returns how many requests the command makes.
     template <typename Run, typename Check>
     int refuseEach(
         Run run, Check check, std::function<bool(int)> silent = [](int) { return false; })
@@ -119,7 +119,7 @@ TEST_F(MemoryFaults, AFailedRkfReadKeepsTheModelShown)
     EXPECT_GT(refuseEach(read, [&] { EXPECT_EQ(currentMesh(), before); }), 5);
 }
 
-// Which tools ask for memory, and that none of them leaves a mesh that could not be drawn.
+// Tests which tools request memory, and that none of them leaves a mesh that cannot be drawn.
 TEST_F(MemoryFaults, AToolWithoutMemorySaysSoAndLeavesAWholeMesh)
 {
     for (int id : { ID_INVERT, ID_WELD, ID_FIX_NORMALS, ID_DUP_FACES, ID_TRI, ID_QUAD, ID_SPLIT })
@@ -139,10 +139,10 @@ TEST_F(MemoryFaults, AFailedSceneExportSaysSo)
         runPanelCommand(ID_LUX_EXPORT);
     };
     auto check = [] { EXPECT_TRUE(shown({ "Failed to export", "LuxRender Export", iconNone })); };
-    EXPECT_GT(refuseEach(exportScene, check, [](int) { return true; }), 0); // one box for whatever went wrong
+    EXPECT_GT(refuseEach(exportScene, check, [](int) { return true; }), 0); // one box for any failure
 }
 
-// What remains asks for nothing, so that it cannot fail for want of memory.
+// The remaining commands request no memory, so they cannot run out of it.
 TEST_F(MemoryFaults, AllOtherCommandsNeedNoMemory)
 {
     recorded.allocations = 0;

@@ -1,7 +1,7 @@
-// tests/hostile/growth_test.cpp - what a reader does grows with the file and not faster
+// tests/hostile/growth_test.cpp - a reader's work grows in proportion to the file
 //
-// There is no clock in it: the bytes of the pages that a reader requests stand for its work, because every copy of a
-// growing array is one into fresh pages. Four times the worst input may request hardly more than four times as many.
+// The test does not measure time. It counts the bytes of the pages that a reader requests, because a growing array is
+// always copied into fresh pages. Four times the worst input may request hardly more than four times as many.
 #include "import/dispatch.h"
 #include "model/mesh.h"
 #include "tests/recording/recording.h"
@@ -14,7 +14,7 @@
 
 namespace fs = std::filesystem;
 
-// An input of `size` parts that makes its reader grow arrays as often as it can.
+// An input of `size` parts that makes its reader grow arrays as often as possible.
 struct GrowingInput
 {
     const char* name;
@@ -107,7 +107,7 @@ static const GrowingInput inputs[] = {
 class Growth : public testing::TestWithParam<GrowingInput>
 {
 protected:
-    // The bytes that reading an input of so many parts requests.
+    // How many bytes the reading of an input of so many parts requests.
     static size_t workFor(int size)
     {
         std::string path = (fs::temp_directory_path() / ("kestrelbox-growth-" + std::to_string(getpid()))).string() +
@@ -125,7 +125,7 @@ protected:
     }
 };
 
-// Arrays grow by half, and a size may lie right before or behind such a step: these span one.
+// Arrays grow by half, and a size may lie just before or after such a step. These sizes span one step.
 static constexpr int sizes[] = { 8000, 8800, 9700, 10700, 11800 };
 
 TEST_P(Growth, FourTimesTheInputIsHardlyMoreThanFourTimesTheWork)

@@ -1,4 +1,4 @@
-// tests/hostile/hostile_files.cpp - the table of mistakes and formats
+// tests/hostile/hostile_files.cpp - the mistakes in each format
 #include "tests/hostile/hostile_files.h"
 
 #include "tests/image/jpeg_builder.h"
@@ -142,7 +142,7 @@ static void add(Made* made, const char* kind, const char* extension, const std::
     made->push_back({ kind, extension, detail, bytes });
 }
 
-// The template with each "@" filled in turn, the others getting what stands in plain[] for them; one file a value.
+// Fills each "@" of the template in turn; the others keep their value from plain[]. Gives one file for each value.
 static void addFilled(Made* made, const char* kind, const char* extension, const std::string& pattern,
                       const Texts& plain, const Texts& values)
 {
@@ -193,7 +193,7 @@ static std::string replacedAll(std::string text, const std::string& from, const 
 
 // ----- classes that every text format has
 
-// Every line beside its neighbour, twice, and gone.
+// Every line swapped with its neighbour, doubled, and removed.
 static void addLineOrders(Made* made, const char* extension, const std::string& sample)
 {
     Texts lines = linesOf(sample);

@@ -1,5 +1,5 @@
 // tests/hostile/hostile_test.cpp - a file with a known mistake is refused with its message or gives a sound mesh, and
-// reading it takes memory in proportion to its size
+// takes memory in proportion to its size
 #include "tests/hostile/hostile_files.h"
 
 #include "image/jpeg.h"
@@ -18,7 +18,7 @@
 
 namespace fs = std::filesystem;
 
-constexpr size_t freeBytes = size_t{ 64 } << 20; // what a reader may take whatever the file's size is
+constexpr size_t freeBytes = size_t{ 64 } << 20; // what a reader may take for a file of any size
 constexpr size_t bytesPerFileByte = 64;
 
 static const std::set<std::string> refusals = { "Error: failed to open",
@@ -63,7 +63,7 @@ static int readHostile(Mesh* mesh, const std::string& path)
     return path.ends_with(".rkf") ? LoadRkfFile(mesh, path.c_str()) : readModelFile(mesh, path.c_str(), ReadOptions{});
 }
 
-// What a refusal shows. A file without any bytes may be refused without a word.
+// The boxes of a refusal. An empty file may be refused without a message.
 static void expectRefusal(const HostileFile& file)
 {
     EXPECT_TRUE(!recorded.boxes.empty() || file.bytes.empty());

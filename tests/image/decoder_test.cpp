@@ -1,4 +1,4 @@
-// tests/image/decoder_test.cpp - the images that the decoder makes: order of rows, blocks, filters, colours, early ends
+// tests/image/decoder_test.cpp - decoded images: order of rows, blocks, filters, colours, early ends
 #include "decoding.h"
 
 #include "image/jpeg.h"
@@ -125,7 +125,7 @@ TEST(JpegDecoder, QuarterAreaIsFilteredBothWays)
         }
 }
 
-// First coefficients alone make no steps within a block, so the narrow images get a slope.
+// First coefficients alone make no steps within a block, so the narrow images use a slope.
 static Decoded narrow(int h, int v, int width)
 {
     JpegPlan plan;
@@ -319,8 +319,8 @@ TEST(JpegDecoder, CodesThatDoNotExistAreSymbolZero)
     EXPECT_TRUE(decodePlain(joinParts(parts)) == decoded);
 }
 
-// A grey block: `single` coefficients of 1, each by a code of one bit, then coefficients of 2 ** (size - 1) after runs
-// of 15 zeros, until the block is full. Their code has the given length.
+// A grey block: `single` coefficients of 1, each with a code of one bit, then coefficients of 2 ** (size - 1) after
+// runs of 15 zeros until the block is full. Their code has the given length.
 static Bytes blockOfRuns(int single, int size, int codeLength)
 {
     JpegPlan plan;
@@ -410,7 +410,7 @@ TEST(JpegDecoder, EveryTruncationIsSafeAndTheReadersAgree)
             plain = decodePlain(cut);
             ASSERT_TRUE(decode(cut) == plain) << size << " with an end";
         }
-    EXPECT_GT(decodedCount, 0); // a cut that leaves the reader enough bits goes unnoticed
+    EXPECT_GT(decodedCount, 0); // a cut that leaves the reader enough bits has no effect
 }
 
 TEST(JpegDecoder, CorruptFilesAreSafeAndTheReadersAgree)

@@ -1,4 +1,4 @@
-// tests/image/decoding.cpp - the decoder and djpeg run on a block of bytes
+// tests/image/decoding.cpp - running the decoder and djpeg on a block of bytes
 #include "decoding.h"
 
 #include "image/jpeg.h"

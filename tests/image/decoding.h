@@ -17,7 +17,8 @@ struct Decoded
     bool operator==(const Decoded&) const = default;
 };
 
-// Decodes a block of exactly the file's size. Nothing when the decoder refuses it; the image must then be cleared.
+// Decodes a block of exactly the file's size. Returns nothing when the decoder refuses it; it must then have cleared
+// the image.
 std::optional<Decoded> decode(const Bytes& file, JpegOutput* output = nullptr, const JpegHeap& heap = jpegSystemHeap);
 std::optional<Decoded> decodePlain(const Bytes& file); // with the plain kernels and the exact bit reader
 bool refused(const Bytes& file, const JpegHeap& heap = jpegSystemHeap);
@@ -27,10 +28,10 @@ void writeFile(const std::string& path, const Bytes& bytes);
 std::string temporary(const std::string& name);
 
 bool haveProgram(const std::string& name);
-// What djpeg makes of a file; nothing when it refuses the file.
+// The image that djpeg makes of a file; nothing when it refuses the file.
 std::optional<Decoded> decodeByDjpeg(const Bytes& file, const std::string& options = "");
 
-// The sample of a block with only the first coefficient d and the entry q in its quantisation table.
+// The sample of a block that has only the first coefficient d, with the entry q in its quantisation table.
 inline int flatSample(int d, int q)
 {
     return std::clamp((4 * d * q + 16) >> 5, -128, 127) + 128;

@@ -1,7 +1,7 @@
 // tests/image/jpeg_builder.h - builds JPEG files part by part
 //
-// A plan gives an image as quantised coefficients, so that every sampling and table is possible and no encoder's
-// arithmetic is involved.
+// A plan gives an image as quantised coefficients. This allows every sampling and table, and no encoder's arithmetic
+// affects the result.
 #pragma once
 #include <stdint.h>
 
@@ -17,7 +17,7 @@ struct PlanComponent
     int quant = 0, dc = 0, ac = 0;
 };
 
-// Sets the 64 coefficients, in zigzag order, of the index-th coded block of a component; they are 0 before.
+// Sets the 64 coefficients, in zigzag order, of the index-th coded block of a component. They are 0 at first.
 using BlockMaker = std::function<void(int component, int index, int* zigzag)>;
 
 struct JpegPlan
@@ -33,7 +33,7 @@ struct JpegPlan
     BlockMaker block; // none: random ones
 };
 
-// A file in its parts, each of them whole segments but for the entropy-coded data.
+// The parts of a file. Each consists of whole segments, except the entropy-coded data.
 struct JpegParts
 {
     Bytes soi, application, quant, frame, huffman, restart, scan;

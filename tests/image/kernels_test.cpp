@@ -44,7 +44,7 @@ TEST(JpegKernels, EveryLevelHasItsOwnKernels)
 #endif
 }
 
-// The multipliers as the literature prints them for 13 fractional bits.
+// The multipliers for 13 fractional bits as printed in the literature.
 TEST(JpegKernels, MultipliersOfTheInverseDct)
 {
     const int32_t found[] = { fix0298, fix0390, fix0541, fix0765, fix0899, fix1175,
@@ -97,7 +97,7 @@ TEST_P(JpegKernelLevels, InverseDctOfTwoBlocksIsThatOfEach)
         for (int side = 0; side < 2; ++side)
             for (int i = 0; i < 64; ++i)
             {
-                bool large = (round + side) % 50 == 0; // products beyond 16 bits: both go the plain way
+                bool large = (round + side) % 50 == 0; // products beyond 16 bits: both use the plain kernels
                 blocks[side][i] = static_cast<int16_t>(random() % 4 ? 0 : static_cast<int>(random() % 512) - 256);
                 quants[side].entries[i] = static_cast<int32_t>(large ? random() % 65536 : 1 + random() % 255);
                 quants[side].low[i] = static_cast<int16_t>(quants[side].entries[i]);
@@ -166,7 +166,7 @@ TEST_P(JpegKernelLevels, ColourTails)
     {
         uint32_t a[80], b[80];
         memset(a, 0xAA, sizeof a);
-        memset(b, 0xAA, sizeof b); // a store past the count shows below
+        memset(b, 0xAA, sizeof b); // shows a store past the count
         plain.ycc(a, rows[0], rows[1], rows[2], n);
         fast.ycc(b, rows[0], rows[1], rows[2], n);
         ASSERT_EQ(memcmp(a, b, sizeof a), 0) << n;

@@ -1,4 +1,4 @@
-// tests/image/large_test.cpp - large images from small files: what is refused, how much memory that takes
+// tests/image/large_test.cpp - large images from small files: what is refused, and how much memory it takes
 #include "decoding.h"
 
 #include "image/jpeg.h"
@@ -46,7 +46,7 @@ static int blocksOf(int width, int height)
 }
 
 // Two bits for each block, less the bytes that are left out at the end (below 0: more bytes). Every stepBytes-th byte
-// changes the DC value, which takes it a bit more.
+// changes the DC value, which takes one more bit.
 static Bytes largeImage(int width, int height, int restartInterval, int bytesLeftOut, size_t stepBytes = SIZE_MAX)
 {
     Bytes file = headersOf(width, height, restartInterval);
@@ -62,7 +62,7 @@ static Bytes largeImage(int width, int height, int restartInterval, int bytesLef
     return file;
 }
 
-// Counts what a decode requests altogether: the decoder frees only at its end.
+// Counts all bytes that a decode requests; the decoder frees them only at its end.
 static size_t requestedBytes;
 static const JpegHeap countingHeap = { [](size_t count, size_t size)
                                        {
@@ -88,7 +88,7 @@ TEST(LargeJpeg, ImageWhoseDataEndsEarlyTakesMemoryForItsFileOnly)
         }
 }
 
-// The look through the data before the memory is requested leaves nothing behind.
+// The check of the data before the memory is requested leaves nothing behind.
 TEST(LargeJpeg, ImageWithoutAnEndMarkerIsThatWithOne)
 {
     std::string path = temporary("large.jpg");

@@ -1,4 +1,4 @@
-// tests/image/peer_test.cpp - the images equal those of djpeg, byte for byte
+// tests/image/peer_test.cpp - the images equal those of djpeg byte for byte
 //
 // djpeg filters a component of half height and full width. This decoder replicates it, as djpeg does with -nosmooth.
 // The two are not comparable where products or sums exceed 16 bits, which only damaged or contrived files do.
@@ -161,7 +161,7 @@ TEST(JpegLikeDjpeg, EncodedSamplingsOptimisedAndRestarted)
             }
 }
 
-// The real files that do not give djpeg's image, and why.
+// The real files whose image differs from djpeg's, and the reason.
 static const std::set<std::string> refusedFiles = {
     "monkey12.jpg",                      // 12-bit samples
     "mjpeg.jpg",                         // no Huffman tables

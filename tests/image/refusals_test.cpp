@@ -17,7 +17,7 @@ static JpegPlan goodPlan()
     return plan;
 }
 
-// The good file after a change of its plan, or of its parts. Both check first that the file decodes without the change.
+// The good file after a change of its plan or of its parts. Both functions first check that the unchanged file decodes.
 static Bytes changed(const std::function<void(JpegPlan&)>& plan)
 {
     JpegPlan good = goodPlan();

@@ -74,7 +74,7 @@ TEST_F(Textures, FailuresAreToldAndKeepTheOldPixels)
     EXPECT_EQ(recorded.boxes, expected);
 }
 
-// A sparse file takes next to no place on the disk.
+// A sparse file takes almost no disk space.
 TEST_F(Textures, FilesAboveTheSizeLimitAreRefusedUnread)
 {
     std::string path = fileOf("large.jpg", jpegOf(24));

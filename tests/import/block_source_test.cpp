@@ -1,4 +1,4 @@
-// tests/import/block_source_test.cpp - blocks, and the cursor and the lines that stand on them
+// tests/import/block_source_test.cpp - blocks, and the cursor and the lines that use them
 #include "import/common/byte_cursor.h"
 #include "import/common/line_view.h"
 #include "platform/files.h"
@@ -7,7 +7,7 @@
 #include <string.h>
 #include <memory>
 
-// A file with the given bytes, open for as long as the record.
+// An open file with the given bytes.
 struct OpenFile
 {
     ScratchFile scratch;

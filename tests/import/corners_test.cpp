@@ -67,7 +67,7 @@ TEST(Corners, WhatIsNoNumberRejectsTheStatement)
     for (const char* text : { "", " ", "x", "1 2 x", "1 2 3x", "1 2 3.5", "1/x", "1/- 2 3", "7-", "-", "+", "/", "//",
                               "0x1", "1e1", "1 2 - 3", "1/+ 2" })
         EXPECT_EQ(cornersOf(text, 9, 9), "") << text;
-    EXPECT_EQ(cornersOf("1/2x 2/2/x 3/1.5", 9, 9), "1/2 2/2 3/1"); // nobody reads on after the second number
+    EXPECT_EQ(cornersOf("1/2x 2/2/x 3/1.5", 9, 9), "1/2 2/2 3/1"); // the rest after the second number is ignored
 }
 
 TEST(Corners, NegativeIndicesCountBack)
@@ -114,10 +114,10 @@ TEST(Corners, ThirtyTwoAreTheMost)
         text += std::to_string(k) + " ";
     EXPECT_NE(cornersOf(text, 40, 0), "");
     EXPECT_EQ(cornersOf(text + "33", 40, 0), "");
-    EXPECT_EQ(cornersOf(text + "1", 40, 0), ""); // counted before repeated ones go
+    EXPECT_EQ(cornersOf(text + "1", 40, 0), ""); // repeated corners count too
 }
 
-// The rules word for word: the corner's bytes with blanks for '/', " 0" appended, two numbers by sscanf.
+// Follows the rules literally: the corner's bytes with blanks for '/', " 0" appended, two numbers by sscanf.
 static std::string literalCorners(const std::string& text, int32_t vertexCount, int32_t uvCount)
 {
     std::vector<int32_t> vertices, uvs;
@@ -232,7 +232,7 @@ TEST(FaceRecords, PolylinesAreChains)
     freeMesh(mesh);
 }
 
-// The places of a full table of names that FNV-1a, which has no seed, would put into one place.
+// The places of a full table of names that all hash to one place under FNV-1a, which has no seed.
 static std::vector<bool> placesAfterAFlood(uint64_t seed)
 {
     static char slots[nameLimit][nameRoom];

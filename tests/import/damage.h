@@ -1,11 +1,11 @@
-// tests/import/damage.h - readers on cut files, on damaged files and without memory
+// tests/import/damage.h - readers with cut files, damaged files and too little memory
 #pragma once
 #include "tests/import/loading.h"
 
 #include <stdlib.h>
 #include <random>
 
-// The file cut at every length: each is read or refused, and nothing is left behind.
+// Cuts the file at every length. Each cut file is read or refused, and nothing is left behind.
 inline void loadEveryCut(Loader load, const std::string& bytes)
 {
     int blocks = recorded.liveBlocks;
@@ -22,7 +22,7 @@ inline void loadEveryCut(Loader load, const std::string& bytes)
     }
 }
 
-// Some bytes of the file changed, taken out or put in, `rounds` times over; KESTRELBOX_ROUNDS overrides the number.
+// Changes, removes or inserts some bytes of the file, `rounds` times; KESTRELBOX_ROUNDS overrides the number.
 inline void loadCorrupted(Loader load, const std::string& bytes, const std::string& favourites, int rounds)
 {
     if (const char* asked = getenv("KESTRELBOX_ROUNDS"))
@@ -55,8 +55,8 @@ inline void loadCorrupted(Loader load, const std::string& bytes, const std::stri
     }
 }
 
-// Every allocation of the load refused in turn, alone and with all after it: the load fails, and the caller can free
-// what there is.
+// Refuses every allocation of the load in turn, alone and with all later ones. The load fails, and the caller can free
+// the mesh.
 inline void loadWithRefusals(Loader load, const std::string& bytes)
 {
     resetRecording();
@@ -87,8 +87,8 @@ inline void loadWithRefusals(Loader load, const std::string& bytes)
     resetRecording();
 }
 
-// Every allocation of the load refused with all after it, from the first on. The reader's own, the first `silent` ones,
-// fail without a word; after them it says that memory is out, and then its own refusal.
+// Refuses every allocation of the load together with all later ones. The reader's first `silent` allocations fail
+// without a message. After them it shows "Out of memory" and then its own refusal.
 inline void loadWithEveryRefusal(Loader load, const std::string& bytes, int silent, const RecordedBox& refusal)
 {
     ScratchFile file(bytes);

@@ -30,7 +30,7 @@ static std::string codesOf(const Point (&corners)[4], const std::string& layer =
     return text;
 }
 
-// No value is a plain 0: outside a face that would be taken for a code.
+// No value is a plain 0, which would count as a code outside a face.
 static const Point quad[4] = {
     { "0.0", "0.0", "0.0" }, { "1.0", "0.0", "0.0" }, { "1", "1", "0.0" }, { "0.0", "1", "0.0" }
 };
@@ -163,7 +163,7 @@ TEST_F(DxfReader, ALayerNamedZeroConfusesNothing)
 
 TEST_F(DxfReader, OutsideAFaceAValueOfZeroIsTakenForACode)
 {
-    // lines are not paired there: the value 0 takes the code 0 for an entity's name, and the face goes unseen
+    // there lines are not paired: the value 0 counts as the code of an entity's name, and the face is missed
     EXPECT_EQ(facesFrom("  0\nVPORT\n 70\n0\n" + face(quad) + face(triangle)), "0 1 2 -1");
 }
 
@@ -231,7 +231,7 @@ TEST_F(DxfReader, LinesOf2047CharactersGoOnAsTheNextOne)
 {
     std::string layer(2046, 'x'); // with its line feed just a line
     EXPECT_EQ(facesFrom("  0\n3DFACE\n" + codesOf(quad, layer)), "0 1 2 3");
-    // one more: the line feed alone is the next line, which is no code
+    // one byte more: the line feed alone is the next line, which is not a code
     EXPECT_EQ(facesFrom("  0\n3DFACE\n" + codesOf(quad, layer + "x") + face(triangle)), "0 1 2 -1");
 }
 
@@ -259,13 +259,13 @@ TEST_F(DxfReader, WeldingFindsTheFirstEqualVertex)
     freeMesh(mesh);
 }
 
-// The places of a table in which something is.
+// The occupied places of a table.
 static std::vector<bool> takenPlaces(const DxfWelder& welder)
 {
     return std::vector<bool>(welder.places, welder.places + welder.placeCount);
 }
 
-// Welds vertices that a multiplicative hash without a seed would put into one place.
+// Welds vertices that an unseeded multiplicative hash would put into one place.
 static std::vector<bool> placesAfterAFlood(uint64_t seed)
 {
     setHashSeed(seed);
@@ -378,7 +378,7 @@ TEST_F(DxfReader, DamageIsReadOrRefused)
     loadCorrupted(LoadDxfFile, start + face(quad) + face(triangle) + finish, "0123 \r\n\t368-+.eEDFACEOnaif", 2000);
 }
 
-// The codes and values of a face as most are, and now and then something else.
+// The codes and values of an ordinary face, and sometimes something else.
 static std::string anyFace(std::mt19937& random)
 {
     static const char* const odd[] = { "1e2", "-.5",  "+3",    "nan",           "1048576",

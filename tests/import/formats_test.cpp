@@ -1,4 +1,4 @@
-// tests/import/formats_test.cpp - one shape in every format: the same positions and faces, but for what a format
+// tests/import/formats_test.cpp - one shape in every format: the same positions and faces, except for what a format
 // changes
 #include "import/text/dxf.h"
 #include "import/obj/obj.h"
@@ -40,7 +40,7 @@ static std::string pointText(const Point& point)
     return numberText(point[0]) + " " + numberText(point[1]) + " " + numberText(point[2]);
 }
 
-// "a b c": every index with the first one's number added.
+// "a b c": every index plus the number of the first one.
 static std::string indexText(const Polygon& polygon, int first)
 {
     std::string text;
@@ -139,7 +139,7 @@ static std::string word(size_t value)
     return valueBytes(static_cast<uint16_t>(value));
 }
 
-// The file's z axis points up, and it has triangles only: the first three corners of each polygon.
+// The file's z axis points up. It has only triangles, so each polygon keeps its first three corners.
 static std::string threeDsBytes(const Shape& shape)
 {
     std::string points = word(shape.points.size()), faces = word(shape.polygons.size());
@@ -185,7 +185,7 @@ class EveryFormat : public CleanTest
 {
 };
 
-// A pyramid on a square, with a slanted top: four triangles, then, where asked for, the square.
+// A pyramid on a square, with a slanted top: four triangles and, on request, the square.
 static Shape pyramid(bool withSquare)
 {
     Shape shape = { { { 0.25f, -1, 0.5f }, { 2, -1, 0.5f }, { 2, -1, 3 }, { 0.25f, -1, 3 }, { 1.5f, 4.125f, 1 } },
@@ -203,7 +203,7 @@ static Polygon cornersOf(const Corners& corners)
     return polygon;
 }
 
-// The mesh's faces are the polygons, corner by corner, at their places.
+// The mesh's faces are the polygons, corner by corner, at the right positions.
 static void expectFaces(const Mesh* mesh, const std::vector<Point>& points, const std::vector<Polygon>& polygons,
                         float tolerance)
 {
@@ -241,7 +241,7 @@ TEST_F(EveryFormat, GivesTheSamePositionsAndFaces)
         expectShape(*format, pyramid(true), 0);
 }
 
-// What stood upright is turned by not quite a right angle.
+// The turn upright is slightly less than a right angle.
 TEST_F(EveryFormat, Of3dsIsTrianglesTurnedUpright)
 {
     expectShape(threeDsFormat, pyramid(false), 3e-4f);
@@ -318,7 +318,7 @@ TEST_F(EveryFormat, TreatsARepeatedCornerInItsWay)
         EXPECT_EQ(facesOf(LoadedMesh(format->load, format->write(shape)).mesh), "1 0 4 -1") << format->name;
 }
 
-// A number that is too large takes its whole position with it, but in PLY and DXF it is 0 alone.
+// A number that is too large makes its whole position 0; in PLY and DXF only the number itself.
 TEST_F(EveryFormat, TakesBackPositionsThatAreTooFarAway)
 {
     Shape shape = pyramid(false);
@@ -335,7 +335,7 @@ TEST_F(EveryFormat, TakesBackPositionsThatAreTooFarAway)
     EXPECT_EQ(positionOf(LoadedMesh(LoadDxfFile, dxfText(shape)).mesh, 2), "1.5 0 1");
 }
 
-// A corner that is no vertex drops its face and nothing else.
+// A corner index past the last vertex drops its face and nothing else.
 TEST_F(EveryFormat, DropsFacesOfMissingVertices)
 {
     Shape shape = pyramid(false);

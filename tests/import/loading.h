@@ -1,4 +1,4 @@
-// tests/import/loading.h - meshes read by a reader, and what every one of them must hold
+// tests/import/loading.h - reading meshes, and the checks that apply to every reader
 #pragma once
 #include "import/dispatch.h"
 #include "model/mesh.h"
@@ -64,7 +64,7 @@ inline std::string arraysOf(const LoadedMesh& loaded)
     return bytes;
 }
 
-// Everything that reading a file leaves behind: the answer, boxes, progress and the mesh. plain: by the plain kernels.
+// Everything that reading a file leaves behind: result, boxes, progress and mesh. plain: read with the plain kernels.
 inline std::string traceOf(Loader load, const std::string& bytes, bool plain)
 {
     resetRecording();
@@ -80,7 +80,7 @@ inline std::string traceOf(Loader load, const std::string& bytes, bool plain)
     return trace + arraysOf(loaded);
 }
 
-// What everybody who takes a mesh from a reader may rely on.
+// What every user of a mesh may rely on.
 inline void expectSound(const Mesh* mesh)
 {
     ASSERT_LE(0, mesh->vertexCount);
@@ -122,7 +122,7 @@ inline std::string facesReadBy(Loader load, const std::string& bytes)
     return facesOf(loaded.mesh);
 }
 
-// Refused with this one box, under a progress bar of that caption, which is gone again.
+// Refused with this one box, under a progress bar of that caption, which is closed again.
 inline void expectRefusal(Loader load, const std::string& bytes, const RecordedBox& box, const char* caption)
 {
     resetRecording();
@@ -134,7 +134,7 @@ inline void expectRefusal(Loader load, const std::string& bytes, const RecordedB
     EXPECT_TRUE(recorded.progress[0].closed);
 }
 
-// A file that is not there and one without a byte: refused without a word.
+// A missing file and an empty one are refused without a message.
 inline void expectSilenceWithoutBytes(Loader load)
 {
     Mesh* mesh = createMesh("prop");
@@ -146,7 +146,7 @@ inline void expectSilenceWithoutBytes(Loader load)
     EXPECT_TRUE(recorded.progress.empty());
 }
 
-// How many faces a file of these bytes has when its reader is chosen by the extension; -1 when it is refused.
+// How many faces a file of these bytes has when the extension chooses its reader; -1 when it is refused.
 inline int32_t facesByExtension(const std::string& bytes, const std::string& extension)
 {
     ScratchFile file(bytes, extension);

@@ -1,4 +1,4 @@
-// tests/import/mesh_text.h - parts of a mesh as short texts, to compare them with
+// tests/import/mesh_text.h - parts of a mesh as short texts for comparing
 #pragma once
 #include "model/mesh.h"
 

@@ -1,4 +1,4 @@
-// tests/import/mtl_test.cpp - material libraries: every keyword, what is ignored, and where the file is looked for
+// tests/import/mtl_test.cpp - material libraries: every keyword, ignored lines, and finding the file
 #include "tests/import/obj_loading.h"
 #include "tests/import/random.h"
 

@@ -91,7 +91,7 @@ static Taken byPlainDigits(const char* text)
     return { 1, static_cast<int>(line.at) - 1, static_cast<uint32_t>(values[0]) };
 }
 
-// A plain number is refused or like any other, once what ends it may stand there.
+// A plain number is either refused or equal to the scanner's, when a valid byte ends it.
 static void expectPlainLikeScanf(const std::string& text, Taken number, Taken whole)
 {
     Taken plain = byPlainNumber(padded(text));
@@ -178,8 +178,8 @@ TEST(Numbers, RandomDecimalsAreTakenAsScanfTakesThem)
     }
 }
 
-// Written out exactly, with a digit more, with a digit less: the middles of neighbouring floats are where a rounding to
-// double on the way would show.
+// Values are written exactly, with a digit more and with a digit less. The middles of neighbouring floats would show an
+// intermediate rounding to double.
 TEST(Numbers, MiddlesOfNeighbouringFloatsRoundAsScanfRoundsThem)
 {
     Random random(3);

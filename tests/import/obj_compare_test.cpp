@@ -1,4 +1,4 @@
-// tests/import/obj_compare_test.cpp - the fast reader against the literal one, on made, damaged and real files
+// tests/import/obj_compare_test.cpp - the fast reader compared with the literal one on made, damaged and real files
 #include "import/obj/parts.h"
 #include "platform/boxes.h"
 #include "tests/import/obj_literal.h"
@@ -8,7 +8,7 @@
 #include <stdarg.h>
 #include <memory>
 
-// Reads the bytes with both and holds them to be the same mesh, the same refusal, the same progress.
+// Reads the bytes with both readers and compares mesh, refusal and progress.
 static void expectLiteral(const std::string& path, const std::string& bytes, size_t blockBytes = blockRoom)
 {
     LiteralObj wanted = readLiterally(bytes);
@@ -21,7 +21,7 @@ static void expectLiteral(const std::string& path, const std::string& bytes, siz
     ASSERT_EQ(recorded.progress.back().fractions, wanted.fractions);
     if (!ok)
         return;
-    // One comparison of two long texts; the difference is not worth printing whole.
+    // Compares two long texts without printing them.
     std::string geometry = geometryText(mesh.get());
     size_t same = 0;
     while (same < geometry.size() && same < wanted.geometry.size() && geometry[same] == wanted.geometry[same])
@@ -210,7 +210,7 @@ TEST_F(ObjLiteral, ALargeFileWithSectionsAndManyStatements)
     EXPECT_LT(recorded.peakBytes, used * 3 / 2); // room was right from the start
 }
 
-// Where the samples of a large file see something else than the file holds.
+// Files whose samples do not represent the whole file.
 TEST_F(ObjLiteral, AMisjudgedLargeFileGrows)
 {
     std::string text;

@@ -1,4 +1,4 @@
-// tests/import/obj_literal.h - the OBJ reader a second time, slow and word for word, to hold the fast one against
+// tests/import/obj_literal.h - a second OBJ reader, slow and literal, to compare the fast one with
 #pragma once
 #include <string>
 #include <vector>

@@ -1,4 +1,4 @@
-// tests/import/obj_loading.h - folders made for a test and what reading an OBJ file in them gives
+// tests/import/obj_loading.h - scratch folders for tests, and reading an OBJ file in them
 #pragma once
 #include "import/obj/obj.h"
 #include "model/mesh.h"
@@ -12,7 +12,7 @@
 #include <sstream>
 #include <string>
 
-// A folder of its own for one test, gone when the test ends.
+// A folder for one test, removed when the test ends.
 struct TestFolder
 {
     std::filesystem::path path;

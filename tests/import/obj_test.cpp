@@ -1,4 +1,4 @@
-// tests/import/obj_test.cpp - what statements become, what is refused and how, and where reading ends
+// tests/import/obj_test.cpp - the result of each statement, refusals, and where reading ends
 #include "import/obj/obj.h"
 #include "tests/import/obj_loading.h"
 
@@ -170,7 +170,7 @@ TEST_F(ObjReader, AnInterruptedLongKeywordRestartsOnTheSameLine)
     const Mesh* mesh = read(std::string(ten) + "usev 1 1 1\nusem v 7 7 7\nmxg named\nusemtl:f 1 2 3\nmtll v 8 8 8\n"
                                                "u\nv 9 9 9\nusemtlx # v 1 1 1\n");
     ASSERT_TRUE(mesh);
-    EXPECT_EQ(mesh->vertexCount, 13); // the "v" of "usev" is the byte that did not fit
+    EXPECT_EQ(mesh->vertexCount, 13); // the "v" of "usev" is the byte that did not match
     expectPosition(mesh->vertices[10], 7, 7, 7);
     expectPosition(mesh->vertices[11], 8, 8, 8);
     expectPosition(mesh->vertices[12], 9, 9, 9);

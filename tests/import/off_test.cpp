@@ -170,7 +170,7 @@ TEST_F(OffReader, LongLinesGoOnAsTheNextOne)
     EXPECT_EQ(positionOf(loaded.mesh, 1), "4 5 6");
 }
 
-// The last of three numbers stands at the line's end, with and without the byte that is too many.
+// The last of three numbers ends the line, with and without one byte too many.
 TEST_F(OffReader, ALineHas255BytesAtMost)
 {
     for (size_t length = 250; length < 260; ++length)
@@ -246,7 +246,7 @@ TEST_F(OffReader, RefusedMemoryFailsWithoutLeaks)
     loadWithRefusals(LoadOffFile, square);
 }
 
-// Lines as most are, and now and then one that has to be taken apart.
+// Ordinary lines, and sometimes one that needs the slow scanner.
 static std::string anyOffLine(std::mt19937& random, bool face)
 {
     static const char* const odd[] = { "4 0 1 2 3",

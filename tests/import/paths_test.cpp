@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #endif
 
-// Each with a fresh look at the folders.
+// Each lookup lists the folders again.
 static std::string findModel(const char* modelPath, const char* name)
 {
     FolderListings listings;

@@ -1,4 +1,4 @@
-// tests/import/ply_building.h - PLY files made for the tests of their reader, and what reading them gives
+// tests/import/ply_building.h - making PLY files for the reader's tests, and reading them
 #pragma once
 #include "import/ply/ply.h"
 #include "tests/import/loading.h"
@@ -14,7 +14,7 @@ class PlyReader : public CleanTest
 {
 };
 
-// A file's header, long enough by a comment for a file of any body. Lines end with `end`.
+// A file's header, with a comment that makes a file of any body long enough. Lines end with `end`.
 inline std::string header(const std::string& format, const std::string& lines, const std::string& end = "\n")
 {
     std::string text =
@@ -50,7 +50,7 @@ inline void expectRefused(const std::string& bytes)
     expectRefusal(LoadPlyFile, bytes, refusal, "LOADING.....");
 }
 
-// One line about the vertices of a file: positions and colours.
+// One line for each vertex of a file: position and colour.
 inline std::string verticesFrom(const std::string& bytes)
 {
     LoadedMesh loaded(LoadPlyFile, bytes);
@@ -67,7 +67,7 @@ inline std::string verticesFrom(const std::string& bytes)
     return text;
 }
 
-// Bytes of numbers in either order.
+// The bytes of numbers in either byte order.
 struct Packer
 {
     bool bigEndian;

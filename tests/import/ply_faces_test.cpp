@@ -163,7 +163,7 @@ TEST_F(PlyReader, TristripsOtherThanOneListArePassedOver)
     EXPECT_EQ(facesOf(loaded.mesh), "0 0 0 0");
 }
 
-// Runs of triangles and quads with other polygons among them, some with corners that are no vertices.
+// Runs of triangles and quads mixed with other polygons; some have corner indices past the last vertex.
 static std::string manyBinaryFaces(std::mt19937& random, bool bigEndian, int faceCount)
 {
     constexpr int vertexCount = 50;

@@ -1,4 +1,4 @@
-// tests/import/ply_header_test.cpp - PLY headers: what is none, limits, counts, and the elements in their order
+// tests/import/ply_header_test.cpp - PLY headers: bad ones, limits, counts, and the order of elements
 #include "tests/import/ply_building.h"
 
 using namespace ply;
@@ -124,7 +124,7 @@ TEST_F(PlyHeader, TheLineOfAnotherElementIsPassedWhateverStandsThere)
          { many, std::string("-1"), std::string("3 1 2"), std::string("1 2 3 4 5"), std::string("x") })
         EXPECT_EQ(verticesFrom(ascii(ids + vertex, line + "\n1 2 3\n")), "1 2 3 FFFFFFFF") << line.substr(0, 20);
     std::string camera = "element cam 0\nproperty int a\nproperty int b\nproperty int c\nproperty int d\n";
-    expectRefused(ascii(camera + vertex, "1 2 3\n")); // the vertex's line is the one that is passed
+    expectRefused(ascii(camera + vertex, "1 2 3\n")); // the vertex's line is skipped instead
     EXPECT_EQ(verticesFrom(ascii(camera + vertex, "1 2 3\n4 5 6\n")), "4 5 6 FFFFFFFF");
 }
 

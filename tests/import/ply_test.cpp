@@ -153,8 +153,8 @@ struct RealPly
     int32_t vertices, faces; // -1: refused
 };
 
-// What the folder's notes and the files' headers say, by the reader's rules: polygons become fans, of two lists the
-// second counts, faces before the vertices have none, and a file of fewer than 256 bytes is refused.
+// The numbers come from the folder's notes and the files' headers. By the reader's rules polygons become fans, the
+// second of two lists counts, faces before the vertices are dropped, and a file of fewer than 256 bytes is refused.
 TEST_F(PlyReader, RealFiles)
 {
     if (!getenv("KESTRELBOX_MODELS"))

@@ -1,4 +1,4 @@
-// tests/import/ply_values_test.cpp - the values in a PLY file: types, words, lines, colours, and the short way through
+// tests/import/ply_values_test.cpp - the values in a PLY file: types, words, lines, colours, and the fast way through
 // lines
 #include "tests/import/ply_building.h"
 
@@ -49,7 +49,7 @@ TEST_F(PlyReader, AnUnknownTypeReadsNothingAndIsZero)
               "1 0 2 FFFFFFFF");
 }
 
-// A header's properties of unknown types can cost as much time as the file has bytes, not more.
+// A header's properties of unknown types cost at most as much time as the file has bytes.
 TEST_F(PlyReader, PropertiesWithoutBytesAreThereAtMostOnceForEveryByte)
 {
     auto properties = [](int count, const std::string& text)
@@ -208,7 +208,7 @@ static std::string anyOf(std::mt19937& random, const std::vector<std::string>& c
     return choices[random() % choices.size()];
 }
 
-// Lines as most are, and now and then one that has to be taken apart.
+// Ordinary lines, and sometimes one that needs the slow scanner.
 static std::string anyLine(std::mt19937& random, bool face, const std::string& end)
 {
     std::string line = face ? "3" : "";

@@ -1,4 +1,4 @@
-// tests/import/poser_building.h - Poser files made for the tests of their reader
+// tests/import/poser_building.h - making Poser files for the reader's tests
 #pragma once
 #include "import/text/poser.h"
 #include "tests/import/loading.h"

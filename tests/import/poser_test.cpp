@@ -215,7 +215,7 @@ TEST_F(PoserReader, VerticesNeedToBeAnnounced)
     EXPECT_EQ(full->uvCount, 257);
     expectUnreadable(propOf(lines + "v 1 2 3\n"));
     expectUnreadable(propOf(lines + "vt 1 2\n"));
-    // room that one block leaves is there for the next
+    // room that one block leaves is available to the next
     LoadedMesh shared(LoadPoserFile, file(object("prop a", geometry("numbVerts 1\nv 1 2 3\n")) +
                                           object("prop b", geometry("v 4 5 6\n"))));
     EXPECT_EQ(shared.result, 1);
@@ -262,7 +262,7 @@ TEST_F(PoserReader, ABlockOfNoVerticesIsSkipped)
         EXPECT_EQ(facesOf(loaded.mesh), "0 1 2 3");
     }
     expectFailure(propOf("numbVerts 0\n"), "No internal geometry");
-    // also when the count comes late: what the block had read does not count
+    // also when the count comes late: what the block has read before it is dropped
     LoadedMesh late(LoadPoserFile,
                     file(object("prop a", geometry(squareVertices + squareFace + "l 1 2\nnumbVerts 0\n")) +
                          object("prop b", geometry(squareVertices + squareFace))));

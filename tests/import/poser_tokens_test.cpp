@@ -7,7 +7,7 @@
 
 using namespace poser;
 
-// The tokens of a text as "word[rest]" one after the other, with '!' where the reading fails before the end.
+// The tokens of a text as "word[rest]", one after the other, with '!' where reading fails before the end.
 static std::string tokensOf(const std::string& text)
 {
     ScratchFile scratch(text);
@@ -82,7 +82,7 @@ TEST_F(PoserReader, TokensAcrossBlocksAreWhole)
     EXPECT_EQ(tokensOf(text), expected);
 }
 
-// The first word after the block that a text is inside of, or "open" when the block does not end.
+// The first word after the block in which a text starts, or "open" when the block does not end.
 static std::string wordAfterBlock(const std::string& text)
 {
     ScratchFile scratch(text);

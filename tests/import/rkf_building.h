@@ -1,4 +1,4 @@
-// tests/import/rkf_building.h - words of RKF files for the tests of reading and of writing them
+// tests/import/rkf_building.h - words of RKF files for the tests of the reader and the writer
 #pragma once
 #include "import/rkf.h"
 #include "tests/import/loading.h"

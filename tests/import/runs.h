@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-// The most places in a row that are taken: no search looks at more.
+// The longest run of occupied places: no search looks at more.
 inline size_t longestRun(const std::vector<bool>& taken)
 {
     size_t longest = 0, run = 0;

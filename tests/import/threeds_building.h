@@ -1,5 +1,4 @@
-// tests/import/threeds_building.h - 3DS files made from chunks for the tests of their reader, and what reading them
-// gives
+// tests/import/threeds_building.h - making 3DS files from chunks for the reader's tests, and reading them
 #pragma once
 #include "import/threeds/threeds.h"
 #include "import/threeds/parts.h"
@@ -132,7 +131,7 @@ inline std::string file(const std::string& editorChildren, const std::string& ke
 
 inline const std::string square = vertices({ 0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0 });
 
-// A file with everything that is read.
+// A file with everything that the reader uses.
 inline std::string wholeFile()
 {
     return file(
@@ -159,7 +158,7 @@ inline void expectRefused(const std::string& bytes)
     expectRefusal(Load3dsFile, bytes, refusal, "LOADING 3DS.....");
 }
 
-// The vertex as it stands in the file, before the turn about the x axis.
+// The vertex as the file has it, before the turn about the x axis.
 inline std::string positionInFile(const Mesh* mesh, int32_t vertex)
 {
     const float* p = mesh->vertices[vertex].position;

@@ -1,4 +1,4 @@
-// tests/import/threeds_objects_test.cpp - the objects of a 3DS file, and the pivots that its keyframes move them by
+// tests/import/threeds_objects_test.cpp - the objects of a 3DS file, and the pivots in its keyframes that move them
 #include "tests/import/threeds_building.h"
 
 using namespace threeds;
@@ -93,8 +93,8 @@ TEST_F(ThreeDsReader, ShortListsFail)
 
 TEST_F(ThreeDsReader, PivotsMoveObjectsInTheirOwnFrame)
 {
-    // The frame's first axis points along y, its second against x; the third is z. A pivot of (1, 0, 0) is (0, 1, 0)
-    // outside.
+    // The frame's first axis points along y, its second along -x; the third is z. So a pivot of (1, 0, 0) is (0, 1, 0)
+    // outside the frame.
     std::string frame = matrixChunk({ 0, 1, 0, -1, 0, 0, 0, 0, 1, 50, 60, 70 });
     LoadedMesh loaded(Load3dsFile,
                       file(object("o", square + frame + faces({ 0, 1, 2 })) + object("p", square), node("o", 1, 2, 3)));

@@ -173,7 +173,8 @@ TEST_F(ThreeDsReader, AtMost512ObjectsAndMaterials)
 
 TEST_F(ThreeDsReader, OverlappingChunksCannotReadTheFileOverAndOver)
 {
-    // Every eight bytes a vertex list of 200 that ends at once: read as they stand they hold 200 times the file.
+    // Every eight bytes hold the header of a list of 200 vertices that ends at once. Reading all lists in full would
+    // give 200 times the file.
     std::string lists;
     for (int i = 0; i < 100000; ++i)
         lists += chunkOfLength(chunkVertices, 8, u16(200));
@@ -234,7 +235,7 @@ TEST_F(ThreeDsReader, ChunkNames)
 struct Real3ds
 {
     const char* name;
-    int32_t vertices, faces, groups, materials; // faces: as many as the file has, those with repeated corners dropped
+    int32_t vertices, faces, groups, materials; // faces: as the file has them, without those that repeat a corner
 };
 
 TEST_F(ThreeDsReader, RealFiles)
