@@ -1,7 +1,7 @@
-// bench/export_bench.cpp - MB/s of each writer for a million faces, with the C library's ways as peers
+// bench/export_bench.cpp - MB/s of each writer for a million faces, compared with the C and C++ libraries
 //
-// The files go to the folder named by EXPORT_BENCH_FOLDER, else to the system's folder for temporary files; a folder in
-// memory keeps the disk out of it. Mind that a first run pays for the file's pages.
+// The files go to the folder named by EXPORT_BENCH_FOLDER, or else to the folder for temporary files. A folder in
+// memory excludes the disk from the times. A first run also pays for the file's pages.
 #include "export/lux.h"
 #include "export/number_format.h"
 #include "export/obj.h"
@@ -120,7 +120,7 @@ static void writeRkf(benchmark::State& state)
     countBytes(state, { "export_bench.rkf" });
 }
 
-// The same text of vertices, texture coordinates and faces by the C library's printf.
+// Writes the same text of vertices, texture coordinates and faces with the C library's printf.
 static void peerPrintf(benchmark::State& state)
 {
     const Mesh* mesh = sheet();
@@ -163,7 +163,7 @@ static void flushPeer(PeerBlock* block, size_t wanted)
     block->at = block->bytes;
 }
 
-// The same by std::to_chars into blocks.
+// Writes the same text with std::to_chars into blocks.
 static void peerToChars(benchmark::State& state)
 {
     const Mesh* mesh = sheet();
@@ -218,7 +218,7 @@ static void peerToChars(benchmark::State& state)
     countBytes(state, { "export_peer.obj" });
 }
 
-// What the file alone costs: as many bytes as the OBJ file has, from one block.
+// The cost of the file alone: as many bytes as the OBJ file has, from one block.
 static void bareWrite(benchmark::State& state)
 {
     static char block[1 << 16];

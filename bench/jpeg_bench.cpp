@@ -1,5 +1,5 @@
-// bench/jpeg_bench.cpp - decodes JPEG files of 2048 x 2048 and 8192 x 8192, in Mpixel/s, beside stb_image and turbojpeg
-// where they are installed
+// bench/jpeg_bench.cpp - decodes JPEG files of 2048 x 2048 and 8192 x 8192, in Mpixel/s, and compares stb_image and
+// turbojpeg where they are installed
 //
 // The files have random coefficients with the distribution of a photograph: about 12 in a luma block, most of them
 // small and of low frequency.

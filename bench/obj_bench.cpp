@@ -1,5 +1,5 @@
-// bench/obj_bench.cpp - reading OBJ files: a large one of about 100 MB, a small one, and the packaged peer where it is
-// there
+// bench/obj_bench.cpp - reading a large OBJ file of about 100 MB and a small one, compared with a packaged reader where
+// it is installed
 #include "import/obj/obj.h"
 #include "model/normals.h"
 
@@ -17,7 +17,8 @@
 
 constexpr int groups = 32;
 
-// A bumpy sphere of rows x columns quads cut into triangles, its rows dealt out to 32 groups: v, vt and f v/vt lines.
+// A bumpy sphere of rows x columns quads cut into triangles. Its rows are distributed over 32 groups; the lines are v,
+// vt and f v/vt.
 struct ObjInput
 {
     std::string path;
@@ -81,13 +82,13 @@ static const ObjInput& smallInput()
     return input;
 }
 
-// Processor time, in which the load of others shows little.
+// Measures processor time, which other programs affect little.
 static double seconds()
 {
     return static_cast<double>(clock()) / CLOCKS_PER_SEC;
 }
 
-// The whole load; of it, apart, the share of the normals, so that readers that make none can be compared.
+// Times the whole load, and separately the normals, so that readers that make no normals can be compared.
 static void readObj(benchmark::State& state, const ObjInput& input)
 {
     double loading = 0, normals = 0;

@@ -1,6 +1,5 @@
-// bench/opengl_bench.cpp - the frames of render_bench drawn by OpenGL in software (Mesa's llvmpipe through OSMesa), on
-// one thread: the same spheres, turned the same way, filling the height of a picture of 620 x 520, to its finished
-// pixels
+// bench/opengl_bench.cpp - the frames of render_bench drawn by OpenGL in software (Mesa's llvmpipe through OSMesa) on
+// one thread: the same spheres and turns, filling the height of a picture of 620 x 520, until the pixels are finished
 #include "sphere.h"
 
 #include <GL/osmesa.h>
@@ -32,7 +31,7 @@ static bool openCanvas(Canvas* canvas)
            strstr(reinterpret_cast<const char*>(glGetString(GL_RENDERER)), "llvmpipe");
 }
 
-// One light of the user's, a shiny material, faces turned away left out, as the window starts.
+// One user light, a shiny material, and no faces turned away, as the window starts.
 static void setUpScene(bool textured)
 {
     constexpr float aspect = static_cast<float>(width) / height;
@@ -77,7 +76,7 @@ static void fillBuffer(GLenum target, const std::vector<Element>& elements)
         target, static_cast<GLsizeiptr>(elements.size() * sizeof(Element)), elements.data(), GL_STATIC_DRAW);
 }
 
-// The mesh in buffers of the system's own: 8 floats a vertex (texture coordinate, normal, position), 3 corners a face.
+// The mesh in OpenGL's own buffers: 8 floats a vertex (texture coordinate, normal, position), 3 corners a face.
 static GLsizei loadSphere(int32_t rings)
 {
     Mesh* mesh = makeSphere(rings, 2 * rings);

@@ -25,7 +25,7 @@ struct Scene
     FrameTransforms transforms = {};
 };
 
-// The sphere fills the display's height: its radius is that of its box by default, half the diagonal.
+// The sphere fills the display's height: by default its radius is half the diagonal of its box.
 static void openScene(Scene* scene, int32_t rings, uint32_t extraFlags)
 {
     scene->settings.renderFlags |= extraFlags;
@@ -78,7 +78,7 @@ static void FrameShadowed(benchmark::State& state)
     drawFrames(state, renderShadows);
 }
 
-// One step of a frame after the others have been done once.
+// Times one step of a frame after the other steps have been done once.
 template <class Step>
 static void timeStep(benchmark::State& state, uint32_t extraFlags, Step step)
 {
@@ -103,7 +103,7 @@ static void StepClassify(benchmark::State& state)
     timeStep(state, 0, [](Scene* scene, Mesh* mesh) { classifyFaces(mesh, &scene->transforms); });
 }
 
-// Shading alone and filling alone: the keys go or stay.
+// Times shading alone and filling alone, by clearing or keeping the keys.
 static void StepShade(benchmark::State& state)
 {
     timeStep(state, 0,
@@ -161,7 +161,7 @@ static void StepConvert(benchmark::State& state)
         { cellExpander()(scene->target.picture.bits, scene->target.cells, scene->target.pitch * scene->target.rows); });
 }
 
-// 32 layers of two triangles over the whole display, each nearer than the last.
+// 32 layers of two triangles over the whole display, each nearer than the one before.
 static void fillLayers(benchmark::State& state, TriangleFiller RasterKernels::*kind, int32_t lanes,
                        uint32_t transparency)
 {
@@ -208,7 +208,7 @@ static void LayersTextured(benchmark::State& state)
     fillLayers(state, &RasterKernels::textured, laneCount, 0);
 }
 
-// Rings: 2 x rings x 2 x rings triangles, nearly.
+// The argument is the number of rings: the sphere has nearly 2 x rings x 2 x rings triangles.
 BENCHMARK(FrameLit)->Arg(32)->Arg(512)->Unit(benchmark::kMillisecond);
 BENCHMARK(FrameTextured)->Arg(32)->Arg(512)->Unit(benchmark::kMillisecond);
 BENCHMARK(FrameShadowed)->Arg(32)->Arg(512)->Unit(benchmark::kMillisecond);

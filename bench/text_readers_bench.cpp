@@ -1,5 +1,5 @@
-// bench/text_readers_bench.cpp - OFF, DXF, Poser and RKF files of 10 to 100 MB, made here, beside assimp where it reads
-// them
+// bench/text_readers_bench.cpp - reading generated OFF, DXF, Poser and RKF files of 10 to 100 MB, compared with assimp
+// where it reads the format
 #include "reader_timing.h"
 
 #include "import/text/dxf.h"
@@ -108,7 +108,7 @@ static Mesh* readOff(const std::string& content)
     return mesh;
 }
 
-// An RKF of the same grid, by way of an OFF.
+// An RKF file of the same grid, made from an OFF file.
 static std::string makeRkf(int side)
 {
     Sample rkf("-made.rkf", "");

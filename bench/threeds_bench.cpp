@@ -1,4 +1,4 @@
-// bench/threeds_bench.cpp - 3DS files of 10 to 60 MB, made here, beside assimp
+// bench/threeds_bench.cpp - reading generated 3DS files of 10 to 60 MB, compared with assimp
 #include "reader_timing.h"
 
 #include "import/threeds/threeds.h"
@@ -16,7 +16,7 @@ static std::string text(const std::string& name)
     return name + std::string(1, '\0');
 }
 
-// One wavy grid of 170 x 170 quads, textured, of one material: the lists hold up to 65,535 entries.
+// One wavy, textured grid of 170 x 170 quads with one material; the lists of a file hold up to 65,535 entries.
 static std::string makeObject(int number)
 {
     constexpr int side = 170;

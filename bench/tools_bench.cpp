@@ -1,4 +1,4 @@
-// bench/tools_bench.cpp - the mesh tools on meshes of ten thousand to a million faces, and on meshes made to be hard
+// bench/tools_bench.cpp - the mesh tools on meshes of ten thousand to a million faces, and on deliberately hard meshes
 #include "model/memory.h"
 #include "model/normals.h"
 #include "tools/duplicates.h"
@@ -17,7 +17,7 @@
 
 static Mesh* emptyMesh(int64_t vertexCount, int64_t faceCount)
 {
-    memoryTable = {}; // the table is never emptied by itself, and a benchmark makes many meshes
+    memoryTable = {}; // the table never empties itself, and a benchmark makes many meshes
     Mesh* mesh = createMesh("bench");
     growVertices(mesh, static_cast<int32_t>(vertexCount));
     growFaces(mesh, static_cast<int32_t>(faceCount));
@@ -36,7 +36,7 @@ static void addFace(Mesh* mesh, const Corners& corners)
     mesh->liveFaceCount = mesh->faceCount;
 }
 
-// A closed torus of triangles, about as many as asked for; every turned-th face is turned over.
+// A closed torus with about the given number of triangles; every turned-th face is turned over.
 static Mesh* torus(int64_t faceCount, uint32_t turned = 0)
 {
     uint32_t side = static_cast<uint32_t>(sqrt(static_cast<double>(faceCount) / 2));
@@ -61,7 +61,7 @@ static Mesh* torus(int64_t faceCount, uint32_t turned = 0)
     return mesh;
 }
 
-// The same with three vertices to each face of its own, so that there is something to weld.
+// The same torus with three vertices of its own for each face, so that there is something to weld.
 static Mesh* soup(int64_t vertexCount)
 {
     Mesh* welded = torus(vertexCount / 3);
@@ -106,7 +106,7 @@ static Mesh* crafted(Crafted shape, int64_t vertexCount)
     return mesh;
 }
 
-// Faces whose edges, but for a few, and whose corners have one sum.
+// Faces whose corners, and nearly all of whose edges, have one sum.
 static Mesh* oneSum(int64_t faceCount)
 {
     uint32_t n = static_cast<uint32_t>(faceCount);
@@ -118,8 +118,8 @@ static Mesh* oneSum(int64_t faceCount)
     return mesh;
 }
 
-// Runs a tool on a fresh copy each time; only the tool is timed. The notices go to standard error, which 2>/dev/null
-// quiets.
+// Runs a tool on a fresh copy each time and times only the tool. The notices go to standard error, which 2>/dev/null
+// hides.
 template <typename Make, typename Tool>
 static void timeTool(benchmark::State& state, Make make, Tool tool, bool perVertex)
 {

@@ -1,4 +1,4 @@
-// tests/check_mesh.h - what must hold for every mesh, after every load and every tool
+// tests/check_mesh.h - the properties that every mesh has after every load and every tool
 #pragma once
 #include "model/mesh.h"
 
@@ -13,7 +13,7 @@ inline uint32_t usableSlots(int32_t count, int32_t limit)
     return count > 0 ? static_cast<uint32_t>(count) : 1;
 }
 
-// The first thing that does not hold for the mesh, in words; empty when everything holds.
+// Describes the first property that the mesh lacks; empty when it has all of them.
 inline std::string brokenPromise(const Mesh* mesh)
 {
     auto at = [](const char* what, int64_t index) { return std::string(what) + " " + std::to_string(index); };
@@ -28,7 +28,7 @@ inline std::string brokenPromise(const Mesh* mesh)
         return at("materialCount", mesh->materialCount);
     if (mesh->groupCount < 0 || mesh->groupCount > groupLimit)
         return at("groupCount", mesh->groupCount);
-    // A Poser file's triangles are not counted, and a tool that deletes some takes the count below 0.
+    // The triangles of a Poser file are not counted, so a tool that deletes some takes the count below 0.
     if (mesh->liveFaceCount < -mesh->faceCount || mesh->liveFaceCount > mesh->faceCount)
         return at("liveFaceCount", mesh->liveFaceCount);
 
@@ -55,7 +55,7 @@ inline std::string brokenPromise(const Mesh* mesh)
     {
         for (float coordinate : mesh->vertices[v].position)
         {
-            if (!(coordinate > -1e18f && coordinate < 1e18f)) // so that squares of lengths stay finite
+            if (!(coordinate > -1e18f && coordinate < 1e18f)) // squares of lengths stay finite
                 return at("position of vertex", v);
         }
     }

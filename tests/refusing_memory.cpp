@@ -1,8 +1,8 @@
 // tests/refusing_memory.cpp - refuses chosen requests for memory in a whole program
 //
-// It is linked into a second kbx with the linker's --wrap, so that requests of the C and C++ libraries come here, too.
-// The environment chooses: REFUSE_ONLY=n refuses the n-th request, REFUSE_FROM=n that one and all after it, and
-// COUNT_REQUESTS=FILE writes the number of requests into a file.
+// It is linked into a second kbx with the linker's --wrap, so that requests of the C and C++ libraries come here too.
+// Environment variables control it: REFUSE_ONLY=n refuses the n-th request, REFUSE_FROM=n refuses it and all later
+// ones, and COUNT_REQUESTS=FILE writes the number of requests into a file.
 #include <errno.h>
 #include <fcntl.h>
 #include <stddef.h>
@@ -21,7 +21,7 @@ extern "C"
 }
 
 static long requests;
-static bool started; // the C library is set up; it cannot do without what it requested before that
+static bool started; // the C library has started; its earlier requests must succeed
 
 static long numberIn(const char* name)
 {

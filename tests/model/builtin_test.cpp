@@ -1,4 +1,4 @@
-// tests/model/builtin_test.cpp - the model that the program carries, and damaged copies of its format
+// tests/model/builtin_test.cpp - the built-in model, and damaged copies of its format
 #include "model/builtin.h"
 #include "tests/clean_test.h"
 
@@ -38,7 +38,7 @@ protected:
         freeMesh(mesh);
         CleanTest::TearDown();
     }
-    // From a block of exactly that size, so that a byte too far is noticed.
+    // Loads from a block of exactly that size, so that reading a byte too many is noticed.
     int load(const Words& words, size_t size)
     {
         std::unique_ptr<uint8_t[]> block(new uint8_t[size]);
@@ -306,7 +306,7 @@ TEST_F(BuiltInModel, EveryRefusedAllocationIsReportedOnce)
     EXPECT_EQ(needed, 7); // one for each array
 }
 
-// Whatever words stand in a file, what loads can be walked face by face without looking up a corner that is none.
+// Whatever words a file holds, the faces of a mesh that loads have no corner index past the last vertex.
 TEST_F(BuiltInModel, NoiseLoadsOrIsRefusedAndNeverLeadsOutOfTheArrays)
 {
     uint32_t state = 12345;

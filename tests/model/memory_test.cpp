@@ -1,4 +1,4 @@
-// tests/model/memory_test.cpp - large blocks and the table that they are entered in
+// tests/model/memory_test.cpp - large blocks and the table that lists them
 #include "model/memory.h"
 #include "tests/clean_test.h"
 

@@ -31,7 +31,7 @@ static float length(const float* v)
     return sqrtf(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
 }
 
-// The estimate's promise: within 1.5 / 4096 of the true length.
+// The estimate is within 1.5 / 4096 of the true length.
 constexpr float estimateError = 1.5f / 4096;
 
 TEST(Normals, ATriangleFacesWhereItsCornersRunCounterclockwise)
@@ -95,7 +95,7 @@ TEST(Normals, AZeroAreaFaceKeepsAZeroNormalAndAddsNothing)
 
 TEST(Normals, VeryNarrowFacesStayFinite)
 {
-    // Squares of the sums are below the smallest normal number, for which the estimate is infinite.
+    // The squares of the sums are below the smallest normal number, where the estimate is infinite.
     auto mesh = meshOf({ { 0, 0, 0 }, { 1e-11f, 0, 0 }, { 0, 1e-11f, 0 } }, { { 0, 1, 2, noCorner } });
     computeNormals(mesh.get());
     for (float x : mesh->facePlanes[0].normal)
@@ -150,7 +150,7 @@ TEST(Normals, SlotsWithCornersThatAreNoVerticesGetAZeroPlane)
     EXPECT_EQ(length(mesh->vertices[0].normal), 0);
 }
 
-// Newell's sum in the order stated, for faces of two, three and four corners.
+// Newell's sum in the documented order, for faces of two, three and four corners.
 TEST(Normals, RandomFacesGiveTheSumsInTheirOrder)
 {
     std::mt19937 random(11);
@@ -181,7 +181,7 @@ TEST(Normals, RandomFacesGiveTheSumsInTheirOrder)
     }
 }
 
-// The fast version relies on it: four estimates at a time are those of one at a time.
+// The fast version relies on this: four estimates at a time equal those made one at a time.
 TEST(Normals, FourEstimatesAreTheOnesOfOne)
 {
     std::mt19937 random(3);
@@ -202,7 +202,7 @@ TEST(Normals, FourEstimatesAreTheOnesOfOne)
     }
 }
 
-// Coordinates that make sums vanish, overflow, or fall below the smallest normal number.
+// Coordinates whose sums vanish, overflow, or fall below the smallest normal number.
 static float hardCoordinate(std::mt19937& random)
 {
     constexpr float hard[] = { 0, -0.0f, 1, -1, 1e-20f, 1e-38f, 1e-42f, 3e18f, -3e19f, 1e38f, FLT_MAX, 524288 };
@@ -211,7 +211,7 @@ static float hardCoordinate(std::mt19937& random)
     return std::uniform_real_distribution<float>(-10, 10)(random);
 }
 
-// Runs of triangles, runs of quads, and lines and broken slots among them.
+// Runs of triangles, runs of quads, and between them lines and broken slots.
 static Corners anyCorners(std::mt19937& random, uint32_t vertexCount, bool quads)
 {
     auto vertex = [&] { return static_cast<uint32_t>(random()) % vertexCount; };

@@ -35,7 +35,7 @@ TEST_F(SeededHash, EqualPositionsHashEqually)
     }
 }
 
-// The largest number of keys that meet in one of as many places as there are keys.
+// The largest number of keys that share a place when there are as many places as keys.
 template <typename Hash>
 static size_t mostInOnePlace(uint32_t count, Hash hash)
 {

@@ -1,4 +1,5 @@
-// tests/platform/pending_files_test.cpp - a file appears whole or not at all, whoever dies or writes beside it
+// tests/platform/pending_files_test.cpp - a file appears completely or not at all, even when writers die or run in
+// parallel
 #include "platform/pending_files.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +16,7 @@
 
 namespace fs = std::filesystem;
 
-// With and without files that have no name.
+// Tests run with and without support for unnamed files.
 class PendingFiles : public testing::TestWithParam<bool>
 {
 protected:
@@ -48,7 +49,7 @@ protected:
         text << std::ifstream(folder / name, std::ios::binary).rdbuf();
         return text.str();
     }
-    // Written to its end, not yet in its place.
+    // A file written to its end but not yet in its place.
     PendingFile finished(const std::string& name, const std::string& text) const
     {
         PendingFile pending;
@@ -86,7 +87,7 @@ TEST_P(PendingFiles, ADroppedFileLeavesNothing)
 TEST_P(PendingFiles, AKilledProcessLeavesNothingThatHasNoName)
 {
     if (GetParam())
-        return; // the name stays until the next writer comes
+        return; // the name stays until the next writer removes it
     pid_t child = fork();
     if (child == 0)
     {

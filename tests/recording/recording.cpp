@@ -1,4 +1,4 @@
-// tests/recording/recording.cpp - the recording implementation of the seam
+// tests/recording/recording.cpp - a platform that records every call
 #include "tests/recording/recording.h"
 
 #include "platform/clock.h"
@@ -14,7 +14,7 @@
 
 Recording recorded;
 
-// The address sanitizer watches what stands before and behind each block.
+// The address sanitizer watches the bytes before and after each block.
 #if defined(__SANITIZE_ADDRESS__)
 #define WATCHED 1
 #elif defined(__has_feature)
@@ -34,12 +34,12 @@ constexpr size_t pageBytes = 4096;
 struct Block
 {
     size_t sizeBytes;
-    char* allocated; // sizeBytes and a page, within which the block stands
+    char* allocated; // sizeBytes and a page; the block lies within them
 };
 
 static std::map<void*, Block> blocks;
 
-// calloc leaves the fresh pages of a large block untouched, which is what makes a thousand loads a second possible.
+// calloc leaves the fresh pages of a large block untouched, which makes a thousand loads a second possible.
 static void* takeBlock(size_t sizeBytes)
 {
     auto* allocated = static_cast<char*>(calloc(1, sizeBytes + pageBytes));
@@ -93,7 +93,7 @@ void showProgress(const char* caption)
 void setProgress(float fraction)
 {
     if (recorded.progress.empty() || recorded.progress.back().closed)
-        abort(); // nobody moves a bar that is not there
+        abort(); // a bar that is not shown must not move
     recorded.progress.back().fractions.push_back(fraction);
 }
 
@@ -279,7 +279,7 @@ uint32_t tickCount()
     return recorded.tick;
 }
 
-// Blocks start at a page boundary, like real ones. The bytes past the size are not part of the block, so that the
+// Blocks start at a page boundary, like real ones. The bytes past the size do not belong to the block, so that the
 // address sanitizer notices their use.
 void* allocatePages(size_t sizeBytes)
 {
@@ -311,7 +311,7 @@ void releasePages(void* block)
         return;
     auto found = blocks.find(block);
     if (found == blocks.end())
-        abort(); // released twice, or never handed out
+        abort(); // released twice, or never allocated
     recorded.liveBytes -= found->second.sizeBytes;
     --recorded.liveBlocks;
     giveBack(found->second);

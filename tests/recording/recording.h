@@ -1,4 +1,4 @@
-// tests/recording/recording.h - an implementation of the seam that answers dialogs by a script and records every call
+// tests/recording/recording.h - a platform that answers dialogs from a script and records every call
 #pragma once
 #include "platform/boxes.h"
 

@@ -1,4 +1,4 @@
-// tests/render/canvas.h - cells to fill triangles in, and triangles given in pixels
+// tests/render/canvas.h - cells that triangles are drawn into, and triangles given in pixels
 #pragma once
 #include "render/raster.h"
 

@@ -29,7 +29,7 @@ static Mesh* makeSquare(bool front)
     return mesh;
 }
 
-// What the square's two halves look like on the background, with the given noise and transparency.
+// The two halves of the square on the background, with the given noise and transparency.
 static std::vector<uint32_t> expectedCells(const Display& display, const int32_t* amplitude, uint32_t transparency)
 {
     std::vector<uint32_t> cells(display.cells().size(), renderSettings.backgroundColour);
@@ -100,7 +100,7 @@ TEST_F(ExactFrame, CrystalLetsThreeFifthsOfTheBackgroundThrough)
     }
 }
 
-// The colours of the square's corners after a frame, and those that the normals give.
+// The colours of the square's corners after a frame, and the colours that their normals give.
 static void expectColours(const Display& display, const Material& material, float side)
 {
     const Mesh* mesh = display.list.meshes[0];

@@ -1,4 +1,4 @@
-// tests/render/face_blocks_test.cpp - sorting faces in blocks against drawing them one by one
+// tests/render/face_blocks_test.cpp - sorting faces in blocks compared with drawing them one by one
 #include "render/face_blocks.h"
 
 #include "platform/processor.h"
@@ -116,7 +116,7 @@ TEST_F(FaceBlocks, OnlyFacesOfThePassAreTakenAndOnlyTrianglesPassedOver)
                                { 0, 1, 2, 3 },               // a quad
                                { 0, 1, noCorner, noCorner }, // a line
                                { 0, 1, 3, noCorner },        // a corner off the screen
-                               { 0, 1, 4, noCorner },        // a corner that is no vertex
+                               { 0, 1, 4, noCorner },        // a corner index past the last vertex
                                { 0, 0x80000000u, 2, noCorner } };
     uint32_t attributes[8] = { faceEyeFacing,
                                faceEyeFacing | faceHidden,

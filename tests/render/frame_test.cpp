@@ -163,7 +163,7 @@ TEST_F(Frame, NoSizeOrSettingWritesOutsideTheCells)
                                  { 63, 64 }, { 1000, 700 }, { 4000, 3000 } };
     const uint32_t settings[] = { 0x21, 0x20, 0x30, 0x61, 0x3A0, 0x680 };
     const float zooms[] = { 1, 2, 1e20f };
-    constexpr size_t largeCells = 4000000; // past it every setting at one zoom only, since clearing alone takes long
+    constexpr size_t largeCells = 4000000; // larger displays get one zoom for each setting: clearing takes long
     std::vector<uint32_t> pixels(64, 0x808080);
     Image image = { pixels.data(), 8, 8 };
     for (const auto& size : sizes)
@@ -190,7 +190,7 @@ TEST_F(Frame, NoSizeOrSettingWritesOutsideTheCells)
             display.drawWhole();
             display.draw();
         }
-        frameState.displayWidth += 5000; // the window has grown, the buffer not yet
+        frameState.displayWidth += 5000; // the window has grown, but not yet the buffer
         frameState.displayHeight += 5000;
         frameState.view.zoom = 1;
         display.drawWhole();

@@ -1,6 +1,6 @@
-// tests/render/guard_test.cpp - frames into buffers with forbidden pages before and behind them
+// tests/render/guard_test.cpp - frames in buffers with inaccessible pages before and after them
 //
-// A write, or a read, of one byte before the first or behind the last cell, map entry or pixel ends the program.
+// Writing or reading one byte before the first or after the last cell, map entry or pixel ends the program.
 #include "render/frame.h"
 #include "render/materials.h"
 #include "render/view.h"
@@ -15,7 +15,7 @@
 #include <random>
 #include <vector>
 
-// sizeBytes of zeros between two pages that nobody may touch: up against the page before them, or the one behind.
+// sizeBytes of zeros between two inaccessible pages, adjacent to the page before them or the one after them.
 struct GuardedBlock
 {
     uint8_t* all;
@@ -41,7 +41,7 @@ struct GuardedBlock
     GuardedBlock& operator=(const GuardedBlock&) = delete;
 };
 
-// A display whose three buffers are guarded; the model may hold anything.
+// A display whose three buffers are guarded. The model may contain any values.
 struct GuardedDisplay
 {
     Display display;
@@ -67,7 +67,7 @@ struct GuardedDisplay
     }
 };
 
-// Values that no file should hold: some readers copy materials byte for byte, and arithmetic can give the rest.
+// Values that no file should contain. Some readers copy materials byte for byte, and arithmetic can give the others.
 static float wildValue(std::mt19937& random)
 {
     constexpr float wild[] = { 0,
@@ -115,7 +115,7 @@ static void spoilMaterials(Mesh* mesh, std::mt19937& random)
     }
 }
 
-// Faces of all kinds whose vertices, one in `wildEvery`, lie anywhere; normals and texture coordinates too.
+// Faces of all kinds. One vertex in `wildEvery` lies anywhere, and its normal and texture coordinate are arbitrary too.
 static Mesh* makeRubble(unsigned seed, uint32_t wildEvery)
 {
     std::mt19937 random(seed);

@@ -1,4 +1,4 @@
-// tests/render/kernels_test.cpp - fast versions against the plain ones, bit for bit
+// tests/render/kernels_test.cpp - the fast kernels equal the plain ones bit for bit
 #include "render/kernels.h"
 
 #include "platform/processor.h"

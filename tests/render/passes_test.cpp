@@ -1,4 +1,4 @@
-// tests/render/passes_test.cpp - which faces a frame draws, in which order, with which material and picture
+// tests/render/passes_test.cpp - which faces a frame draws, in which order, with which material and texture
 #include "render/frame.h"
 
 #include "render/materials.h"
@@ -14,7 +14,7 @@ static uint32_t centreCell(const Display& display)
     return display.cell(frameState.displayWidth / 2, frameState.displayHeight / 2);
 }
 
-// A square across the picture at a height above its middle, seen from the front or from behind.
+// A square across the picture at a height above its middle, seen from the front or from the back.
 static void addSquare(Mesh* mesh, float z, bool front, uint32_t attributes)
 {
     uint32_t a = addVertex(mesh, -1, -1, z), b = addVertex(mesh, 1, -1, z);
@@ -162,7 +162,7 @@ TEST_F(Passes, HiddenDeletedAndOffScreenFacesAreNotDrawn)
     mesh->faceAttributes[0] = mesh->faceAttributes[1] = 0;
     display.drawWhole();
     EXPECT_EQ(frameState.statistics.framePolygons, 4u);
-    frameState.view.zoom = 3; // corners leave the display: dropped whole
+    frameState.view.zoom = 3; // corners are off the display, so the face is dropped whole
     display.drawWhole();
     EXPECT_EQ(frameState.statistics.framePolygons, 0u);
     EXPECT_EQ(centreCell(display), renderSettings.backgroundColour);

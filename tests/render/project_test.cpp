@@ -1,4 +1,4 @@
-// tests/render/project_test.cpp - where vertices come to stand, and which sides of faces are seen and lit
+// tests/render/project_test.cpp - the projected places of vertices, and which sides of faces are visible and lit
 #include "render/project.h"
 
 #include "model/matrix.h"
@@ -43,7 +43,7 @@ TEST_F(Projection, VerticesOutsideTheDisplayOrTheDepthsStandInTheCentre)
     freeMesh(mesh);
 }
 
-// The matrix takes the position itself as column, row and depth.
+// With this matrix the position itself is column, row and depth.
 constexpr Matrix inPlace = { { 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1 } };
 constexpr KernelLevel everyLevel[] = { kernelsPlain, kernelsSse2, kernelsAvx2, kernelsAvx512 };
 
@@ -136,7 +136,7 @@ TEST_F(Classification, TheLitSideReachesALittlePastTheEdge)
     for (int f = 0; f < 6; ++f)
         for (int k = 0; k < 3; ++k)
             mesh->facePlanes[f].normal[k] = toward[f] * light[k] + sqrtf(1 - toward[f] * toward[f]) * across[k];
-    mesh->faceAttributes[3] |= faceLit; // is taken away
+    mesh->faceAttributes[3] |= faceLit; // the frame clears it
     FrameTransforms transforms;
     setUpCamera(&transforms, &frameState.view, mesh->centre, mesh->radius, 100, 100);
     classifyFaces(mesh, &transforms);

@@ -17,7 +17,7 @@ TEST(Rasteriser, SpansAreHalfOpen)
             EXPECT_EQ(canvas.at(x, y) != 0, y >= 2 && y < 10 && x >= 2 && x < 12 - y) << x << ' ' << y;
 }
 
-// Whole columns of the exact edges: floor on both sides, the right one left out.
+// Whole columns between the exact edges: both edges are rounded down, and the right one is left out.
 TEST(Rasteriser, RowsRunFromTheLeftEdgesWholeColumnToTheRightEdges)
 {
     std::mt19937 random(5);
@@ -129,7 +129,7 @@ TEST(Rasteriser, AttributesAreThePlanesAtWholeColumns)
     }
 }
 
-// The lowest and the highest value of each field that a byte range with noise can give.
+// The lowest and the highest value of each field that a range of bytes with noise can give.
 static void expectNoSpecks(const Canvas& canvas, const TriangleCorner* c, const char* what)
 {
     int32_t lowest = std::min({ c[0].depth, c[1].depth, c[2].depth });
@@ -141,7 +141,7 @@ static void expectNoSpecks(const Canvas& canvas, const TriangleCorner* c, const 
             continue;
         ASSERT_GE(static_cast<int32_t>(cell >> 16), lowest) << what;
         ASSERT_LE(static_cast<int32_t>(cell >> 16), highest) << what;
-        // green between 100 and 150: the column left of an edge goes past it by no more than the range
+        // green between 100 and 150: the column left of an edge passes it by at most the range
         ASSERT_GE(static_cast<int32_t>(cell >> 5 & 63) * 4, 50 - 6) << what;
         ASSERT_LE(static_cast<int32_t>(cell >> 5 & 63) * 4, 200 + 6) << what;
     }

@@ -1,11 +1,11 @@
-// tests/render/reflect_test.cpp - from a normal to a place in the reflection image
+// tests/render/reflect_test.cpp - the place in the reflection image that a normal gives
 #include "render/reflect.h"
 
 #include <gtest/gtest.h>
 
 #include <math.h>
 
-// The place of t along a side: 32767 (t^3 + t + 2) / 4, in whole numbers.
+// The place of t along a side: 32767 (t^3 + t + 2) / 4 as a whole number.
 constexpr uint32_t lowest = 0, middle = 16383, highest = 32767;
 
 static void expectPlace(float x, float y, float z, uint32_t across, uint32_t up)

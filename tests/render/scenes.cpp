@@ -1,4 +1,4 @@
-// tests/render/scenes.cpp - procedural meshes and the state that tests draw with
+// tests/render/scenes.cpp - procedural meshes and the state for drawing them in tests
 #include "tests/render/scenes.h"
 
 #include "model/matrix.h"
@@ -112,7 +112,7 @@ void finishMesh(Mesh* mesh)
     computeBounds(mesh);
 }
 
-// Corners in one place would make a face without area, at the poles.
+// At the poles, equal corners would make a face without area.
 static void addFaceWithArea(Mesh* mesh, uint32_t a, uint32_t b, uint32_t c)
 {
     const float *p = mesh->vertices[a].position, *q = mesh->vertices[b].position, *r = mesh->vertices[c].position;
@@ -129,7 +129,7 @@ static void spherePoint(float s, float t, float* p)
     p[2] = radius * cosf(longitude);
 }
 
-// A grid of rows x columns quads cut into triangles; position gives a point and the outward side is to its right.
+// A grid of rows x columns quads cut into triangles. position gives a point; the outward side is to its right.
 template <class Position>
 static void addGrid(Mesh* mesh, int32_t rows, int32_t columns, Position position)
 {

@@ -9,14 +9,14 @@
 #include <stdint.h>
 #include <vector>
 
-// What the displays of a test draw with.
+// The settings and state that a test's displays draw with.
 extern RenderSettings renderSettings;
 extern FrameState frameState;
 
-// Settings, state, recording and kernels as at the program's start, with the preset White on both sides.
+// Resets settings, state, recording and kernels to those at program start, with the preset White on both sides.
 void resetRenderer();
 
-// Every test starts so, and leaves the kernels to the processor.
+// Every test starts with a reset, and restores the processor's kernels at its end.
 class RenderTest : public testing::Test
 {
 protected:
@@ -30,7 +30,7 @@ protected:
     }
 };
 
-// A display of that size with its frame buffer, and the list that it shows. Frees everything at its end.
+// A display of the given size with its frame buffer and the list that it shows. Frees everything at its end.
 struct Display
 {
     FrameBuffer target;
@@ -59,5 +59,5 @@ Mesh* makeTorus(int32_t rings, int32_t segments, float tubeRadius);
 Mesh* makeCube();                                         // quads
 Mesh* makeTriangles(const std::vector<float>& positions); // nine floats for each
 
-// A big upright ring before a small sphere, so that there is something to throw a shadow on.
+// A big upright ring before a small sphere, so that one casts a shadow on the other.
 Mesh* makeStillLife();

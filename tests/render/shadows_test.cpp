@@ -1,4 +1,4 @@
-// tests/render/shadows_test.cpp - the shadow map, the marks it gives and the dump of it
+// tests/render/shadows_test.cpp - the shadow map, its marks and its dump
 #include "render/shadows.h"
 
 #include "model/matrix.h"
@@ -296,7 +296,7 @@ TEST_F(Shadows, AMapBorderPositionIsWithinBounds)
     EXPECT_EQ(markedCount(display.list.meshes[0]), 0);
 }
 
-// The triangle's entries by the filler of large triangles.
+// The triangle's entries as the filler of large triangles gives them.
 static void fillByRows(std::vector<uint16_t>* map, const TriangleCorner* corners)
 {
     TriangleFrame frame;

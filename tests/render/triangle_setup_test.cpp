@@ -1,4 +1,4 @@
-// tests/render/triangle_setup_test.cpp - the set-up of triangles, plain and fast
+// tests/render/triangle_setup_test.cpp - the plain and the fast set-up of triangles
 #include "tests/render/canvas.h"
 #include "tests/render/scenes.h"
 
@@ -7,7 +7,7 @@
 #include <math.h>
 #include <string.h>
 
-// The states' defined parts.
+// The parts of the states that are defined.
 static void expectSameState(const SpanState& a, const SpanState& b, const TriangleCorner* corners, int32_t lanes)
 {
     size_t bytes = static_cast<size_t>(lanes) * sizeof(uint32_t);

@@ -131,7 +131,7 @@ TEST_F(View, NormalsTurnWithTheModelAtEverySize)
     }
 }
 
-// The point of the ball under the pointer, as a drag takes it.
+// The point of the ball under the pointer, as a drag computes it.
 static void ballPoint(float* out, float x, float y)
 {
     float px = x - 310, py = 260 - y, r = 310;
@@ -159,7 +159,7 @@ TEST_F(View, TheSurfacePointUnderThePointerFollowsThePointer)
         for (int k = 0; k < 3; ++k)
             EXPECT_NEAR(moved[k], current[k], 1e-5f);
 
-        // on the screen: the reference point goes where the pointer went
+        // on the screen the reference point moves with the pointer
         const float centre[3] = {};
         float before[3], after[3];
         frameState.view.rotation = identityMatrix;

@@ -1,4 +1,4 @@
-// tests/resources/file_types_test.cpp - the file types that the package tells a desktop
+// tests/resources/file_types_test.cpp - the file types that the package registers with a desktop
 #include <gtest/gtest.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -46,7 +46,7 @@ protected:
         if (!folder.empty())
             std::filesystem::remove_all(folder);
     }
-    // What a desktop with no other types calls a file of this name and content.
+    // The type that a desktop without other types finds for this name and content.
     std::string typeOf(const std::string& name, const std::string& content) const
     {
         std::ofstream(folder + "/" + name) << content;

@@ -1,5 +1,5 @@
-// tests/resources/icon_test.cpp - what the resource compiler and the operating system need of the icon and the bitmap
-// of the About box
+// tests/resources/icon_test.cpp - what the resource compiler and the operating system require of the icon and the About
+// box's bitmap
 #include <gtest/gtest.h>
 #include <stdint.h>
 #include <string.h>

@@ -1,4 +1,4 @@
-// tests/resources/ids_test.cpp - the numbers of the menu entries and controls, which programs outside this one rely on
+// tests/resources/ids_test.cpp - the ids of menu entries and controls, which other programs rely on
 #include "resources/ids.h"
 
 #include <gtest/gtest.h>

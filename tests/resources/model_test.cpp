@@ -1,4 +1,4 @@
-// tests/resources/model_test.cpp - the built-in model has its size and its bounds and is a well-made surface
+// tests/resources/model_test.cpp - the built-in model has its size and bounds and a well-formed surface
 #include "model/builtin.h"
 #include "model/memory.h"
 #include "platform/resources.h"
@@ -57,7 +57,7 @@ protected:
         const float* p = mesh->vertices[mesh->faces[face][k]].position;
         return { p[0], p[1], p[2] };
     }
-    // Vertices with the same position are one place of the surface, whatever their texture coordinates and creases.
+    // Vertices with the same position are one point of the surface, whatever their texture coordinates and creases.
     std::vector<uint32_t> places() const
     {
         std::map<std::tuple<float, float, float>, uint32_t> known;
@@ -116,7 +116,7 @@ TEST_F(ModelFile, FacesPointOutward)
     double volume = 0;
     for (int32_t f = 0; f < mesh->faceCount; ++f)
         volume += dot(corner(f, 0), cross(corner(f, 1), corner(f, 2))) / 6;
-    EXPECT_GT(volume, 0.012); // units cubed: a pot, not a hole of its shape
+    EXPECT_GT(volume, 0.012); // units cubed; positive, so the surface is not inside out
     EXPECT_LT(volume, 0.030);
 }
 
@@ -145,7 +145,7 @@ TEST_F(ModelFile, EveryVertexIsUsed)
     EXPECT_EQ(std::count(used.begin(), used.end(), false), 0);
 }
 
-// Where two triangles share an edge but not its texture coordinates, the texture has a cut. It has none when the
+// Where two triangles share an edge but not its texture coordinates, the texture has a seam. It has none when the
 // difference is a whole number of periods.
 TEST_F(ModelFile, TextureIsNotCutOnTheWallOfThePot)
 {
@@ -177,8 +177,7 @@ TEST_F(ModelFile, TextureIsNotTornAcrossATriangle)
     }
 }
 
-// How much longer than wide a triangle makes the texture: the ratio of the singular values of the map between texture
-// and surface.
+// How much a triangle stretches the texture: the ratio of the singular values of the map between texture and surface.
 static double stretchOf(Vector e1, Vector e2, Uv a, Uv b, Uv c)
 {
     double s1 = b.u - a.u, t1 = b.v - a.v, s2 = c.u - a.u, t2 = c.v - a.v;

@@ -1,7 +1,7 @@
-// tests/resources/rebuild_test.cpp - the committed files are what their generators make
+// tests/resources/rebuild_test.cpp - the committed files equal those that their generators make
 //
-// The model and the bitmap of the About box must have the same bytes. JPEG and PNG files must have the same pixels,
-// because another version of a library may code the same pixels in other bytes.
+// The model and the About box's bitmap must have the same bytes. JPEG and PNG files must have the same pixels, because
+// another version of a library may encode the same pixels differently.
 #include "image/jpeg.h"
 
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ static std::string committed(const char* name)
     return fileBytes(RESOURCES "/" + std::string(name));
 }
 
-// Runs a generator and returns the files that it makes, in the order of the names.
+// Runs a generator and returns the files that it makes, ordered by name.
 static std::vector<std::string> rebuilt(const std::string& program, const std::vector<const char*>& names)
 {
     std::string folder = testing::TempDir() + program + "_XXXXXX";
@@ -102,7 +102,7 @@ static std::optional<Pixels> decodedPng(const std::string& bytes)
     return pixels;
 }
 
-// Where the last of an icon's four bitmaps, the PNG, starts: its entry in the icon's directory says so.
+// The start of the PNG, the last of an icon's four bitmaps, according to its entry in the icon's directory.
 static size_t pngOfIcon(const std::string& icon)
 {
     constexpr size_t lastEntry = 6 + 3 * 16, offsetInEntry = 12;
@@ -112,7 +112,7 @@ static size_t pngOfIcon(const std::string& icon)
     return offset;
 }
 
-// Everything of an icon but the bytes and the size of its PNG.
+// Everything in an icon except the bytes and the size of its PNG.
 static std::string withoutPng(std::string icon)
 {
     constexpr size_t sizeOfLast = 6 + 3 * 16 + 8;

@@ -1,4 +1,4 @@
-// tests/resources/texture_files_test.cpp - the embedded JPEG files have their sizes, their coding and their limits
+// tests/resources/texture_files_test.cpp - the size, coding and limits of the embedded JPEG files
 #include "image/textures.h"
 #include "platform/resources.h"
 
@@ -13,7 +13,7 @@ struct FrameHeader
     int sampling[3] = {};
 };
 
-// The frame header of a JPEG file, found from marker to marker.
+// Finds the frame header of a JPEG file by going from marker to marker.
 static FrameHeader frameHeader(const uint8_t* bytes, size_t size)
 {
     FrameHeader header;
@@ -86,7 +86,7 @@ TEST(TextureFiles, AreFoundInAnyLetterCase)
     EXPECT_FALSE(findResource("wood.jpg", &none));
 }
 
-// The mean difference of neighbouring pixels, across the edge of the image and inside it.
+// The mean difference of neighbouring pixels, across the image's edge and inside it.
 struct EdgeSteps
 {
     double across, inside;

@@ -1,4 +1,4 @@
-// tests/shell/choices_test.cpp - what each choice changes in the record, and that it changes nothing else
+// tests/shell/choices_test.cpp - each choice changes its part of the record and nothing else
 #include "shell/choices.h"
 
 #include "image/textures.h"
@@ -27,7 +27,7 @@ protected:
         return chosen.render.renderFlags & flag;
     }
 
-    // The preset's colour, told by its green.
+    // The preset's colour, identified by its green.
     static bool looksLike(const Material& material, int32_t preset)
     {
         return material.diffuse[1] == materialPresets[preset].colour[1] &&

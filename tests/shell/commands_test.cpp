@@ -465,7 +465,7 @@ TEST_F(Commands, ReadRkfChoosesPropForAModelWithMaterialsOnly)
     }
 }
 
-// A texture leaves a Brick back, which the next material replaces.
+// A texture leaves a Brick behind, which the next material replaces.
 TEST_F(Commands, EachPresetHasABrassBack)
 {
     for (int id = ID_PRESET_BRASS; id <= ID_PRESET_PROP; ++id)
@@ -508,7 +508,7 @@ TEST_F(Commands, TogglingALightSwitchesItAloneAndMakesItsDirectionAUnit)
     EXPECT_EQ(choices.lightMask, 6u); // the first one was on
 }
 
-// What is painted again is the finished picture; the cells may be those of a frame that is being drawn.
+// Painting shows the finished picture again, because the cells may belong to a frame that is still being drawn.
 TEST_F(Commands, ActivationPresentsWithoutConversion)
 {
     drawFrame();

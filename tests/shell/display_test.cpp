@@ -18,7 +18,7 @@ protected:
         ShellTest::TearDown();
     }
 
-    // Where a point in front of the view's centre, (x, y, z) of the turned model, stands on the display at zoom 1.
+    // The place on the display, at zoom 1, of the point (x, y, z) of the turned model, relative to the view's centre.
     static float turnedX(const float* point)
     {
         float out[3];
@@ -208,7 +208,7 @@ TEST_F(Display, PaintingDoesNotConvertTheCells)
     EXPECT_EQ(memcmp(frameBuffer.picture.bits, shown.data(), shown.size()), 0);
 }
 
-// The buffer of 620 x 520 has 688 x 584 cells, of which a margin of 64 is the renderer's.
+// The buffer for 620 x 520 has 688 x 584 cells, including the renderer's margin of 64.
 TEST_F(Display, TheFrameBufferIsReplacedOnceItsMarginIsTouched)
 {
     const uint32_t* cells = frameBuffer.cells;
@@ -254,15 +254,15 @@ protected:
     {
         return { a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x };
     }
-    // Half the longer side is the ball's radius.
+    // The ball's radius is half the longer side.
     static Vector pointAt(int32_t x, int32_t y)
     {
         double width = frameState.displayWidth, height = frameState.displayHeight;
         double r = std::max(width, height) / 2, dx = x - width / 2, dy = height / 2 - y;
         return unit({ dx, dy, r * r * r / (dx * dx + dy * dy + r * r) });
     }
-    // The angle whose sine is the length of the cross product: short of the angle between for a reference inside the
-    // ball.
+    // The angle whose sine is the length of the cross product. It is smaller than the angle between the points for a
+    // reference inside the ball.
     static double angleBetween(const Vector& from, const Vector& to)
     {
         return asin(lengthOf(cross(from, to)));
@@ -283,7 +283,7 @@ protected:
     const float front[3] = { 0, 0, 1 }, up[3] = { 0, 1, 0 };
 };
 
-// A quarter turn about x has brought "up" to the front. The drag turns what is seen, not the model's own axes.
+// A quarter turn about x has brought "up" to the front. The drag turns the view, not the model's own axes.
 TEST_F(Trackball, ADragTurnsTheViewThatItBeganWith)
 {
     const float axisX[3] = { 1, 0, 0 };
@@ -307,7 +307,7 @@ TEST_F(Trackball, ADragTurnsTheViewThatItBeganWith)
     expectTurns(frameState.view.step, front, pointAt(390, 200));
 }
 
-// Each move starts from the view of the press, with the reference half way nearer to the pointer's last place.
+// Each move starts from the view at the press, with the reference moved half way to the pointer's last place.
 TEST_F(Trackball, TheReferenceTrailsThePointer)
 {
     Vector reference = pointAt(310, 260), current = reference;
@@ -352,7 +352,7 @@ TEST_F(Trackball, TheBallIsAsWideAsTheLongerSide)
     }
 }
 
-// On a display so wide a pixel is 0.0001 radians.
+// On a display this wide a pixel is 0.0001 radians.
 TEST_F(Trackball, AFlickOfMoreThan17ThousandthsSpins)
 {
     frameState.displayWidth = 20000;
@@ -364,7 +364,7 @@ TEST_F(Trackball, AFlickOfMoreThan17ThousandthsSpins)
     }
 }
 
-// And here a millionth.
+// Here a pixel is a millionth of a radian.
 TEST_F(Trackball, LessThanATenThousandthIsNoMovement)
 {
     frameState.displayWidth = 2000000;

@@ -1,4 +1,4 @@
-// tests/shell/file_dialogs_test.cpp - what each dialog asks, and what is done with the answer
+// tests/shell/file_dialogs_test.cpp - the questions of each dialog, and what happens with the answer
 #include "shell/file_dialogs.h"
 #include "image/textures.h"
 #include "platform/dialogs.h"
@@ -81,7 +81,7 @@ TEST_F(FileDialogs, ProposedObjNamesLoseOnlyTheirLastExtension)
     EXPECT_TRUE(recorded.progress.empty());
 }
 
-// The room of a dialog is counted in its characters of 16 bits.
+// A dialog counts its room in characters of 16 bits.
 TEST_F(FileDialogs, ALongProposalIsCutAtAWholeCharacter)
 {
     MeshPointer mesh = triangle();
@@ -112,7 +112,7 @@ TEST_F(FileDialogs, ALongProposalIsCutAtAWholeCharacter)
     }
 }
 
-// 315 characters have room before the extension. One outside the first 65,536 counts as two, and is not divided.
+// 315 characters fit before the extension. One outside the first 65,536 counts as two, and is never split.
 TEST_F(FileDialogs, AProposalThatJustFitsIsKeptWhole)
 {
     MeshPointer mesh = triangle();
@@ -327,7 +327,7 @@ TEST_F(TextureDialog, AFailureKeepsTheOldPicture)
     const uint32_t* pixels = image.pixels;
     EXPECT_EQ(loadUserTexture(&image, &title), 0);
     EXPECT_EQ(recorded.boxes, (Boxes{ { "Progressive Jpeg not supported", "error", iconNone } }));
-    EXPECT_EQ(loadUserTexture(&image, &title), 0); // does not open: in silence
+    EXPECT_EQ(loadUserTexture(&image, &title), 0); // a file that does not open shows no message
     EXPECT_EQ(recorded.boxes.size(), 1u);
     EXPECT_EQ(image.pixels, pixels);
     EXPECT_EQ(image.width, 24);

@@ -1,4 +1,4 @@
-// tests/shell/model_files_test.cpp - which file the current model is, through opening, saving and exporting
+// tests/shell/model_files_test.cpp - the file of the current model after opening, saving and exporting
 #include "tests/shell/shell_fixture.h"
 
 #include "shell/model_files.h"
@@ -60,7 +60,7 @@ TEST_F(ModelFiles, APathFromTheCurrentFolderIsRememberedInFull)
     EXPECT_EQ(fs::path(currentFilePath), fs::current_path() / "one.obj");
 }
 
-// As long as a name may be, and not a byte less of it in the title.
+// The longest possible name is complete in the title.
 TEST_F(ModelFiles, ANameOf255BytesIsKeptWhole)
 {
     std::string name;
@@ -77,14 +77,14 @@ TEST_F(ModelFiles, ANameOf255BytesIsKeptWhole)
     EXPECT_EQ(recorded.titles.back(), "Kestrelbox: File " + longest + " saved");
 }
 
-// Start-up from nothing, with a model on the command line.
+// Start-up with a model on the command line.
 TEST_F(ModelFiles, AModelFromTheCommandLineIsTitledAndRememberedLikeAnyOther)
 {
     std::string path = writeFile("one.obj", triangleObj);
     releaseModels();
     releaseImages();
     resetRecording();
-    recorded.livePictures = 1; // the frame buffer's, which the test's end gives back
+    recorded.livePictures = 1; // the frame buffer's, which the end of the test releases
     ASSERT_EQ(buildScene(path.c_str()), 1);
     EXPECT_EQ(recorded.titles, std::vector<std::string>{ "Kestrelbox: one.obj" });
     EXPECT_EQ(currentFileName, "one.obj");

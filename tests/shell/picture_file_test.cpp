@@ -1,4 +1,4 @@
-// tests/shell/picture_file_test.cpp - the dumps, and what a decoded picture's file says of its density
+// tests/shell/picture_file_test.cpp - the dumps, and the density in a decoded picture's file
 #include "shell/picture_file.h"
 #include "tests/export/build.h"
 #include "tests/image/jpeg_builder.h"
@@ -32,7 +32,7 @@ TEST_F(PictureFile, ADecodedPictureIsABottomUpBitmap)
         EXPECT_EQ(number(bmp, 28, 2), 24u);
         EXPECT_EQ(number(bmp, 30), 0u);
         EXPECT_EQ(number(bmp, 34), 0u);
-        EXPECT_EQ(number(bmp, 38), unit == 2 ? 3000u : 0u); // only dots per centimetre are told
+        EXPECT_EQ(number(bmp, 38), unit == 2 ? 3000u : 0u); // only dots per centimetre are stored
         EXPECT_EQ(number(bmp, 42), unit == 2 ? 70000u : 0u);
         EXPECT_EQ(number(bmp, 46), 0u);
         EXPECT_EQ(number(bmp, 50), 0u);

@@ -1,4 +1,4 @@
-// tests/shell/shell_fixture.h - the program as it stands after start-up, over the recording platform
+// tests/shell/shell_fixture.h - the program after start-up, on the recording platform
 #pragma once
 #include "image/textures.h"
 #include "model/memory.h"
@@ -50,7 +50,7 @@ protected:
         std::filesystem::remove_all(folder);
     }
 
-    // Lets the test see only what comes from now on; marks and texts of the controls stay.
+    // Clears the record, so that a test sees only later calls. Marks and texts of the controls stay.
     void forget()
     {
         recorded.boxes.clear();

@@ -31,7 +31,7 @@ inline MeshPointer buildMesh(const std::vector<Point>& points, const std::vector
     return mesh;
 }
 
-// The normals of all vertices and the planes of all face slots.
+// Computes the normals of all vertices and the planes of all face slots.
 inline std::vector<float> normalsOf(const Mesh* mesh)
 {
     std::vector<float> normals;

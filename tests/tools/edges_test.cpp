@@ -54,7 +54,7 @@ TEST_F(Edges, RandomMeshesGiveTheTableOfTheLiteralVersion)
         if (HasFatalFailure())
             return;
     }
-    EXPECT_GT(overflows, 100); // both outcomes are met
+    EXPECT_GT(overflows, 100); // both outcomes occur
     EXPECT_LT(overflows, 3900);
 }
 
@@ -83,7 +83,7 @@ TEST_F(Edges, ManyEdgesOfOneSumGiveTheTableOfTheLiteralVersion)
     }
 }
 
-// So many that the hash beyond the chain grows several times; every third edge comes twice.
+// So many edges that the hash table beyond the chains grows several times; every third edge occurs twice.
 TEST_F(Edges, TheHashGrows)
 {
     constexpr uint32_t pairs = 20000;
@@ -145,7 +145,7 @@ TEST_F(Edges, AThirdFaceIsNotRecorded)
 
 TEST_F(Edges, OverflowShowsItsBoxAndFreesTheTable)
 {
-    // 66 edges have 21 sums; the 24 overflow entries do not take the other 45.
+    // 66 edges have 21 sums; the 24 overflow entries are too few for the other 45.
     std::vector<Corners> faces;
     for (uint32_t a = 0; a < 12; ++a)
         for (uint32_t b = a + 1; b < 12; ++b)

@@ -29,7 +29,7 @@ static std::vector<std::string> modelFiles()
     return files;
 }
 
-// What every other part of the program relies on.
+// The properties that all other parts of the program rely on.
 static void expectSound(const Mesh* mesh, const std::string& what)
 {
     int32_t live = 0, lines = 0;

@@ -1,4 +1,4 @@
-// tests/tools/literal.h - the tools in their literal forms: slow, short, and the meaning that the fast ones must keep
+// tests/tools/literal.h - slow, short, literal forms of the tools, which define the results of the fast ones
 #pragma once
 #include "model/mesh.h"
 #include "tools/weld.h"
@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-// Weld. Vertices that no face uses take no part, deleted slots are renumbered. Returns the number of vertices removed,
-// or -1 when all keys are equal.
+// Weld. Vertices that no face uses are ignored, and deleted slots are renumbered. Returns the number of vertices
+// removed, or -1 when all keys are equal.
 int literalWeld(Mesh* mesh, WeldMode mode);
 
 // Split, with its stack. Returns whether there was anything to do.
@@ -39,7 +39,7 @@ int64_t literalOtherFace(const LiteralEdgeTable& table, uint32_t a, uint32_t b, 
 // Fix Normals. Returns the message or the notice.
 std::string literalFixNormals(Mesh* mesh);
 
-// Quad; the edge table says which face lies across an edge. Returns the number of merges, or -1 without a table.
+// Quad; the edge table gives the face across an edge. Returns the number of merges, or -1 without a table.
 int literalQuads(Mesh* mesh);
 
 struct LiteralFaces

@@ -160,7 +160,7 @@ TEST_F(FixNormals, RandomMeshesAreFixedLikeTheLiteralVersion)
     EXPECT_GT(outcomes["edge table overflow"], 10);
 }
 
-// A torus of quads with some of its faces turned over at random.
+// A torus of quads in which random faces are turned over.
 TEST_F(FixNormals, EveryOrientablePieceComesOutConsistent)
 {
     constexpr uint32_t around = 7, along = 9;

@@ -69,7 +69,7 @@ TEST_F(Quads, TheNewCornerIsPutIntoWhicheverEdgeIsLongest)
 
 TEST_F(Quads, EqualLongestEdgesFavourTheFirst)
 {
-    // All three edges of the first triangle are equally long (they have no length); the neighbours differ.
+    // All three edges of the first triangle have the same length, 0; the neighbours differ.
     std::vector<Point> points(6, Point{ 0, 0, 0 });
     MeshPointer mesh =
         buildMesh(points, { { 0, 1, 2, none }, { 1, 0, 3, none }, { 2, 1, 4, none }, { 0, 2, 5, none } });

@@ -36,7 +36,7 @@ inline MeshState stateOf(const Mesh* mesh)
 inline void expectEqualStates(const MeshState& a, const MeshState& b, unsigned seed)
 {
     ASSERT_EQ(a.points.size(), b.points.size()) << "seed " << seed;
-    for (size_t i = 0; i < a.points.size(); ++i) // by bits, so that zeros of different sign differ
+    for (size_t i = 0; i < a.points.size(); ++i) // by bits, because zeros of different sign must differ
         ASSERT_EQ(memcmp(&a.points[i], &b.points[i], sizeof(Point)), 0) << "seed " << seed << " vertex " << i;
     ASSERT_EQ(a.faces, b.faces) << "seed " << seed;
     ASSERT_EQ(a.faceUvs, b.faceUvs) << "seed " << seed;

@@ -1,4 +1,4 @@
-// tests/tools/seeds_test.cpp - the seed of the hashes changes no result, and no file can choose keys that collide
+// tests/tools/seeds_test.cpp - the seed of the hashes changes no result, and no file can choose colliding keys
 #include "model/seeded_hash.h"
 #include "tests/tools/random.h"
 #include "tools/duplicates.h"
@@ -23,7 +23,7 @@ protected:
 
 static constexpr uint64_t someSeeds[] = { 0, 1, 2, 77, 1u << 20, UINT64_MAX };
 
-// Many faces and vertices in few places, so that every table has chains.
+// Many faces and vertices at few positions, so that every table has chains.
 static MeshPointer crowdedMesh(unsigned seed, float step)
 {
     return randomMesh(seed, { .vertexLimit = 400, .faceLimit = 2000, .spread = 6, .step = step });
@@ -62,7 +62,7 @@ TEST_F(Seeds, WeldWithinTheToleranceGivesTheSameUnderEverySeed)
         expectSameForEverySeed(step, [](Mesh* mesh) { weldVertices(mesh, weldNear); });
 }
 
-// Few vertices and many faces: many repeat others, and many only have the same sum.
+// Few vertices and many faces: many faces repeat others, and many only have the same sum.
 TEST_F(Seeds, DuplicateFacesAreTheSameUnderEverySeed)
 {
     std::vector<Corners> faces;
@@ -99,7 +99,7 @@ TEST_F(Seeds, StatisticsAreTheSameUnderEverySeed)
         EXPECT_EQ(counts(mesh.get(), seed), want) << seed;
 }
 
-// Edges of a thousand sums, so that many are hashed, and each vertex has some of several sums.
+// Edges with a thousand different sums, so that many are hashed, and each vertex has some of several sums.
 TEST_F(Seeds, TheEdgeTableIsTheSameUnderEverySeed)
 {
     constexpr uint32_t vertices = 30000, sums = 1000;
@@ -130,7 +130,7 @@ TEST_F(Seeds, TheEdgeTableIsTheSameUnderEverySeed)
         EXPECT_EQ(table(seed), want) << seed;
 }
 
-// A hash without a seed, of the kind that a file can be made for: a product of each word and a known odd factor.
+// An unseeded hash that a file can be made for: a product of each word and a known odd factor.
 static uint32_t knownHash(uint32_t x, uint32_t y, uint32_t z)
 {
     uint64_t key =
@@ -145,7 +145,7 @@ static uint32_t wordOf(float value)
     return word;
 }
 
-// Different positions that all fall into 16 of 65,536 places of a table under the known hash.
+// Different positions that the known hash puts into 16 of 65,536 places of a table.
 static std::vector<Point> chosenPoints(uint32_t count)
 {
     std::vector<Point> points;

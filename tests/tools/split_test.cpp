@@ -116,8 +116,8 @@ TEST_F(Split, DeletedSlotsConnectNothing)
 
 TEST_F(Split, AFaceThatItsVertexDoesNotRememberJoinsByThePieceOfTheVertex)
 {
-    // Ten triangles around vertex 0 that share nothing else; the last two join by the vertex' piece, and their
-    // neighbours through them.
+    // Ten triangles around vertex 0 that share nothing else. The last two join through the piece of the vertex, and
+    // their neighbours join through them.
     std::vector<Corners> faces;
     for (uint32_t i = 0; i < 10; ++i)
         faces.push_back({ 2 * i + 1, 2 * i + 2, 0, none });
@@ -126,7 +126,7 @@ TEST_F(Split, AFaceThatItsVertexDoesNotRememberJoinsByThePieceOfTheVertex)
     EXPECT_EQ(splitMesh(mesh.get()), 1);
     EXPECT_EQ(recorded.notices, (Texts{ "  Nothing to do" })); // found in several parts, still one piece
 
-    // The same when the tenth face's other neighbour comes first and reaches vertex 0 through nothing but itself.
+    // The same, but the tenth face's other neighbour comes first, and its only way to vertex 0 is the tenth face.
     resetRecording();
     faces = { { 19, 20, 21, none } };
     for (uint32_t i = 0; i < 10; ++i)
@@ -136,8 +136,8 @@ TEST_F(Split, AFaceThatItsVertexDoesNotRememberJoinsByThePieceOfTheVertex)
     EXPECT_EQ(recorded.notices, (Texts{ "  Nothing to do" })); // the tenth reaches vertex 0 and its eight
 }
 
-// The ninth face at vertex 0 is not remembered there, so nothing leads to it from the first eight. It is reached from
-// its other neighbour, which has a piece of its own by then.
+// Vertex 0 does not remember its ninth face, so nothing leads to that face from the first eight. It is reached from its
+// other neighbour, which already has a piece of its own.
 TEST_F(Split, APieceAroundACrowdedVertexIsFoundInParts)
 {
     std::vector<Corners> faces;
@@ -192,7 +192,8 @@ TEST_F(Split, RandomMeshesAreSplitLikeTheLiteralVersion)
     EXPECT_LT(split, 4900);
 }
 
-// Faces that share vertices used by at most eight faces end in one group: a group is a union of connected pieces.
+// Faces that share vertices used by at most eight faces end in one group, because a group is a union of connected
+// pieces.
 TEST_F(Split, GroupsAreUnionsOfConnectedPieces)
 {
     for (unsigned seed = 0; seed < 1000; ++seed)

@@ -1,4 +1,4 @@
-// tests/tools/statistics_test.cpp - the counts of faults that kbx info shows
+// tests/tools/statistics_test.cpp - the counts of defects that kbx info shows
 #include "tools/statistics.h"
 
 #include "tests/tools/random.h"
@@ -104,7 +104,7 @@ TEST_F(Statistics, EveryRefusedBlockIsReported)
     }
 }
 
-// The same counts from a map of all edges and a set of all positions.
+// Computes the same counts with a map of all edges and a set of all positions.
 TEST_F(Statistics, CountsEqualThoseOfAMapOnRandomMeshes)
 {
     for (unsigned seed = 0; seed < 300; ++seed)

@@ -1,4 +1,4 @@
-// tests/tools/tools_test.cpp - the table of tools: each row runs its own tool and says what that changes
+// tests/tools/tools_test.cpp - the table of tools: each row runs its own tool and lists what it changes
 #include "tools/tools.h"
 
 #include "resources/ids.h"
@@ -8,8 +8,8 @@
 
 using ToolTable = ToolTest;
 
-// Two quads side by side that share two positions but no vertex, the second one twice; a strip of three triangles, of
-// which the last is wound against the others and has a vertex within the tolerance of another one.
+// Two quads side by side that share two positions but no vertex; the second quad occurs twice. Also a strip of three
+// triangles; the last one is wound against the others and has a vertex within the tolerance of another one.
 static MeshPointer meshForEveryTool()
 {
     return buildMesh({ { 0, 0, 0 },
@@ -69,7 +69,7 @@ TEST_F(ToolTable, InvertTurnsFacesOver)
     EXPECT_EQ(mesh->faces[0], (Corners{ 3, 2, 1, 0 }));
 }
 
-// The panel shows again only what a row names, so a tool must change nothing else there.
+// The panel updates only what a row lists, so a tool must change nothing else there.
 TEST_F(ToolTable, RowsNameAllThatTheirToolsChange)
 {
     for (const MeshTool& tool : meshTools)

@@ -64,7 +64,7 @@ TEST_F(Uvs, GeneratingWithoutMemoryReturnsZero)
     EXPECT_EQ(recorded.boxes, (Boxes{ outOfMemoryBox }));
 }
 
-// Part of the area on which the picture is more than four times longer one way than the other.
+// The share of the area where the picture is stretched more than four times in one direction.
 static float stretchedShare(const Mesh* mesh)
 {
     float stretched = 0, whole = 0;
@@ -91,7 +91,7 @@ static float stretchedShare(const Mesh* mesh)
             if (area < 1e-6f)
                 continue;
             float length = sqrtf(aa), x = ab / length, y = area / length;
-            float right[2], up[2]; // change of the coordinate for a unit step along the first edge and across it
+            float right[2], up[2]; // the coordinate's change for a unit step along the first edge, and across it
             for (int j = 0; j < 2; ++j)
             {
                 right[j] = t[0][j] / length;

@@ -90,7 +90,7 @@ TEST_F(Weld, ToleranceIsMeasuredOnEveryAxis)
     }
 }
 
-// |x - y + z| runs from 0 to 5 in five steps of 1; two near vertices on either side of a step's end stay apart.
+// |x - y + z| runs from 0 to 5 in five steps of 1. Two near vertices on either side of a step's end do not merge.
 TEST_F(Weld, NearPositionsInDifferentStepsStayApart)
 {
     std::vector<Point> points = { { 0, 0, 0 },         { 5, 0, 0 },         { 0, 3, 0 },
@@ -143,8 +143,8 @@ TEST_F(Weld, DeletedSlotsAreRenumberedOrEmptied)
         mesh->faceAttributes[f] = faceDeleted;
     EXPECT_EQ(weldVertices(mesh.get(), weldExact), 1);
     EXPECT_EQ(mesh->faces[2], (Corners{ 2, 3, 1, none }));
-    EXPECT_EQ(mesh->faces[3], (Corners{ 0, 0, 0, none })); // used a vertex that is no more
-    EXPECT_EQ(mesh->faces[4], (Corners{ 0, 0, 0, none })); // used one that never was
+    EXPECT_EQ(mesh->faces[3], (Corners{ 0, 0, 0, none })); // used a removed vertex
+    EXPECT_EQ(mesh->faces[4], (Corners{ 0, 0, 0, none })); // used a vertex that never existed
     EXPECT_EQ(recorded.notices, (Texts{ "Removed 3 vertices" }));
 }
 
@@ -234,8 +234,8 @@ TEST_F(Weld, RandomMeshesAreWeldedLikeTheLiteralVersion)
     EXPECT_GT(changed, 3000);
 }
 
-// Steps between coordinates below, about and above the tolerance: chains of neighbours that are near to some only, on
-// both sides of cells and of steps of the key.
+// Steps between coordinates below, about and above the tolerance. They give chains of neighbours that are near to only
+// some others, on both sides of cells and of steps of the key.
 TEST_F(Weld, RandomMeshesAreWeldedLikeTheLiteralVersionWithinTheTolerance)
 {
     int changed = 0;

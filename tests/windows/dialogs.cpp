@@ -6,7 +6,7 @@
 #include <wchar.h>
 #include <vector>
 
-constexpr int patienceMs = 30000; // other tests and compilers may run at the same time
+constexpr int patienceMs = 30000; // long, because other tests and compilers may run at the same time
 constexpr int messageText = 0xFFFF;
 constexpr int fileNameEdit = 0x480;  // edt1 of the common file dialogs
 constexpr int fileNameCombo = 0x47C; // cmb13, which contains the edit in newer ones
@@ -134,9 +134,8 @@ void closeDialogs(DWORD processId)
         });
 }
 
-// The number that a list keeps with an entry is free for the test, because the program does not use it. A new number
-// posted to the filter's list arrives behind every earlier message, and the list answers only after the program has
-// drawn.
+// The program does not use the number that a list keeps with an entry, so the test may. A new number posted to the
+// filter's list arrives after every earlier message, and the list answers only after the program has drawn.
 bool workOff(HWND toolPanel)
 {
     static LPARAM last;

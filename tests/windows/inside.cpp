@@ -1,4 +1,4 @@
-// tests/windows/inside.cpp - the program's thread, which a hook watches
+// tests/windows/inside.cpp - the program's thread, watched by a hook
 #include "tests/windows/inside.h"
 
 #include "platform/dialogs.h"
@@ -148,7 +148,7 @@ bool startInside()
     if (!there)
         return false;
     hook = SetWindowsHookExW(WH_CALLWNDPROCRET, watch, nullptr, programThreadId);
-    return hook && workOff(toolPanel); // once the loop handles posted messages, the start is over
+    return hook && workOff(toolPanel); // once the loop handles posted messages, start-up is over
 }
 
 DWORD endInside()

@@ -70,7 +70,7 @@ bool Program::start(const std::wstring& folder, const std::wstring& arguments)
             panel = main ? FindWindowExW(main, nullptr, L"#32770", nullptr) : nullptr;
             return display && panel && IsWindowVisible(display) && IsWindowVisible(panel);
         });
-    return there && workOff(panel); // once the loop handles posted messages, the start is over
+    return there && workOff(panel); // once the loop handles posted messages, start-up is over
 }
 
 DWORD Program::close()

@@ -28,7 +28,7 @@ protected:
     void TearDown() override
     {
         if (sharing && HasFailure())
-            shared.close(); // the next test gets a fresh one
+            shared.close(); // the next test starts a new one
         else if (program.process && !sharing)
             program.close();
         std::error_code ignored;
@@ -46,7 +46,7 @@ protected:
             shared.close();
     }
 
-    // The program with the built-in model, started once, for tests that leave it as they found it.
+    // The program with the built-in model, started once, for tests that restore what they change.
     void share()
     {
         ASSERT_TRUE(shared.process || shared.start(fs::temp_directory_path().wstring(), L""));
@@ -66,7 +66,7 @@ protected:
         return (folder / name).wstring();
     }
 
-    // The part of kbx's picture with these options that fits in the client area of the display.
+    // The part of kbx's picture with these options that fits in the display's client area.
     Shot rendered(const std::wstring& options)
     {
         RECT client;
@@ -116,7 +116,7 @@ protected:
         return shown;
     }
 
-    // Whether the title names a loaded or a saved file; after the next frame the statistics take its place.
+    // Whether the title names a loaded or a saved file. After the next frame it shows the statistics instead.
     bool titleNames(const std::wstring& name) const
     {
         std::wstring start = L"Kestrelbox: ";
@@ -235,7 +235,7 @@ TEST_F(DesktopWindow, QuotedCommandLineOpensTheFile)
     expectPicture(L"\"two parts.obj\"");
 }
 
-// A dialog moves the current folder to that of the file chosen in it.
+// A dialog changes the current folder to that of the chosen file.
 TEST_F(DesktopWindow, LuxExportWritesBesideTheModelOfTheCommandLine)
 {
     fs::create_directory(folder / "elsewhere");
