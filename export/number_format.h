@@ -60,11 +60,11 @@ inline char* formatInt(char* out, int32_t n)
     return n < 0 ? formatUnsigned(out + 1, 0 - magnitude) : formatUnsigned(out, magnitude);
 }
 
-// Floats of 2^23 and more, which have no fraction, infinities and what is not a number, those in at least width
+// Writes floats of 2^23 and more, which have no fraction, and infinities and NaNs, the latter in at least width
 // columns.
 char* formatWithoutFraction(char* out, float value, int decimals, int width);
 
-// "%width.decimalsf" for 6 and 8 decimals and a width that no number undercuts.
+// "%width.decimalsf" for 6 and 8 decimals, and a width that no number is shorter than.
 inline char* formatFixed(char* out, float value, int decimals, int width)
 {
     uint32_t bits;

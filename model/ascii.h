@@ -7,7 +7,7 @@ inline char asciiLower(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// The upper-case letter of a lower-case one, likewise.
+// The upper-case letter of a lower-case one; every other byte stays as it is.
 inline char asciiUpper(char c)
 {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;

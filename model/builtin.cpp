@@ -51,7 +51,7 @@ static void readVertices(Mesh* mesh, const uint8_t* bytes)
     }
 }
 
-// Whether all corners are vertices but for the third and fourth, or the fourth, which may be absent.
+// Whether all corners are vertices, except that the fourth, or the third and fourth, may be absent.
 static bool isSoundFace(const Corners& corners, uint32_t vertexCount)
 {
     if (corners[0] >= vertexCount || corners[1] >= vertexCount)

@@ -16,7 +16,7 @@ constexpr float texturePeriod = 2147483648.0f;
 
 // ----- plain
 
-// Like the instructions minps and maxps, these give the second argument when either is not a number.
+// Like the instructions minps and maxps, these give the second argument when either is NaN.
 static float lesser(float a, float b)
 {
     return a < b ? a : b;

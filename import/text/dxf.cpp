@@ -278,7 +278,8 @@ static bool storeFace(Mesh* mesh, DxfWelder* welder, const DxfFace& face, int co
     return true;
 }
 
-// Reads entity after entity. Returns false only when memory gives out: a file that ends anywhere is read up to there.
+// Reads entity after entity. A file that ends early is read up to its end. Returns false only when memory
+// runs out.
 static bool readEntities(DxfSource* source, Mesh* mesh, DxfWelder* welder)
 {
     bool lineWaits = false; // the line that ended a face has not been examined

@@ -44,7 +44,7 @@ TEST_F(PlyReader, TheUsualTrianglesMixWithOthers)
         std::string expected;
         for (int32_t i = 0; i < 30000; ++i) // far past one block
         {
-            int32_t a = i % 11, n = 3 + (i % 7 == 0); // vertex 10 is none
+            int32_t a = i % 11, n = 3 + (i % 7 == 0); // there is no vertex 10
             body.put<uint8_t>(static_cast<uint8_t>(n));
             for (int32_t k = 0; k < n; ++k)
                 body.put((a + k * k) % 11);
@@ -138,7 +138,7 @@ TEST_F(PlyReader, TristripsTurnEveryOtherTriangleAndRestartAfterMinusOne)
     EXPECT_EQ(stripsFrom("8 0 1 2 3 -1 4 5 6"), "0 1 2 -1; 1 3 2 -1; 4 5 6 -1");
     EXPECT_EQ(stripsFrom("9 0 1 2 -1 4 5 6 7 4"), "0 1 2 -1; 4 5 6 -1; 5 7 6 -1; 6 7 4 -1");
     EXPECT_EQ(stripsFrom("5 0 1 1 1 2"), "0 1 1 -1; 1 1 1 -1; 1 1 2 -1"); // without area, kept
-    EXPECT_EQ(stripsFrom("5 0 1 8 2 3"), "");                             // each touches what is no vertex
+    EXPECT_EQ(stripsFrom("5 0 1 8 2 3"), ""); // each has a corner index past the last vertex
     EXPECT_EQ(stripsFrom("6 0 1 8 2 3 4"), "2 4 3 -1");
     EXPECT_EQ(stripsFrom("4 0 1 2 -1"), "0 1 2 -1");
     EXPECT_EQ(stripsFrom("5 -1 0 1 2 3"), "0 2 1 -1; 1 2 3 -1");

@@ -170,7 +170,7 @@ TEST_F(PlyReader, RealFiles)
         { "platonic_shelf", 50, 0 }, { "platonic_shelf_ascii", 50, 0 }, { "points_ascii_with_lists", 5, 0 },
         { "points_emptyface", 1024, 0 }, { "pond.0", 70051, 0 }, { "reference", 845, 1610 },
         { "fuze_ascii", 502, 4000 }, // the second list has six texture coordinates
-        { "sofa", 12103, 96416 },    // likewise
+        { "sofa", 12103, 96416 },    // the same
     };
     // clang-format on
     for (const RealPly& expected : files)
