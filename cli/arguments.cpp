@@ -51,9 +51,9 @@ static std::string alternatives(const std::vector<std::string>& words)
 
 static std::vector<std::string> toolNames()
 {
-    std::vector<std::string> names;
-    for (const MeshTool& tool : meshTools)
-        names.emplace_back(tool.name);
+    std::vector<std::string> names(std::size(meshTools));
+    std::transform(std::begin(meshTools), std::end(meshTools), names.begin(),
+                   [](const MeshTool& tool) { return tool.name; });
     return names;
 }
 

@@ -296,8 +296,7 @@ static std::multiset<Corners> rotatedTriangles(const Mesh* mesh)
     return set;
 }
 
-// Heights make the squares' diagonals differ, so that the longest edge is the diagonal by which they are cut again or
-// the other, shorter one.
+// Which diagonal a merged square is cut by again may differ.
 TEST_F(Triangles, MergingAndCuttingGivesTheTrianglesBackUpToTheDiagonal)
 {
     for (uint32_t along = 1; along < 20; ++along)
