@@ -327,12 +327,12 @@ TEST_F(ObjReader, EveryRefusedAllocationFailsTheLoadWithoutALeak)
             EXPECT_EQ(recorded.boxes[0], outOfMemoryBox);
             EXPECT_EQ(recorded.boxes[1], (RecordedBox{ "Error: failed to open", file, iconStop }));
             EXPECT_TRUE(recorded.progress[0].closed);
-            if (file == path || n < 10) // the last is that of the placeholder texture coordinate
+            if (file == path || n < 9) // the last is that of the placeholder texture coordinate
             {
                 EXPECT_EQ(result.mesh->faceCount, 0) << "counts come with success";
             }
         }
-        EXPECT_EQ(refused, file == plain ? 9 : 15);
+        EXPECT_EQ(refused, file == plain ? 8 : 14);
         EXPECT_EQ(recorded.liveBlocks, 0);
     }
 }
