@@ -37,6 +37,7 @@ protected:
         Ending ending = run(words, refusing(setting));
         SCOPED_TRACE(setting + ": " + ending.said);
         expectDoneOrOutOfMemory(ending, outputs);
+        refusals += ending.status;
     }
 
     // From the given request on, refuses each request alone, and then each together with all later ones. Of the many
@@ -45,10 +46,12 @@ protected:
     {
         const long count = countRequests(words, outputs);
         ASSERT_GT(count, first);
+        refusals = 0;
         for (long n = first; n <= count && !HasFatalFailure(); ++n)
             refuse(words, outputs, "REFUSE_ONLY=" + std::to_string(n));
         for (long n = first; n <= count && !HasFatalFailure(); n += count - n > 100 ? 7 : 1)
             refuse(words, outputs, "REFUSE_FROM=" + std::to_string(n));
+        EXPECT_GT(refusals, 0) << "nothing was refused";
     }
 
     // Every command first parses the command line, with the same requests. The value is 100 below their number, so that
@@ -57,6 +60,8 @@ protected:
     {
         return countRequests({ "--version" }, {}) - 100;
     }
+
+    int refusals = 0; // that ended the program
 };
 
 TEST_F(KbxWithRefusedMemory, InfoEndsWellFromTheStartOn)
