@@ -70,6 +70,13 @@ TEST(Generators, ModelIsRebuiltBitForBit)
     EXPECT_TRUE(rebuilt("make_model", { "model.bin" })[0] == committed("model.bin"));
 }
 
+TEST(Generators, MenuAndPanelAreRebuiltFromTheTable)
+{
+    std::vector<std::string> files = rebuilt("make_controls", { "menu.rc", "panel.rc" });
+    EXPECT_EQ(files[0], committed("menu.rc"));
+    EXPECT_EQ(files[1], committed("panel.rc"));
+}
+
 TEST(Generators, TexturesAreRebuiltPixelForPixel)
 {
 #ifdef HAVE_JPEG

@@ -5,7 +5,7 @@
 #include "platform/boxes.h"
 #include "platform/resources.h"
 #include "platform/win32/handles.h"
-#include "resources/ids.h"
+#include "resources/controls.h"
 #include "shell/choices.h"
 #include "shell/scene.h"
 
@@ -98,67 +98,55 @@ protected:
 
 constexpr char square[] = "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\ng one\nf 1 2 3 4\n";
 
-TEST_F(DesktopInside, MenuHoldsItsEntriesInTheirOrder)
+static std::wstring wide(const char* ascii)
 {
-    static const struct
-    {
-        const wchar_t* title;
-        std::vector<std::pair<int, const wchar_t*>> entries; // 0: a separator
-    } menus[] = {
-        { L"&File",
-          { { 104, L"Open mesh File" },
-            { 0, L"" },
-            { 108, L"Export as obj" },
-            { 109, L"Export as pp2" },
-            { 0, L"" },
-            { 111, L"Save Image" },
-            { 110, L"Load texture" },
-            { 0, L"" },
-            { 112, L"Read RKF" },
-            { 113, L"Save RKF" },
-            { 0, L"" },
-            { 101, L"E&xit" } } },
-        { L"&Texture", { { 160, L"Wood" }, { 161, L"Metal" }, { 162, L"Pattern" }, { 163, L"User" } } },
-        { L"&Lights", { { 200, L"&Light 1" }, { 201, L"&Light 2" }, { 202, L"&Light 3" } } },
-        { L"Material",
-          { { 300, L"Brass" },
-            { 301, L"Wood" },
-            { 302, L"Pewter" },
-            { 303, L"Silver" },
-            { 304, L"Gold" },
-            { 305, L"Green" },
-            { 306, L"Chalk" },
-            { 307, L"Brick" },
-            { 308, L"Crystal" },
-            { 309, L"White" },
-            { 310, L"Prop Material" } } },
-        { L"Options",
-          { { 336, L"Background grey1" },
-            { 337, L"Background grey2" },
-            { 338, L"Background black" },
-            { 0, L"" },
-            { 339, L"3ds keyframes" },
-            { 340, L"Exact Weld" },
-            { 0, L"" },
-            { 140, L"Reset View" } } },
-        { L"Help", { { 102, L"About Application" } } },
-    };
+    return { ascii, ascii + strlen(ascii) };
+}
+
+TEST_F(DesktopInside, MenuIsTheOneOfTheTable)
+{
     HMENU bar = GetMenu(mainWindow);
-    ASSERT_EQ(GetMenuItemCount(bar), 6);
-    for (int i = 0; i < 6; ++i)
+    ASSERT_EQ(GetMenuItemCount(bar), static_cast<int>(std::size(menus)));
+    for (int i = 0; i < GetMenuItemCount(bar); ++i)
     {
+        const Menu& expected = menus[i];
         wchar_t title[64] = L"";
         GetMenuStringW(bar, static_cast<UINT>(i), title, 64, MF_BYPOSITION);
-        EXPECT_STREQ(title, menus[i].title);
+        EXPECT_EQ(title, wide(expected.text));
         HMENU menu = GetSubMenu(bar, i);
-        ASSERT_EQ(GetMenuItemCount(menu), static_cast<int>(menus[i].entries.size())) << i;
+        ASSERT_EQ(GetMenuItemCount(menu), static_cast<int>(expected.entries.size())) << i;
         for (int j = 0; j < GetMenuItemCount(menu); ++j)
         {
-            auto [id, text] = menus[i].entries[static_cast<size_t>(j)];
-            EXPECT_EQ(GetMenuItemID(menu, j), static_cast<UINT>(id));
-            EXPECT_TRUE(id == 0 || menuText(id) == text) << id;
+            const MenuEntry& entry = expected.entries[static_cast<size_t>(j)];
+            EXPECT_EQ(GetMenuItemID(menu, j), static_cast<UINT>(entry.id));
+            EXPECT_TRUE(!entry.text || menuText(entry.id) == wide(entry.text)) << entry.id;
         }
     }
+}
+
+TEST_F(DesktopInside, PanelIsTheOneOfTheTable)
+{
+    HWND control = GetWindow(toolPanel, GW_CHILD);
+    auto next = [&](int id, const std::wstring& text)
+    {
+        ASSERT_NE(control, nullptr);
+        EXPECT_EQ(static_cast<short>(GetDlgCtrlID(control)), id);
+        EXPECT_TRUE(text.empty() || windowText(control) == text) << id;
+        control = GetWindow(control, GW_HWNDNEXT);
+    };
+    for (const PanelGroup& group : panelGroups)
+    {
+        next(-1, L" " + wide(group.text) + L" ");
+        if (group.listId)
+            next(group.listId, L"");
+        for (const PanelControl& expected : group.controls)
+        {
+            next(group.kind == panelCount ? -1 : expected.id, wide(expected.text));
+            if (group.kind == panelCount)
+                next(expected.id, L"");
+        }
+    }
+    EXPECT_EQ(control, nullptr);
 }
 
 TEST_F(DesktopInside, MarksFollowTheChoices)
