@@ -88,7 +88,7 @@ static void writeObj(benchmark::State& state)
 {
     sheet();
     for (auto _ : state)
-        if (!WriteObjFile(sheet(), pathOf("export_bench.obj").c_str(), "export_bench.obj", saveWhole))
+        if (!WriteObjFile(sheet(), pathOf("export_bench.obj").c_str(), "export_bench.obj"))
             abort();
     countBytes(state, { "export_bench.obj", "export_bench.mtl" });
 }
@@ -97,7 +97,7 @@ static void writeProp(benchmark::State& state)
 {
     sheet();
     for (auto _ : state)
-        if (!WritePropFile(sheet(), pathOf("export_bench.pp2").c_str(), nullptr, saveWhole))
+        if (!WritePropFile(sheet(), pathOf("export_bench.pp2").c_str(), nullptr))
             abort();
     countBytes(state, { "export_bench.pp2" });
 }
@@ -106,7 +106,7 @@ static void writeLux(benchmark::State& state)
 {
     sheet();
     for (auto _ : state)
-        if (!WriteLuxFiles(sheet(), pathOf("export_bench.lxs").c_str(), saveWhole))
+        if (!WriteLuxFiles(sheet(), pathOf("export_bench.lxs").c_str()))
             abort();
     countBytes(state, { "export_bench.lxo", "export_bench.lxm", "export_bench.lxs", "export_bench_textures.txt" });
 }
@@ -115,7 +115,7 @@ static void writeRkf(benchmark::State& state)
 {
     sheet();
     for (auto _ : state)
-        if (!WriteRkfFile(sheet(), pathOf("export_bench.rkf").c_str(), false, saveWhole))
+        if (!WriteRkfFile(sheet(), pathOf("export_bench.rkf").c_str(), false))
             abort();
     countBytes(state, { "export_bench.rkf" });
 }

@@ -113,7 +113,7 @@ static std::string makeRkf(int side)
 {
     Sample rkf("-made.rkf", "");
     Mesh* mesh = readOff(makeOff(side));
-    if (!WriteRkfFile(mesh, rkf.path.c_str(), false, saveInPlace))
+    if (!WriteRkfFile(mesh, rkf.path.c_str(), false))
         abort();
     freeMesh(mesh);
     std::ifstream file(rkf.path, std::ios::binary);
@@ -155,7 +155,7 @@ static void rkfWrite(benchmark::State& state)
     Mesh* mesh = readOff(makeOff(static_cast<int>(state.range(0))));
     for (auto _ : state)
     {
-        if (!WriteRkfFile(mesh, sample.path.c_str(), false, saveInPlace))
+        if (!WriteRkfFile(mesh, sample.path.c_str(), false))
             state.SkipWithError("not written");
     }
     sample.bytes = static_cast<double>(std::filesystem::file_size(sample.path));

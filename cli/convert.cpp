@@ -15,7 +15,7 @@
 
 static int writeObj(Mesh* mesh, const std::string& path)
 {
-    int ok = WriteObjFile(mesh, path.c_str(), fileNameOf(path.c_str()), saveWhole);
+    int ok = WriteObjFile(mesh, path.c_str(), fileNameOf(path.c_str()));
     freeMesh(mesh);
     return ok;
 }
@@ -28,7 +28,7 @@ static int writeProp(Mesh* mesh, const std::string& path)
     if (ok)
     {
         PreviewSource preview = { frameBuffer.picture.bits, view.width, view.height, frameBuffer.pitch * 3 };
-        ok = WritePropFile(mesh, path.c_str(), &preview, saveWhole);
+        ok = WritePropFile(mesh, path.c_str(), &preview);
     }
     releaseDrawing();
     return ok;
@@ -41,14 +41,14 @@ static int writeRkf(Mesh* mesh, const std::string& path)
                                                 : nullptr;
     if (obstacle)
         fprintf(stderr, "kbx: %s cannot be written: %s\n", path.c_str(), obstacle);
-    int ok = !obstacle && WriteRkfFile(mesh, path.c_str(), false, saveWhole);
+    int ok = !obstacle && WriteRkfFile(mesh, path.c_str(), false);
     freeMesh(mesh);
     return ok;
 }
 
 static int writeLux(Mesh* mesh, const std::string& path)
 {
-    int ok = WriteLuxFiles(mesh, path.c_str(), saveWhole);
+    int ok = WriteLuxFiles(mesh, path.c_str());
     freeMesh(mesh);
     return ok;
 }

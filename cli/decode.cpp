@@ -18,7 +18,7 @@ int runDecode(const Arguments& arguments)
             fprintf(stderr, "kbx: cannot read %s\n", path);
         return 1;
     }
-    int ok = writeDecodedPicture(arguments.output.c_str(), described, image.pixels, saveWhole);
+    int ok = writeDecodedPicture(arguments.output.c_str(), described, image.pixels);
     free(image.pixels);
     return ok ? 0 : 1;
 }

@@ -48,9 +48,13 @@ static bool writeBmpRows(FILE* file, const BmpPicture* picture)
     return ok;
 }
 
-int WriteBmpFile(const char* path, const BmpPicture* picture, SaveMode mode)
+int WriteBmp(FILE* file, const BmpPicture* picture)
+{
+    return writeBmpHeader(file, picture) && writeBmpRows(file, picture);
+}
+
+int WriteBmpFile(const char* path, const BmpPicture* picture)
 {
     OutputFile output;
-    return openOutput(&output, path, mode) &&
-           commitOutput(&output, writeBmpHeader(output.file, picture) && writeBmpRows(output.file, picture));
+    return openOutput(&output, path) && commitOutput(&output, WriteBmp(output.file, picture) != 0);
 }

@@ -27,6 +27,9 @@ inline size_t bmpRowBytes(int32_t width)
     return (static_cast<size_t>(width) * 3 + 3) & ~size_t{ 3 };
 }
 
-// Returns 1, or 0 when the file could not be written whole or there is no memory for a row: in place in silence, with
-// saveWhole after a box. Of sizes past 32 bits the header has the low ones.
-int WriteBmpFile(const char* path, const BmpPicture* picture, SaveMode mode);
+// Writes into an open file, which is the caller's. Returns 1, or 0 in silence when the file takes no more or there is
+// no memory for a row. Of sizes past 32 bits the header has the low ones.
+int WriteBmp(FILE* file, const BmpPicture* picture);
+
+// Writes a file by its name. Returns 1, or 0 after a box when it could not be written whole.
+int WriteBmpFile(const char* path, const BmpPicture* picture);

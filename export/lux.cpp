@@ -130,18 +130,18 @@ std::string luxBaseName(const char* path)
     return name;
 }
 
-int WriteLuxFiles(const Mesh* mesh, const char* path, SaveMode mode)
+int WriteLuxFiles(const Mesh* mesh, const char* path)
 {
     LuxText text;
     OutputFile outputs[luxFileCount] = {};
     std::string base = folderOf(path) + luxBaseName(path);
     int ok = openLuxScene(&text.scene, mesh, luxBaseName(path));
-    if (!ok && mode == saveWhole)
+    if (!ok)
         reportOutOfMemory();
     for (int i = 0; ok && i < luxFileCount; ++i)
     {
         text.file = &luxFiles[i];
-        ok = writeTextOutput(&outputs[i], base + text.file->ending, mode, writeLuxText, &text);
+        ok = writeTextOutput(&outputs[i], base + text.file->ending, writeLuxText, &text);
     }
     closeLuxScene(&text.scene);
     return commitOutputs(outputs, luxFileCount, ok != 0);

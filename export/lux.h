@@ -12,7 +12,6 @@ std::string luxBaseName(const char* path);
 
 // Writes the four files into the folder of a path, whose file name gives the base name.
 //
-// Returns 1, or 0 as soon as memory or a file is refused. When writing in place, no message appears, files written
-// before stay and short writes are not noticed. With saveWhole a box shows the cause ("Out of memory" among them), and
-// existing files stay unchanged.
-int WriteLuxFiles(const Mesh* mesh, const char* path, SaveMode mode);
+// Returns 1, or 0 as soon as memory or a file is refused, after a box with the cause ("Out of memory" among them).
+// Existing files then stay unchanged.
+int WriteLuxFiles(const Mesh* mesh, const char* path);

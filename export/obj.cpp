@@ -165,27 +165,27 @@ static std::string mtlPathOf(const std::string& objPath)
 }
 
 // Returns 1 also when there is no library to be written; the output then stays cleared.
-static int writeMtlOutput(OutputFile* output, const Mesh* mesh, const char* objPath, SaveMode mode)
+static int writeMtlOutput(OutputFile* output, const Mesh* mesh, const char* objPath)
 {
     std::string path = mtlPathOf(objPath);
     if (mesh->materialCount <= 0 || path.empty())
         return 1;
-    return writeTextOutput(output, path, mode, writeMtlText, &mesh);
+    return writeTextOutput(output, path, writeMtlText, &mesh);
 }
 
-int WriteMtlFile(const Mesh* mesh, const char* objPath, SaveMode mode)
+int WriteMtlFile(const Mesh* mesh, const char* objPath)
 {
     OutputFile output = {};
-    return commitOutputs(&output, 1, writeMtlOutput(&output, mesh, objPath, mode) != 0);
+    return commitOutputs(&output, 1, writeMtlOutput(&output, mesh, objPath) != 0);
 }
 
-int WriteObjFile(const Mesh* mesh, const char* path, const char* fileTitle, SaveMode mode)
+int WriteObjFile(const Mesh* mesh, const char* path, const char* fileTitle)
 {
     OutputFile outputs[2] = {}; // the MTL file first: no OBJ file names one that is not there
     ObjText text = { mesh, withoutExtension(fileTitle) + ".mtl", {}, nullptr, false, -1 };
-    int ok = writeTextOutput(&outputs[1], path, mode, writeObjText, &text);
-    if (ok && !writeMtlOutput(&outputs[0], mesh, path, mode))
-        ok = mode == saveInPlace;
+    int ok = writeTextOutput(&outputs[1], path, writeObjText, &text);
+    if (ok)
+        ok = writeMtlOutput(&outputs[0], mesh, path);
     endSaveProgress(&text.progress);
     return commitOutputs(outputs, 2, ok != 0);
 }

@@ -13,10 +13,10 @@
 //
 // fileTitle: the file's name without its folder, from which the library's name in the OBJ file is made
 //
-// Returns 1, or 0 when a file could not be written. In place, only an OBJ file that cannot be created counts: a short
-// write or a missing MTL file does not. The library takes its place before the OBJ file that names it.
-int WriteObjFile(const Mesh* mesh, const char* path, const char* fileTitle, SaveMode mode);
+// Returns 1, or 0 when a file could not be written; then neither takes its place. The library takes its place before
+// the OBJ file that names it.
+int WriteObjFile(const Mesh* mesh, const char* path, const char* fileTitle);
 
 // Writes the MTL file of an OBJ file alone: ".mtl" replaces the last four characters of the path. Writes nothing for a
 // mesh without materials or a path shorter than 5 characters. Returns 1, or 0 when the file could not be written.
-int WriteMtlFile(const Mesh* mesh, const char* objPath, SaveMode mode);
+int WriteMtlFile(const Mesh* mesh, const char* objPath);

@@ -8,8 +8,6 @@
 #include <string.h>
 #include <vector>
 
-constexpr size_t placeRoom = 8192;
-
 // Shows the box that says what could not be done, and explains it with the operating system's reason.
 static int reportFailure(const OutputFile* output, const char* what, int reason)
 {
@@ -23,23 +21,21 @@ static int reportFailure(const OutputFile* output, const char* what, int reason)
 
 static FILE* openWhole(OutputFile* output)
 {
-    char place[placeRoom];
-    FileTarget kind = findFileTarget(output->target.c_str(), place, sizeof place);
+    std::string place;
+    FileTarget kind = findFileTarget(output->target.c_str(), &place);
     if (kind == targetRefused)
         return nullptr;
     if (kind == targetDirect)
-        return openFile(place, "wb");
-    return createPendingFile(&output->pending, place) ? output->pending.file : nullptr;
+        return openFile(place.c_str(), "wb");
+    return createPendingFile(&output->pending, place.c_str()) ? output->pending.file : nullptr;
 }
 
-int openOutput(OutputFile* output, const std::string& target, SaveMode mode)
+int openOutput(OutputFile* output, const std::string& target)
 {
-    *output = { nullptr, mode, target, {} };
+    *output = { nullptr, target, {} };
     errno = 0;
-    output->file = mode == saveInPlace ? openFile(target.c_str(), "wb") : openWhole(output);
-    if (!output->file && mode == saveWhole)
-        return reportFailure(output, "Error cannot create", errno);
-    return output->file != nullptr;
+    output->file = openWhole(output);
+    return output->file ? 1 : reportFailure(output, "Error cannot create", errno);
 }
 
 // Closes and removes what has not been put in place, at whatever stage an output is.
@@ -76,7 +72,7 @@ int closeOutput(OutputFile* output, bool written)
     if (whole)
         return 1;
     abandonOutputs(output, 1);
-    return output->mode == saveWhole ? reportFailure(output, "Error cannot write", reason) : 0;
+    return reportFailure(output, "Error cannot write", reason);
 }
 
 int commitOutputs(OutputFile* outputs, int count, bool whole)

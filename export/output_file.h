@@ -1,37 +1,30 @@
 // export/output_file.h - the files that a writer makes, and what happens to them when something fails
 //
-// saveWhole: the bytes go to a pending file (platform/pending_files.h), which replaces the target when all of them are
-// written. Until then, and when anything fails, an earlier file of that name stays as it was. The files of a set
-// replace their targets only when every one of them is whole. A symbolic link is followed: the file it leads to is
-// replaced. A device or a pipe takes the bytes directly. A file without the permission to write is not replaced.
+// The bytes go to a pending file (platform/pending_files.h), which replaces the target when all of them are written.
+// Until then, and when anything fails, an earlier file of that name stays as it was. The files of a set replace their
+// targets only when every one of them is whole. A symbolic link is followed: the file it leads to is replaced. A device
+// or a pipe takes the bytes directly. A file without the permission to write is not replaced.
 //
-// saveInPlace: the bytes go straight into the target, and nothing is shown. What was written before a failure stays.
+// Every failure is shown in a message box with the path and explained with its cause.
 #pragma once
 #include "platform/pending_files.h"
 
 #include <stdio.h>
 #include <string>
 
-enum SaveMode
-{
-    saveInPlace, // for the desktop program, whose commands choose what to report
-    saveWhole    // for the command line; every failure is shown in a message box and explained with its cause
-};
-
 struct OutputFile
 {
-    FILE* file; // write here; null before opening and after closing
-    SaveMode mode;
+    FILE* file;          // write here; null before opening and after closing
     std::string target;  // the path that the user gave
-    PendingFile pending; // with saveWhole; its file is null when the target takes the bytes directly
+    PendingFile pending; // its file is null when the target takes the bytes directly
 };
 
-// Creates the target, or the pending file with saveWhole. Returns 1, or 0; with saveWhole after the message box "Error
+// Creates the pending file of a target, or opens a device or a pipe. Returns 1, or 0 after the message box "Error
 // cannot create".
-int openOutput(OutputFile* output, const std::string& target, SaveMode mode);
+int openOutput(OutputFile* output, const std::string& target);
 
 // Ends the writing of a file. written: whether all earlier writes have succeeded. Returns 1 when the file is whole.
-// Otherwise it returns 0; with saveWhole after the message box "Error cannot write" and with the pending file removed.
+// Otherwise it returns 0, after the message box "Error cannot write" and with the pending file removed.
 int closeOutput(OutputFile* output, bool written);
 
 // Ends a set of files. whole: whether all of them are. If so, they replace their targets, from first to last; cleared

@@ -306,13 +306,13 @@ static std::string previewPathOf(const char* propPath)
     return folderOf(propPath) + upToLastDot(fileNameOf(propPath)) + ".rsr";
 }
 
-int WritePropFile(const Mesh* mesh, const char* propPath, const PreviewSource* frame, SaveMode mode)
+int WritePropFile(const Mesh* mesh, const char* propPath, const PreviewSource* frame)
 {
     OutputFile outputs[2] = {}; // the preview takes its place first
     PropText text = { mesh, {} };
-    int ok = writeTextOutput(&outputs[1], propPath, mode, writePropText, &text);
-    if (ok && frame && !writeTextOutput(&outputs[0], previewPathOf(propPath), mode, writePreviewBytes, &frame))
-        ok = mode == saveInPlace;
+    int ok = writeTextOutput(&outputs[1], propPath, writePropText, &text);
+    if (ok && frame)
+        ok = writeTextOutput(&outputs[0], previewPathOf(propPath), writePreviewBytes, &frame);
     endSaveProgress(&text.progress);
     return commitOutputs(outputs, 2, ok != 0);
 }

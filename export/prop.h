@@ -8,6 +8,5 @@
 
 // Writes the prop and, when frame is not null, the preview of that frame beside it, under the extension "rsr".
 //
-// Returns 1, or 0 when a file could not be written. In place, only a prop that cannot be created counts: a short write
-// or a missing preview does not.
-int WritePropFile(const Mesh* mesh, const char* propPath, const PreviewSource* frame, SaveMode mode);
+// Returns 1, or 0 when a file could not be written; then neither takes its place.
+int WritePropFile(const Mesh* mesh, const char* propPath, const PreviewSource* frame);

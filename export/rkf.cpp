@@ -125,24 +125,21 @@ int WriteRkf(const Mesh* mesh, FILE* file, bool omitMaterials)
     return written;
 }
 
-static int reportFileError()
-{
-    messageBox("File Error", "Error", iconNone);
-    return 0;
-}
-
-int WriteRkfFile(const Mesh* mesh, const char* path, bool omitMaterials, SaveMode mode)
+int WriteRkfFile(const Mesh* mesh, const char* path, bool omitMaterials)
 {
     if (!rkfCanHold(mesh))
-        return reportFileError();
+    {
+        messageBox("File Error", "Error", iconNone);
+        return 0;
+    }
     auto* block = static_cast<RkfBlock*>(workAlloc(sizeof(RkfBlock)));
     OutputFile output;
-    if (!block || !openOutput(&output, path, mode))
+    if (!block || !openOutput(&output, path))
     {
         workFree(block);
         return 0;
     }
     int whole = commitOutput(&output, writeRkfBytes(mesh, output.file, omitMaterials, block));
     workFree(block);
-    return whole || mode == saveWhole ? whole : reportFileError();
+    return whole;
 }

@@ -13,7 +13,6 @@ int rkfCanHold(const Mesh* mesh);
 // more, and with nothing written when the format cannot hold the mesh or after "Out of memory".
 int WriteRkf(const Mesh* mesh, FILE* file, bool omitMaterials);
 
-// Writes a file by its name. Returns 1, or 0: when the format cannot hold the mesh, after "File Error", and after "Out
-// of memory", both with the target as it was; else as openOutput and closeOutput say, in place with "File Error" for a
-// short write.
-int WriteRkfFile(const Mesh* mesh, const char* path, bool omitMaterials, SaveMode mode);
+// Writes a file by its name. Returns 1, or 0 with the target as it was: when the format cannot hold the mesh, after
+// "File Error"; after "Out of memory"; else as openOutput and closeOutput say.
+int WriteRkfFile(const Mesh* mesh, const char* path, bool omitMaterials);

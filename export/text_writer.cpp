@@ -89,19 +89,18 @@ void writeLine(TextWriter* writer, const char* format, ...)
     writeBlankLine(writer);
 }
 
-int writeTextOutput(OutputFile* output, const std::string& target, SaveMode mode,
-                    void (*writeText)(TextWriter* writer, void* context), void* context)
+int writeTextOutput(OutputFile* output, const std::string& target, void (*writeText)(TextWriter* writer, void* context),
+                    void* context)
 {
     auto* writer = static_cast<TextWriter*>(allocatePages(sizeof(TextWriter))); // too large for a small stack
     if (!writer)
-        return mode == saveWhole ? reportOutOfMemory() : 0;
-    int ok = openOutput(output, target, mode);
+        return reportOutOfMemory();
+    int ok = openOutput(output, target);
     if (ok)
     {
         startText(writer, output->file);
         writeText(writer, context);
-        int whole = closeOutput(output, finishText(writer) != 0);
-        ok = whole || mode == saveInPlace;
+        ok = closeOutput(output, finishText(writer) != 0);
     }
     releasePages(writer);
     return ok;

@@ -62,8 +62,7 @@ void writeLine(TextWriter* writer, const char* format, ...);
 
 void writeBlankLine(TextWriter* writer);
 
-// Opens an output, has its text written and closes it. Returns 1; or 0 when the file could not be created or, with
-// saveWhole, not be written whole, and after "Out of memory" without a target touched. A short write in place is not
-// noticed: a full disk leaves a short file there.
-int writeTextOutput(OutputFile* output, const std::string& target, SaveMode mode,
-                    void (*writeText)(TextWriter* writer, void* context), void* context);
+// Opens an output, has its text written and closes it. Returns 1; or 0 when the file could not be created or not be
+// written whole, and after "Out of memory".
+int writeTextOutput(OutputFile* output, const std::string& target, void (*writeText)(TextWriter* writer, void* context),
+                    void* context);

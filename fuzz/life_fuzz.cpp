@@ -110,15 +110,15 @@ static void readBack(const char* name, int (*load)(Mesh*, const char*))
 
 static void write(const Mesh* mesh, const FrameState& state)
 {
-    if (WriteObjFile(mesh, (folder() + "m.obj").c_str(), "m.obj", saveWhole))
+    if (WriteObjFile(mesh, (folder() + "m.obj").c_str(), "m.obj"))
         readBack("m.obj", LoadObjFile);
     PreviewSource preview = { frameBuffer.picture.bits, state.displayWidth, state.displayHeight,
                               frameBuffer.pitch * 3 };
-    if (frameBuffer.cells && WritePropFile(mesh, (folder() + "m.pp2").c_str(), &preview, saveWhole))
+    if (frameBuffer.cells && WritePropFile(mesh, (folder() + "m.pp2").c_str(), &preview))
         readBack("m.pp2", LoadPoserFile);
-    if (WriteRkfFile(mesh, (folder() + "m.rkf").c_str(), false, saveInPlace))
+    if (WriteRkfFile(mesh, (folder() + "m.rkf").c_str(), false))
         readBack("m.rkf", LoadRkfFile);
-    WriteLuxFiles(mesh, (folder() + "m.lxs").c_str(), saveWhole);
+    WriteLuxFiles(mesh, (folder() + "m.lxs").c_str());
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)

@@ -43,6 +43,5 @@ enum FileTarget
     targetRefused      // a folder, or a file without the permission to write
 };
 
-// Finds out what is at a path, and writes the path of the file itself, with links followed. Refuses an empty path, and
-// one that does not fit in roomBytes.
-FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes);
+// Finds out what is at a path, and gives the path of the file itself, with links followed. Refuses an empty path.
+FileTarget findFileTarget(const char* path, std::string* actual);

@@ -11,6 +11,7 @@
 #include "shell/model_files.h"
 #include "shell/picture_file.h"
 #include "shell/scene.h"
+#include "shell/title.h"
 
 // Moves the tick of a group of menu entries; first is the group's first entry.
 static void moveTick(int first, int32_t from, int32_t to)
@@ -197,7 +198,7 @@ void mainWindowSized(bool minimised)
         askForRedraw();
         return;
     }
-    setWindowTitle(programName);
+    showTitle(programName);
     frameState.continuousRedraw = 0;
     endDrags();
 }

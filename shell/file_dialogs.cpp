@@ -7,7 +7,6 @@
 #include "image/textures.h"
 #include "import/rkf.h"
 #include "model/ascii.h"
-#include "platform/boxes.h"
 #include "platform/dialogs.h"
 #include "platform/file_names.h"
 
@@ -116,19 +115,13 @@ int choosePictureToSave(const std::string& modelName, std::string* path)
     return 1;
 }
 
-static int reportUncreated(const std::string& path)
-{
-    messageBox(path.c_str(), "Error cannot create", iconStop);
-    return 0;
-}
-
 int SaveObjFile(const Mesh* mesh, std::string* name, std::string* path)
 {
     Choice choice;
     if (!askToSave(saveObjRow, withoutExtension(*name), ".obj", &choice))
         return 0;
-    if (!WriteObjFile(mesh, choice.path.c_str(), choice.title.c_str(), saveInPlace))
-        return reportUncreated(choice.path);
+    if (!WriteObjFile(mesh, choice.path.c_str(), choice.title.c_str()))
+        return 0;
     *name = choice.title;
     *path = choice.path;
     return 1;
@@ -139,9 +132,7 @@ int savePoserProp(const Mesh* mesh, const std::string& suggestedName, bool write
     Choice choice;
     if (!askToSave(savePropRow, upToLastDot(suggestedName), ".pp2", &choice))
         return 0;
-    if (!WritePropFile(mesh, choice.path.c_str(), writePreview ? frame : nullptr, saveInPlace))
-        return reportUncreated(choice.path);
-    return 1;
+    return WritePropFile(mesh, choice.path.c_str(), writePreview ? frame : nullptr);
 }
 
 int RkfFileDialog(Mesh* mesh, std::string* path, std::string* title, bool save, bool omitMaterials)
@@ -153,7 +144,7 @@ int RkfFileDialog(Mesh* mesh, std::string* path, std::string* title, bool save, 
         return 0;
     *path = choice.path;
     *title = choice.title;
-    return save ? WriteRkfFile(mesh, path->c_str(), omitMaterials, saveInPlace) : LoadRkfFile(mesh, path->c_str());
+    return save ? WriteRkfFile(mesh, path->c_str(), omitMaterials) : LoadRkfFile(mesh, path->c_str());
 }
 
 int loadUserTexture(Image* image, std::string* title)

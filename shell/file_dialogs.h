@@ -20,7 +20,7 @@ int choosePictureToSave(const std::string& modelName, std::string* path);
 //
 // name: the current model's file name on entry; on success it and path receive those of the file written
 //
-// A file that cannot be created is shown in the box "Error cannot create". Nothing else that goes wrong is shown.
+// A file that cannot be created or written whole is reported (export/output_file.h); then neither file takes its place.
 int SaveObjFile(const Mesh* mesh, std::string* name, std::string* path);
 
 // Asks for a Poser prop and writes the mesh to it, and, with writePreview, the preview of the frame beside it.
@@ -33,8 +33,8 @@ int savePoserProp(const Mesh* mesh, const std::string& suggestedName, bool write
 // path: for saving, the current model's file name on entry; receives the path chosen, and title its file name
 // omitMaterials: as for WriteRkf (export/rkf.h); no command sets it
 //
-// A file that does not open is not reported, one that fails later is, by "File Error". After a failed read the mesh is
-// only good for freeMesh.
+// A file that does not open for reading is not reported, one that fails later is, by "File Error"; one that cannot be
+// written is reported as for SaveObjFile. After a failed read the mesh is only good for freeMesh.
 int RkfFileDialog(Mesh* mesh, std::string* path, std::string* title, bool save, bool omitMaterials);
 
 // Asks for a JPEG file and decodes it into the image, whose old pixels are freed then. title receives the file's name

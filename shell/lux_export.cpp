@@ -7,7 +7,7 @@
 
 int exportLuxRender(const Mesh* mesh, const char* modelFileName)
 {
-    if (!WriteLuxFiles(mesh, modelFileName, saveInPlace))
+    if (!WriteLuxFiles(mesh, modelFileName))
         return 0;
     messageBox((luxBaseName(modelFileName) + ".lxo, .lxm and .lxs files exported").c_str(), "LuxRender Export",
                iconNone);

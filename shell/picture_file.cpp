@@ -2,6 +2,7 @@
 #include "shell/picture_file.h"
 
 #include "export/bmp.h"
+#include "platform/files.h"
 #include "shell/file_dialogs.h"
 #include "shell/scene.h"
 
@@ -16,10 +17,10 @@ static void fillFrameRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
     memcpy(bytes, target->picture.bits + fromTop * strideBytes, bmpRowBytes(picture->width));
 }
 
-int writePicture(const char* path, const FrameBuffer* target, int32_t width, int32_t height, SaveMode mode)
+int writePicture(const char* path, const FrameBuffer* target, int32_t width, int32_t height)
 {
     BmpPicture picture = { width, height, true, 0, 0, fillFrameRow, target };
-    return WriteBmpFile(path, &picture, mode);
+    return WriteBmpFile(path, &picture);
 }
 
 static void fillDecodedRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
@@ -33,7 +34,7 @@ static void fillDecodedRow(uint8_t* bytes, int32_t row, const BmpPicture* pictur
     }
 }
 
-int writeDecodedPicture(const char* path, const JpegOutput& decoded, const uint32_t* pixels, SaveMode mode)
+static BmpPicture describeDecoded(const JpegOutput& decoded, const uint32_t* pixels)
 {
     constexpr int32_t dotsPerCentimetre = 2;
     BmpPicture picture = { decoded.width, decoded.height, false, 0, 0, fillDecodedRow, pixels };
@@ -42,19 +43,36 @@ int writeDecodedPicture(const char* path, const JpegOutput& decoded, const uint3
         picture.xPerMetre = static_cast<uint32_t>(decoded.xDensity) * 100;
         picture.yPerMetre = static_cast<uint32_t>(decoded.yDensity) * 100;
     }
-    return WriteBmpFile(path, &picture, mode);
+    return picture;
+}
+
+int writeDecodedPicture(const char* path, const JpegOutput& decoded, const uint32_t* pixels)
+{
+    BmpPicture picture = describeDecoded(decoded, pixels);
+    return WriteBmpFile(path, &picture);
 }
 
 int saveImage()
 {
     std::string path;
     return choosePictureToSave(currentFileName, &path) &&
-           writePicture(path.c_str(), &frameBuffer, frameState.displayWidth, frameState.displayHeight, saveInPlace);
+           writePicture(path.c_str(), &frameBuffer, frameState.displayWidth, frameState.displayHeight);
+}
+
+// The dumps have no window to show a message in, so they write straight into the file.
+static int dumpPicture(const char* path, const BmpPicture* picture)
+{
+    FILE* file = openFile(path, "wb");
+    if (!file)
+        return 0;
+    int ok = WriteBmp(file, picture);
+    return fclose(file) == 0 && ok;
 }
 
 int writeDebugBmp(const JpegOutput& decoded, const uint32_t* pixels)
 {
-    return writeDecodedPicture("test.bmp", decoded, pixels, saveInPlace);
+    BmpPicture picture = describeDecoded(decoded, pixels);
+    return dumpPicture("test.bmp", &picture);
 }
 
 static void fillShadowRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
@@ -73,5 +91,5 @@ int DumpShadowMap(const FrameBuffer* target)
         return 0;
     called = true;
     BmpPicture picture = { target->shadowSize, target->shadowSize, true, 0, 0, fillShadowRow, target };
-    return WriteBmpFile("shadow.bmp", &picture, saveInPlace);
+    return dumpPicture("shadow.bmp", &picture);
 }

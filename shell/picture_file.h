@@ -1,19 +1,18 @@
 // shell/picture_file.h - pictures in memory as bitmap files: the display's, a decoded one, the shadow map
 #pragma once
-#include "export/output_file.h"
 #include "image/jpeg.h"
 #include "render/frame.h"
 
 // Writes the display's part of the frame buffer's bitmap; rows are padded with what lies to the right of the display.
 // Returns 1, or 0 as WriteBmpFile does.
-int writePicture(const char* path, const FrameBuffer* target, int32_t width, int32_t height, SaveMode mode);
+int writePicture(const char* path, const FrameBuffer* target, int32_t width, int32_t height);
 
 // Writes the pixels that the decoder made of a picture, with the density that its file names in dots per centimetre.
 // Returns 1, or 0 as WriteBmpFile does.
-int writeDecodedPicture(const char* path, const JpegOutput& decoded, const uint32_t* pixels, SaveMode mode);
+int writeDecodedPicture(const char* path, const JpegOutput& decoded, const uint32_t* pixels);
 
-// "Save Image": asks for a file and writes the picture into it. No failure shows a message. Returns 1 when the file is
-// written.
+// "Save Image": asks for a file and writes the picture into it. Returns 1 when the file is written; 0 when the user
+// cancelled, or after a box with the cause.
 int saveImage();
 
 // The dumps are for whoever looks for a fault in the decoder or the shadows; no command calls them. Both write into the

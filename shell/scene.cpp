@@ -2,8 +2,8 @@
 #include "shell/scene.h"
 
 #include "image/textures.h"
-#include "platform/controls.h"
 #include "platform/files.h"
+#include "shell/title.h"
 
 ModelList modelList;
 FrameBuffer frameBuffer;
@@ -24,12 +24,12 @@ void nameModel(const std::string& name, const std::string& path)
 
 void showFileTitle()
 {
-    setWindowTitle((programName + (": " + currentFileName)).c_str());
+    showTitle(programName + (": " + currentFileName));
 }
 
 void showSavedTitle()
 {
-    setWindowTitle((programName + (": File " + currentFileName) + " saved").c_str());
+    holdTitle(programName + (": File " + currentFileName) + " saved");
 }
 
 void releaseModels()

@@ -26,6 +26,6 @@ void releaseImages();
 // Names the current model. path: from the root or from the current folder, "" for the built-in model.
 void nameModel(const std::string& name, const std::string& path);
 
-// Set the main window's title to "PROGRAM: NAME" and "PROGRAM: File NAME saved".
+// Set the main window's title to "PROGRAM: NAME", and to "PROGRAM: File NAME saved" for two seconds at least.
 void showFileTitle();
 void showSavedTitle();

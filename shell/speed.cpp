@@ -2,8 +2,8 @@
 #include "shell/speed.h"
 
 #include "platform/clock.h"
-#include "platform/controls.h"
 #include "shell/scene.h"
+#include "shell/title.h"
 
 #include <stdio.h>
 
@@ -15,12 +15,13 @@ void startSpeedMeter(SpeedMeter* meter)
         meter->timerStart = tickCount();
 }
 
-static void showSpeed(const Mesh* mesh, const std::string& modelName, int32_t polygonsPerMs)
+// Returns 1, or 0 while another title is being held.
+static int showSpeed(const Mesh* mesh, const std::string& modelName, int32_t polygonsPerMs)
 {
     char counts[128];
     snprintf(counts, sizeof counts, " - vert %ld  pol %ld  uv %ld   %ld Kpol/s", static_cast<long>(mesh->vertexCount),
              static_cast<long>(mesh->faceCount), static_cast<long>(mesh->uvCount), static_cast<long>(polygonsPerMs));
-    setWindowTitle((programName + (": " + modelName) + counts).c_str());
+    return showPassingTitle(programName + (": " + modelName) + counts);
 }
 
 void measureFrame(SpeedMeter* meter, const Mesh* mesh, const std::string& modelName, uint32_t polygons)
@@ -35,6 +36,6 @@ void measureFrame(SpeedMeter* meter, const Mesh* mesh, const std::string& modelN
     }
     if (elapsed <= titleIntervalMs)
         return;
-    showSpeed(mesh, modelName, static_cast<int32_t>(meter->accumulatedPolygons) / elapsed);
-    *meter = { now, 0 };
+    if (showSpeed(mesh, modelName, static_cast<int32_t>(meter->accumulatedPolygons) / elapsed))
+        *meter = { now, 0 };
 }

@@ -16,5 +16,6 @@ struct SpeedMeter
 void startSpeedMeter(SpeedMeter* meter);
 
 // Counts the polygons of a drawn frame. When more than a second has passed, the title shows the model's name and counts
-// and the speed in thousands of polygons per second, and the meter restarts. A clock that has wrapped only restarts it.
+// and the speed in thousands of polygons per second, and the meter restarts; while another title is being held
+// (shell/title.h) it runs on. A clock that has wrapped only restarts it.
 void measureFrame(SpeedMeter* meter, const Mesh* mesh, const std::string& modelName, uint32_t polygons);

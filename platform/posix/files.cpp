@@ -179,7 +179,7 @@ static std::string actualPath(const char* path)
     return actual;
 }
 
-FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
+FileTarget findFileTarget(const char* path, std::string* actual)
 {
     struct stat facts;
     bool there = stat(path, &facts) == 0;
@@ -187,9 +187,6 @@ FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
     bool direct = there && !isFile && !isFolder;
     if (*path == 0 || isFolder || (isFile && access(path, W_OK) != 0))
         return targetRefused;
-    std::string name = direct ? path : actualPath(path);
-    if (name.size() >= roomBytes)
-        return targetRefused;
-    memcpy(actual, name.c_str(), name.size() + 1);
+    *actual = direct ? path : actualPath(path);
     return direct ? targetDirect : targetReplaceable;
 }

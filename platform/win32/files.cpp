@@ -91,9 +91,22 @@ int findNameIgnoringCase(FolderListings*, const char* folder, const char* name, 
     return 1;
 }
 
-FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
+// Whether another file may take the place of this one. A program that has it open can forbid that. Asking before
+// anything is written keeps a set from being replaced in part.
+static bool mayBeReplaced(const std::wstring& path)
 {
-    if (*path == 0 || snprintf(actual, roomBytes, "%s", path) >= static_cast<int>(roomBytes))
+    HANDLE file = CreateFileW(path.c_str(), DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                              OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return false;
+    CloseHandle(file);
+    return true;
+}
+
+FileTarget findFileTarget(const char* path, std::string* actual)
+{
+    *actual = path;
+    if (*path == 0)
         return targetRefused;
     std::wstring widePath = wideFromUtf8(path);
     DWORD facts = GetFileAttributesW(widePath.c_str());
@@ -105,5 +118,7 @@ FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
         return targetReplaceable;
     DWORD type = GetFileType(handle);
     CloseHandle(handle);
-    return type == FILE_TYPE_CHAR || type == FILE_TYPE_PIPE ? targetDirect : targetReplaceable;
+    if (type == FILE_TYPE_CHAR || type == FILE_TYPE_PIPE)
+        return targetDirect;
+    return mayBeReplaced(widePath) ? targetReplaceable : targetRefused;
 }

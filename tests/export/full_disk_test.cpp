@@ -44,9 +44,7 @@ TEST_F(FullDisk, ObjKeepsTheEarlierFiles)
     putFile(path, "earlier");
     putFile(folder + "a.mtl", "earlier too");
     for (unsigned limit : { 0u, 1u, 5000u, 400000u })
-        EXPECT_EQ(
-            failsUnderLimit(limit, path, [&] { return WriteObjFile(mesh.get(), path.c_str(), "a.obj", saveWhole); }),
-            0);
+        EXPECT_EQ(failsUnderLimit(limit, path, [&] { return WriteObjFile(mesh.get(), path.c_str(), "a.obj"); }), 0);
     EXPECT_EQ(contents(path), "earlier");
     EXPECT_EQ(contents(folder + "a.mtl"), "earlier too");
     EXPECT_EQ(filesInFolder(), (Names{ "a.mtl", "a.obj" }));
@@ -58,8 +56,7 @@ TEST_F(FullDisk, AnObjFileWhoseLibraryDoesNotFitIsNotReplaced)
     MeshPointer mesh = buildMesh({ { 0, 0, 0 } }, {}, {}, 512, 1);
     std::string path = folder + "a.obj", library = folder + "a.mtl";
     putFile(path, "earlier");
-    EXPECT_EQ(
-        failsUnderLimit(5000, library, [&] { return WriteObjFile(mesh.get(), path.c_str(), "a.obj", saveWhole); }), 0);
+    EXPECT_EQ(failsUnderLimit(5000, library, [&] { return WriteObjFile(mesh.get(), path.c_str(), "a.obj"); }), 0);
     EXPECT_EQ(contents(path), "earlier");
     EXPECT_EQ(filesInFolder(), Names{ "a.obj" });
 }
@@ -73,9 +70,7 @@ TEST_F(FullDisk, PropKeepsTheEarlierFiles)
     uint8_t pixel[3] = { 1, 2, 3 };
     PreviewSource frame = { pixel, 1, 1, 3 };
     for (unsigned limit : { 0u, 5000u, 400000u })
-        EXPECT_EQ(
-            failsUnderLimit(limit, path, [&] { return WritePropFile(mesh.get(), path.c_str(), &frame, saveWhole); }),
-            0);
+        EXPECT_EQ(failsUnderLimit(limit, path, [&] { return WritePropFile(mesh.get(), path.c_str(), &frame); }), 0);
     EXPECT_EQ(contents(path), "earlier");
     EXPECT_EQ(contents(preview), "earlier too");
     EXPECT_EQ(filesInFolder(), (Names{ "a.pp2", "a.rsr" }));
@@ -88,9 +83,9 @@ TEST_F(FullDisk, SceneKeepsTheEarlierFiles)
     const char* const names[] = { "a.lxm", "a.lxo", "a.lxs", "a_textures.txt" };
     for (const char* name : names)
         putFile(folder + name, "earlier");
-    EXPECT_EQ(failsUnderLimit(5000, folder + "a.lxm",
-                              [&] { return WriteLuxFiles(mesh.get(), (folder + "a.lxs").c_str(), saveWhole); }),
-              0);
+    EXPECT_EQ(
+        failsUnderLimit(5000, folder + "a.lxm", [&] { return WriteLuxFiles(mesh.get(), (folder + "a.lxs").c_str()); }),
+        0);
     for (const char* name : names)
         EXPECT_EQ(contents(folder + name), "earlier") << name;
     EXPECT_EQ(filesInFolder(), Names(std::begin(names), std::end(names)));

@@ -22,7 +22,7 @@ static void setNormals(Mesh* mesh)
 
 static void exportTo(const Mesh* mesh, const std::string& folder)
 {
-    EXPECT_EQ(WriteLuxFiles(mesh, (folder + "out.lxs").c_str(), saveWhole), 1);
+    EXPECT_EQ(WriteLuxFiles(mesh, (folder + "out.lxs").c_str()), 1);
 }
 
 static std::string geometry(const Mesh* mesh, const std::string& folder)
@@ -475,23 +475,13 @@ TEST_F(LuxWriter, TheBaseNameEndsAtTheFirstDotOfTheFileName)
 {
     std::filesystem::create_directory(folder + "v1.0");
     MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
-    EXPECT_EQ(WriteLuxFiles(mesh.get(), (folder + "v1.0/a.b.obj").c_str(), saveWhole), 1);
+    EXPECT_EQ(WriteLuxFiles(mesh.get(), (folder + "v1.0/a.b.obj").c_str()), 1);
     folder += "v1.0/";
     EXPECT_EQ(filesInFolder(), (Names{ "a.lxm", "a.lxo", "a.lxs", "a_textures.txt" }));
     EXPECT_EQ(contents(folder + "a.lxo").substr(0, 20), "AttributeBegin # a\r\n");
     EXPECT_NE(contents(folder + "a.lxs").find("Include \"a.lxm\"\r\nInclude \"a.lxo\"\r\n"), std::string::npos);
     EXPECT_NE(contents(folder + "a.lxs").find("[\"a_img\"]"), std::string::npos);
     folder.resize(folder.size() - 5);
-}
-
-TEST_F(LuxWriter, AFileThatCannotBeCreatedStopsTheExportAndEarlierOnesStay)
-{
-    MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
-    std::filesystem::create_directory(folder + "a.lxs");
-    EXPECT_EQ(WriteLuxFiles(mesh.get(), (folder + "a.obj").c_str(), saveInPlace), 0);
-    EXPECT_EQ(filesInFolder(), (Names{ "a.lxm", "a.lxo", "a.lxs" }));
-    EXPECT_EQ(WriteLuxFiles(mesh.get(), (folder + "missing/a.obj").c_str(), saveInPlace), 0);
-    EXPECT_EQ(recorded.boxes, Boxes{}) << "the caller's box is to be the only one";
 }
 
 TEST_F(LuxWriter, RefusedMemoryFailsBeforeAnyFileAndLeaksNothing)
@@ -502,13 +492,11 @@ TEST_F(LuxWriter, RefusedMemoryFailsBeforeAnyFileAndLeaksNothing)
     {
         recorded.allocations = 0;
         recorded.refuseOnly = n;
-        EXPECT_EQ(WriteLuxFiles(mesh.get(), (folder + "a.obj").c_str(), saveInPlace), 0) << n;
+        recorded.boxes.clear();
+        EXPECT_EQ(WriteLuxFiles(mesh.get(), (folder + "a.obj").c_str()), 0) << n;
         EXPECT_EQ(recorded.liveBlocks, live) << n;
+        EXPECT_EQ(recorded.boxes, (Boxes{ { "Out of memory", "(default)", iconStop } })) << n;
     }
-    EXPECT_EQ(recorded.boxes, Boxes{});
-    recorded.allocations = 0;
-    EXPECT_EQ(WriteLuxFiles(mesh.get(), (folder + "a.obj").c_str(), saveWhole), 0);
-    EXPECT_EQ(recorded.boxes, (Boxes{ { "Out of memory", "(default)", iconStop } }));
     EXPECT_EQ(filesInFolder(), Names{});
 }
 
@@ -517,16 +505,16 @@ TEST_F(LuxWriter, AllFourFilesAreReplacedOrNone)
     MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
     putFile(folder + "a.lxo", "earlier");
     std::string missing = folder + "missing/a.lxs";
-    EXPECT_EQ(WriteLuxFiles(mesh.get(), missing.c_str(), saveWhole), 0);
+    EXPECT_EQ(WriteLuxFiles(mesh.get(), missing.c_str()), 0);
     EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "missing/a.lxo", "Error cannot create", iconStop } }));
     EXPECT_EQ(contents(folder + "a.lxo"), "earlier");
     std::filesystem::create_directory(folder + "a_textures.txt");
-    EXPECT_EQ(WriteLuxFiles(mesh.get(), (folder + "a.lxs").c_str(), saveWhole), 0);
+    EXPECT_EQ(WriteLuxFiles(mesh.get(), (folder + "a.lxs").c_str()), 0);
     EXPECT_EQ(recorded.boxes.back(), (Boxes{ { folder + "a_textures.txt", "Error cannot create", iconStop } })[0]);
     EXPECT_EQ(filesInFolder(), (Names{ "a.lxo", "a_textures.txt" }));
     EXPECT_EQ(contents(folder + "a.lxo"), "earlier");
     std::filesystem::remove(folder + "a_textures.txt");
-    EXPECT_EQ(WriteLuxFiles(mesh.get(), (folder + "a.lxs").c_str(), saveWhole), 1);
+    EXPECT_EQ(WriteLuxFiles(mesh.get(), (folder + "a.lxs").c_str()), 1);
     EXPECT_EQ(filesInFolder(), (Names{ "a.lxm", "a.lxo", "a.lxs", "a_textures.txt" }));
     EXPECT_NE(contents(folder + "a.lxo"), "earlier");
 }

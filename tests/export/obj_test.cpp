@@ -28,7 +28,7 @@ static std::vector<std::string> faceLinesOf(const std::string& text)
 static std::string written(const Mesh* mesh, const std::string& folder)
 {
     std::string path = folder + "out.obj";
-    EXPECT_EQ(WriteObjFile(mesh, path.c_str(), "out.obj", saveWhole), 1);
+    EXPECT_EQ(WriteObjFile(mesh, path.c_str(), "out.obj"), 1);
     return contents(path);
 }
 
@@ -219,41 +219,19 @@ TEST_F(ObjWriter, TheProgressBarMovesAfterMoreThanTenThousandLines)
     EXPECT_TRUE(recorded.progress[0].closed);
 }
 
-TEST_F(ObjWriter, InPlaceAFileThatCannotBeCreatedFailsInSilence)
+TEST_F(ObjWriter, AFileThatCannotBeCreatedIsReportedWithoutABar)
 {
     std::string path = folder + "missing/b.obj";
-    EXPECT_EQ(WriteObjFile(mixedFaces().get(), path.c_str(), "b.obj", saveInPlace), 0);
-    EXPECT_EQ(recorded.boxes, Boxes{});
+    EXPECT_EQ(WriteObjFile(mixedFaces().get(), path.c_str(), "b.obj"), 0);
+    EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
     EXPECT_TRUE(recorded.progress.empty());
-}
-
-TEST_F(ObjWriter, InPlaceAMissingMtlFileDoesNotCount)
-{
-    std::filesystem::create_directory(folder + "a.mtl");
-    EXPECT_EQ(WriteObjFile(mixedFaces().get(), (folder + "a.obj").c_str(), "a.obj", saveInPlace), 1);
-    EXPECT_EQ(recorded.boxes, Boxes{});
-    EXPECT_TRUE(recorded.progress.back().closed);
-    EXPECT_EQ(filesInFolder(), (Names{ "a.mtl", "a.obj" }));
 }
 
 TEST_F(ObjWriter, TheTitleNamesTheLibraryAndThePathPlacesIt)
 {
-    for (SaveMode mode : { saveInPlace, saveWhole })
-    {
-        EXPECT_EQ(WriteObjFile(mixedFaces().get(), (folder + "longname").c_str(), "one.two.obj", mode), 1);
-        EXPECT_EQ(filesInFolder(), (Names{ "long.mtl", "longname" })) << "four characters give way, a dot or not";
-        EXPECT_EQ(faceLinesOf(contents(folder + "longname"))[0], "mtllib one.two.mtl");
-        std::filesystem::remove(folder + "long.mtl");
-    }
-}
-
-TEST_F(ObjWriter, BothModesWriteTheSameBytes)
-{
-    EXPECT_EQ(WriteObjFile(mixedFaces().get(), (folder + "out.obj").c_str(), "out.obj", saveInPlace), 1);
-    std::string inPlace = contents(folder + "out.obj"), library = contents(folder + "out.mtl");
-    EXPECT_EQ(written(mixedFaces().get(), folder), inPlace);
-    EXPECT_EQ(contents(folder + "out.mtl"), library);
-    EXPECT_EQ(faceLinesOf(inPlace), mixedLines);
+    EXPECT_EQ(WriteObjFile(mixedFaces().get(), (folder + "longname").c_str(), "one.two.obj"), 1);
+    EXPECT_EQ(filesInFolder(), (Names{ "long.mtl", "longname" })) << "four characters give way, a dot or not";
+    EXPECT_EQ(faceLinesOf(contents(folder + "longname"))[0], "mtllib one.two.mtl");
 }
 
 TEST_F(MtlWriter, APathOfFourCharactersHasNoMtlFile)
@@ -261,9 +239,9 @@ TEST_F(MtlWriter, APathOfFourCharactersHasNoMtlFile)
     MeshPointer mesh = mixedFaces();
     std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(folder);
-    EXPECT_EQ(WriteMtlFile(mesh.get(), ".obj", saveInPlace), 1);
+    EXPECT_EQ(WriteMtlFile(mesh.get(), ".obj"), 1);
     EXPECT_EQ(filesInFolder(), Names{});
-    EXPECT_EQ(WriteMtlFile(mesh.get(), "a.obj", saveInPlace), 1);
+    EXPECT_EQ(WriteMtlFile(mesh.get(), "a.obj"), 1);
     EXPECT_EQ(filesInFolder(), Names{ "a.mtl" });
     std::filesystem::current_path(before);
 }
@@ -272,17 +250,15 @@ TEST_F(MtlWriter, WithoutMaterialsNoMtlFileIsWritten)
 {
     MeshPointer mesh = mixedFaces();
     mesh->materialCount = 0;
-    EXPECT_EQ(WriteMtlFile(mesh.get(), (folder + "a.obj").c_str(), saveInPlace), 1);
+    EXPECT_EQ(WriteMtlFile(mesh.get(), (folder + "a.obj").c_str()), 1);
     EXPECT_EQ(filesInFolder(), Names{});
 }
 
-TEST_F(MtlWriter, OneThatCannotBeCreatedIsReportedOnlyWhenItMustBeWhole)
+TEST_F(MtlWriter, OneThatCannotBeCreatedIsReported)
 {
     MeshPointer mesh = mixedFaces();
     std::filesystem::create_directory(folder + "a.mtl");
-    EXPECT_EQ(WriteMtlFile(mesh.get(), (folder + "a.obj").c_str(), saveInPlace), 0);
-    EXPECT_EQ(recorded.boxes, Boxes{});
-    EXPECT_EQ(WriteMtlFile(mesh.get(), (folder + "a.obj").c_str(), saveWhole), 0);
+    EXPECT_EQ(WriteMtlFile(mesh.get(), (folder + "a.obj").c_str()), 0);
     EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "a.mtl", "Error cannot create", iconStop } }));
 }
 
@@ -292,7 +268,7 @@ TEST_F(ObjWriter, WhenAFolderIsInTheMtlFilesPlaceTheEarlierObjFileStays)
     std::string path = folder + "a.obj";
     putFile(path, "earlier");
     std::filesystem::create_directory(folder + "a.mtl");
-    EXPECT_EQ(WriteObjFile(mesh.get(), path.c_str(), "a.obj", saveWhole), 0);
+    EXPECT_EQ(WriteObjFile(mesh.get(), path.c_str(), "a.obj"), 0);
     EXPECT_EQ(contents(path), "earlier");
     EXPECT_EQ(filesInFolder(), (Names{ "a.mtl", "a.obj" }));
     EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "a.mtl", "Error cannot create", iconStop } }));
@@ -301,7 +277,7 @@ TEST_F(ObjWriter, WhenAFolderIsInTheMtlFilesPlaceTheEarlierObjFileStays)
 TEST_F(ObjWriter, AMissingFolderFailsWithABoxAndNothingLeft)
 {
     std::string path = folder + "missing/a.obj";
-    EXPECT_EQ(WriteObjFile(mixedFaces().get(), path.c_str(), "a.obj", saveWhole), 0);
+    EXPECT_EQ(WriteObjFile(mixedFaces().get(), path.c_str(), "a.obj"), 0);
     EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
     EXPECT_TRUE(recorded.progress.empty());
 }

@@ -17,26 +17,11 @@ TEST_F(OutputFiles, TakesThePlaceOfAnEarlierFileWhenCommitted)
     std::string path = folder + "a.bmp";
     putFile(path, "earlier");
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, path, saveWhole), 1);
+    ASSERT_EQ(openOutput(&output, path), 1);
     fputs("new", output.file);
     EXPECT_EQ(contents(path), "earlier");
     EXPECT_EQ(commitOutput(&output, true), 1);
     EXPECT_EQ(contents(path), "new");
-    EXPECT_EQ(filesInFolder(), Names{ "a.bmp" });
-    EXPECT_EQ(recorded.boxes, Boxes{});
-}
-
-TEST_F(OutputFiles, InPlaceTheTargetIsWrittenAtOnceAndNothingIsShown)
-{
-    std::string path = folder + "a.bmp";
-    putFile(path, "earlier");
-    OutputFile output;
-    ASSERT_EQ(openOutput(&output, path, saveInPlace), 1);
-    EXPECT_EQ(contents(path), "");
-    fputs("half", output.file);
-    EXPECT_EQ(commitOutput(&output, false), 0);
-    EXPECT_EQ(contents(path), "half");
-    EXPECT_EQ(openOutput(&output, folder + "missing/a.bmp", saveInPlace), 0);
     EXPECT_EQ(filesInFolder(), Names{ "a.bmp" });
     EXPECT_EQ(recorded.boxes, Boxes{});
 }
@@ -46,7 +31,7 @@ TEST_F(OutputFiles, AFailedWriteLeavesTheEarlierFileAndSaysSo)
     std::string path = folder + "a.bmp";
     putFile(path, "earlier");
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, path, saveWhole), 1);
+    ASSERT_EQ(openOutput(&output, path), 1);
     fputs("half", output.file);
     EXPECT_EQ(commitOutput(&output, false), 0);
     EXPECT_EQ(contents(path), "earlier");
@@ -58,7 +43,7 @@ TEST_F(OutputFiles, AMissingFolderCannotBeCreatedIn)
 {
     std::string path = folder + "missing/a.bmp";
     OutputFile output;
-    EXPECT_EQ(openOutput(&output, path, saveWhole), 0);
+    EXPECT_EQ(openOutput(&output, path), 0);
     EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
     EXPECT_EQ(commitOutputs(&output, 1, false), 0);
     EXPECT_EQ(filesInFolder(), Names{});
@@ -67,7 +52,7 @@ TEST_F(OutputFiles, AMissingFolderCannotBeCreatedIn)
 TEST_F(OutputFiles, AnEmptyNameCannotBeCreated)
 {
     OutputFile output;
-    EXPECT_EQ(openOutput(&output, "", saveWhole), 0);
+    EXPECT_EQ(openOutput(&output, ""), 0);
     EXPECT_EQ(recorded.boxes, (Boxes{ { "", "Error cannot create", iconStop } }));
 }
 
@@ -77,7 +62,7 @@ TEST_F(OutputFiles, AFolderInTheTargetsPlaceStays)
     std::filesystem::create_directory(path);
     putFile(path + "/inside", "x");
     OutputFile output;
-    EXPECT_EQ(openOutput(&output, path, saveWhole), 0);
+    EXPECT_EQ(openOutput(&output, path), 0);
     EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
     EXPECT_EQ(contents(path + "/inside"), "x");
     EXPECT_EQ(filesInFolder(), Names{ "a.bmp" });
@@ -90,7 +75,7 @@ TEST_F(OutputFiles, ALinkIsFollowedAndStays)
     putFile(path, "earlier");
     ASSERT_EQ(symlink("real.bmp", link.c_str()), 0);
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, link, saveWhole), 1);
+    ASSERT_EQ(openOutput(&output, link), 1);
     fputs("new", output.file);
     EXPECT_EQ(commitOutput(&output, true), 1);
     EXPECT_TRUE(std::filesystem::is_symlink(link));
@@ -105,7 +90,7 @@ TEST_F(OutputFiles, ALinkToNoFileMakesThatFile)
     ASSERT_EQ(symlink("inside/second.bmp", link.c_str()), 0);
     ASSERT_EQ(symlink("real.bmp", (folder + "inside/second.bmp").c_str()), 0);
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, link, saveWhole), 1);
+    ASSERT_EQ(openOutput(&output, link), 1);
     fputs("new", output.file);
     EXPECT_EQ(commitOutput(&output, true), 1);
     EXPECT_EQ(contents(folder + "inside/real.bmp"), "new");
@@ -118,7 +103,7 @@ TEST_F(OutputFiles, ALinkToItselfGivesWay)
     std::string link = folder + "link.bmp";
     ASSERT_EQ(symlink("link.bmp", link.c_str()), 0);
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, link, saveWhole), 1);
+    ASSERT_EQ(openOutput(&output, link), 1);
     EXPECT_EQ(commitOutput(&output, true), 1);
     EXPECT_TRUE(std::filesystem::is_regular_file(link));
     EXPECT_EQ(filesInFolder(), Names{ "link.bmp" });
@@ -130,7 +115,7 @@ TEST_F(OutputFiles, APipeGetsTheBytesAndIsNotReplaced)
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     int reader = open(path.c_str(), O_RDONLY | O_NONBLOCK);
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, path, saveWhole), 1);
+    ASSERT_EQ(openOutput(&output, path), 1);
     fputs("new", output.file);
     EXPECT_EQ(commitOutput(&output, true), 1);
     char bytes[8] = {};
@@ -147,7 +132,7 @@ TEST_F(OutputFiles, PermissionsOfAReplacedFileStay)
     putFile(path, "earlier");
     chmod(path.c_str(), 0640);
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, path, saveWhole), 1);
+    ASSERT_EQ(openOutput(&output, path), 1);
     EXPECT_EQ(commitOutput(&output, true), 1);
     struct stat facts;
     ASSERT_EQ(stat(path.c_str(), &facts), 0);
@@ -176,9 +161,9 @@ TEST_F(OutputFiles, AFileThatMayNotBeWrittenIsNotReplaced)
     auto refused = [&]
     {
         OutputFile output, other;
-        bool otherwiseFree = openOutput(&other, folder + "b.bmp", saveWhole) == 1;
+        bool otherwiseFree = openOutput(&other, folder + "b.bmp") == 1;
         commitOutputs(&other, 1, false);
-        return otherwiseFree && openOutput(&output, path, saveWhole) == 0 &&
+        return otherwiseFree && openOutput(&output, path) == 0 &&
                recorded.boxes == Boxes{ { path, "Error cannot create", iconStop } };
     };
     int status = asOrdinaryUser(refused);
@@ -195,7 +180,7 @@ TEST_F(OutputFiles, SomebodysPartFileIsLeftAlone)
     std::string path = folder + "a.obj";
     putFile(path + ".part", "theirs");
     OutputFile output;
-    ASSERT_EQ(openOutput(&output, path, saveWhole), 1);
+    ASSERT_EQ(openOutput(&output, path), 1);
     EXPECT_EQ(commitOutput(&output, true), 1);
     EXPECT_EQ(contents(path + ".part"), "theirs");
     EXPECT_EQ(contents(path), "");
@@ -206,8 +191,8 @@ TEST_F(OutputFiles, AbandoningRemovesWhatIsNotInPlace)
 {
     namePendingFilesAtOnce(true);
     OutputFile outputs[3] = {};
-    ASSERT_EQ(openOutput(&outputs[0], (folder + "a"), saveWhole), 1);
-    ASSERT_EQ(openOutput(&outputs[1], (folder + "b"), saveWhole), 1);
+    ASSERT_EQ(openOutput(&outputs[0], (folder + "a")), 1);
+    ASSERT_EQ(openOutput(&outputs[1], (folder + "b")), 1);
     ASSERT_EQ(closeOutput(&outputs[1], true), 1);
     EXPECT_EQ(filesInFolder().size(), 2u);
     EXPECT_EQ(commitOutputs(outputs, 3, false), 0);

@@ -9,7 +9,7 @@ static const std::vector<Point> square = { { 0, 0, 0 }, { 2, 0, 0 }, { 2, 1.5f, 
 static std::string written(const Mesh* mesh, const std::string& folder)
 {
     std::string path = folder + "out.pp2";
-    EXPECT_EQ(WritePropFile(mesh, path.c_str(), nullptr, saveWhole), 1);
+    EXPECT_EQ(WritePropFile(mesh, path.c_str(), nullptr), 1);
     return contents(path);
 }
 
@@ -275,29 +275,28 @@ static const PreviewSource onePixel = { greyPixel, 1, 1, 3 };
 TEST_F(PropWriter, ThePreviewStandsBesideTheProp)
 {
     MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
-    for (SaveMode mode : { saveInPlace, saveWhole })
-    {
-        EXPECT_EQ(WritePropFile(mesh.get(), (folder + "a.b.pp2").c_str(), &onePixel, mode), 1);
-        EXPECT_EQ(filesInFolder(), (Names{ "a.b.pp2", "a.b.rsr" }));
-        EXPECT_EQ(contents(folder + "a.b.rsr"), previewFile(&onePixel));
-        std::filesystem::remove(folder + "a.b.rsr");
-    }
+    EXPECT_EQ(WritePropFile(mesh.get(), (folder + "a.b.pp2").c_str(), &onePixel), 1);
+    EXPECT_EQ(filesInFolder(), (Names{ "a.b.pp2", "a.b.rsr" }));
+    EXPECT_EQ(contents(folder + "a.b.rsr"), previewFile(&onePixel));
 }
 
-TEST_F(PropWriter, InPlaceAFileThatCannotBeCreatedFailsInSilence)
+TEST_F(PropWriter, AFileThatCannotBeCreatedIsReportedWithoutABar)
 {
     MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
-    EXPECT_EQ(WritePropFile(mesh.get(), (folder + "missing/b.pp2").c_str(), &onePixel, saveInPlace), 0);
-    EXPECT_EQ(recorded.boxes, Boxes{});
+    std::string path = folder + "missing/b.pp2";
+    EXPECT_EQ(WritePropFile(mesh.get(), path.c_str(), &onePixel), 0);
+    EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
     EXPECT_TRUE(recorded.progress.empty());
 }
 
-TEST_F(PropWriter, InPlaceAMissingPreviewDoesNotCount)
+TEST_F(PropWriter, WithoutItsPreviewThePropIsNotWritten)
 {
     MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
     std::filesystem::create_directory(folder + "a.rsr");
-    EXPECT_EQ(WritePropFile(mesh.get(), (folder + "a.pp2").c_str(), &onePixel, saveInPlace), 1);
-    EXPECT_EQ(recorded.boxes, Boxes{});
+    putFile(folder + "a.pp2", "earlier");
+    EXPECT_EQ(WritePropFile(mesh.get(), (folder + "a.pp2").c_str(), &onePixel), 0);
+    EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "a.rsr", "Error cannot create", iconStop } }));
+    EXPECT_EQ(contents(folder + "a.pp2"), "earlier");
     EXPECT_TRUE(recorded.progress.back().closed);
 }
 
@@ -315,12 +314,12 @@ TEST_F(PropWriter, PropAndPreviewAreReplacedTogetherOrNotAtAll)
 {
     MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
     std::string path = folder + "v1.0 a.pp2";
-    EXPECT_EQ(WritePropFile(mesh.get(), path.c_str(), &onePixel, saveWhole), 1);
+    EXPECT_EQ(WritePropFile(mesh.get(), path.c_str(), &onePixel), 1);
     EXPECT_EQ(filesInFolder(), (Names{ "v1.0 a.pp2", "v1.0 a.rsr" }));
     putFile(path, "earlier");
     std::filesystem::remove(folder + "v1.0 a.rsr");
     std::filesystem::create_directory(folder + "v1.0 a.rsr");
-    EXPECT_EQ(WritePropFile(mesh.get(), path.c_str(), &onePixel, saveWhole), 0);
+    EXPECT_EQ(WritePropFile(mesh.get(), path.c_str(), &onePixel), 0);
     EXPECT_EQ(contents(path), "earlier");
     EXPECT_EQ(filesInFolder(), (Names{ "v1.0 a.pp2", "v1.0 a.rsr" }));
     EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "v1.0 a.rsr", "Error cannot create", iconStop } }));
@@ -330,6 +329,6 @@ TEST_F(PropWriter, ADotInAFolderIsNoExtension)
 {
     std::filesystem::create_directory(folder + "v1.0");
     MeshPointer mesh = buildMesh(square, {}, {}, 1, 1);
-    EXPECT_EQ(WritePropFile(mesh.get(), (folder + "v1.0/cup").c_str(), &onePixel, saveWhole), 1);
+    EXPECT_EQ(WritePropFile(mesh.get(), (folder + "v1.0/cup").c_str(), &onePixel), 1);
     EXPECT_TRUE(std::filesystem::exists(folder + "v1.0/cup.rsr"));
 }

@@ -13,7 +13,7 @@ using RkfWriter = CleanTest;
 static std::string savedBytes(const Mesh* mesh, bool omitMaterials = false)
 {
     ScratchFile file("");
-    EXPECT_EQ(WriteRkfFile(mesh, file.path.c_str(), omitMaterials, saveInPlace), 1);
+    EXPECT_EQ(WriteRkfFile(mesh, file.path.c_str(), omitMaterials), 1);
     std::ifstream stream(file.path, std::ios::binary);
     std::stringstream bytes;
     bytes << stream.rdbuf();
@@ -172,7 +172,7 @@ TEST_F(RkfWriter, AFirstCornerWithoutRoomForTheMaterialIsRefused)
     }
     mesh->faces[1][0] = 1u << 20;
     ScratchFile file("earlier");
-    EXPECT_EQ(WriteRkfFile(mesh, file.path.c_str(), false, saveInPlace), 0);
+    EXPECT_EQ(WriteRkfFile(mesh, file.path.c_str(), false), 0);
     ASSERT_EQ(recorded.boxes.size(), 1u);
     EXPECT_EQ(recorded.boxes[0], (RecordedBox{ "File Error", "Error", iconNone }));
     EXPECT_EQ(std::filesystem::file_size(file.path), strlen("earlier"));
@@ -214,27 +214,6 @@ TEST_F(RkfWriter, LargeMeshesSurviveTheBlocks)
     freeMesh(mesh);
 }
 
-TEST_F(RkfWriter, AFullDiskIsAnError)
-{
-    if (FILE* full = fopen("/dev/full", "wb"))
-        fclose(full);
-    else
-        GTEST_SKIP() << "no full device here";
-    Mesh* mesh = makeSample();
-    EXPECT_EQ(WriteRkfFile(mesh, "/dev/full", false, saveInPlace), 0);
-    ASSERT_EQ(recorded.boxes.size(), 1u);
-    EXPECT_EQ(recorded.boxes[0], (RecordedBox{ "File Error", "Error", iconNone }));
-    freeMesh(mesh);
-}
-
-TEST_F(RkfWriter, InPlaceFilesThatDoNotOpenFailSilently)
-{
-    Mesh* mesh = makeSample();
-    EXPECT_EQ(WriteRkfFile(mesh, "no such folder/x.rkf", false, saveInPlace), 0);
-    EXPECT_TRUE(recorded.boxes.empty());
-    freeMesh(mesh);
-}
-
 TEST_F(RkfWriter, AFileThatMustBeWholeKeepsTheEarlierOneAndSaysWhy)
 {
     if (FILE* full = fopen("/dev/full", "wb"))
@@ -242,8 +221,8 @@ TEST_F(RkfWriter, AFileThatMustBeWholeKeepsTheEarlierOneAndSaysWhy)
     else
         GTEST_SKIP() << "no full device here";
     Mesh* mesh = makeSample();
-    EXPECT_EQ(WriteRkfFile(mesh, "no such folder/x.rkf", false, saveWhole), 0);
-    EXPECT_EQ(WriteRkfFile(mesh, "/dev/full", false, saveWhole), 0);
+    EXPECT_EQ(WriteRkfFile(mesh, "no such folder/x.rkf", false), 0);
+    EXPECT_EQ(WriteRkfFile(mesh, "/dev/full", false), 0);
     std::vector<RecordedBox> expected = { { "no such folder/x.rkf", "Error cannot create", iconStop },
                                           { "/dev/full", "Error cannot write", iconStop } };
     EXPECT_EQ(recorded.boxes, expected);

@@ -152,7 +152,7 @@ static void expectObjRoundTrip(const std::string& path, const std::string& folde
 {
     SCOPED_TRACE(path);
     MeshPointer first = load(LoadObjFile, path);
-    ASSERT_EQ(WriteObjFile(first.get(), (folder + "1.obj").c_str(), "same.obj", saveWhole), 1);
+    ASSERT_EQ(WriteObjFile(first.get(), (folder + "1.obj").c_str(), "same.obj"), 1);
     std::filesystem::copy_file(folder + "1.mtl", folder + "same.mtl",
                                std::filesystem::copy_options::overwrite_existing);
     MeshPointer second = load(LoadObjFile, folder + "1.obj");
@@ -161,9 +161,9 @@ static void expectObjRoundTrip(const std::string& path, const std::string& folde
     EXPECT_EQ(second->liveFaceCount, first->liveFaceCount);
     EXPECT_TRUE(facesOf(second.get(), asObj) == facesOf(first.get(), asObj));
     EXPECT_EQ(materialsOf(second.get(), asObj, true), materialsOf(first.get(), asObj, true));
-    ASSERT_EQ(WriteObjFile(second.get(), (folder + "2.obj").c_str(), "same.obj", saveWhole), 1);
+    ASSERT_EQ(WriteObjFile(second.get(), (folder + "2.obj").c_str(), "same.obj"), 1);
     MeshPointer third = load(LoadObjFile, folder + "2.obj");
-    ASSERT_EQ(WriteObjFile(third.get(), (folder + "3.obj").c_str(), "same.obj", saveWhole), 1);
+    ASSERT_EQ(WriteObjFile(third.get(), (folder + "3.obj").c_str(), "same.obj"), 1);
     EXPECT_TRUE(contents(folder + "3.obj") == contents(folder + "2.obj"));
     EXPECT_TRUE(facesOf(third.get(), asObj) == facesOf(first.get(), asObj));
 }
@@ -194,11 +194,11 @@ static void expectPropRoundTrip(const std::string& path, const std::string& fold
     SCOPED_TRACE(path);
     MeshPointer first = load(LoadObjFile, path);
     std::string prop = folder + "trip.pp2", again = folder + "again.obj";
-    ASSERT_EQ(WritePropFile(first.get(), prop.c_str(), nullptr, saveWhole), 1);
+    ASSERT_EQ(WritePropFile(first.get(), prop.c_str(), nullptr), 1);
     MeshPointer second = load(LoadPoserFile, prop);
     EXPECT_EQ(second->vertexCount, first->vertexCount);
     EXPECT_TRUE(facesOf(second.get(), asProp) == facesOf(first.get(), asProp));
-    ASSERT_EQ(WriteObjFile(second.get(), again.c_str(), "again.obj", saveWhole), 1);
+    ASSERT_EQ(WriteObjFile(second.get(), again.c_str(), "again.obj"), 1);
     MeshPointer third = load(LoadObjFile, again);
     Telling lossy = asProp;
     lossy.singleUvIsNone = true;
@@ -231,12 +231,12 @@ static void expectRkfRoundTrip(const std::string& path, const std::string& folde
 {
     SCOPED_TRACE(path);
     MeshPointer first = load(LoadObjFile, path);
-    ASSERT_EQ(WriteRkfFile(first.get(), (folder + "trip.rkf").c_str(), false, saveWhole), 1);
+    ASSERT_EQ(WriteRkfFile(first.get(), (folder + "trip.rkf").c_str(), false), 1);
     MeshPointer second = load(LoadRkfFile, folder + "trip.rkf");
     ASSERT_EQ(second->vertexCount, first->vertexCount);
     for (int32_t i = 0; i < first->vertexCount; ++i)
         ASSERT_EQ(memcmp(second->vertices[i].position, first->vertices[i].position, sizeof(float) * 3), 0);
-    ASSERT_EQ(WriteObjFile(second.get(), (folder + "again.obj").c_str(), "again.obj", saveWhole), 1);
+    ASSERT_EQ(WriteObjFile(second.get(), (folder + "again.obj").c_str(), "again.obj"), 1);
     MeshPointer third = load(LoadObjFile, folder + "again.obj");
     std::multiset<std::string> before, after;
     auto describe = [](const Mesh* mesh, int32_t f)

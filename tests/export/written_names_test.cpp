@@ -63,7 +63,7 @@ TEST_F(WrittenNames, ThoseThatFitAreTheSameBytesAndOthersAreTheirSlotsOwn)
 TEST_F(WrittenNames, ObjAndItsLibraryReadBackTheSameTextureOrNone)
 {
     MeshPointer mesh = oddMesh();
-    ASSERT_EQ(WriteObjFile(mesh.get(), (folder + "a.obj").c_str(), "a.obj", saveWhole), 1);
+    ASSERT_EQ(WriteObjFile(mesh.get(), (folder + "a.obj").c_str(), "a.obj"), 1);
     MeshPointer read = readBack(LoadObjFile, "a.obj");
     EXPECT_EQ(namesOf(read->materialNames, read->materialCount), (Names{ "ma\"b", "mplain", "ma_b_2", "ma__Kd 1_3" }));
     EXPECT_EQ(namesOf(read->groupNames, read->groupCount), (Names{ "ga\"b", "gplain", "ga_b_2", "ga__Kd 1_3" }));
@@ -75,7 +75,7 @@ TEST_F(WrittenNames, ObjAndItsLibraryReadBackTheSameTextureOrNone)
 TEST_F(WrittenNames, AnObjFileNamesNoLibraryThatItsLineCannotHold)
 {
     MeshPointer mesh = oddMesh();
-    ASSERT_EQ(WriteObjFile(mesh.get(), (folder + "a\nb.obj").c_str(), "a\nb.obj", saveWhole), 1);
+    ASSERT_EQ(WriteObjFile(mesh.get(), (folder + "a\nb.obj").c_str(), "a\nb.obj"), 1);
     EXPECT_EQ(countOf(contents(folder + "a\nb.obj"), "mtllib"), 0);
     EXPECT_EQ(countOf(contents(folder + "a\nb.obj"), "\nb.mtl"), 0);
 }
@@ -83,7 +83,7 @@ TEST_F(WrittenNames, AnObjFileNamesNoLibraryThatItsLineCannotHold)
 TEST_F(WrittenNames, PropsReadBackTheSameTextureOrNone)
 {
     MeshPointer mesh = oddMesh();
-    ASSERT_EQ(WritePropFile(mesh.get(), (folder + "a.pp2").c_str(), nullptr, saveWhole), 1);
+    ASSERT_EQ(WritePropFile(mesh.get(), (folder + "a.pp2").c_str(), nullptr), 1);
     MeshPointer read = readBack(LoadPoserFile, "a.pp2");
     EXPECT_EQ(namesOf(read->materialNames, read->materialCount), (Names{ "ma\"b", "mplain", "ma_b_2", "ma__Kd" }));
     EXPECT_EQ(namesOf(read->groupNames, read->groupCount), (Names{ "ga\"b", "gplain", "ga_b_2", "ga__Kd" }));
@@ -112,7 +112,7 @@ static void expectWholeLines(const std::string& text, const std::string& name)
 TEST_F(WrittenNames, ScenesCloseTheirQuotesAndNameTheSameMaterialsEverywhere)
 {
     MeshPointer mesh = oddMesh();
-    ASSERT_EQ(WriteLuxFiles(mesh.get(), (folder + "x\"y\nz.lxs").c_str(), saveWhole), 1);
+    ASSERT_EQ(WriteLuxFiles(mesh.get(), (folder + "x\"y\nz.lxs").c_str()), 1);
     EXPECT_EQ(filesInFolder(), (Names{ "x_y_z.lxm", "x_y_z.lxo", "x_y_z.lxs", "x_y_z_textures.txt" }));
     for (const char* ending : { ".lxm", ".lxo", ".lxs" })
         expectWholeLines(contents(folder + "x_y_z" + ending), ending);

@@ -121,12 +121,10 @@ int findNameIgnoringCase(FolderListings*, const char*, const char*, char*, size_
     return 0; // the tests use the exact file names
 }
 
-FileTarget findFileTarget(const char* path, char* actual, size_t roomBytes)
+FileTarget findFileTarget(const char* path, std::string* actual)
 {
-    if (*path == 0 || strlen(path) >= roomBytes)
-        return targetRefused;
-    memcpy(actual, path, strlen(path) + 1);
-    return targetReplaceable; // the tests have neither links nor devices
+    *actual = path;
+    return *path == 0 ? targetRefused : targetReplaceable; // the tests have neither links nor devices
 }
 
 // Behave as the real ones do on a file system where files always have names.

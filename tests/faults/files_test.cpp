@@ -151,10 +151,10 @@ TEST_F(FailingFiles, AWriteThatFailsAnywhereKeepsTheEarlierFiles)
     std::vector<uint8_t> pixels(64 * 64 * 3, 0x5A);
     PreviewSource frame = { pixels.data(), 64, 64, 64 * 3 };
     const std::pair<std::vector<const char*>, std::function<int()>> writers[] = {
-        { { "m.obj", "m.mtl" }, [&] { return WriteObjFile(mesh, (folder + "m.obj").c_str(), "m.obj", saveWhole); } },
-        { { "m.pp2", "m.rsr" }, [&] { return WritePropFile(mesh, (folder + "m.pp2").c_str(), &frame, saveWhole); } },
+        { { "m.obj", "m.mtl" }, [&] { return WriteObjFile(mesh, (folder + "m.obj").c_str(), "m.obj"); } },
+        { { "m.pp2", "m.rsr" }, [&] { return WritePropFile(mesh, (folder + "m.pp2").c_str(), &frame); } },
         { { "m.lxs", "m.lxo", "m.lxm", "m_textures.txt" },
-          [&] { return WriteLuxFiles(mesh, (folder + "m.lxs").c_str(), saveWhole); } },
+          [&] { return WriteLuxFiles(mesh, (folder + "m.lxs").c_str()); } },
     };
     for (const auto& writer : writers)
     {
@@ -184,7 +184,7 @@ TEST_F(FailingFiles, AFileThatCannotBePutInPlaceIsReportedAndLeavesNothingBeside
         size_t files = everything().size();
         recorded.boxes.clear();
         fileFaults = { .renamesAllowed = placed };
-        EXPECT_EQ(WriteLuxFiles(mesh, (folder + "m.lxs").c_str(), saveWhole), 0);
+        EXPECT_EQ(WriteLuxFiles(mesh, (folder + "m.lxs").c_str()), 0);
         fileFaults = {};
         ASSERT_EQ(recorded.boxes.size(), 1u);
         EXPECT_EQ(recorded.boxes[0].caption, "Error cannot write");
@@ -196,10 +196,11 @@ TEST_F(FailingFiles, AFileThatCannotBePutInPlaceIsReportedAndLeavesNothingBeside
 TEST_F(FailingFiles, AnRkfFileThatCannotBeWrittenIsReported)
 {
     Mesh* mesh = sampleMesh(put("in.rkf", rkfSamples()[0]));
-    failEveryWrite([&] { return WriteRkfFile(mesh, (folder + "out.rkf").c_str(), false, saveInPlace); },
-                   [](int64_t) {
-                       EXPECT_EQ(recorded.boxes[0], (RecordedBox{ "File Error", "Error", iconNone }));
-                   });
+    failEveryWrite(
+        [&] { return WriteRkfFile(mesh, (folder + "out.rkf").c_str(), false); },
+        [&](int64_t) {
+            EXPECT_EQ(recorded.boxes[0], (RecordedBox{ folder + "out.rkf", "Error cannot write", iconStop }));
+        });
     freeMesh(mesh);
 }
 
@@ -211,7 +212,7 @@ TEST_F(FailingFiles, AFileThatCannotBeCreatedIsReported)
     {
         recorded.boxes.clear();
         fileFaults = { .openAllowed = opened };
-        int ok = WriteLuxFiles(mesh, (folder + "m.lxs").c_str(), saveWhole);
+        int ok = WriteLuxFiles(mesh, (folder + "m.lxs").c_str());
         int failures = fileFaults.failures;
         fileFaults = {};
         ASSERT_EQ(ok, recorded.boxes.empty());

@@ -169,13 +169,14 @@ TEST_F(Commands, SaveImageProposesTheNameWithoutItsLastExtension)
     }
 }
 
-TEST_F(Commands, SaveImageFailsInSilence)
+TEST_F(Commands, APictureThatCannotBeSavedIsReportedWithItsPath)
 {
-    recorded.dialogAnswers = { (folder / "missing" / "picture.bmp").string() };
+    std::string path = (folder / "missing" / "picture.bmp").string();
+    recorded.dialogAnswers = { path };
     drawFrame();
     EXPECT_TRUE(runCommand(ID_SAVE_IMAGE));
     EXPECT_FALSE(std::filesystem::exists(folder / "missing"));
-    EXPECT_TRUE(recorded.boxes.empty());
+    EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ { path, "Error cannot create", iconStop } }));
     EXPECT_TRUE(redrawAsked());
 }
 

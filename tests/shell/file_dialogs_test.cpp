@@ -149,14 +149,18 @@ TEST_F(FileDialogs, AnObjFileThatCannotBeCreatedIsReportedAndTheNameStays)
     EXPECT_EQ(path, "before");
 }
 
-TEST_F(FileDialogs, AMissingMtlFileIsNotReported)
+TEST_F(FileDialogs, WithoutItsMtlFileAnObjFileIsNotWritten)
 {
     std::filesystem::create_directory(folder + "a.mtl");
-    std::string name = "a.obj", path;
+    putFile(folder + "a.obj", "earlier");
+    std::string name = "b.obj", path = "before";
     recorded.dialogAnswers = { folder + "a.obj" };
-    EXPECT_EQ(SaveObjFile(triangle().get(), &name, &path), 1);
-    EXPECT_EQ(recorded.boxes, Boxes{});
+    EXPECT_EQ(SaveObjFile(triangle().get(), &name, &path), 0);
+    EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "a.mtl", "Error cannot create", iconStop } }));
     EXPECT_TRUE(recorded.progress.back().closed);
+    EXPECT_EQ(contents(folder + "a.obj"), "earlier");
+    EXPECT_EQ(name, "b.obj");
+    EXPECT_EQ(path, "before");
 }
 
 TEST_F(FileDialogs, APropIsAskedForAndHasItsPreviewBeside)
@@ -198,7 +202,7 @@ TEST_F(FileDialogs, ProposedPropNamesAreCutAtTheirLastDotEvenTheFirstCharacter)
     EXPECT_EQ(filesInFolder(), Names{});
 }
 
-TEST_F(FileDialogs, APropThatCannotBeCreatedIsReportedAndAPreviewIsNot)
+TEST_F(FileDialogs, APropThatCannotBeCreatedIsReportedAndSoIsItsPreview)
 {
     std::string path = folder + "missing/b.pp2";
     std::filesystem::create_directory(folder + "a.rsr");
@@ -206,9 +210,11 @@ TEST_F(FileDialogs, APropThatCannotBeCreatedIsReportedAndAPreviewIsNot)
     EXPECT_EQ(savePoserProp(triangle().get(), "a", true, &onePixel), 0);
     EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
     EXPECT_TRUE(recorded.progress.empty());
-    EXPECT_EQ(savePoserProp(triangle().get(), "a", true, &onePixel), 1);
-    EXPECT_EQ(recorded.boxes.size(), 1u);
+    EXPECT_EQ(savePoserProp(triangle().get(), "a", true, &onePixel), 0);
+    ASSERT_EQ(recorded.boxes.size(), 2u);
+    EXPECT_EQ(recorded.boxes[1], (RecordedBox{ folder + "a.rsr", "Error cannot create", iconStop }));
     EXPECT_TRUE(recorded.progress.back().closed);
+    EXPECT_EQ(filesInFolder(), Names{ "a.rsr" });
 }
 
 TEST_F(FileDialogs, RkfProposesTheNameAndAsksBeforeOverwriting)
@@ -249,17 +255,18 @@ TEST_F(FileDialogs, RkfIsWrittenToTheChosenFileAndReadFromIt)
     EXPECT_EQ(contents(folder + "b.rkf").size() + 2 * sizeof(Material), contents(folder + "a.rkf").size());
 }
 
-TEST_F(FileDialogs, RkfSaysFileErrorButNotThatAFileDoesNotOpen)
+TEST_F(FileDialogs, RkfSaysFileErrorButNotThatAFileDoesNotOpenForReading)
 {
     MeshPointer mesh(createMesh("prop"));
     std::string path, title;
     putFile(folder + "short.rkf", "RKF?");
     recorded.dialogAnswers = { folder + "missing.rkf", folder + "missing/a.rkf", folder + "short.rkf" };
     EXPECT_EQ(RkfFileDialog(mesh.get(), &path, &title, false, false), 0);
-    EXPECT_EQ(RkfFileDialog(mesh.get(), &path, &title, true, false), 0);
     EXPECT_EQ(recorded.boxes, Boxes{});
+    EXPECT_EQ(RkfFileDialog(mesh.get(), &path, &title, true, false), 0);
     EXPECT_EQ(RkfFileDialog(mesh.get(), &path, &title, false, false), 0);
-    EXPECT_EQ(recorded.boxes, (Boxes{ { "File Error", "Error", iconNone } }));
+    EXPECT_EQ(recorded.boxes, (Boxes{ { folder + "missing/a.rkf", "Error cannot create", iconStop },
+                                      { "File Error", "Error", iconNone } }));
 }
 
 TEST_F(FileDialogs, APictureIsAskedForWithThePropsExtension)

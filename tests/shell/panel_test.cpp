@@ -219,11 +219,13 @@ TEST_F(Panel, SplitRebuildsTheListAndUnticksByGroup)
     EXPECT_EQ(recorded.panelTexts[ID_GROUP_COUNT], "2");
 }
 
-TEST_F(Panel, LuxExportThatFailsSaysSo)
+TEST_F(Panel, LuxExportThatFailsSaysWhyAndSo)
 {
     nameModel("x.obj", (folder / "no-such-folder" / "x.obj").string());
     EXPECT_TRUE(runPanelCommand(ID_LUX_EXPORT));
-    EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{ { "Failed to export", "LuxRender Export", iconNone } }));
+    EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{
+                                  { (folder / "no-such-folder" / "x.lxo").string(), "Error cannot create", iconStop },
+                                  { "Failed to export", "LuxRender Export", iconNone } }));
     EXPECT_TRUE(redrawAsked());
 }
 

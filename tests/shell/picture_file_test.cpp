@@ -21,7 +21,7 @@ TEST_F(PictureFile, ADecodedPictureIsABottomUpBitmap)
     std::string path = folder + "decoded.bmp";
     for (int unit : { 0, 1, 2 })
     {
-        ASSERT_EQ(writeDecodedPicture(path.c_str(), { 3, 2, unit, 30, 700 }, pixels, saveInPlace), 1);
+        ASSERT_EQ(writeDecodedPicture(path.c_str(), { 3, 2, unit, 30, 700 }, pixels), 1);
         std::string bmp = contents(path);
         ASSERT_EQ(bmp.size(), 54u + 2 * 12);
         EXPECT_EQ(bmp.substr(0, 2), "BM");
@@ -41,19 +41,23 @@ TEST_F(PictureFile, ADecodedPictureIsABottomUpBitmap)
     }
 }
 
-TEST_F(PictureFile, AFailureInPlaceIsSilentAndOneOfAWholeFileIsNot)
+TEST_F(PictureFile, AFailureIsShownWithThePathAndThatOfADumpIsNot)
 {
     const uint32_t pixel = 0;
     JpegOutput decoded = { 1, 1, 0, 1, 1 };
     std::string path = folder + "no folder/x.bmp";
-    EXPECT_EQ(writeDecodedPicture(path.c_str(), decoded, &pixel, saveInPlace), 0);
+    std::filesystem::create_directories(folder + "test.bmp"); // in the dump's way
+    auto before = std::filesystem::current_path();
+    std::filesystem::current_path(folder);
+    EXPECT_EQ(writeDebugBmp(decoded, &pixel), 0);
+    std::filesystem::current_path(before);
     EXPECT_EQ(recorded.boxes, Boxes{});
-    EXPECT_EQ(writeDecodedPicture(path.c_str(), decoded, &pixel, saveWhole), 0);
+    EXPECT_EQ(writeDecodedPicture(path.c_str(), decoded, &pixel), 0);
     EXPECT_EQ(recorded.boxes, (Boxes{ { path, "Error cannot create", iconStop } }));
     if (access("/dev/full", W_OK) == 0)
     {
-        EXPECT_EQ(writeDecodedPicture("/dev/full", decoded, &pixel, saveInPlace), 0);
-        EXPECT_EQ(recorded.boxes.size(), 1u);
+        EXPECT_EQ(writeDecodedPicture("/dev/full", decoded, &pixel), 0);
+        EXPECT_EQ(recorded.boxes.back(), (RecordedBox{ "/dev/full", "Error cannot write", iconStop }));
     }
 }
 

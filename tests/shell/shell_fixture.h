@@ -10,6 +10,7 @@
 #include "shell/panel.h"
 #include "shell/scene.h"
 #include "shell/start_up.h"
+#include "shell/title.h"
 #include "tests/recording/recording.h"
 
 #include <gtest/gtest.h>
@@ -32,6 +33,7 @@ protected:
         initPanel();
         ASSERT_TRUE(createFrameBuffer(&frameBuffer, 620, 520));
         loopState.appRunning = 1;
+        showTitle(programName); // whatever an earlier test holds there
         folder = std::filesystem::temp_directory_path() /
                  ("kestrelbox-shell-" + std::to_string(testing::UnitTest::GetInstance()->random_seed()) + "-" +
                   testing::UnitTest::GetInstance()->current_test_info()->name());
