@@ -105,6 +105,7 @@ static void resetWholeView(int)
 {
     frameState.view = startView;
     frameState.continuousRedraw = 0;
+    viewChanged();
     askForRedraw();
 }
 

@@ -1,31 +1,10 @@
-// shell/display.cpp - the trackball and the zoom
+// shell/display.cpp - the size of the frame buffer, and which button drags
 #include "shell/display.h"
 
 #include "shell/loop.h"
 #include "shell/scene.h"
 
-#include <math.h>
 #include <algorithm>
-
-constexpr float leastTurn = 0.0001f; // sine of an angle; a smaller one counts as no movement
-constexpr float leastSpin = 0.017f;  // radians a step: a slower flick stops on release
-
-struct TrackballDrag
-{
-    bool dragging;
-    float reference[3]; // trails the pointer
-    float current[3];
-    Matrix savedRotation; // the view when the drag began
-};
-
-struct ZoomDrag
-{
-    bool zooming;
-    float anchor; // pointer row x zoom
-};
-
-static TrackballDrag trackball;
-static ZoomDrag zoomState;
 
 void displayCreated()
 {
@@ -99,105 +78,7 @@ void displayRightButton(DragCode code, int32_t y)
     }
 }
 
-void endDrags()
+void displayWheelTurned(float notches)
 {
-    trackball.dragging = false;
-    zoomState.zooming = false;
-}
-
-void zoomDrag(DragCode code, int32_t y)
-{
-    if (code == dragDown)
-    {
-        zoomState.zooming = true;
-        zoomState.anchor = static_cast<float>(y) * frameState.view.zoom;
-    }
-    else if (code == dragMove && zoomState.zooming)
-    {
-        if (y > 0)
-            frameState.view.zoom = std::max(zoomState.anchor / static_cast<float>(y), 1.0f);
-        loopState.redrawPending = 1;
-    }
-}
-
-// The point of a ball behind the display that lies under the pointer, in eye space and of unit length.
-static void trackballPoint(int32_t x, int32_t y, float* point)
-{
-    float halfWidth = static_cast<float>(frameState.displayWidth) * 0.5f;
-    float halfHeight = static_cast<float>(frameState.displayHeight) * 0.5f;
-    float r = frameState.displayWidth >= frameState.displayHeight ? halfWidth : halfHeight;
-    float r2 = r * r;
-    if (r2 == 0)
-        r2 = 0.001f;
-    point[0] = static_cast<float>(x) - halfWidth;
-    point[1] = halfHeight - static_cast<float>(y);
-    point[2] = r * r2 / (point[0] * point[0] + r2 + point[1] * point[1]);
-    normalise(point);
-}
-
-static void moveReference()
-{
-    for (int i = 0; i < 3; ++i)
-        trackball.reference[i] = (trackball.reference[i] + trackball.current[i]) * 0.5f;
-}
-
-// The rotation from the reference point to the current point, about the cross product current x reference. Returns the
-// angle in radians; for no movement it returns 0 and the identity.
-static float turnBetween(Matrix* rotation)
-{
-    float axis[3];
-    crossProduct(trackball.current, trackball.reference, axis);
-    float length = normalise(axis);
-    if (!(length >= leastTurn))
-    {
-        *rotation = identityMatrix;
-        return 0;
-    }
-    float angle = asinf(std::min(length, 1.0f));
-    if (dotProduct(trackball.current, trackball.reference) < 0)
-        angle = 3.141592f - angle;
-    rotationAboutAxis(rotation, angle, axis);
-    return angle;
-}
-
-static void beginTurn(int32_t x, int32_t y)
-{
-    trackball.dragging = true;
-    trackballPoint(x, y, trackball.reference);
-    trackballPoint(x, y, trackball.current);
-    trackball.savedRotation = frameState.view.rotation;
-    frameState.continuousRedraw = 0;
-}
-
-static void turn(int32_t x, int32_t y)
-{
-    moveReference();
-    trackballPoint(x, y, trackball.current);
-    turnBetween(&frameState.view.rotation);
-    multiplyMatrices(&frameState.view.rotation, &frameState.view.rotation, &trackball.savedRotation);
-    loopState.redrawPending = 1;
-}
-
-// The dragging flag stays on, so a later release without a press applies one more step.
-static void endTurn(int32_t x, int32_t y)
-{
-    moveReference();
-    normalise(trackball.reference);
-    trackballPoint(x, y, trackball.current);
-    float angle = turnBetween(&frameState.view.step);
-    multiplyMatrices(&frameState.view.rotation, &frameState.view.step, &frameState.view.rotation);
-    frameState.continuousRedraw = angle > leastSpin;
-    loopState.redrawPending = 1;
-}
-
-void rotateDrag(DragCode code, int32_t x, int32_t y)
-{
-    if (code == dragDown)
-        beginTurn(x, y);
-    else if (!trackball.dragging)
-        return;
-    else if (code == dragMove)
-        turn(x, y);
-    else
-        endTurn(x, y);
+    zoomByNotches(notches);
 }

@@ -1,15 +1,10 @@
-// shell/display.h - the display window: its size, its picture, and the mouse that turns and zooms the model
+// shell/display.h - the display window: its size, its picture, and the mouse over it
 //
 // x and y are pixels from the display's upper left corner. During a drag they may lie outside the display.
 #pragma once
-#include <stdint.h>
+#include "shell/drag.h"
 
-enum DragCode
-{
-    dragDown,
-    dragMove,
-    dragUp
-};
+#include <stdint.h>
 
 // The display window has been created: the next frame is drawn whole.
 void displayCreated();
@@ -26,12 +21,5 @@ void displayMouseMoved(bool leftHeld, bool rightHeld, int32_t x, int32_t y);
 void displayLeftButton(DragCode code, int32_t x, int32_t y);
 void displayRightButton(DragCode code, int32_t y);
 
-// The drag with the left button: a virtual trackball turns the model with the pointer. A release while the pointer
-// moves leaves the model spinning.
-void rotateDrag(DragCode code, int32_t x, int32_t y);
-
-// The drag with the right button: upward enlarges the model, downward shrinks it to its fitted size at most.
-void zoomDrag(DragCode code, int32_t y);
-
-// Ends both drags, for a window that is minimised. A released button ends none.
-void endDrags();
+// The wheel was turned: away from the hand enlarges, by parts of a notch on fine wheels.
+void displayWheelTurned(float notches);

@@ -1,4 +1,5 @@
-// cli/make/make_manual.cpp - writes the manual page and the shell completions of kbx from its own usage
+// cli/make/make_manual.cpp - writes the manual page and the shell completions of kbx from its own usage and the
+// window's keys
 //
 //   make_manual FOLDER
 //
@@ -6,6 +7,7 @@
 // an option takes.
 #include "cli/usage.h"
 #include "model/ascii.h"
+#include "shell/keys.h"
 
 #include <stdio.h>
 #include <fstream>
@@ -161,6 +163,15 @@ static void printFooter(std::ostream* out, const std::string& footer)
     }
 }
 
+// The keys of the desktop program, which has no page of its own.
+static void printKeys(std::ostream* out)
+{
+    *out << ".SH KEYS IN THE WINDOW\n"
+            "The desktop program kestrelbox shows the same models in a window. Its keys:\n";
+    for (const KeyCommand& command : keyCommands())
+        *out << ".TP\n.B " << roff(command.name) << "\n" << roff(command.help) << "\n";
+}
+
 static void printManual(std::ostream* out, const CLI::App& app)
 {
     *out << ".TH KBX 1 \"\" \"kbx " KBX_VERSION "\" \"Kestrelbox\"\n"
@@ -182,6 +193,7 @@ static void printManual(std::ostream* out, const CLI::App& app)
     *out << ".SH OPTIONS\n";
     printManualOptions(out, &app);
     printFooter(out, app.get_footer());
+    printKeys(out);
 }
 
 // ---- completions ----

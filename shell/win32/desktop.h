@@ -10,6 +10,10 @@ LRESULT CALLBACK mainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
 LRESULT CALLBACK displayProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 INT_PTR CALLBACK toolPanelProc(HWND panel, UINT message, WPARAM wParam, LPARAM lParam);
 
+// Runs the command of a message that is a key for the main window or the tool panel. Returns false for other messages,
+// and for the keys that a control of the panel needs itself.
+bool takeKey(const MSG* message);
+
 // The About box's picture and its grey background brush; null outside the program's run.
 extern HBITMAP aboutBitmap;
 extern HBRUSH panelBrush;

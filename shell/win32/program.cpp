@@ -107,7 +107,8 @@ static WaitingMessage takeWaitingMessage()
         return messageNone;
     if (message.message == WM_QUIT)
         return messageQuit;
-    dispatch(&message);
+    if (!takeKey(&message))
+        dispatch(&message);
     return messageDispatched;
 }
 
@@ -116,7 +117,7 @@ static void runMessages()
     MSG message;
     while (GetMessageW(&message, nullptr, 0, 0) > 0)
     {
-        if (!IsDialogMessageW(toolPanel, &message))
+        if (!takeKey(&message) && !IsDialogMessageW(toolPanel, &message))
             dispatch(&message);
         if (!drawWhilePending(takeWaitingMessage))
             break;

@@ -1,4 +1,6 @@
 // tests/cli/manual_test.cpp - the manual page and the completions that the build makes
+#include "shell/keys.h"
+
 #include <gtest/gtest.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -109,4 +111,16 @@ TEST_F(Manual, ThePageHasItsSectionsInOrder)
         last = found;
     }
     EXPECT_NE(page.find("\nkbx render chair.obj"), std::string::npos);
+}
+
+TEST_F(Manual, ListsTheKeysOfTheWindow)
+{
+    std::string page = textOf("kbx.1");
+    size_t section = page.find(".SH KEYS IN THE WINDOW\n");
+    ASSERT_NE(section, std::string::npos);
+    for (const KeyCommand& command : keyCommands())
+    {
+        std::string name = std::string(command.name) == "-" ? "\\-" : command.name;
+        EXPECT_NE(page.find(".TP\n.B " + name + "\n" + command.help + "\n", section), std::string::npos) << name;
+    }
 }
