@@ -1,4 +1,5 @@
-// fuzz/life_fuzz.cpp - a whole life of a model: read, repaired, filtered, drawn, written in every format, read again
+// fuzz/life_fuzz.cpp - a whole life of a model: read, repaired with undo and redo, filtered, drawn, written in every
+// format, read again
 //
 // The first bytes choose: reader, number of tools, the tools, filter, render flags, preset, lights, view, size. The
 // rest is the file.
@@ -15,14 +16,15 @@
 #include "import/rkf.h"
 #include "import/threeds/threeds.h"
 #include "model/memory.h"
+#include "model/mesh_copy.h"
 #include "platform/processor.h"
 #include "render/frame.h"
 #include "render/materials.h"
 #include "shell/scene.h"
+#include "shell/undo.h"
 #include "tests/check_mesh.h"
 #include "tests/recording/recording.h"
 #include "tools/filter.h"
-#include "tools/tools.h"
 
 #include <stdio.h>
 #include <stdlib.h>
@@ -53,10 +55,35 @@ static void check(const Mesh* mesh, const char* where)
     abort();
 }
 
-static void runTool(Mesh* mesh, const MeshTool& tool)
+// Runs tools, undo and redo. In the end all tools that can be taken back are taken back, which must give the first
+// mesh, and are done again.
+static void repair(ChoiceBytes* steps)
 {
-    tool.run(mesh);
-    check(mesh, tool.name);
+    Mesh* first = copyMesh(currentMesh());
+    for (uint32_t count = choose(steps, 6); count > 0; --count)
+    {
+        uint32_t step = choose(steps, static_cast<uint32_t>(meshTools.size()) + 2);
+        if (step < meshTools.size())
+            runTool(&meshTools[step]);
+        else if (step == meshTools.size())
+            undoTool();
+        else
+            redoTool();
+        check(currentMesh(), "repaired");
+    }
+    int undone = 0;
+    while (undoTool())
+        ++undone;
+    if (!meshesAreEqual(first, currentMesh()))
+    {
+        fprintf(stderr, "undo: not the first mesh after %d steps\n", undone);
+        abort();
+    }
+    freeKeptMesh(first);
+    while (undone-- > 0 && redoTool())
+    {
+    }
+    check(currentMesh(), "redone");
 }
 
 static RenderSettings chooseSettings(ChoiceBytes* choices)
@@ -140,10 +167,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
     }
     check(mesh, "reader");
     ChoiceBytes steps = { plan, sizeof plan };
-    for (uint32_t tools = choose(&steps, 6); tools > 0; --tools)
-        runTool(mesh, meshTools[choose(&steps, static_cast<uint32_t>(meshTools.size()))]);
-    applyFilter(mesh, static_cast<int32_t>(choose(&steps, 8)));
     installMesh(&modelList, mesh);
+    repair(&steps);
+    mesh = currentMesh();
+    applyFilter(mesh, static_cast<int32_t>(choose(&steps, 8)));
+    fitModelList(&modelList);
     FrameState state = startFrameState;
     draw(&steps, &state);
     write(mesh, state);

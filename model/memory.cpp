@@ -73,6 +73,20 @@ void tableFree(void* pointer)
     entry->address = nullptr;
 }
 
+void tableLeave(void* pointer)
+{
+    if (MemoryEntry* entry = pointer ? findEntry(pointer) : nullptr)
+        entry->address = nullptr;
+}
+
+int tableEnter(void* pointer, size_t size)
+{
+    if (memoryTable.highWater >= memoryEntryLimit && !findEntry(nullptr))
+        return 0;
+    *takeEntry() = { pointer, size };
+    return 1;
+}
+
 int reportOutOfMemory()
 {
     refusedMemoryReported();

@@ -36,6 +36,13 @@ void* tableRealloc(void* pointer, size_t size);
 // Releases the block. Null and unknown addresses are ignored.
 void tableFree(void* pointer);
 
+// Takes a block out of the table without releasing it; its entry is free again. The block belongs to the caller alone
+// until it is entered again. Null and unknown addresses are ignored.
+void tableLeave(void* pointer);
+
+// Enters a block that has left the table, with its size. Returns 1, or 0 when there is no entry for it.
+int tableEnter(void* pointer, size_t size);
+
 // Shows "Out of memory" and returns 0, so that a caller can report and fail in one step.
 int reportOutOfMemory();
 

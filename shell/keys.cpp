@@ -9,6 +9,7 @@
 #include "shell/panel.h"
 #include "shell/scene.h"
 #include "shell/title.h"
+#include "shell/undo.h"
 
 constexpr float arrowDegrees = 10;
 
@@ -25,6 +26,16 @@ static void savePicture(int)
 static void exportObj(int)
 {
     runCommand(ID_EXPORT_OBJ);
+}
+
+static void undoStep(int)
+{
+    undoTool();
+}
+
+static void redoStep(int)
+{
+    redoTool();
 }
 
 static void resetView(int)
@@ -83,6 +94,9 @@ static const KeyCommand table[] = {
     { 'O', withControl, false, "Ctrl+O", "open a model", openMesh },
     { 'S', withControl, false, "Ctrl+S", "save the picture", savePicture },
     { 'E', withControl, false, "Ctrl+E", "export as OBJ", exportObj },
+    { 'Z', withControl, true, "Ctrl+Z", "undo the last mesh tool", undoStep },
+    { 'Y', withControl, true, "Ctrl+Y", "redo it", redoStep },
+    { 'Z', withControl | withShift, true, "Ctrl+Shift+Z", "redo it", redoStep },
     { keyLeft, 0, true, "Left", "turn the model to the left by 10 degrees", turnByArrow },
     { keyRight, 0, true, "Right", "turn the model to the right by 10 degrees", turnByArrow },
     { keyUp, 0, true, "Up", "turn the model up by 10 degrees", turnByArrow },

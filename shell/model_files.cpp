@@ -9,11 +9,13 @@
 #include "shell/file_dialogs.h"
 #include "shell/panel.h"
 #include "shell/scene.h"
+#include "shell/undo.h"
 
 // Makes a mesh that has been read from a file the current one, which the list then owns: installs it, names it by the
 // path, refills the panel, resets the view's rotations and sets the title.
 static void showLoadedMesh(Mesh* mesh, const char* path)
 {
+    forgetUndo();
     installMesh(&modelList, mesh);
     nameModel(fileNameOf(path), path);
     fillFilterList(mesh);

@@ -1,6 +1,7 @@
 // shell/panel.cpp - one row for each control of the tool panel
 #include "shell/panel.h"
 
+#include "model/mesh_copy.h"
 #include "platform/boxes.h"
 #include "platform/controls.h"
 #include "resources/ids.h"
@@ -8,6 +9,7 @@
 #include "shell/loop.h"
 #include "shell/lux_export.h"
 #include "shell/scene.h"
+#include "shell/undo.h"
 #include "tools/filter.h"
 #include "tools/tools.h"
 
@@ -27,6 +29,33 @@ void fillFilterList(const Mesh* mesh)
     filterSelection = 0;
     filterOn = 0;
     checkPanelBox(ID_BY_GROUP, 0);
+}
+
+FilterChoice filterChoice()
+{
+    return { filterOn, filterSelection };
+}
+
+static int filteredEntry(const FilterChoice& choice)
+{
+    return choice.on ? choice.selection : 0;
+}
+
+void showOtherMesh(const Mesh* before, const FilterChoice& kept)
+{
+    Mesh* mesh = currentMesh();
+    if (!meshNamesAreEqual(before, mesh))
+    {
+        fillFilterList(mesh);
+        filterOn = kept.on;
+        filterSelection = kept.selection;
+        checkPanelBox(ID_BY_GROUP, kept.on);
+        selectFilterEntry(filteredEntry(kept));
+    }
+    else if (filteredEntry(filterChoice()) != filteredEntry(kept))
+        applyFilter(mesh, filteredEntry(filterChoice()));
+    fitModelList(&modelList);
+    updateStatistics();
 }
 
 static void setPanelCount(int id, int32_t count)
@@ -133,12 +162,12 @@ static const MeshTool* toolOfButton(int id)
 }
 
 // Returns 1, or 0 when there is no tool to run.
-static int runTool(const MeshTool* tool)
+static int pressTool(const MeshTool* tool)
 {
     Mesh* mesh = currentMesh();
     if (!tool || !mesh)
         return tool != nullptr;
-    tool->run(mesh);
+    runTool(tool);
     if (tool->changesBounds)
         fitModelList(&modelList);
     if (tool->changesGroups)
@@ -187,5 +216,5 @@ int runPanelCommand(int id)
             return 1;
         }
     }
-    return runTool(toolOfButton(id));
+    return pressTool(toolOfButton(id));
 }

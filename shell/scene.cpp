@@ -4,6 +4,7 @@
 #include "image/textures.h"
 #include "platform/files.h"
 #include "shell/title.h"
+#include "shell/undo.h"
 
 ModelList modelList;
 FrameBuffer frameBuffer;
@@ -34,6 +35,7 @@ void showSavedTitle()
 
 void releaseModels()
 {
+    forgetUndo();
     clearModelList(&modelList);
 }
 

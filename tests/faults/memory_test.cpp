@@ -7,6 +7,7 @@
 #include "shell/display.h"
 #include "tests/check_mesh.h"
 #include "tests/samples.h"
+#include "tools/tools.h"
 
 #include <algorithm>
 #include <functional>
@@ -119,12 +120,13 @@ TEST_F(MemoryFaults, AFailedRkfReadKeepsTheModelShown)
     EXPECT_GT(refuseEach(read, [&] { EXPECT_EQ(currentMesh(), before); }), 5);
 }
 
-// Tests which tools request memory, and that none of them leaves a mesh that cannot be drawn.
+// Tests which tools request memory, and that none of them leaves a mesh that cannot be drawn. They are run without the
+// copy that the panel keeps of the mesh: tests/shell/undo_test.cpp refuses its blocks.
 TEST_F(MemoryFaults, AToolWithoutMemorySaysSoAndLeavesAWholeMesh)
 {
     for (int id : { ID_INVERT, ID_WELD, ID_FIX_NORMALS, ID_DUP_FACES, ID_TRI, ID_QUAD, ID_SPLIT })
     {
-        auto run = [&] { runPanelCommand(id); };
+        auto run = [&] { findToolByButton(id)->run(currentMesh()); };
         int requests = refuseEach(run, [] { EXPECT_TRUE(recorded.notices.empty()); });
         EXPECT_EQ(requests > 0, id != ID_INVERT) << id;
     }
@@ -154,7 +156,7 @@ TEST_F(MemoryFaults, AllOtherCommandsNeedNoMemory)
             EXPECT_EQ(recorded.allocations, 0) << id;
         }
     for (int id : { ID_FILTER_LIST, ID_BY_GROUP, ID_WIREFRAME, ID_BACKCULLED, ID_TEXTURED, ID_SHADOWS, ID_VERTEX_COLOUR,
-                    ID_INVERT, ID_ROUGH, ID_METALLIC, ID_MOON })
+                    ID_ROUGH, ID_METALLIC, ID_MOON })
         for (bool on : { true, false })
         {
             click(id, on);
