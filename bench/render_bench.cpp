@@ -162,7 +162,7 @@ static void StepConvert(benchmark::State& state)
 }
 
 // 32 layers of two triangles over the whole display, each nearer than the one before.
-static void fillLayers(benchmark::State& state, TriangleFiller RasterKernels::*kind, int32_t lanes,
+static void fillLayers(benchmark::State& state, TriangleFiller RasterKernels::*kind, AttributeSet set,
                        uint32_t transparency)
 {
     Scene scene;
@@ -182,9 +182,9 @@ static void fillLayers(benchmark::State& state, TriangleFiller RasterKernels::*k
                                                 { 0, 520, far, 0xFF10FF80, 1, 0 } };
             const TriangleCorner second[3] = { corners[0], corners[2], corners[3] };
             SpanState span;
-            rasterKernels().setUp(&span, corners, lanes);
+            rasterKernels().setUp(&span, corners, set);
             filler(&fill, &span);
-            rasterKernels().setUp(&span, second, lanes);
+            rasterKernels().setUp(&span, second, set);
             filler(&fill, &span);
         }
     }
@@ -195,17 +195,17 @@ static void fillLayers(benchmark::State& state, TriangleFiller RasterKernels::*k
 
 static void LayersOpaque(benchmark::State& state)
 {
-    fillLayers(state, &RasterKernels::opaque, plainLanes, 0);
+    fillLayers(state, &RasterKernels::opaque, opaqueAttributes, 0);
 }
 
 static void LayersTransparent(benchmark::State& state)
 {
-    fillLayers(state, &RasterKernels::transparent, laneCount, 0x999999);
+    fillLayers(state, &RasterKernels::transparent, transparentAttributes, 0x999999);
 }
 
 static void LayersTextured(benchmark::State& state)
 {
-    fillLayers(state, &RasterKernels::textured, laneCount, 0);
+    fillLayers(state, &RasterKernels::textured, texturedAttributes, 0);
 }
 
 // The argument is the number of rings: the sphere has nearly 2 x rings x 2 x rings triangles.

@@ -146,8 +146,9 @@ static void fillFace(FaceDrawer* drawer, const TriangleCorner* corners)
 {
     bool blended = static_cast<int32_t>(drawer->fill.transparency) >= 1;
     bool textured = drawer->texture != textureNone;
+    AttributeSet set = textured ? texturedAttributes : blended ? transparentAttributes : opaqueAttributes;
     SpanState state;
-    if (!drawer->kernels.setUp(&state, corners, textured || blended ? laneCount : plainLanes))
+    if (!drawer->kernels.setUp(&state, corners, set))
         return;
     const RasterKernels& kernels = drawer->kernels;
     TriangleFiller filler = textured ? kernels.textured : blended ? kernels.transparent : kernels.opaque;

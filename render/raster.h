@@ -6,10 +6,14 @@
 // no gap. A pixel has the attributes of the triangle's plane at its whole column: when the fraction of the left edge
 // carries into the next column, the filler takes the row step that includes one more pixel step.
 //
-// Depths and colours are 16.16. A texture coordinate has 32 bits, 2^31 to a period, and wraps above that. The step per
-// pixel is limited to the attribute's range over the triangle. Steeper planes exist only where no row has two pixels,
-// and with the limit every value fits in 32 bits. The whole column can lie left of the triangle; there the depth is
-// clamped to the depths of the corners, and a colour to its byte.
+// Depths and colours are 16.16. A texture coordinate counts from the middle of its range over the triangle, with 2^31
+// to a period, or fewer where the range has more than about one period. The step per pixel is limited to the
+// attribute's range. Steeper planes exist only where no row has two pixels, and with the limit every value fits in 32
+// bits.
+//
+// The whole column can lie left of the triangle, where the plane leaves the range of the corners. Every attribute of
+// every pixel is therefore clamped to that range. A range of texture coordinates that ends with a whole period ends
+// just before it, because the texel there is already the first of the next period.
 #pragma once
 #include "model/image.h"
 #include "render/frame_buffer.h"
@@ -30,7 +34,15 @@ enum AttributeLane : int32_t
     laneCount
 };
 
-constexpr int32_t plainLanes = 4; // what an opaque, untextured triangle needs
+constexpr int32_t plainLanes = 4; // depth and colour
+
+// The lanes that a filler uses: the plain ones, and for the others the fourth, or row and column.
+enum AttributeSet
+{
+    opaqueAttributes,
+    transparentAttributes,
+    texturedAttributes
+};
 
 struct TriangleCorner
 {
@@ -55,9 +67,12 @@ struct alignas(16) SpanState
     uint32_t secondValue[laneCount]; // in the left edge's change row
     uint32_t perPixel[laneCount];
     uint32_t rowStep[4][laneCount]; // carry of the left edge's fraction, + 2 from its change row on
-    int32_t topRow, bottomRow;      // bottomRow is not drawn
+    int32_t lowest[laneCount];      // the range of the corners, in the units of value
+    int32_t highest[laneCount];
+    uint32_t middle[2];        // of the row's and the column's range: value 0, counted from a whole period
+    int32_t textureShift;      // the bits of a texture coordinate above the fraction of a period
+    int32_t topRow, bottomRow; // bottomRow is not drawn
     SpanEdge left, right;
-    int32_t lowestDepth, highestDepth;
 };
 
 // What the fillers need besides the triangle. The noise counter continues through all pixels of all spans of a frame.
@@ -73,11 +88,11 @@ struct FillState
 
 constexpr uint32_t noiseStep = 101; // per pixel
 
-// Fills the first lanes of the span state, plainLanes or laneCount of them; the others are undefined.
+// Fills the lanes of the span state that are in the set; the others are undefined.
 // Returns 1, or 0 for a triangle without area; the state is then undefined.
-using TriangleSetup = int (*)(SpanState* state, const TriangleCorner* corners, int32_t lanes);
-int setUpTriangle(SpanState* state, const TriangleCorner* corners, int32_t lanes);
-int setUpTriangleSse2(SpanState* state, const TriangleCorner* corners, int32_t lanes); // equal values
+using TriangleSetup = int (*)(SpanState* state, const TriangleCorner* corners, AttributeSet set);
+int setUpTriangle(SpanState* state, const TriangleCorner* corners, AttributeSet set);
+int setUpTriangleSse2(SpanState* state, const TriangleCorner* corners, AttributeSet set); // equal values
 
 // Each filler fills the triangle of the span state where it is nearer than the cells. All corners lie within the cells.
 //

@@ -204,7 +204,7 @@ static inline int fillSmallTriangle(uint16_t* map, int32_t side, const TriangleF
     if (plane.perColumn > steepestStep || plane.perColumn < -steepestStep)
         return 0;
     const TriangleCorner &top = *frame.corner[0], &middle = *frame.corner[1];
-    const int32_t highest = std::max({ top.depth, middle.depth, frame.corner[2]->depth });
+    const int32_t highest = highestDepthOf(frame);
     const Slopes slopes = slopesOf(frame);
     int32_t straight = top.x << 16, bent = straight, bentStep = slopes.upper;
     int64_t rowDepth = int64_t{ top.depth } * 65536;
@@ -240,8 +240,8 @@ static void fillShadowTriangle(FrameBuffer* target, const TriangleCorner* corner
         return;
     setUpEdges(&edges, frame, slopesOf(frame));
     const TriangleCorner& origin = *frame.corner[0];
-    ShadowTriangle triangle = { edges.left, edges.right, edges.topRow,       edges.bottomRow, depthPlaneOf(frame),
-                                origin.x,   origin.y,    edges.highestDepth, origin.depth };
+    ShadowTriangle triangle = { edges.left, edges.right, edges.topRow,          edges.bottomRow, depthPlaneOf(frame),
+                                origin.x,   origin.y,    highestDepthOf(frame), origin.depth };
     fillRows(target->shadowMap, target->shadowSize, &triangle);
 }
 

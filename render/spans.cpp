@@ -14,10 +14,16 @@ static inline int32_t saturate16(int32_t value)
     return std::clamp(value, -32768, 32767);
 }
 
-// A colour byte in 16.16 as a lane.
-static inline int32_t colourLane(uint32_t colour)
+// An attribute within the range of the corners.
+static inline int32_t held(uint32_t value, const SpanState* state, int32_t lane)
 {
-    return saturate16((static_cast<int32_t>(colour) >> 8) - laneBias);
+    return std::clamp(static_cast<int32_t>(value), state->lowest[lane], state->highest[lane]);
+}
+
+// A colour byte in 16.16 as a lane.
+static inline int32_t colourLane(int32_t colour)
+{
+    return (colour >> 8) - laneBias;
 }
 
 // The square of the noise counter, as signed 16 bits.
@@ -26,14 +32,9 @@ static inline int32_t noiseSquare(uint32_t counter)
     return static_cast<int16_t>(counter * counter & 0xFFFF);
 }
 
-static inline int32_t noisyLane(uint32_t colour, int32_t square, int32_t amplitude)
+static inline int32_t noisyLane(int32_t colour, int32_t square, int32_t amplitude)
 {
     return saturate16(colourLane(colour) + (square * amplitude >> 16));
-}
-
-static inline int32_t spanDepth(uint32_t depth, const SpanState* state)
-{
-    return std::clamp(static_cast<int32_t>(depth) >> 16, state->lowestDepth, state->highestDepth);
 }
 
 static inline bool isNearer(int32_t depth, uint32_t cell)
@@ -64,7 +65,7 @@ static inline uint32_t cellRed(uint32_t cell)
 }
 
 // The colours are 16.16.
-static inline uint32_t noisyCell(const FillState* fill, uint32_t counter, uint32_t blue, uint32_t green, uint32_t red,
+static inline uint32_t noisyCell(const FillState* fill, uint32_t counter, int32_t blue, int32_t green, int32_t red,
                                  int32_t depth)
 {
     int32_t square = noiseSquare(counter);
@@ -77,7 +78,8 @@ static inline uint32_t noisyCell(const FillState* fill, uint32_t counter, uint32
 uint32_t opaqueCell(const FillState* fill, int32_t depth, uint32_t colour)
 {
     uint32_t blue = (colour & 0xFF) << 16, green = (colour & 0xFF00) << 8, red = colour & 0xFF0000;
-    return noisyCell(fill, fill->noiseCounter, blue, green, red, depth);
+    return noisyCell(fill, fill->noiseCounter, static_cast<int32_t>(blue), static_cast<int32_t>(green),
+                     static_cast<int32_t>(red), depth);
 }
 
 struct OpaqueSpan
@@ -92,9 +94,10 @@ struct OpaqueSpan
         uint32_t counter = fill->noiseCounter;
         for (int32_t i = 0; i < count; ++i)
         {
-            int32_t pixelDepth = spanDepth(depth, state);
+            int32_t pixelDepth = held(depth, state, laneDepth) >> 16;
             if (isNearer(pixelDepth, cell[i]))
-                cell[i] = noisyCell(fill, counter, blue, green, red, pixelDepth);
+                cell[i] = noisyCell(fill, counter, held(blue, state, laneBlue), held(green, state, laneGreen),
+                                    held(red, state, laneRed), pixelDepth);
             depth += state->perPixel[laneDepth];
             blue += state->perPixel[laneBlue];
             green += state->perPixel[laneGreen];
@@ -125,13 +128,13 @@ struct TransparentSpan
         uint32_t t = fill->transparency;
         for (int32_t i = 0; i < count; ++i)
         {
-            int32_t pixelDepth = spanDepth(depth, state);
+            int32_t pixelDepth = held(depth, state, laneDepth) >> 16;
             if (isNearer(pixelDepth, cell[i]))
             {
                 int32_t square = noiseSquare(counter);
                 int32_t lane[4];
                 for (int32_t k = 0; k < 4; ++k)
-                    lane[k] = noisyLane(colour[k], square, fill->noiseAmplitude[k]);
+                    lane[k] = noisyLane(held(colour[k], state, laneBlue + k), square, fill->noiseAmplitude[k]);
                 uint32_t fourth = static_cast<uint32_t>(lane[3] + laneBias);
                 uint32_t b = blend(lane[0], cellBlue(cell[i]), fourth, t & 0xFF);
                 uint32_t g = blend(lane[1], cellGreen(cell[i]), fourth, t >> 8 & 0xFF);
@@ -151,11 +154,17 @@ struct TexturedSpan
 {
     static constexpr int32_t lanes = laneCount;
 
-    // Texel byte x light, mixed with the top byte of the present field; the result has 8 bits and 8 of fraction.
-    static inline uint32_t mix(uint32_t texelByte, uint32_t colour, uint32_t field, uint32_t transparency)
+    // The row or column of a texel in an image of size rows or columns.
+    static inline uint32_t texelPlace(uint32_t coordinate, const SpanState* state, int32_t lane, uint32_t size)
     {
-        int32_t light = colourLane(colour) + laneBias;
-        int32_t lit = static_cast<int32_t>(texelByte) * light >> 16;
+        uint32_t fromPeriod = static_cast<uint32_t>(held(coordinate, state, lane)) + state->middle[lane - laneRow];
+        return (fromPeriod << state->textureShift >> 16) * size >> 16;
+    }
+
+    // Texel byte x light, mixed with the top byte of the present field; the result has 8 bits and 8 of fraction.
+    static inline uint32_t mix(uint32_t texelByte, int32_t colour, uint32_t field, uint32_t transparency)
+    {
+        int32_t lit = static_cast<int32_t>(texelByte) * (colour >> 8) >> 16;
         int32_t present = static_cast<int32_t>(field >> 8);
         return static_cast<uint32_t>(lit * 256 + (present - lit) * static_cast<int32_t>(transparency));
     }
@@ -171,15 +180,15 @@ struct TexturedSpan
         uint32_t t = fill->transparency;
         for (int32_t i = 0; i < count; ++i)
         {
-            int32_t pixelDepth = spanDepth(depth, state);
+            int32_t pixelDepth = held(depth, state, laneDepth) >> 16;
             if (isNearer(pixelDepth, cell[i]))
             {
-                size_t texelRow = (row >> 15 & 0xFFFF) * height >> 16;
-                uint32_t texelColumn = (column >> 15 & 0xFFFF) * width >> 16;
+                size_t texelRow = texelPlace(row, state, laneRow, height);
+                uint32_t texelColumn = texelPlace(column, state, laneColumn, width);
                 uint32_t texel = image.pixels[texelRow * width + texelColumn];
-                uint32_t b = mix(texel & 0xFF, blue, cellBlue(cell[i]), t & 0xFF);
-                uint32_t g = mix(texel >> 8 & 0xFF, green, cellGreen(cell[i]), t >> 8 & 0xFF);
-                uint32_t r = mix(texel >> 16 & 0xFF, red, cellRed(cell[i]), t >> 16 & 0xFF);
+                uint32_t b = mix(texel & 0xFF, held(blue, state, laneBlue), cellBlue(cell[i]), t & 0xFF);
+                uint32_t g = mix(texel >> 8 & 0xFF, held(green, state, laneGreen), cellGreen(cell[i]), t >> 8 & 0xFF);
+                uint32_t r = mix(texel >> 16 & 0xFF, held(red, state, laneRed), cellRed(cell[i]), t >> 16 & 0xFF);
                 cell[i] = packCell(b, g, r, pixelDepth);
             }
             depth += state->perPixel[laneDepth];

@@ -11,10 +11,11 @@ using Mask = __m256i; // each lane has all bits set, or none
 
 // clang-format off
 WIDE Ints add32(Ints a, Ints b) { return _mm256_add_epi32(a, b); }
-WIDE Ints sub32(Ints a, Ints b) { return _mm256_sub_epi32(a, b); }
 WIDE Ints low32(Ints a, Ints b) { return _mm256_mullo_epi32(a, b); }
 WIDE Ints min32(Ints a, Ints b) { return _mm256_min_epi32(a, b); }
 WIDE Ints max32(Ints a, Ints b) { return _mm256_max_epi32(a, b); }
+WIDE Ints min16(Ints a, Ints b) { return _mm256_min_epi16(a, b); }
+WIDE Ints max16(Ints a, Ints b) { return _mm256_max_epi16(a, b); }
 WIDE Ints add16(Ints a, Ints b) { return _mm256_add_epi16(a, b); }
 WIDE Ints sub16(Ints a, Ints b) { return _mm256_sub_epi16(a, b); }
 WIDE Ints addSaturated16(Ints a, Ints b) { return _mm256_adds_epi16(a, b); }
@@ -31,13 +32,21 @@ WIDE Ints unpackLow16(Ints a, Ints b) { return _mm256_unpacklo_epi16(a, b); }
 WIDE Ints unpackHigh16(Ints a, Ints b) { return _mm256_unpackhi_epi16(a, b); }
 template <int bits> WIDE Ints left16(Ints a) { return _mm256_slli_epi16(a, bits); }
 template <int bits> WIDE Ints left32(Ints a) { return _mm256_slli_epi32(a, bits); }
+WIDE Ints leftEach32(Ints a, Ints bits) { return _mm256_sllv_epi32(a, bits); }
 template <int bits> WIDE Ints right32(Ints a) { return _mm256_srli_epi32(a, bits); }
 template <int bits> WIDE Ints rightSigned32(Ints a) { return _mm256_srai_epi32(a, bits); }
 WIDE Ints zero() { return _mm256_setzero_si256(); }
 WIDE Ints all16(int16_t value) { return _mm256_set1_epi16(value); }
 WIDE Ints all32(int32_t value) { return _mm256_set1_epi32(value); }
 WIDE Ints broadcast(__m128i first) { return _mm256_broadcastd_epi32(first); }
+WIDE Ints repeat128(__m128i lanes) { return _mm256_broadcastsi128_si256(lanes); }
 WIDE Ints iota() { return _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7); }
+
+// The low half of each 32-bit lane, in the order of a pair of the same channel twice.
+WIDE Ints lowHalvesTwice(Ints a)
+{
+    return _mm256_shuffle_epi8(a, repeat128(_mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, 0, 1, 4, 5, 8, 9, 12, 13)));
+}
 
 WIDE Mask lanesBelow(int32_t count) { return _mm256_cmpgt_epi32(all32(count), iota()); }
 WIDE Mask greaterWithin(Mask lanes, Ints a, Ints b) { return both(lanes, _mm256_cmpgt_epi32(a, b)); }

@@ -19,15 +19,20 @@ constexpr auto noiseStride = static_cast<int32_t>(noiseStep);
 // The values that all spans of a triangle share.
 struct WideTriangle
 {
-    Ints offset[laneCount]; // per-pixel step x 0, 1, 2, ...
-    Ints step[laneCount];   // per-pixel step x stepPixels
-    Ints lowest, highest;
+    Ints offset[laneCount];     // per-pixel step x 0, 1, 2, ...
+    Ints step[laneCount];       // per-pixel step x stepPixels
+    Ints lowest, highest;       // depths
+    Ints lowestPair, lowestRed; // colour lanes: blue and green, red and red, or red and fourth
+    Ints highestPair, highestRed;
+    Ints lowestRow, highestRow, middleRow;
+    Ints lowestColumn, highestColumn, middleColumn;
+    Ints textureShift;
     Ints noisePair, noiseRed;               // amplitudes: blue and green, red and fourth
     Ints transparencyPair, transparencyRed; // bytes in 16 bits: blue and green, red and red
     const FillState* fill;
 };
 
-// The attributes at the first pixels of a step.
+// The attributes at the first pixels of a step. Colours are less by the bias of a lane.
 struct WidePixels
 {
     Ints depth, blue, green, red, fourth, row, column, counter;
@@ -39,13 +44,11 @@ WIDE Ints pairOf(int32_t first, int32_t second)
     return packUnsigned(a, b);
 }
 
-// Two 16.16 channels as signed 16-bit lanes.
-WIDE Ints colourLanes(Ints first, Ints second)
+// Two 16.16 channels, less the bias, as signed 16-bit lanes within the range of the corners.
+WIDE Ints colourLanes(Ints first, Ints second, Ints lowest, Ints highest)
 {
-    Ints bias = all32(32768);
-    first = sub32(rightSigned32<8>(first), bias);
-    second = sub32(rightSigned32<8>(second), bias);
-    return pack(first, second);
+    Ints lanes = pack(rightSigned32<8>(first), rightSigned32<8>(second));
+    return min16(max16(lanes, lowest), highest);
 }
 
 WIDE Ints flipSigns(Ints lanes)
@@ -56,9 +59,7 @@ WIDE Ints flipSigns(Ints lanes)
 // The square of the noise counter in both lanes of a pair.
 WIDE Ints noiseSquares(Ints counter)
 {
-    Ints square = low16(counter, counter);
-    square = rightSigned32<16>(left32<16>(square));
-    return pack(square, square);
+    return lowHalvesTwice(low16(counter, counter));
 }
 
 WIDE Ints withNoise(Ints lanes, Ints squares, Ints amplitudes)
@@ -81,12 +82,13 @@ WIDE Ints packCells(Ints bluesGreens, Ints reds, Ints depth)
 struct WideOpaque
 {
     static constexpr int32_t lanes = plainLanes;
+    static constexpr bool usesFourth = false, usesTexture = false;
 
     WIDE Ints shade(const WideTriangle& t, const WidePixels& p, Ints depth, Ints, Mask)
     {
         Ints squares = noiseSquares(p.counter);
-        Ints pair = withNoise(colourLanes(p.blue, p.green), squares, t.noisePair);
-        Ints red = withNoise(colourLanes(p.red, p.red), squares, t.noiseRed);
+        Ints pair = withNoise(colourLanes(p.blue, p.green, t.lowestPair, t.highestPair), squares, t.noisePair);
+        Ints red = withNoise(colourLanes(p.red, p.red, t.lowestRed, t.highestRed), squares, t.noiseRed);
         return packCells(flipSigns(pair), flipSigns(red), depth);
     }
 };
@@ -94,6 +96,7 @@ struct WideOpaque
 struct WideTransparent
 {
     static constexpr int32_t lanes = laneCount;
+    static constexpr bool usesFourth = true, usesTexture = false;
 
     WIDE Ints blend(Ints colour, Ints fields, Ints fourth, Ints transparency)
     {
@@ -104,8 +107,9 @@ struct WideTransparent
     WIDE Ints shade(const WideTriangle& t, const WidePixels& p, Ints depth, Ints present, Mask)
     {
         Ints squares = noiseSquares(p.counter);
-        Ints pair = flipSigns(withNoise(colourLanes(p.blue, p.green), squares, t.noisePair));
-        Ints red = flipSigns(withNoise(colourLanes(p.red, p.fourth), squares, t.noiseRed));
+        Ints pair =
+            flipSigns(withNoise(colourLanes(p.blue, p.green, t.lowestPair, t.highestPair), squares, t.noisePair));
+        Ints red = flipSigns(withNoise(colourLanes(p.red, p.fourth, t.lowestRed, t.highestRed), squares, t.noiseRed));
         Ints fourth = unpackHigh16(red, zero());
         fourth = packUnsigned(fourth, fourth);
         Ints presentBlue = both(left32<11>(present), all32(0xF800));
@@ -120,11 +124,12 @@ struct WideTransparent
 struct WideTextured
 {
     static constexpr int32_t lanes = laneCount;
+    static constexpr bool usesFourth = false, usesTexture = true;
 
-    WIDE Ints texelPlace(Ints coordinate, int32_t size)
+    // The size has 16 bits, so that a product of 16-bit lanes is enough.
+    WIDE Ints texelPlace(Ints fromPeriod, Ints shift, int32_t size)
     {
-        Ints fraction = both(right32<15>(coordinate), all32(0xFFFF));
-        return right32<16>(low32(fraction, all32(size)));
+        return highUnsigned16(right32<16>(leftEach32(fromPeriod, shift)), all32(size));
     }
 
     WIDE Ints mix(Ints texels, Ints light, Ints present, Ints transparency)
@@ -137,8 +142,10 @@ struct WideTextured
     WIDE Ints shade(const WideTriangle& t, const WidePixels& p, Ints depth, Ints present, Mask active)
     {
         const Image& image = *t.fill->texture;
-        Ints place = low32(texelPlace(p.row, image.height), all32(image.width));
-        place = add32(place, texelPlace(p.column, image.width));
+        Ints row = add32(min32(max32(p.row, t.lowestRow), t.highestRow), t.middleRow);
+        Ints column = add32(min32(max32(p.column, t.lowestColumn), t.highestColumn), t.middleColumn);
+        Ints place = low32(texelPlace(row, t.textureShift, image.height), all32(image.width));
+        place = add32(place, texelPlace(column, t.textureShift, image.width));
         Ints texels = gatherTexels(image.pixels, place, active);
         Ints byte = all32(0xFF);
         Ints blue = both(texels, byte);
@@ -147,17 +154,63 @@ struct WideTextured
         Ints presentBlue = both(left32<3>(present), all32(0xF8));
         Ints presentGreen = both(right32<3>(present), all32(0xFC));
         Ints presentRed = both(right32<8>(present), all32(0xF8));
-        Ints pair = mix(packUnsigned(blue, green), flipSigns(colourLanes(p.blue, p.green)),
+        Ints pair = mix(packUnsigned(blue, green), flipSigns(colourLanes(p.blue, p.green, t.lowestPair, t.highestPair)),
                         packUnsigned(presentBlue, presentGreen), t.transparencyPair);
-        Ints reds = mix(packUnsigned(red, red), flipSigns(colourLanes(p.red, p.red)),
+        Ints reds = mix(packUnsigned(red, red), flipSigns(colourLanes(p.red, p.red, t.lowestRed, t.highestRed)),
                         packUnsigned(presentRed, presentRed), t.transparencyRed);
         return packCells(pair, reds, depth);
     }
 };
 
-WIDE void setUpWide(WideTriangle* t, const FillState* fill, const SpanState* state, int32_t lanes)
+WIDE __m128i loadLanes(const void* lanes)
 {
-    for (int32_t lane = 0; lane < lanes; ++lane)
+    return _mm_load_si128(static_cast<const __m128i*>(lanes));
+}
+
+// Lanes 0 to 3 of the span state less the bias of the colour lanes, and lanes 4 to 7.
+WIDE __m128i loadPlainLanes(const void* lanes)
+{
+    constexpr int32_t bias = 128 << 16;
+    return _mm_sub_epi32(loadLanes(lanes), _mm_setr_epi32(0, bias, bias, bias));
+}
+
+WIDE __m128i loadMoreLanes(const uint32_t* lanes)
+{
+    return _mm_sub_epi32(loadLanes(lanes + plainLanes), _mm_setr_epi32(128 << 16, 0, 0, 0));
+}
+
+// One end of the colours' range as pairs of lanes. The bytes of a pair come from two 32-bit lanes without their ends.
+template <class Span>
+WIDE void setUpRange(Ints* pair, Ints* red, const int32_t* range)
+{
+    const __m128i blueGreen = _mm_setr_epi8(5, 6, 5, 6, 5, 6, 5, 6, 9, 10, 9, 10, 9, 10, 9, 10);
+    const __m128i redRed = _mm_setr_epi8(13, 14, 13, 14, 13, 14, 13, 14, 13, 14, 13, 14, 13, 14, 13, 14);
+    __m128i lanes = loadPlainLanes(range);
+    *pair = repeat128(_mm_shuffle_epi8(lanes, blueGreen));
+    __m128i reds = _mm_shuffle_epi8(lanes, redRed);
+    if (Span::usesFourth)
+    {
+        int32_t fourth = (range[laneFourth] >> 8) - 32768;
+        reds = _mm_unpacklo_epi64(reds, _mm_set1_epi16(static_cast<int16_t>(fourth)));
+    }
+    *red = repeat128(reds);
+}
+
+WIDE void setUpTexture(WideTriangle* t, const SpanState* state)
+{
+    t->lowestRow = all32(state->lowest[laneRow]);
+    t->highestRow = all32(state->highest[laneRow]);
+    t->middleRow = all32(static_cast<int32_t>(state->middle[0]));
+    t->lowestColumn = all32(state->lowest[laneColumn]);
+    t->highestColumn = all32(state->highest[laneColumn]);
+    t->middleColumn = all32(static_cast<int32_t>(state->middle[1]));
+    t->textureShift = all32(state->textureShift);
+}
+
+template <class Span>
+WIDE void setUpWide(WideTriangle* t, const FillState* fill, const SpanState* state)
+{
+    for (int32_t lane = 0; lane < Span::lanes; ++lane)
     {
         Ints step = all32(static_cast<int32_t>(state->perPixel[lane]));
         t->offset[lane] = low32(step, iota());
@@ -167,8 +220,12 @@ WIDE void setUpWide(WideTriangle* t, const FillState* fill, const SpanState* sta
     int32_t blue = static_cast<int32_t>(fill->transparency & 0xFF);
     int32_t green = static_cast<int32_t>(fill->transparency >> 8 & 0xFF);
     int32_t red = static_cast<int32_t>(fill->transparency >> 16 & 0xFF);
-    t->lowest = all32(state->lowestDepth);
-    t->highest = all32(state->highestDepth);
+    t->lowest = all32(state->lowest[laneDepth] >> 16);
+    t->highest = all32(state->highest[laneDepth] >> 16);
+    setUpRange<Span>(&t->lowestPair, &t->lowestRed, state->lowest);
+    setUpRange<Span>(&t->highestPair, &t->highestRed, state->highest);
+    if (Span::usesTexture)
+        setUpTexture(t, state);
     t->noisePair = pairOf(noise[0], noise[1]);
     t->noiseRed = pairOf(noise[2], noise[3]);
     t->transparencyPair = pairOf(blue, green);
@@ -184,7 +241,6 @@ WIDE Ints lanesFrom(const WideTriangle& t, __m128i values)
 }
 
 // An empty span also takes the first step, with no lane active. Most spans end within that step, and a branch for empty
-// ones would be mispredicted in many rows.
 // ones would be mispredicted in many rows.
 template <class Span>
 WIDE void fillWideSpan(const WideTriangle& t, uint32_t* cell, int32_t count, uint32_t counter, __m128i values,
@@ -229,19 +285,14 @@ WIDE void fillWideSpan(const WideTriangle& t, uint32_t* cell, int32_t count, uin
     }
 }
 
-WIDE __m128i loadLanes(const uint32_t* lanes)
-{
-    return _mm_load_si128(reinterpret_cast<const __m128i*>(lanes));
-}
-
 // Walks the rows as fillTriangle does, with the attributes of a row in registers.
 template <class Span>
 WIDE_TARGET static void fillTriangleWide(FillState* fill, const SpanState* state)
 {
     constexpr bool more = Span::lanes == laneCount;
     WideTriangle t;
-    setUpWide(&t, fill, state, Span::lanes);
-    __m128i values = loadLanes(state->value), moreValues = more ? loadLanes(state->value + 4) : values;
+    setUpWide<Span>(&t, fill, state);
+    __m128i values = loadPlainLanes(state->value), moreValues = more ? loadMoreLanes(state->value) : values;
     uint32_t leftX = static_cast<uint32_t>(state->left.x), leftStep = static_cast<uint32_t>(state->left.step);
     int32_t rightX = state->right.x, rightStep = state->right.step;
     const uint32_t(*rowStep)[laneCount] = state->rowStep;
@@ -258,8 +309,8 @@ WIDE_TARGET static void fillTriangleWide(FillState* fill, const SpanState* state
         {
             leftX = static_cast<uint32_t>(state->left.secondX);
             leftStep = static_cast<uint32_t>(state->left.secondStep);
-            values = loadLanes(state->secondValue);
-            moreValues = more ? loadLanes(state->secondValue + 4) : values;
+            values = loadPlainLanes(state->secondValue);
+            moreValues = more ? loadMoreLanes(state->secondValue) : values;
             rowStep = state->rowStep + 2;
         }
         int32_t x = static_cast<int32_t>(leftX) >> 16;
@@ -269,15 +320,17 @@ WIDE_TARGET static void fillTriangleWide(FillState* fill, const SpanState* state
         uint32_t carry = ((leftX & 0xFFFF) + (leftStep & 0xFFFF)) >> 16;
         values = _mm_add_epi32(values, loadLanes(rowStep[carry]));
         if (more)
-            moreValues = _mm_add_epi32(moreValues, loadLanes(rowStep[carry] + 4));
+            moreValues = _mm_add_epi32(moreValues, loadLanes(rowStep[carry] + plainLanes));
         leftX += leftStep;
         rightX += rightStep;
     }
     fill->noiseCounter = counter;
 }
 
-// Whether signed 32-bit numbers can index all texels, as the gather instructions require.
+// Whether 16 bits hold the sides, and signed 32-bit numbers can index all texels, as the gather instructions require.
 WIDE bool texelsHavePlaces(const Image& image)
 {
-    return static_cast<int64_t>(image.width) * image.height <= INT32_MAX;
+    constexpr int32_t sideLimit = 65535;
+    return image.width <= sideLimit && image.height <= sideLimit &&
+           static_cast<int64_t>(image.width) * image.height <= INT32_MAX;
 }

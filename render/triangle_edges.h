@@ -39,6 +39,11 @@ struct Slopes
     int32_t whole, upper, lower;
 };
 
+inline int32_t highestDepthOf(const TriangleFrame& frame)
+{
+    return std::max({ frame.corner[0]->depth, frame.corner[1]->depth, frame.corner[2]->depth });
+}
+
 inline void setUpEdges(SpanState* state, const TriangleFrame& frame, const Slopes& slopes)
 {
     const TriangleCorner &top = *frame.corner[0], &middle = *frame.corner[1];
@@ -48,8 +53,6 @@ inline void setUpEdges(SpanState* state, const TriangleFrame& frame, const Slope
     state->bottomRow = frame.corner[2]->y;
     state->left = frame.area > 0 ? straight : bent;
     state->right = frame.area > 0 ? bent : straight;
-    state->lowestDepth = std::min({ top.depth, middle.depth, frame.corner[2]->depth });
-    state->highestDepth = std::max({ top.depth, middle.depth, frame.corner[2]->depth });
 }
 
 constexpr int32_t slopeOf(int32_t dx, int32_t dy)

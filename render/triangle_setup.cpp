@@ -9,10 +9,40 @@
 #include "render/simd.h"
 #include "render/triangle_edges.h"
 
+#include <math.h>
+#include <stddef.h>
 #include <algorithm>
+#include <bit>
 
 constexpr float fixedOne = 65536.0f;
-constexpr float texturePeriod = 2147483648.0f;
+constexpr float textureWindow = 4294967296.0f;
+
+// The texture coordinates of a triangle are computed modulo a window of 2^textureShift periods, which 32 bits hold. A
+// coordinate at its distance from the middle of the range is then one number for one place, and can be clamped.
+struct TextureScale
+{
+    int32_t shift;
+    float perPeriod; // windows
+    bool fits;       // the window contains what the rows may reach
+};
+
+constexpr float reachSpare = 1.125f;
+
+// How far the first column of a row may lie from the middle of the range, with an eighth to spare for rounding. As
+// bits, so that what is not a number is larger than every number.
+static inline uint32_t reachOf(float range, float gradient)
+{
+    return std::bit_cast<uint32_t>((range * 0.5f + fabsf(gradient)) * reachSpare) & 0x7FFFFFFF;
+}
+
+static inline TextureScale textureScaleOf(uint32_t reach)
+{
+    constexpr int32_t shiftLimit = 16; // keeps 16 bits for the fraction of a period
+    int32_t shift = std::max(static_cast<int32_t>(reach >> 23) - 125, 1);
+    bool fits = shift <= shiftLimit;
+    shift = fits ? shift : 1;
+    return { shift, std::bit_cast<float>(static_cast<uint32_t>(127 - shift) << 23), fits };
+}
 
 // ----- plain
 
@@ -25,11 +55,6 @@ static float lesser(float a, float b)
 static float greater(float a, float b)
 {
     return a > b ? a : b;
-}
-
-static bool isTextureLane(int32_t lane)
-{
-    return lane == laneRow || lane == laneColumn;
 }
 
 // The attributes of a corner as floats: whole numbers, or texture periods.
@@ -45,16 +70,70 @@ static void readAttributes(float* lanes, const TriangleCorner& corner)
     lanes[laneSpare] = 0;
 }
 
-// Rounds to the nearest fixed-point value. A texture coordinate loses its whole periods, which change no texel.
+// Rounds to the nearest fixed-point value. A texture coordinate in windows loses its whole windows.
 static uint32_t toFixed(float value, int32_t lane)
 {
     float scale = fixedOne;
-    if (isTextureLane(lane))
+    if (lane == laneRow || lane == laneColumn)
     {
         value -= static_cast<float>(floorToInt(value + 0.5f));
-        scale = texturePeriod;
+        scale = textureWindow;
     }
     return static_cast<uint32_t>(floorToInt(value * scale + 0.5f));
+}
+
+// Of the corners a, b and c from top to bottom.
+struct Attributes
+{
+    float a[laneCount], b[laneCount], c[laneCount];
+    float lowest[laneCount], highest[laneCount], gradient[laneCount];
+};
+
+static void readTriangle(Attributes* all, const TriangleFrame& frame, int32_t lanes)
+{
+    readAttributes(all->a, *frame.corner[0]);
+    readAttributes(all->b, *frame.corner[1]);
+    readAttributes(all->c, *frame.corner[2]);
+    float perArea = 1.0f / static_cast<float>(frame.area);
+    float dy1 = static_cast<float>(frame.dy1), dy2 = static_cast<float>(frame.dy2);
+    for (int32_t lane = 0; lane < lanes; ++lane)
+    {
+        float a = all->a[lane], b = all->b[lane], c = all->c[lane];
+        all->lowest[lane] = lesser(lesser(a, b), c);
+        all->highest[lane] = greater(greater(a, b), c);
+        float range = all->highest[lane] - all->lowest[lane];
+        float slope = ((b - a) * dy2 - (c - a) * dy1) * perArea;
+        all->gradient[lane] = greater(lesser(slope, range), 0 - range);
+    }
+}
+
+// Takes the texture coordinates from periods to windows.
+static TextureScale scaleTexture(Attributes* all)
+{
+    uint32_t reach = 0;
+    for (int32_t lane : { laneRow, laneColumn })
+        reach = std::max(reach, reachOf(all->highest[lane] - all->lowest[lane], all->gradient[lane]));
+    TextureScale scale = textureScaleOf(reach);
+    for (int32_t lane : { laneRow, laneColumn })
+        for (float* value : { all->a, all->b, all->c, all->lowest, all->highest, all->gradient })
+            value[lane] *= scale.perPeriod;
+    return scale;
+}
+
+// Takes the start values and the range of a texture coordinate from a whole period to the middle of the range. Where
+// all corners have the same whole coordinate, it is the end of a period if it lies above 0.
+static void centreTexture(SpanState* state, const Attributes& all, int32_t lane, const TextureScale& scale)
+{
+    uint32_t end = toFixed(all.highest[lane], lane), width = end - toFixed(all.lowest[lane], lane);
+    uint32_t half = width >> 1;
+    uint32_t middle = end - (width - half);
+    bool whole = end << scale.shift == 0 && all.highest[lane] > lesser(all.lowest[lane], 0);
+    int32_t highest = static_cast<int32_t>(width - half - (whole ? 1 : 0));
+    state->middle[lane - laneRow] = middle;
+    state->value[lane] -= middle;
+    state->secondValue[lane] -= middle;
+    state->highest[lane] = scale.fits ? highest : INT32_MAX;
+    state->lowest[lane] = scale.fits ? std::min(-static_cast<int32_t>(half), highest) : INT32_MIN;
 }
 
 // from and to are the ends of an edge of dx columns and dy rows. The fraction is what the exact slope has above the
@@ -71,48 +150,52 @@ static void setUpRowSteps(uint32_t (*rowStep)[laneCount], const float* from, con
     }
 }
 
-int setUpTriangle(SpanState* state, const TriangleCorner* corners, int32_t lanes)
+static void setUpAllRowSteps(SpanState* state, const TriangleFrame& frame, const Slopes& slopes, const Attributes& all,
+                             int32_t lanes)
 {
+    auto setUp = [&](int32_t index, const float* from, const float* to, int32_t dx, int32_t dy, int32_t slope)
+    { setUpRowSteps(state->rowStep + index, from, to, dx, dy, slope, all.gradient, state->perPixel, lanes); };
+    if (frame.area > 0)
+        return setUp(0, all.a, all.c, frame.dx2, frame.dy2, slopes.whole);
+    if (frame.dy1 > 0)
+        setUp(0, all.a, all.b, frame.dx1, frame.dy1, slopes.upper);
+    if (frame.dy2 > frame.dy1)
+        setUp(2, all.b, all.c, frame.dx2 - frame.dx1, frame.dy2 - frame.dy1, slopes.lower);
+}
+
+int setUpTriangle(SpanState* state, const TriangleCorner* corners, AttributeSet set)
+{
+    const int32_t lanes = set == opaqueAttributes ? plainLanes : laneCount;
     TriangleFrame frame;
     if (!frameTriangle(&frame, corners))
         return 0;
-    int32_t dy3 = frame.dy2 - frame.dy1;
     Slopes slopes = slopesOf(frame);
     setUpEdges(state, frame, slopes);
-
-    float a[laneCount], b[laneCount], c[laneCount], gradient[laneCount];
-    readAttributes(a, *frame.corner[0]);
-    readAttributes(b, *frame.corner[1]);
-    readAttributes(c, *frame.corner[2]);
-    float perArea = 1.0f / static_cast<float>(frame.area);
-    float dy1 = static_cast<float>(frame.dy1), dy2 = static_cast<float>(frame.dy2);
+    Attributes all;
+    readTriangle(&all, frame, lanes);
+    TextureScale scale = set == texturedAttributes ? scaleTexture(&all) : TextureScale{};
     for (int32_t lane = 0; lane < lanes; ++lane)
     {
-        float range = greater(greater(a[lane], b[lane]), c[lane]) - lesser(lesser(a[lane], b[lane]), c[lane]);
-        float slope = ((b[lane] - a[lane]) * dy2 - (c[lane] - a[lane]) * dy1) * perArea;
-        gradient[lane] = greater(lesser(slope, range), 0 - range);
-        state->perPixel[lane] = toFixed(gradient[lane], lane);
-        state->value[lane] = toFixed(a[lane], lane);
-        state->secondValue[lane] = toFixed(b[lane], lane);
+        state->perPixel[lane] = toFixed(all.gradient[lane], lane);
+        state->value[lane] = toFixed(all.a[lane], lane);
+        state->secondValue[lane] = toFixed(all.b[lane], lane);
+        state->lowest[lane] = static_cast<int32_t>(toFixed(all.lowest[lane], lane));
+        state->highest[lane] = static_cast<int32_t>(toFixed(all.highest[lane], lane));
     }
-    if (frame.area > 0)
+    state->textureShift = scale.shift;
+    if (set == texturedAttributes)
     {
-        setUpRowSteps(state->rowStep, a, c, frame.dx2, frame.dy2, slopes.whole, gradient, state->perPixel, lanes);
-        return 1;
+        centreTexture(state, all, laneRow, scale);
+        centreTexture(state, all, laneColumn, scale);
     }
-    if (frame.dy1 > 0)
-        setUpRowSteps(state->rowStep, a, b, frame.dx1, frame.dy1, slopes.upper, gradient, state->perPixel, lanes);
-    if (dy3 > 0)
-        setUpRowSteps(state->rowStep + 2, b, c, frame.dx2 - frame.dx1, dy3, slopes.lower, gradient, state->perPixel,
-                      lanes);
+    setUpAllRowSteps(state, frame, slopes, all, lanes);
     return 1;
 }
 
 // ----- SSE2
 
-// plainToFixedSse2 takes lanes 0 to 3, textureToFixedSse2 lanes 4 to 7, of which the middle two are texture
-// coordinates.
-withSse2 static inline __m128i plainToFixedSse2(__m128 value)
+// toFixed of whole numbers and their steps, and of texture coordinates.
+withSse2 static inline __m128i toFixedSse2(__m128 value)
 {
     return floorToIntSse2(_mm_add_ps(_mm_mul_ps(value, _mm_set1_ps(fixedOne)), _mm_set1_ps(0.5f)));
 }
@@ -120,30 +203,27 @@ withSse2 static inline __m128i plainToFixedSse2(__m128 value)
 withSse2 static inline __m128i textureToFixedSse2(__m128 value)
 {
     __m128 half = _mm_set1_ps(0.5f);
-    __m128 whole = _mm_cvtepi32_ps(floorToIntSse2(_mm_add_ps(value, half)));
-    __m128 isTexture = _mm_castsi128_ps(_mm_setr_epi32(0, -1, -1, 0));
-    __m128 scale = _mm_setr_ps(fixedOne, texturePeriod, texturePeriod, fixedOne);
-    value = _mm_sub_ps(value, _mm_and_ps(whole, isTexture));
-    return floorToIntSse2(_mm_add_ps(_mm_mul_ps(value, scale), half));
+    value = _mm_sub_ps(value, _mm_cvtepi32_ps(floorToIntSse2(_mm_add_ps(value, half))));
+    return floorToIntSse2(_mm_add_ps(_mm_mul_ps(value, _mm_set1_ps(textureWindow)), half));
 }
 
-template <int part>
-withSse2 static inline __m128i toFixedSse2(__m128 value)
-{
-    return part == 0 ? plainToFixedSse2(value) : textureToFixedSse2(value);
-}
-
-// Depth, blue, green, red; or fourth, row, column, 0.
-template <int part>
+// Depth, blue, green, red; or fourth, 0, 0, 0.
+template <bool fourth>
 withSse2 static inline __m128 readAttributesSse2(const TriangleCorner& corner)
 {
+    if (fourth)
+        return _mm_cvtsi32_ss(_mm_setzero_ps(), static_cast<int32_t>(corner.colour >> 24));
     __m128i zero = _mm_setzero_si128();
     __m128i bytes = _mm_unpacklo_epi8(_mm_cvtsi32_si128(static_cast<int32_t>(corner.colour)), zero);
     __m128 colour = _mm_cvtepi32_ps(_mm_unpacklo_epi16(bytes, zero));
-    colour = _mm_shuffle_ps(colour, colour, _MM_SHUFFLE(2, 1, 0, 3));
-    if (part == 0)
-        return _mm_cvtsi32_ss(colour, corner.depth);
-    return _mm_move_ss(_mm_setr_ps(0, corner.row, corner.column, 0), colour);
+    return _mm_cvtsi32_ss(_mm_shuffle_ps(colour, colour, _MM_SHUFFLE(2, 1, 0, 3)), corner.depth);
+}
+
+// Row, column, 0, 0.
+withSse2 static inline __m128 readTextureSse2(const TriangleCorner& corner)
+{
+    static_assert(offsetof(TriangleCorner, column) == offsetof(TriangleCorner, row) + sizeof(float));
+    return _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(&corner.row)));
 }
 
 withSse2 static inline Slopes slopesSse2(const TriangleFrame& frame)
@@ -168,57 +248,165 @@ withSse2 static inline Slopes slopesSse2(const TriangleFrame& frame)
              _mm_cvttsd_si32(secondWhole) };
 }
 
-withSse2 static inline void storeLanes(uint32_t* lanes, __m128i value)
+template <class Lane>
+withSse2 static inline void storeLanes(Lane* lanes, __m128i value)
 {
     _mm_store_si128(reinterpret_cast<__m128i*>(lanes), value);
 }
 
-// Fills lanes 0 to 3 of the state for part 0, lanes 4 to 7 for part 1.
-template <int part>
-withSse2 static inline void setUpLanesSse2(SpanState* state, const TriangleFrame& frame, const Slopes& slopes)
+// Attributes of the corners a, b and c from top to bottom.
+struct AttributesSse2
 {
-    constexpr int first = part * 4;
-    __m128 a = readAttributesSse2<part>(*frame.corner[0]);
-    __m128 b = readAttributesSse2<part>(*frame.corner[1]);
-    __m128 c = readAttributesSse2<part>(*frame.corner[2]);
-    __m128 range = _mm_sub_ps(_mm_max_ps(_mm_max_ps(a, b), c), _mm_min_ps(_mm_min_ps(a, b), c));
+    __m128 a, b, c, lowest, highest, range, gradient;
+};
+
+withSse2 static inline AttributesSse2 attributesSse2(const TriangleFrame& frame, __m128 a, __m128 b, __m128 c)
+{
+    __m128 lowest = _mm_min_ps(_mm_min_ps(a, b), c), highest = _mm_max_ps(_mm_max_ps(a, b), c);
+    __m128 range = _mm_sub_ps(highest, lowest);
     __m128 dy1 = _mm_set1_ps(static_cast<float>(frame.dy1)), dy2 = _mm_set1_ps(static_cast<float>(frame.dy2));
     __m128 perArea = _mm_set1_ps(1.0f / static_cast<float>(frame.area));
     __m128 gradient = _mm_sub_ps(_mm_mul_ps(_mm_sub_ps(b, a), dy2), _mm_mul_ps(_mm_sub_ps(c, a), dy1));
     gradient = _mm_min_ps(_mm_mul_ps(gradient, perArea), range);
     gradient = _mm_max_ps(gradient, _mm_sub_ps(_mm_setzero_ps(), range));
-    __m128i perPixel = toFixedSse2<part>(gradient);
-    storeLanes(state->perPixel + first, perPixel);
-    storeLanes(state->value + first, toFixedSse2<part>(a));
-    storeLanes(state->secondValue + first, toFixedSse2<part>(b));
-
-    auto setUpRow = [&](int32_t index, __m128 from, __m128 to, int32_t dx, int32_t dy, int32_t slope) withSse2
-    {
-        float reciprocal = 1.0f / static_cast<float>(dy);
-        __m128 perRow = _mm_set1_ps(reciprocal);
-        __m128 fraction = _mm_set1_ps(static_cast<float>(dx - (slope >> 16) * dy) * reciprocal);
-        __m128 edge = _mm_mul_ps(_mm_sub_ps(to, from), perRow);
-        __m128i step = toFixedSse2<part>(_mm_sub_ps(edge, _mm_mul_ps(fraction, gradient)));
-        storeLanes(state->rowStep[index] + first, step);
-        storeLanes(state->rowStep[index + 1] + first, _mm_add_epi32(step, perPixel));
-    };
-    if (frame.area > 0)
-        return setUpRow(0, a, c, frame.dx2, frame.dy2, slopes.whole);
-    if (frame.dy1 > 0)
-        setUpRow(0, a, b, frame.dx1, frame.dy1, slopes.upper);
-    if (frame.dy2 > frame.dy1)
-        setUpRow(2, b, c, frame.dx2 - frame.dx1, frame.dy2 - frame.dy1, slopes.lower);
+    return { a, b, c, lowest, highest, range, gradient };
 }
 
-withSse2 int setUpTriangleSse2(SpanState* state, const TriangleCorner* corners, int32_t lanes)
+// Calls setStep(index, step) with the row steps at index 0 and 2 that the triangle uses.
+template <class SetStep>
+withSse2 static inline void forRowSteps(const TriangleFrame& frame, const Slopes& slopes, const AttributesSse2& all,
+                                        SetStep setStep)
+{
+    auto setUp = [&](int32_t index, __m128 from, __m128 to, int32_t dx, int32_t dy, int32_t slope) withSse2
+    {
+        float reciprocal = 1.0f / static_cast<float>(dy);
+        __m128 fraction = _mm_set1_ps(static_cast<float>(dx - (slope >> 16) * dy) * reciprocal);
+        __m128 edge = _mm_mul_ps(_mm_sub_ps(to, from), _mm_set1_ps(reciprocal));
+        setStep(index, _mm_sub_ps(edge, _mm_mul_ps(fraction, all.gradient)));
+    };
+    if (frame.area > 0)
+        return setUp(0, all.a, all.c, frame.dx2, frame.dy2, slopes.whole);
+    if (frame.dy1 > 0)
+        setUp(0, all.a, all.b, frame.dx1, frame.dy1, slopes.upper);
+    if (frame.dy2 > frame.dy1)
+        setUp(2, all.b, all.c, frame.dx2 - frame.dx1, frame.dy2 - frame.dy1, slopes.lower);
+}
+
+withSse2 static inline __m128i wholeToFixed(__m128 value)
+{
+    return _mm_slli_epi32(_mm_cvttps_epi32(value), 16);
+}
+
+// Fills lanes 0 to 3 of the state, or lane 4. They hold whole numbers, which need no rounding.
+template <bool fourth>
+withSse2 static inline void setUpLanesSse2(SpanState* state, const TriangleFrame& frame, const Slopes& slopes)
+{
+    constexpr int first = fourth ? laneFourth : 0;
+    AttributesSse2 all =
+        attributesSse2(frame, readAttributesSse2<fourth>(*frame.corner[0]),
+                       readAttributesSse2<fourth>(*frame.corner[1]), readAttributesSse2<fourth>(*frame.corner[2]));
+    __m128i perPixel = toFixedSse2(all.gradient);
+    storeLanes(state->perPixel + first, perPixel);
+    storeLanes(state->value + first, wholeToFixed(all.a));
+    storeLanes(state->secondValue + first, wholeToFixed(all.b));
+    storeLanes(state->lowest + first, wholeToFixed(all.lowest));
+    storeLanes(state->highest + first, wholeToFixed(all.highest));
+    forRowSteps(frame, slopes, all,
+                [&](int32_t index, __m128 step) withSse2
+                {
+                    __m128i fixed = toFixedSse2(step);
+                    storeLanes(state->rowStep[index] + first, fixed);
+                    storeLanes(state->rowStep[index + 1] + first, _mm_add_epi32(fixed, perPixel));
+                });
+}
+
+// Nearly all triangles reach less than one period, so that their scale needs no further look.
+withSse2 static inline TextureScale textureScaleSse2(const AttributesSse2& all)
+{
+    __m128 gradient = _mm_andnot_ps(_mm_set1_ps(-0.0f), all.gradient);
+    __m128 reach = _mm_add_ps(_mm_mul_ps(all.range, _mm_set1_ps(0.5f)), gradient);
+    reach = _mm_mul_ps(reach, _mm_set1_ps(reachSpare));
+    constexpr int both = 3;
+    if ((_mm_movemask_ps(_mm_cmplt_ps(reach, _mm_set1_ps(1))) & both) == both)
+        return { 1, 0.5f, true };
+    __m128i bits = _mm_and_si128(_mm_castps_si128(reach), _mm_set1_epi32(0x7FFFFFFF));
+    uint32_t row = static_cast<uint32_t>(_mm_cvtsi128_si32(bits));
+    uint32_t column = static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_srli_si128(bits, 4)));
+    return textureScaleOf(std::max(row, column));
+}
+
+// -1 for row and column where the range ends with a whole period.
+withSse2 static inline __m128i endsWholeSse2(const AttributesSse2& all, __m128i end, int32_t shift)
+{
+    __m128 above = _mm_cmpgt_ps(all.highest, _mm_min_ps(all.lowest, _mm_setzero_ps()));
+    __m128i fraction = _mm_sll_epi32(end, _mm_cvtsi32_si128(shift));
+    return _mm_and_si128(_mm_castps_si128(above), _mm_cmpeq_epi32(fraction, _mm_setzero_si128()));
+}
+
+// Stores the first or the second two lanes as row and column.
+template <int half, class Lane>
+withSse2 static inline void storeTexture(Lane* lanes, __m128i values)
+{
+    constexpr int order = half == 0 ? _MM_SHUFFLE(1, 1, 0, 0) : _MM_SHUFFLE(3, 3, 2, 2);
+    storeLanes(lanes + plainLanes, _mm_shuffle_epi32(values, order));
+}
+
+// centreTexture for row and column.
+withSse2 static inline void storeCentredSse2(SpanState* state, const AttributesSse2& all, const TextureScale& scale)
+{
+    __m128i start = textureToFixedSse2(_mm_movelh_ps(all.lowest, all.highest));
+    __m128i end = _mm_unpackhi_epi64(start, start);
+    __m128i half = _mm_srli_epi32(_mm_sub_epi32(end, start), 1);
+    __m128i middle = _mm_add_epi32(start, half);
+    __m128i highest = _mm_add_epi32(_mm_sub_epi32(end, middle), endsWholeSse2(all, end, scale.shift));
+    __m128i lowest = _mm_sub_epi32(start, middle);
+    __m128i above = _mm_cmpgt_epi32(lowest, highest);
+    lowest = _mm_or_si128(_mm_and_si128(above, highest), _mm_andnot_si128(above, lowest));
+    __m128i values = textureToFixedSse2(_mm_movelh_ps(all.a, all.b));
+    values = _mm_sub_epi32(values, _mm_unpacklo_epi64(middle, middle));
+    storeTexture<0>(state->value, values);
+    storeTexture<1>(state->secondValue, values);
+    storeTexture<0>(state->highest, highest);
+    storeTexture<0>(state->lowest, lowest);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(state->middle), middle);
+    if (scale.fits)
+        return;
+    state->highest[laneRow] = state->highest[laneColumn] = INT32_MAX;
+    state->lowest[laneRow] = state->lowest[laneColumn] = INT32_MIN;
+}
+
+withSse2 static inline void setUpTextureSse2(SpanState* state, const TriangleFrame& frame, const Slopes& slopes)
+{
+    AttributesSse2 all = attributesSse2(frame, readTextureSse2(*frame.corner[0]), readTextureSse2(*frame.corner[1]),
+                                        readTextureSse2(*frame.corner[2]));
+    TextureScale scale = textureScaleSse2(all);
+    state->textureShift = scale.shift;
+    __m128 perPeriod = _mm_set1_ps(scale.perPeriod);
+    for (__m128* value : { &all.a, &all.b, &all.c, &all.lowest, &all.highest, &all.gradient })
+        *value = _mm_mul_ps(*value, perPeriod);
+    storeCentredSse2(state, all, scale);
+    forRowSteps(frame, slopes, all,
+                [&](int32_t index, __m128 step) withSse2
+                {
+                    __m128i fixed = textureToFixedSse2(_mm_movelh_ps(all.gradient, step));
+                    __m128i carried = _mm_add_epi32(fixed, _mm_unpacklo_epi64(fixed, fixed));
+                    storeTexture<0>(state->perPixel, fixed);
+                    storeTexture<1>(state->rowStep[index], fixed);
+                    storeTexture<1>(state->rowStep[index + 1], carried);
+                });
+}
+
+withSse2 int setUpTriangleSse2(SpanState* state, const TriangleCorner* corners, AttributeSet set)
 {
     TriangleFrame frame;
     if (!frameTriangle(&frame, corners))
         return 0;
     Slopes slopes = slopesSse2(frame);
     setUpEdges(state, frame, slopes);
-    setUpLanesSse2<0>(state, frame, slopes);
-    if (lanes > plainLanes)
-        setUpLanesSse2<1>(state, frame, slopes);
+    setUpLanesSse2<false>(state, frame, slopes);
+    if (set == texturedAttributes)
+        setUpTextureSse2(state, frame, slopes);
+    else if (set == transparentAttributes)
+        setUpLanesSse2<true>(state, frame, slopes);
     return 1;
 }

@@ -40,7 +40,10 @@ struct Canvas
     bool draw(const TriangleCorner* corners, TriangleFiller filler = fillOpaque)
     {
         SpanState state;
-        if (!setUpTriangle(&state, corners, laneCount))
+        AttributeSet set = filler == fillTextured      ? texturedAttributes
+                           : filler == fillTransparent ? transparentAttributes
+                                                       : opaqueAttributes;
+        if (!setUpTriangle(&state, corners, set))
             return false;
         filler(&fill, &state);
         return true;

@@ -50,7 +50,7 @@ static std::vector<uint32_t> expectedCells(const Display& display, const int32_t
             corners[k].colour = vertex.colour;
         }
         SpanState span;
-        EXPECT_TRUE(setUpTriangle(&span, corners, laneCount));
+        EXPECT_TRUE(setUpTriangle(&span, corners, transparency ? transparentAttributes : opaqueAttributes));
         if (transparency)
             fillTransparent(&fill, &span);
         else

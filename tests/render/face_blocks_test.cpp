@@ -42,7 +42,7 @@ static SmallGrid drawOnGrid(const ProjectedVertex* vertices, const Corners& corn
         triangle[k] = { projectedX(v), projectedY(v), static_cast<int32_t>(v.flags & vertexDepthMask), v.colour, 0, 0 };
     }
     SpanState state;
-    if (setUpTriangle(&state, triangle, plainLanes))
+    if (setUpTriangle(&state, triangle, opaqueAttributes))
         fillOpaque(&fill, &state);
     for (uint32_t cell : grid.cells)
         grid.pixels += cell != 0;

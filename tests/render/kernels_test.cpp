@@ -24,6 +24,7 @@ static void compareFillers(const TriangleFiller (&fastFillers)[3])
     for (uint32_t& pixel : pixels)
         pixel = static_cast<uint32_t>(random());
     Image image = { pixels.data(), 37, 23 };
+    const AttributeSet sets[3] = { opaqueAttributes, transparentAttributes, texturedAttributes };
     const TriangleFiller plainFillers[3] = { fillOpaque, fillTransparent, fillTextured };
     for (int i = 0; i < 6000; ++i)
     {
@@ -46,7 +47,7 @@ static void compareFillers(const TriangleFiller (&fastFillers)[3])
         for (TriangleCorner& c : corners)
             c = randomCorner(random, side, side);
         SpanState state;
-        if (!setUpTriangle(&state, corners, laneCount))
+        if (!setUpTriangle(&state, corners, sets[i % 3]))
             continue;
         plainFillers[i % 3](&one, &state);
         fastFillers[i % 3](&two, &state);
@@ -71,6 +72,32 @@ TEST_F(Kernels, Avx512FillersEqualThePlainOnes)
     if (!processorHasAvx512())
         GTEST_SKIP() << "this processor has no AVX-512";
     compareFillers({ fillOpaqueAvx512, fillTransparentAvx512, fillTexturedAvx512 });
+}
+
+// The sides of such an image have more than the 16 bits that the fast fillers multiply.
+TEST_F(Kernels, ImagesWithLongSidesAreDrawnAsByThePlainFiller)
+{
+    std::vector<uint32_t> pixels(70000);
+    for (size_t i = 0; i < pixels.size(); ++i)
+        pixels[i] = static_cast<uint32_t>(i * 0x9E3779B9u);
+    for (Image image : { Image{ pixels.data(), 70000, 1 }, Image{ pixels.data(), 1, 70000 } })
+    {
+        TriangleCorner c[3] = { corner(0, 0, 9, 0xFFFFFF), corner(39, 3, 9, 0xFFFFFF), corner(5, 39, 9, 0xFFFFFF) };
+        c[1].row = c[1].column = 0.9f;
+        c[2].row = c[2].column = 0.4f;
+        std::vector<uint32_t> expected;
+        for (KernelLevel level : { kernelsPlain, kernelsAvx2, kernelsAvx512 })
+        {
+            limitKernelLevel(level);
+            Canvas canvas(40, 40);
+            canvas.fill.texture = &image;
+            SpanState state;
+            ASSERT_TRUE(rasterKernels().setUp(&state, c, texturedAttributes));
+            rasterKernels().textured(&canvas.fill, &state);
+            expected = expected.empty() ? canvas.all : expected;
+            EXPECT_EQ(canvas.all, expected) << level;
+        }
+    }
 }
 
 TEST_F(Kernels, Avx2ExpansionEqualsPlainForEveryCountAndStaysInside)
@@ -152,7 +179,7 @@ TEST_F(Kernels, NoTriangleThatIsPassedOverWouldDrawAPixel)
         fill.pitch = 8;
         SpanState state;
         bool drawn = false;
-        if (setUpTriangle(&state, corners, plainLanes))
+        if (setUpTriangle(&state, corners, opaqueAttributes))
         {
             fillOpaque(&fill, &state);
             drawn = std::any_of(cells, cells + 64, [](uint32_t cell) { return cell != 0; });

@@ -308,8 +308,8 @@ static void fillByRows(std::vector<uint16_t>* map, const TriangleCorner* corners
     int64_t dz1 = frame.corner[1]->depth - top.depth, dz2 = frame.corner[2]->depth - top.depth;
     DepthPlane plane = { (dz1 * frame.dy2 - dz2 * frame.dy1) * 65536 / frame.area,
                          (dz2 * frame.dx1 - dz1 * frame.dx2) * 65536 / frame.area };
-    ShadowTriangle triangle = { edges.left, edges.right, edges.topRow,       edges.bottomRow, plane,
-                                top.x,      top.y,       edges.highestDepth, top.depth };
+    ShadowTriangle triangle = { edges.left, edges.right, edges.topRow,          edges.bottomRow, plane,
+                                top.x,      top.y,       highestDepthOf(frame), top.depth };
     fillShadowRows(map->data(), shadowMapSide, &triangle);
 }
 

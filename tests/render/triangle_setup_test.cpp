@@ -7,27 +7,41 @@
 #include <math.h>
 #include <string.h>
 
-// The parts of the states that are defined.
-static void expectSameState(const SpanState& a, const SpanState& b, const TriangleCorner* corners, int32_t lanes)
+static void expectSameLanes(const SpanState& a, const SpanState& b, const TriangleCorner* corners, int32_t first,
+                            int32_t count)
 {
-    size_t bytes = static_cast<size_t>(lanes) * sizeof(uint32_t);
+    size_t bytes = static_cast<size_t>(count) * sizeof(uint32_t);
+    ASSERT_EQ(memcmp(a.lowest + first, b.lowest + first, bytes), 0) << first;
+    ASSERT_EQ(memcmp(a.highest + first, b.highest + first, bytes), 0) << first;
+    ASSERT_EQ(memcmp(a.value + first, b.value + first, bytes), 0) << first;
+    ASSERT_EQ(memcmp(a.secondValue + first, b.secondValue + first, bytes), 0) << first;
+    ASSERT_EQ(memcmp(a.perPixel + first, b.perPixel + first, bytes), 0) << first;
     int32_t rows[3] = { corners[0].y, corners[1].y, corners[2].y };
     std::sort(rows, rows + 3);
-    ASSERT_EQ(a.topRow, b.topRow);
-    ASSERT_EQ(a.bottomRow, b.bottomRow);
-    ASSERT_EQ(memcmp(&a.left, &b.left, sizeof a.left), 0);
-    ASSERT_EQ(memcmp(&a.right, &b.right, sizeof a.right), 0);
-    ASSERT_EQ(a.lowestDepth, b.lowestDepth);
-    ASSERT_EQ(a.highestDepth, b.highestDepth);
-    ASSERT_EQ(memcmp(a.value, b.value, bytes), 0);
-    ASSERT_EQ(memcmp(a.secondValue, b.secondValue, bytes), 0);
-    ASSERT_EQ(memcmp(a.perPixel, b.perPixel, bytes), 0);
     bool bentLeft = a.left.changeRow != noChange;
     for (int32_t k = 0; k < 4; ++k)
     {
         bool used = bentLeft ? (k < 2 ? rows[1] > rows[0] : rows[2] > rows[1]) : k < 2;
-        ASSERT_TRUE(!used || memcmp(a.rowStep[k], b.rowStep[k], bytes) == 0) << k;
+        ASSERT_TRUE(!used || memcmp(a.rowStep[k] + first, b.rowStep[k] + first, bytes) == 0) << first << ' ' << k;
     }
+}
+
+// The parts of the states that are defined.
+static void expectSameState(const SpanState& a, const SpanState& b, const TriangleCorner* corners, AttributeSet set)
+{
+    ASSERT_EQ(a.topRow, b.topRow);
+    ASSERT_EQ(a.bottomRow, b.bottomRow);
+    ASSERT_EQ(memcmp(&a.left, &b.left, sizeof a.left), 0);
+    ASSERT_EQ(memcmp(&a.right, &b.right, sizeof a.right), 0);
+    expectSameLanes(a, b, corners, 0, plainLanes);
+    if (set == transparentAttributes)
+        expectSameLanes(a, b, corners, laneFourth, 1);
+    if (set != texturedAttributes)
+        return;
+    expectSameLanes(a, b, corners, laneRow, 2);
+    ASSERT_EQ(a.middle[0], b.middle[0]);
+    ASSERT_EQ(a.middle[1], b.middle[1]);
+    ASSERT_EQ(a.textureShift, b.textureShift);
 }
 
 TEST(TriangleSetUp, Sse2EqualsPlainOnRandomTriangles)
@@ -36,18 +50,18 @@ TEST(TriangleSetUp, Sse2EqualsPlainOnRandomTriangles)
     int drawn = 0;
     for (int i = 0; i < 200000; ++i)
     {
-        int32_t side = i % 3 == 0 ? 6 : i % 3 == 1 ? 700 : displaySideLimit;
+        int32_t side = i % 4 == 0 ? 6 : i % 4 == 1 ? 700 : displaySideLimit;
         TriangleCorner corners[3];
         for (TriangleCorner& c : corners)
             c = randomCorner(random, side, side);
-        int32_t lanes = i & 1 ? laneCount : plainLanes;
+        AttributeSet set = static_cast<AttributeSet>(i % 3);
         SpanState plain, fast;
-        int one = setUpTriangle(&plain, corners, lanes), two = setUpTriangleSse2(&fast, corners, lanes);
+        int one = setUpTriangle(&plain, corners, set), two = setUpTriangleSse2(&fast, corners, set);
         ASSERT_EQ(one, two);
         if (!one)
             continue;
         ++drawn;
-        expectSameState(plain, fast, corners, lanes);
+        expectSameState(plain, fast, corners, set);
         if (HasFatalFailure())
             FAIL() << "triangle " << i;
     }
@@ -64,9 +78,9 @@ TEST(TriangleSetUp, Sse2EqualsPlainForBrokenTextureCoordinates)
             corners[0].row = corners[2].column = a;
             corners[1].row = corners[1].column = b;
             SpanState plain, fast;
-            ASSERT_EQ(setUpTriangle(&plain, corners, laneCount), 1);
-            ASSERT_EQ(setUpTriangleSse2(&fast, corners, laneCount), 1);
-            expectSameState(plain, fast, corners, laneCount);
+            ASSERT_EQ(setUpTriangle(&plain, corners, texturedAttributes), 1);
+            ASSERT_EQ(setUpTriangleSse2(&fast, corners, texturedAttributes), 1);
+            expectSameState(plain, fast, corners, texturedAttributes);
         }
 }
 
@@ -78,7 +92,7 @@ TEST(TriangleSetUp, ATriangleWithoutAreaIsDropped)
     SpanState state;
     for (const TriangleCorner* corners : { line, row, point })
     {
-        EXPECT_EQ(setUpTriangle(&state, corners, laneCount), 0);
-        EXPECT_EQ(setUpTriangleSse2(&state, corners, laneCount), 0);
+        EXPECT_EQ(setUpTriangle(&state, corners, texturedAttributes), 0);
+        EXPECT_EQ(setUpTriangleSse2(&state, corners, texturedAttributes), 0);
     }
 }
