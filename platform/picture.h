@@ -22,3 +22,6 @@ void presentPicture(const Picture* picture, int32_t x, int32_t y, int32_t width,
 
 // Releases the bitmap and clears the record. A cleared record stays as it is.
 void destroyPicture(Picture* picture);
+
+// How many times a second the screen that shows the display window is refreshed; 0 when it cannot be told.
+int32_t displayRefreshRate();

@@ -6,18 +6,25 @@
 
 static bool held;
 static uint32_t heldSince; // clock ticks (platform/clock.h)
+static std::string shown;
+
+static void setTitle(const std::string& text)
+{
+    shown = text;
+    setWindowTitle(text.c_str());
+}
 
 void showTitle(const std::string& text)
 {
     held = false;
-    setWindowTitle(text.c_str());
+    setTitle(text);
 }
 
 void holdTitle(const std::string& text)
 {
     held = true;
     heldSince = tickCount();
-    setWindowTitle(text.c_str());
+    setTitle(text);
 }
 
 int showPassingTitle(const std::string& text)
@@ -25,6 +32,7 @@ int showPassingTitle(const std::string& text)
     held = held && tickCount() - heldSince < titleHoldMs;
     if (held)
         return 0;
-    setWindowTitle(text.c_str());
+    if (text != shown)
+        setTitle(text);
     return 1;
 }

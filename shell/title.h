@@ -14,5 +14,6 @@ void showTitle(const std::string& text);
 // Sets the title and keeps it for titleHoldMs against showPassingTitle.
 void holdTitle(const std::string& text);
 
-// Sets the title unless one is being held. Returns 1, or 0 when the held one stays.
+// Sets the title unless one is being held. Returns 1, or 0 when the held one stays. A title that is shown already is
+// not set again, so that a front end may call this after each frame.
 int showPassingTitle(const std::string& text);

@@ -63,3 +63,8 @@ void destroyPicture(Picture* picture)
     free(picture->bits);
     *picture = {};
 }
+
+int32_t displayRefreshRate()
+{
+    return 0;
+}

@@ -73,3 +73,12 @@ void destroyPicture(Picture* picture)
     }
     *picture = {};
 }
+
+int32_t displayRefreshRate()
+{
+    constexpr int leastKnown = 2; // 0 and 1 stand for the default rate of the hardware
+    HDC windowDc = GetDC(displayWindow);
+    int rate = GetDeviceCaps(windowDc, VREFRESH);
+    ReleaseDC(displayWindow, windowDc);
+    return rate >= leastKnown ? rate : 0;
+}

@@ -6,6 +6,13 @@
 
 #include <windowsx.h>
 
+// A drag keeps the mouse when it leaves the display, and its release is noticed there.
+static void releaseAfterLastButton(WPARAM buttons)
+{
+    if (!(buttons & (MK_LBUTTON | MK_RBUTTON)))
+        ReleaseCapture();
+}
+
 LRESULT CALLBACK displayProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     int x = GET_X_LPARAM(lParam), y = GET_Y_LPARAM(lParam); // signed: a drag may leave the window
@@ -19,10 +26,22 @@ LRESULT CALLBACK displayProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
         break;
     case WM_PAINT: displayPainted(); break;
     case WM_MOUSEMOVE: displayMouseMoved((wParam & MK_LBUTTON) != 0, (wParam & MK_RBUTTON) != 0, x, y); break;
-    case WM_LBUTTONDOWN: displayLeftButton(dragDown, x, y); break;
-    case WM_LBUTTONUP: displayLeftButton(dragUp, x, y); break;
-    case WM_RBUTTONDOWN: displayRightButton(dragDown, y); break;
-    case WM_RBUTTONUP: displayRightButton(dragUp, y); break;
+    case WM_LBUTTONDOWN:
+        SetCapture(window);
+        displayLeftButton(dragDown, x, y);
+        break;
+    case WM_LBUTTONUP:
+        displayLeftButton(dragUp, x, y);
+        releaseAfterLastButton(wParam);
+        break;
+    case WM_RBUTTONDOWN:
+        SetCapture(window);
+        displayRightButton(dragDown, y);
+        break;
+    case WM_RBUTTONUP:
+        displayRightButton(dragUp, y);
+        releaseAfterLastButton(wParam);
+        break;
     }
     return DefWindowProcW(window, message, wParam, lParam);
 }

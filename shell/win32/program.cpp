@@ -11,6 +11,7 @@
 #include "shell/win32/desktop.h"
 
 #include <commctrl.h>
+#include <timeapi.h>
 
 constexpr wchar_t mainClass[] = L"Kestrelbox"; // also the default title
 constexpr wchar_t displayClass[] = L"display";
@@ -99,28 +100,34 @@ static void dispatch(MSG* message)
     DispatchMessageW(message);
 }
 
-// Takes a message while frames are drawn. The panel gets its keyboard handling only from the blocking loop.
-static WaitingMessage takeWaitingMessage()
+// Sleeps until a message comes or the next frame is due. The operating system wakes a program in steps of up to 16 ms
+// unless it is asked for finer ones.
+static void waitForMessage(uint32_t ms)
 {
-    MSG message;
-    if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-        return messageNone;
-    if (message.message == WM_QUIT)
-        return messageQuit;
-    if (!takeKey(&message))
-        dispatch(&message);
-    return messageDispatched;
+    static_assert(noFrameDue == INFINITE);
+    bool timed = ms != noFrameDue;
+    if (timed)
+        timeBeginPeriod(1);
+    MsgWaitForMultipleObjectsEx(0, nullptr, ms, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+    if (timed)
+        timeEndPeriod(1);
 }
 
 static void runMessages()
 {
-    MSG message;
-    while (GetMessageW(&message, nullptr, 0, 0) > 0)
+    for (;;)
     {
-        if (!takeKey(&message) && !IsDialogMessageW(toolPanel, &message))
-            dispatch(&message);
-        if (!drawWhilePending(takeWaitingMessage))
-            break;
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+        {
+            if (message.message == WM_QUIT)
+                return;
+            if (!takeKey(&message) && !IsDialogMessageW(toolPanel, &message))
+                dispatch(&message);
+            drawDueFrame();
+        }
+        if (uint32_t ms = drawDueFrame())
+            waitForMessage(ms);
     }
 }
 

@@ -269,6 +269,11 @@ void destroyPicture(Picture* picture)
     *picture = {};
 }
 
+int32_t displayRefreshRate()
+{
+    return recorded.refreshRate;
+}
+
 uint64_t systemRandom()
 {
     return 1; // every run is the same

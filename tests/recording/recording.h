@@ -64,6 +64,7 @@ struct Recording
     // picture
     int livePictures = 0;
     bool refusePictures = false;
+    int32_t refreshRate = 0; // of the screen; 0: unknown
     std::vector<RecordedRect> presented;
 
     // clock and processor

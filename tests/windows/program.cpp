@@ -138,8 +138,13 @@ std::wstring Program::title() const
 
 void Program::mouse(UINT message, WPARAM buttons, int x, int y) const
 {
-    PostMessageW(display, message, buttons, MAKELPARAM(x, y));
+    postMouse(message, buttons, x, y);
     settle();
+}
+
+void Program::postMouse(UINT message, WPARAM buttons, int x, int y) const
+{
+    PostMessageW(display, message, buttons, MAKELPARAM(x, y));
 }
 
 Shot Program::shot() const

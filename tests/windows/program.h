@@ -37,7 +37,8 @@ public:
     // Waits until the program has handled all messages posted so far and drawn the frame that they requested.
     void settle() const;
 
-    void mouse(UINT message, WPARAM buttons, int x, int y) const;
+    void mouse(UINT message, WPARAM buttons, int x, int y) const;     // and waits until it has been handled
+    void postMouse(UINT message, WPARAM buttons, int x, int y) const; // and does not
     Shot shot() const;
 
     HWND main = nullptr, panel = nullptr, display = nullptr;

@@ -186,6 +186,7 @@ TEST_F(DesktopWindow, DragTurnsFlickSpinsPressStopsResetRestores)
     program.mouse(WM_MOUSEMOVE, MK_LBUTTON, 330, 260);
     program.mouse(WM_MOUSEMOVE, MK_LBUTTON, 360, 260);
     otherThan(before);
+    program.postMouse(WM_MOUSEMOVE, MK_LBUTTON, 390, 260); // at once before the release, so that it is a flick
     program.mouse(WM_LBUTTONUP, 0, 420, 260);
     for (int i = 0; i < 3; ++i)
         otherThan(program.shot());
