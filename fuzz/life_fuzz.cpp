@@ -7,7 +7,8 @@
 #include "export/obj.h"
 #include "export/prop.h"
 #include "export/rkf.h"
-#include "fuzz/memory_file.h"
+#include "fuzz/fuzzing.h"
+#include "fuzz/memory_files.h"
 #include "import/text/dxf.h"
 #include "import/obj/obj.h"
 #include "import/text/off.h"
@@ -15,22 +16,16 @@
 #include "import/text/poser.h"
 #include "import/rkf.h"
 #include "import/threeds/threeds.h"
-#include "model/memory.h"
 #include "model/mesh_copy.h"
 #include "platform/processor.h"
 #include "render/frame.h"
 #include "render/materials.h"
 #include "shell/scene.h"
 #include "shell/undo.h"
-#include "tests/check_mesh.h"
-#include "tests/recording/recording.h"
 #include "tools/filter.h"
 
 #include <stdio.h>
 #include <stdlib.h>
-#include <unistd.h>
-#include <filesystem>
-#include <string>
 
 struct ChoiceBytes
 {
@@ -44,15 +39,6 @@ static uint32_t choose(ChoiceBytes* choices, uint32_t count)
         return 0;
     --choices->size;
     return *choices->bytes++ % count;
-}
-
-static void check(const Mesh* mesh, const char* where)
-{
-    std::string broken = brokenPromise(mesh);
-    if (broken.empty())
-        return;
-    fprintf(stderr, "%s: broken: %s\n", where, broken.c_str());
-    abort();
 }
 
 // Runs tools, undo and redo. In the end all tools that can be taken back are taken back, which must give the first
@@ -69,7 +55,7 @@ static void repair(ChoiceBytes* steps)
             undoTool();
         else
             redoTool();
-        check(currentMesh(), "repaired");
+        checkMesh(currentMesh(), "repaired");
     }
     int undone = 0;
     while (undoTool())
@@ -83,7 +69,7 @@ static void repair(ChoiceBytes* steps)
     while (undone-- > 0 && redoTool())
     {
     }
-    check(currentMesh(), "redone");
+    checkMesh(currentMesh(), "redone");
 }
 
 static RenderSettings chooseSettings(ChoiceBytes* choices)
@@ -116,44 +102,32 @@ static void draw(ChoiceBytes* choices, FrameState* state)
     limitKernelLevel(kernelsAvx512);
 }
 
-static const std::string& folder()
-{
-    static const std::string path = []
-    {
-        std::string name = "/dev/shm/kestrelbox-life-" + std::to_string(getpid());
-        std::filesystem::create_directories(name);
-        return name + "/";
-    }();
-    return path;
-}
-
 static void readBack(const char* name, int (*load)(Mesh*, const char*))
 {
     Mesh* mesh = createMesh("prop");
-    if (load(mesh, (folder() + name).c_str()))
-        check(mesh, name);
+    if (load(mesh, name))
+        checkMesh(mesh, name);
     freeMesh(mesh);
 }
 
 static void write(const Mesh* mesh, const FrameState& state)
 {
-    if (WriteObjFile(mesh, (folder() + "m.obj").c_str(), "m.obj"))
+    if (WriteObjFile(mesh, "m.obj", "m.obj"))
         readBack("m.obj", LoadObjFile);
     PreviewSource preview = { frameBuffer.picture.bits, state.displayWidth, state.displayHeight,
                               frameBuffer.pitch * 3 };
-    if (frameBuffer.cells && WritePropFile(mesh, (folder() + "m.pp2").c_str(), &preview))
+    if (frameBuffer.cells && WritePropFile(mesh, "m.pp2", &preview))
         readBack("m.pp2", LoadPoserFile);
-    if (WriteRkfFile(mesh, (folder() + "m.rkf").c_str(), false))
+    if (WriteRkfFile(mesh, "m.rkf", false))
         readBack("m.rkf", LoadRkfFile);
-    WriteLuxFiles(mesh, (folder() + "m.lxs").c_str());
+    WriteLuxFiles(mesh, "m.lxs");
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
 {
     static int (*const readers[])(Mesh*, const char*) = { LoadObjFile, LoadOffFile,   LoadPlyFile, Load3dsFile,
                                                           LoadDxfFile, LoadPoserFile, LoadRkfFile };
-    memoryTable = {};
-    resetRecording();
+    beginInput();
     ChoiceBytes choices = { bytes, size };
     auto reader = readers[choose(&choices, 7)];
     uint8_t plan[24] = {};
@@ -163,9 +137,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
     if (!reader(mesh, memoryFile(choices.bytes, choices.size)))
     {
         freeMesh(mesh);
-        return recorded.liveBlocks ? (abort(), 0) : 0;
+        return endInput();
     }
-    check(mesh, "reader");
+    checkMesh(mesh, "reader");
     ChoiceBytes steps = { plan, sizeof plan };
     installMesh(&modelList, mesh);
     repair(&steps);
@@ -177,7 +151,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
     write(mesh, state);
     destroyFrameBuffer(&frameBuffer);
     releaseModels();
-    if (recorded.liveBlocks != 0)
-        abort();
-    return 0;
+    return endInput();
 }

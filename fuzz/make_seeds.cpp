@@ -43,6 +43,18 @@ static Samples lifeSamples(const std::vector<Samples>& byReader)
     return files;
 }
 
+// An input of fuzz/time_fuzz.cpp has four bytes that choose the reader, the repeated part and the size, then the file.
+static Samples timeSamples(const std::vector<Samples>& byReader)
+{
+    Samples files;
+    for (size_t reader = 0; reader < byReader.size(); ++reader)
+        for (const std::string& file : byReader[reader])
+            for (int start = 0; start < 256; start += 64)
+                files.push_back(std::string{ static_cast<char>(reader), static_cast<char>(start), '\x40', '\0' } +
+                                file);
+    return files;
+}
+
 static int writeAll(const std::filesystem::path& folder, const Samples& files)
 {
     std::filesystem::create_directories(folder);
@@ -65,11 +77,12 @@ int main(int argc, char** argv)
     }
     std::filesystem::path to = argv[1];
     Samples obj = objSamples(), off = offSamples(), ply = plySamples(), threeDs = threeDsSamples(), dxf = dxfSamples();
-    Samples poser = poserSamples(), rkf = rkfSamples();
+    Samples poser = poserSamples(), rkf = rkfSamples(), mtl = mtlSamples(), jpeg = jpegSamples();
     int ok = writeAll(to / "obj", obj) && writeAll(to / "off", off) && writeAll(to / "ply", ply) &&
              writeAll(to / "threeds", threeDs) && writeAll(to / "dxf", dxf) && writeAll(to / "poser", poser) &&
-             writeAll(to / "rkf", rkf) && writeAll(to / "builtin", rkf) && writeAll(to / "mtl", mtlSamples()) &&
-             writeAll(to / "jpeg", jpegSamples()) &&
+             writeAll(to / "rkf", rkf) && writeAll(to / "builtin", rkf) && writeAll(to / "mtl", mtl) &&
+             writeAll(to / "jpeg", jpeg) &&
+             writeAll(to / "time", timeSamples({ obj, off, ply, threeDs, dxf, poser, rkf, mtl, jpeg })) &&
              writeAll(to / "life", lifeSamples({ obj, off, ply, threeDs, dxf, poser, rkf }));
     return ok ? 0 : 1;
 }

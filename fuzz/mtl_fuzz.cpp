@@ -1,23 +1,17 @@
 // fuzz/mtl_fuzz.cpp - reads any bytes as the material library of a mesh with a few materials
-#include "fuzz/memory_file.h"
+#include "fuzz/fuzzing.h"
+#include "fuzz/memory_files.h"
 #include "import/obj/obj.h"
-#include "model/memory.h"
-#include "tests/check_mesh.h"
-#include "tests/recording/recording.h"
-
-#include <stdlib.h>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
 {
-    memoryTable = {};
-    resetRecording();
+    beginInput();
     Mesh* mesh = createMesh("prop");
     mesh->materialCount = bytes && size % 5 == 0 ? materialLimit : 3; // at times all slots have names
     for (int32_t i = 0; i < mesh->materialCount; ++i)
         copyName(mesh->materialNames[i], i == 0 ? "red" : i == 1 ? "a b" : "blue");
     ReadMtlFile(mesh, memoryFile(bytes, size));
-    if (!brokenPromise(mesh).empty())
-        abort();
+    checkMesh(mesh, "library");
     freeMesh(mesh);
-    return recorded.liveBlocks ? (abort(), 0) : 0;
+    return endInput();
 }

@@ -8,56 +8,12 @@
 #include "platform/pages.h"
 #include "platform/picture.h"
 #include "platform/random.h"
+#include "tests/recording/blocks.h"
 
 #include <stdlib.h>
 #include <string.h>
 
 Recording recorded;
-
-// The address sanitizer watches the bytes before and after each block.
-#if defined(__SANITIZE_ADDRESS__)
-#define WATCHED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define WATCHED 1
-#endif
-#endif
-#ifdef WATCHED
-#include <sanitizer/asan_interface.h>
-#else
-#define ASAN_POISON_MEMORY_REGION(address, size)
-#define ASAN_UNPOISON_MEMORY_REGION(address, size)
-#endif
-
-constexpr size_t pageBytes = 4096;
-
-struct Block
-{
-    size_t sizeBytes;
-    char* allocated; // sizeBytes and a page; the block lies within them
-};
-
-static std::map<void*, Block> blocks;
-
-// calloc leaves the fresh pages of a large block untouched, which makes a thousand loads a second possible.
-static void* takeBlock(size_t sizeBytes)
-{
-    auto* allocated = static_cast<char*>(calloc(1, sizeBytes + pageBytes));
-    if (!allocated)
-        return nullptr;
-    size_t before = pageBytes - reinterpret_cast<uintptr_t>(allocated) % pageBytes;
-    char* block = allocated + before;
-    ASAN_POISON_MEMORY_REGION(allocated, before);
-    ASAN_POISON_MEMORY_REGION(block + sizeBytes, pageBytes - before);
-    blocks[block] = { sizeBytes, allocated };
-    return block;
-}
-
-static void giveBack(const Block& block)
-{
-    ASAN_UNPOISON_MEMORY_REGION(block.allocated, block.sizeBytes + pageBytes);
-    free(block.allocated);
-}
 
 void resetRecording()
 {
@@ -284,8 +240,6 @@ uint32_t tickCount()
     return recorded.tick;
 }
 
-// Blocks start at a page boundary, like real ones. The bytes past the size do not belong to the block, so that the
-// address sanitizer notices their use.
 void* allocatePages(size_t sizeBytes)
 {
     ++recorded.allocations;
@@ -314,11 +268,6 @@ void releasePages(void* block)
 {
     if (!block)
         return;
-    auto found = blocks.find(block);
-    if (found == blocks.end())
-        abort(); // released twice, or never allocated
-    recorded.liveBytes -= found->second.sizeBytes;
+    recorded.liveBytes -= giveBlockBack(block);
     --recorded.liveBlocks;
-    giveBack(found->second);
-    blocks.erase(found);
 }
