@@ -1,16 +1,8 @@
 // export/face_order.cpp - sorting faces by counting
 #include "export/face_order.h"
+
 #include "model/memory.h"
 #include "platform/pages.h"
-
-struct FaceOrder
-{
-    int32_t groups;      // at least 1
-    int32_t materials;   // at least 1
-    int32_t* pairStarts; // [groups * materials + 1]: where pair p starts in faces; it ends where the next one starts
-    int32_t* faces;      // live faces by pair = group * materials + material; null: no memory for it
-    uint8_t met[groupLimit]; // groups with a live face of any material
-};
 
 // The pair of a face, -1 when it is not to be written.
 static int32_t pairOf(const FaceOrder* order, uint32_t attributes)
@@ -31,13 +23,9 @@ static void noteGroups(FaceOrder* order, const Mesh* mesh)
 
 // Fills one block with the pairs and the faces: counts the faces of each pair, adds the counts up, then places the
 // faces. Placing a face moves the start of its pair on by one, so that it becomes the pair's end.
-static void sortFaces(FaceOrder* order, const Mesh* mesh)
+static void sortFaces(FaceOrder* order, const Mesh* mesh, int32_t* block)
 {
     int64_t pairs = int64_t{ order->groups } * order->materials;
-    size_t bytes = blockSize(pairs + 2 + mesh->faceCount, sizeof(int32_t));
-    int32_t* block = static_cast<int32_t*>(allocatePages(bytes));
-    if (!block)
-        return;
     int32_t* counts = block + 2; // shifted by two, so that after placing entry p is the start of pair p again
     order->pairStarts = block;
     order->faces = block + pairs + 2;
@@ -57,42 +45,44 @@ static void sortFaces(FaceOrder* order, const Mesh* mesh)
     }
 }
 
-struct Visit
+// Without memory for the order, the faces would have to be searched for each pair of a group and a material, of which
+// there are up to 262,144. That would take hours, so it fails instead.
+int makeFaceOrder(FaceOrder* order, const Mesh* mesh)
 {
-    void* context;
-    void (*faceMet)(void* context, int32_t material, int32_t face);
-};
-
-static void visitPair(const FaceOrder* order, const Mesh* mesh, int32_t group, int32_t material, const Visit* visit)
-{
-    int32_t pair = group * order->materials + material;
-    if (order->faces)
+    *order = {};
+    order->groups = mesh->groupCount > 0 ? mesh->groupCount : 1;
+    order->materials = mesh->materialCount > 0 ? mesh->materialCount : 1;
+    int64_t pairs = int64_t{ order->groups } * order->materials;
+    auto* block = static_cast<int32_t*>(allocatePages(blockSize(pairs + 2 + mesh->faceCount, sizeof(int32_t))));
+    if (!block)
     {
-        for (int32_t i = order->pairStarts[pair]; i < order->pairStarts[pair + 1]; ++i)
-            visit->faceMet(visit->context, material, order->faces[i]);
-        return;
+        *order = {};
+        return reportOutOfMemory();
     }
-    for (int32_t f = 0; f < mesh->faceCount; ++f)
-        if (pairOf(order, mesh->faceAttributes[f]) == pair)
-            visit->faceMet(visit->context, material, f);
+    noteGroups(order, mesh);
+    sortFaces(order, mesh, block);
+    return 1;
 }
 
-void visitFacesInOrder(const Mesh* mesh, void* context, void (*groupMet)(void* context, int32_t group),
-                       void (*faceMet)(void* context, int32_t material, int32_t face))
+void freeFaceOrder(FaceOrder* order)
 {
-    FaceOrder order = {};
-    order.groups = mesh->groupCount > 0 ? mesh->groupCount : 1;
-    order.materials = mesh->materialCount > 0 ? mesh->materialCount : 1;
-    noteGroups(&order, mesh);
-    sortFaces(&order, mesh);
-    Visit visit = { context, faceMet };
-    for (int32_t group = 0; group < order.groups; ++group)
+    releasePages(order->pairStarts);
+    *order = {};
+}
+
+void visitFaces(const FaceOrder* order, void* context, void (*groupMet)(void* context, int32_t group),
+                void (*faceMet)(void* context, int32_t material, int32_t face))
+{
+    for (int32_t group = 0; group < order->groups; ++group)
     {
-        if (!order.met[group])
+        if (!order->met[group])
             continue;
         groupMet(context, group);
-        for (int32_t material = 0; material < order.materials; ++material)
-            visitPair(&order, mesh, group, material, &visit);
+        for (int32_t material = 0; material < order->materials; ++material)
+        {
+            int32_t pair = group * order->materials + material;
+            for (int32_t i = order->pairStarts[pair]; i < order->pairStarts[pair + 1]; ++i)
+                faceMet(context, material, order->faces[i]);
+        }
     }
-    releasePages(order.pairStarts);
 }

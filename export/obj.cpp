@@ -77,6 +77,7 @@ static void writeObjFace(TextWriter* writer, const Mesh* mesh, int32_t f, bool w
 struct ObjText
 {
     const Mesh* mesh;
+    const FaceOrder* order;
     std::string libraryName;
     SaveProgress progress;
     TextWriter* writer;
@@ -123,7 +124,7 @@ static void writeObjText(TextWriter* writer, void* context)
     text->writer = writer;
     text->withUvs = uvs > 0;
     text->lastMaterial = -1;
-    visitFacesInOrder(mesh, text, groupMet, faceMet);
+    visitFaces(text->order, text, groupMet, faceMet);
 }
 
 static void writeMtlColour(TextWriter* writer, const char* keyword, const float* colour, float level)
@@ -182,10 +183,14 @@ int WriteMtlFile(const Mesh* mesh, const char* objPath)
 int WriteObjFile(const Mesh* mesh, const char* path, const char* fileTitle)
 {
     OutputFile outputs[2] = {}; // the MTL file first: no OBJ file names one that is not there
-    ObjText text = { mesh, withoutExtension(fileTitle) + ".mtl", {}, nullptr, false, -1 };
+    FaceOrder order;
+    if (!makeFaceOrder(&order, mesh))
+        return 0;
+    ObjText text = { mesh, &order, withoutExtension(fileTitle) + ".mtl", {}, nullptr, false, -1 };
     int ok = writeTextOutput(&outputs[1], path, writeObjText, &text);
     if (ok)
         ok = writeMtlOutput(&outputs[0], mesh, path);
     endSaveProgress(&text.progress);
+    freeFaceOrder(&order);
     return commitOutputs(outputs, 2, ok != 0);
 }

@@ -1,6 +1,5 @@
 // tests/export/obj_test.cpp - OBJ and MTL files byte for byte
 #include "export/obj.h"
-#include "export/face_order.h"
 #include "tests/export/build.h"
 
 using ObjWriter = InOwnFolder;
@@ -163,14 +162,23 @@ TEST_F(ObjWriter, FacesAreSortedByGroupThenMaterialAndTheLastMaterialGoesOn)
     EXPECT_EQ(faceLinesOf(written(mixedFaces().get(), folder)), mixedLines);
 }
 
-TEST_F(ObjWriter, WithoutWorkMemoryTheOrderIsTheSame)
+// The order would otherwise have to be searched for, pair by pair of groups and materials.
+TEST_F(ObjWriter, WithoutMemoryForTheOrderNoFileIsTouched)
 {
     MeshPointer mesh = mixedFaces();
-    recorded.allocations = 0;
-    recorded.refuseOnly = 2; // request 1 is the text's block, request 3 the library's
-    EXPECT_EQ(faceLinesOf(written(mesh.get(), folder)), mixedLines);
-    EXPECT_EQ(recorded.allocations, 3);
-    EXPECT_EQ(recorded.boxes, Boxes{});
+    putFile(folder + "out.obj", "earlier");
+    int live = recorded.liveBlocks;
+    for (int n = 1; n <= 3; ++n) // the order, and the blocks of the two texts
+    {
+        recorded.allocations = 0;
+        recorded.refuseOnly = n;
+        recorded.boxes.clear();
+        EXPECT_EQ(WriteObjFile(mesh.get(), (folder + "out.obj").c_str(), "out.obj"), 0) << n;
+        EXPECT_EQ(recorded.liveBlocks, live) << n;
+        EXPECT_EQ(recorded.boxes, (Boxes{ { "Out of memory", "(default)", iconStop } })) << n;
+    }
+    EXPECT_EQ(contents(folder + "out.obj"), "earlier");
+    EXPECT_EQ(filesInFolder(), Names{ "out.obj" });
 }
 
 // The group's line is written at the group's first live face, before the line of its material.
