@@ -44,19 +44,39 @@ static constexpr Reader readers[] = {
 };
 // clang-format on
 
-int readModelFile(Mesh* mesh, const char* path, const ReadOptions& options)
+// Whether a path is long enough and has a '.' before its last three characters.
+static bool hasExtension(const char* path)
 {
     size_t length = strlen(path);
-    if (length < 5 || path[length - 4] != '.')
-        return 0;
+    return length >= 5 && path[length - 4] == '.';
+}
+
+// The reader for a path with an extension; null when there is none.
+static const Reader* findReader(const char* path)
+{
+    size_t length = strlen(path);
     char extension[4] = {};
     for (size_t i = 0; i < 3; ++i)
         extension[i] = asciiUpper(path[length - 3 + i]);
     for (const Reader& reader : readers)
     {
         if (strcmp(reader.extension, extension) == 0)
-            return reader.load(mesh, path, options);
+            return &reader;
     }
+    return nullptr;
+}
+
+int isModelName(const char* path)
+{
+    return hasExtension(path) && findReader(path) != nullptr;
+}
+
+int readModelFile(Mesh* mesh, const char* path, const ReadOptions& options)
+{
+    if (!hasExtension(path))
+        return 0;
+    if (const Reader* reader = findReader(path))
+        return reader->load(mesh, path, options);
     messageBox("Not supported file format", fileNameOf(path), iconStop);
     return 0;
 }

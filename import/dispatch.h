@@ -8,6 +8,9 @@ struct ReadOptions
     bool keyframes3ds = true; // the 3DS reader moves each object by its keyframer pivot
 };
 
+// Whether readModelFile has a reader for a path: its length and its extension, whatever stands at it.
+int isModelName(const char* path);
+
 // Reads a file into a fresh mesh.
 // Returns the reader's result. 0 without a message for a path of fewer than 5 characters or without a '.' before its
 // last three; 0 for an unknown extension, after "Not supported file format" with the file name as the caption. Readers

@@ -7,6 +7,7 @@
 #include <stddef.h>
 #include <stdint.h>
 #include <string>
+#include <vector>
 
 // fopen for a UTF-8 path. Null when the file does not open, for a folder, and for reading from a device, which may
 // never end.
@@ -34,6 +35,10 @@ struct FolderListings; // platform/folder_listings.h
 // Writes the name as the folder spells it and returns 1, or returns 0 when there is none or it does not fit in
 // roomBytes. Of names that differ in their case only it is the one that the operating system lists first.
 int findNameIgnoringCase(FolderListings* listings, const char* folder, const char* name, char* found, size_t roomBytes);
+
+// Appends the names in a folder ("." is the current one), in no order, folders among them. Returns 1, or 0 when it
+// cannot be listed.
+int listNames(const char* folder, std::vector<std::string>* names);
 
 // What is at the path of a target.
 enum FileTarget

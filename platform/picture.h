@@ -20,6 +20,10 @@ int makePicture(Picture* picture, int32_t widthPixels, int32_t rows);
 // Copies a rectangle of the bitmap, in pixels from its upper left corner, to the same place in the display window.
 void presentPicture(const Picture* picture, int32_t x, int32_t y, int32_t width, int32_t height);
 
+// Copies the upper left part of the bitmap to the clipboard, as a bitmap. Returns 1, or 0 when the clipboard or memory
+// is refused, and where there is no clipboard.
+int copyPicture(const Picture* picture, int32_t width, int32_t height);
+
 // Releases the bitmap and clears the record. A cleared record stays as it is.
 void destroyPicture(Picture* picture);
 

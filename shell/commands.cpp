@@ -54,11 +54,23 @@ static void showAbout(int)
     askForRedraw();
 }
 
-static void openMesh(int)
+// Ends the opening of a model, and passes its result on.
+static int showOpened(int opened)
 {
-    if (openMeshFile())
+    if (opened)
         markAndChoosePreset(presetProp);
     askForRedraw();
+    return opened;
+}
+
+static void openMesh(int)
+{
+    showOpened(openMeshFile());
+}
+
+int openModelAt(const char* path)
+{
+    return showOpened(openMeshAt(path));
 }
 
 static void exportModel(int id)
@@ -67,16 +79,29 @@ static void exportModel(int id)
     askForRedraw();
 }
 
-static void loadTexture(int)
+static void showUserTexture(const std::string& title)
 {
-    std::string title;
-    if (!loadUserTexture(&TextureSlots[textureUser], &title))
-        return;
     renameMenuItem(ID_TEXTURE_USER, title.c_str());
     enableMenuItem(ID_TEXTURE_USER, 1);
     markTexture(textureUser);
     showTexture(&choices, textureUser);
     askForRedraw();
+}
+
+static void loadTexture(int)
+{
+    std::string title;
+    if (loadUserTexture(&TextureSlots[textureUser], &title))
+        showUserTexture(title);
+}
+
+int loadTextureAt(const char* path)
+{
+    std::string title;
+    if (!loadUserTextureAt(path, &TextureSlots[textureUser], &title))
+        return 0;
+    showUserTexture(title);
+    return 1;
 }
 
 static void savePicture(int)
@@ -85,14 +110,26 @@ static void savePicture(int)
     askForRedraw();
 }
 
-static void readRkf(int)
+// Ends the reading of an RKF file, and passes its result on.
+static int showRead(int read)
 {
-    if (readRkfFile())
+    if (read)
     {
         chooseRenderFlag(&choices, renderWireframe, false);
         checkPanelBox(ID_WIREFRAME, 0);
     }
     askForRedraw();
+    return read;
+}
+
+static void readRkf(int)
+{
+    showRead(readRkfFile());
+}
+
+int openRkfAt(const char* path)
+{
+    return showRead(readRkfFileAt(path));
 }
 
 static void saveRkf(int)

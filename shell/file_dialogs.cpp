@@ -152,8 +152,15 @@ int loadUserTexture(Image* image, std::string* title)
     Choice choice;
     if (!askToOpen(openTextureRow, &choice))
         return 0;
-    *title = choice.title;
-    for (char& c : *title)
+    return loadUserTextureAt(choice.path.c_str(), image, title);
+}
+
+int loadUserTextureAt(const char* path, Image* image, std::string* title)
+{
+    std::string name = fileNameOf(path);
+    name.resize(bytesOfCharacters(name, openTextureRow.titleCharacters - 1));
+    for (char& c : name)
         c = asciiLower(c);
-    return loadTextureFile(choice.path.c_str(), image);
+    *title = name;
+    return loadTextureFile(path, image);
 }

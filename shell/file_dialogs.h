@@ -41,3 +41,6 @@ int RkfFileDialog(Mesh* mesh, std::string* path, std::string* title, bool save, 
 // in lower case, of which the dialog gives 31 characters. A file that does not open is not reported, one that cannot be
 // decoded is; the image then stays as it was.
 int loadUserTexture(Image* image, std::string* title);
+
+// The same for a file that is known; its name in title is cut as the dialog cuts it.
+int loadUserTextureAt(const char* path, Image* image, std::string* title);

@@ -5,8 +5,10 @@
 #include "resources/ids.h"
 #include "shell/commands.h"
 #include "shell/drag.h"
+#include "shell/given_files.h"
 #include "shell/loop.h"
 #include "shell/panel.h"
+#include "shell/picture_file.h"
 #include "shell/scene.h"
 #include "shell/title.h"
 #include "shell/undo.h"
@@ -26,6 +28,21 @@ static void savePicture(int)
 static void exportObj(int)
 {
     runCommand(ID_EXPORT_OBJ);
+}
+
+static void copyView(int)
+{
+    copyImage();
+}
+
+static void reload(int)
+{
+    reloadModel();
+}
+
+static void showNeighbour(int key)
+{
+    openNeighbour(key == keyPageDown ? 1 : -1);
 }
 
 static void undoStep(int)
@@ -94,6 +111,10 @@ static const KeyCommand table[] = {
     { 'O', withControl, false, "Ctrl+O", "open a model", openMesh },
     { 'S', withControl, false, "Ctrl+S", "save the picture", savePicture },
     { 'E', withControl, false, "Ctrl+E", "export as OBJ", exportObj },
+    { 'C', withControl, false, "Ctrl+C", "copy the picture", copyView },
+    { keyF5, 0, false, "F5", "read the model's file again", reload },
+    { keyPageUp, 0, false, "PageUp", "open the previous model of the folder", showNeighbour },
+    { keyPageDown, 0, false, "PageDown", "open the next model of the folder", showNeighbour },
     { 'Z', withControl, true, "Ctrl+Z", "undo the last mesh tool", undoStep },
     { 'Y', withControl, true, "Ctrl+Y", "redo it", redoStep },
     { 'Z', withControl | withShift, true, "Ctrl+Shift+Z", "redo it", redoStep },

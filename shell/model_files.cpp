@@ -2,6 +2,7 @@
 #include "shell/model_files.h"
 
 #include "import/dispatch.h"
+#include "import/rkf.h"
 #include "platform/controls.h"
 #include "platform/file_names.h"
 #include "resources/ids.h"
@@ -41,14 +42,30 @@ int openMeshAt(const char* path)
     return mesh && openMeshInto(mesh, path);
 }
 
+int openRkfMeshAt(const char* path)
+{
+    Mesh* mesh = createMesh("prop");
+    if (!mesh)
+        return 0;
+    if (!LoadRkfFile(mesh, path))
+    {
+        freeMesh(mesh);
+        return 0;
+    }
+    showLoadedMesh(mesh, path);
+    return 1;
+}
+
 int openMeshFile()
 {
     std::string path;
     return chooseModelToOpen(&path) && openMeshAt(path.c_str());
 }
 
-static void selectPropMaterial()
+static void selectMaterialsOf(const Mesh* mesh)
 {
+    if (mesh->materialCount == 0)
+        return;
     checkMenuItem(ID_PRESET_BRASS + choices.materialPreset, 0);
     checkMenuItem(ID_PRESET_PROP, 1);
     choosePreset(&choices, presetProp);
@@ -66,8 +83,15 @@ int readRkfFile()
         return 0;
     }
     showLoadedMesh(mesh, path.c_str());
-    if (mesh->materialCount != 0)
-        selectPropMaterial();
+    selectMaterialsOf(mesh);
+    return 1;
+}
+
+int readRkfFileAt(const char* path)
+{
+    if (!openRkfMeshAt(path))
+        return 0;
+    selectMaterialsOf(currentMesh());
     return 1;
 }
 

@@ -18,7 +18,11 @@ int openMeshAt(const char* path);
 // The same, read into a fresh mesh, which becomes the current model or is freed.
 int openMeshInto(Mesh* mesh, const char* path);
 
+// Opens an RKF file in the same way.
+int openRkfMeshAt(const char* path);
+
 int openMeshFile(); // asks for the file
-int readRkfFile();
+int readRkfFile();  // asks, and chooses the model's own materials when it has some
+int readRkfFileAt(const char* path);
 int saveRkfFile(); // refused without a word for a model with polylines: the format carries none
 int exportMesh(ExportKind kind);

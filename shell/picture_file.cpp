@@ -2,9 +2,11 @@
 #include "shell/picture_file.h"
 
 #include "export/bmp.h"
+#include "platform/boxes.h"
 #include "platform/files.h"
 #include "shell/file_dialogs.h"
 #include "shell/scene.h"
+#include "shell/title.h"
 
 #include <string.h>
 #include <algorithm>
@@ -57,6 +59,17 @@ int saveImage()
     std::string path;
     return choosePictureToSave(currentFileName, &path) &&
            writePicture(path.c_str(), &frameBuffer, frameState.displayWidth, frameState.displayHeight);
+}
+
+int copyImage()
+{
+    if (!copyPicture(&frameBuffer.picture, frameState.displayWidth, frameState.displayHeight))
+    {
+        messageBox("The picture cannot be copied", "Error", iconStop);
+        return 0;
+    }
+    holdTitle(programName + (": " + currentFileName) + " - picture copied");
+    return 1;
 }
 
 // The dumps have no window to show a message in, so they write straight into the file.

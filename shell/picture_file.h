@@ -15,6 +15,9 @@ int writeDecodedPicture(const char* path, const JpegOutput& decoded, const uint3
 // cancelled, or after a box with the cause.
 int saveImage();
 
+// Copies the display's picture to the clipboard and says so in the title. Returns 1, or 0 after a message box.
+int copyImage();
+
 // The dumps are for whoever looks for a fault in the decoder or the shadows; no command calls them. Both write into the
 // current folder, say nothing, and return 1, or 0 when the file could not be written whole.
 

@@ -14,6 +14,7 @@
 #include <unistd.h>
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #ifdef __linux__
 #include <linux/magic.h>
@@ -107,14 +108,17 @@ int seekFile(FILE* file, int64_t position)
     return fseeko(file, static_cast<off_t>(position), SEEK_SET) == 0;
 }
 
-static std::vector<std::string> listFolder(DIR* folder)
+int listNames(const char* folder, std::vector<std::string>* names)
 {
-    std::vector<std::string> names;
-    while (const dirent* entry = readdir(folder))
-        names.emplace_back(entry->d_name);
-    auto comesBefore = [](const std::string& a, const std::string& b) { return strcasecmp(a.c_str(), b.c_str()) < 0; };
-    std::stable_sort(names.begin(), names.end(), comesBefore);
-    return names;
+    DIR* entries = opendir(folder);
+    if (!entries && errno == ENOMEM)
+        noteRefusedMemory();
+    if (!entries)
+        return 0;
+    while (const dirent* entry = readdir(entries))
+        names->emplace_back(entry->d_name);
+    closedir(entries);
+    return 1;
 }
 
 // The names in a folder, or null when it cannot be opened.
@@ -126,14 +130,13 @@ static const std::vector<std::string>* namesIn(FolderListings* listings, const c
     FolderListings::FolderId id = { facts.st_dev, facts.st_ino };
     if (auto known = listings->names.find(id); known != listings->names.end())
         return &known->second;
-    DIR* entries = opendir(folder);
-    if (!entries && errno == ENOMEM)
-        noteRefusedMemory();
-    if (!entries)
+    std::vector<std::string> listed;
+    if (!listNames(folder, &listed))
         return nullptr;
+    auto comesBefore = [](const std::string& a, const std::string& b) { return strcasecmp(a.c_str(), b.c_str()) < 0; };
+    std::stable_sort(listed.begin(), listed.end(), comesBefore);
     std::vector<std::string>* names = &listings->names[id];
-    *names = listFolder(entries);
-    closedir(entries);
+    *names = std::move(listed);
     return names;
 }
 

@@ -58,6 +58,11 @@ int makePicture(Picture* picture, int32_t widthPixels, int32_t rows)
 
 void presentPicture(const Picture*, int32_t, int32_t, int32_t, int32_t) {}
 
+int copyPicture(const Picture*, int32_t, int32_t)
+{
+    return 0;
+}
+
 void destroyPicture(Picture* picture)
 {
     free(picture->bits);

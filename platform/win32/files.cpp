@@ -31,6 +31,30 @@ std::string utf8FromWide(const wchar_t* text)
     return narrow;
 }
 
+static std::wstring fullWidePath(const std::wstring& path)
+{
+    std::wstring full(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
+    DWORD length = GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+    if (length == 0 || length >= full.size())
+        return path;
+    full.resize(length);
+    return full;
+}
+
+std::wstring widePath(const char* path)
+{
+    constexpr size_t shortPath = 240; // MAX_PATH, without what a folder must leave for a name of the old form
+    std::wstring wide = wideFromUtf8(path);
+    bool literal = wide.rfind(LR"(\\?\)", 0) == 0 || wide.rfind(LR"(\\.\)", 0) == 0;
+    if (literal)
+        return wide;
+    std::wstring full = fullWidePath(wide);
+    if (full.size() < shortPath)
+        return wide;
+    bool ofServer = full.rfind(LR"(\\)", 0) == 0;
+    return ofServer ? LR"(\\?\UNC\)" + full.substr(2) : LR"(\\?\)" + full;
+}
+
 static HANDLE handleOf(FILE* file)
 {
     return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)));
@@ -38,11 +62,11 @@ static HANDLE handleOf(FILE* file)
 
 FILE* openFile(const char* path, const char* mode)
 {
-    std::wstring widePath = wideFromUtf8(path);
-    DWORD facts = GetFileAttributesW(widePath.c_str());
+    std::wstring wide = widePath(path);
+    DWORD facts = GetFileAttributesW(wide.c_str());
     if (facts != INVALID_FILE_ATTRIBUTES && (facts & FILE_ATTRIBUTE_DIRECTORY))
         return nullptr;
-    FILE* file = _wfopen(widePath.c_str(), wideFromUtf8(mode).c_str());
+    FILE* file = _wfopen(wide.c_str(), wideFromUtf8(mode).c_str());
     if (file && *mode == 'r' && GetFileType(handleOf(file)) == FILE_TYPE_CHAR) // such as a material library named CON
     {
         fclose(file);
@@ -53,15 +77,13 @@ FILE* openFile(const char* path, const char* mode)
 
 int isPlainFile(const char* path)
 {
-    DWORD facts = GetFileAttributesW(wideFromUtf8(path).c_str());
+    DWORD facts = GetFileAttributesW(widePath(path).c_str());
     return facts != INVALID_FILE_ATTRIBUTES && !(facts & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE));
 }
 
 std::string fullPathOf(const char* path)
 {
-    std::wstring wide = wideFromUtf8(path), full(GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');
-    DWORD length = GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
-    return length > 0 && length < full.size() ? utf8FromWide(full.c_str()) : path;
+    return *path ? utf8FromWide(fullWidePath(wideFromUtf8(path)).c_str()) : "";
 }
 
 int64_t measureFile(FILE* file)
@@ -85,7 +107,7 @@ int seekFile(FILE* file, int64_t position)
 int findNameIgnoringCase(FolderListings*, const char* folder, const char* name, char* found, size_t roomBytes)
 {
     std::string path = *folder ? std::string(folder) + "\\" + name : std::string(name);
-    if (GetFileAttributesW(wideFromUtf8(path.c_str()).c_str()) == INVALID_FILE_ATTRIBUTES || strlen(name) >= roomBytes)
+    if (GetFileAttributesW(widePath(path.c_str()).c_str()) == INVALID_FILE_ATTRIBUTES || strlen(name) >= roomBytes)
         return 0;
     memcpy(found, name, strlen(name) + 1);
     return 1;
@@ -103,16 +125,29 @@ static bool mayBeReplaced(const std::wstring& path)
     return true;
 }
 
+int listNames(const char* folder, std::vector<std::string>* names)
+{
+    WIN32_FIND_DATAW entry;
+    HANDLE search = FindFirstFileW(widePath((std::string(folder) + "\\*").c_str()).c_str(), &entry);
+    if (search == INVALID_HANDLE_VALUE)
+        return 0;
+    do
+        names->push_back(utf8FromWide(entry.cFileName));
+    while (FindNextFileW(search, &entry));
+    FindClose(search);
+    return 1;
+}
+
 FileTarget findFileTarget(const char* path, std::string* actual)
 {
     *actual = path;
     if (*path == 0)
         return targetRefused;
-    std::wstring widePath = wideFromUtf8(path);
-    DWORD facts = GetFileAttributesW(widePath.c_str());
+    std::wstring wide = widePath(path);
+    DWORD facts = GetFileAttributesW(wide.c_str());
     if (facts != INVALID_FILE_ATTRIBUTES && (facts & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)))
         return targetRefused;
-    HANDLE handle = CreateFileW(widePath.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+    HANDLE handle = CreateFileW(wide.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                 OPEN_EXISTING, 0, nullptr);
     if (handle == INVALID_HANDLE_VALUE)
         return targetReplaceable;
@@ -120,5 +155,5 @@ FileTarget findFileTarget(const char* path, std::string* actual)
     CloseHandle(handle);
     if (type == FILE_TYPE_CHAR || type == FILE_TYPE_PIPE)
         return targetDirect;
-    return mayBeReplaced(widePath) ? targetReplaceable : targetRefused;
+    return mayBeReplaced(wide) ? targetReplaceable : targetRefused;
 }

@@ -42,7 +42,7 @@ static HANDLE createTemporary(PendingFile* pending)
     {
         pending->temporary = folderOf(pending->place) + ".kestrelbox-" + std::to_string(GetCurrentProcessId()) + "-" +
                              std::to_string(number) + ".part";
-        HANDLE file = CreateFileW(wideFromUtf8(pending->temporary.c_str()).c_str(), GENERIC_WRITE | DELETE,
+        HANDLE file = CreateFileW(widePath(pending->temporary.c_str()).c_str(), GENERIC_WRITE | DELETE,
                                   FILE_SHARE_DELETE, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
         DWORD error = GetLastError();
         if (file != INVALID_HANDLE_VALUE || error != ERROR_FILE_EXISTS)
@@ -92,7 +92,7 @@ static int placeFile(PendingFile* pending)
     pending->file = nullptr;
     if (closed != 0)
         return 0;
-    if (!MoveFileExW(wideFromUtf8(pending->temporary.c_str()).c_str(), wideFromUtf8(pending->place.c_str()).c_str(),
+    if (!MoveFileExW(widePath(pending->temporary.c_str()).c_str(), widePath(pending->place.c_str()).c_str(),
                      MOVEFILE_REPLACE_EXISTING))
     {
         setErrno(GetLastError());
@@ -123,7 +123,7 @@ void dropPendingFile(PendingFile* pending)
     if (pending->file)
         fclose(pending->file);
     if (!pending->temporary.empty())
-        DeleteFileW(wideFromUtf8(pending->temporary.c_str()).c_str());
+        DeleteFileW(widePath(pending->temporary.c_str()).c_str());
     pending->file = nullptr;
     pending->temporary.clear();
 }

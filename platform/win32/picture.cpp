@@ -3,6 +3,7 @@
 #include "platform/win32/handles.h"
 
 #include <stdlib.h>
+#include <string.h>
 
 struct PictureHandles
 {
@@ -57,6 +58,37 @@ void presentPicture(const Picture* picture, int32_t x, int32_t y, int32_t width,
     HDC windowDc = GetDC(displayWindow);
     BitBlt(windowDc, x, y, width, height, handles->memoryDc, x, y, SRCCOPY);
     ReleaseDC(displayWindow, windowDc);
+}
+
+static HGLOBAL makeClipboardBitmap(const Picture* picture, int32_t width, int32_t height)
+{
+    size_t rowBytes = (static_cast<size_t>(width) * 3 + 3) & ~size_t{ 3 },
+           stride = static_cast<size_t>(picture->widthPixels) * 3;
+    BITMAPINFOHEADER header = describeBitmap(width, -height).bmiHeader; // many programs know bottom-up rows only
+    header.biSizeImage = static_cast<DWORD>(rowBytes * static_cast<size_t>(height));
+    HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, sizeof header + header.biSizeImage);
+    auto* bytes = memory ? static_cast<uint8_t*>(GlobalLock(memory)) : nullptr;
+    if (!bytes)
+        return nullptr;
+    memcpy(bytes, &header, sizeof header);
+    bytes += sizeof header;
+    for (int32_t row = height - 1; row >= 0; --row, bytes += rowBytes)
+        memcpy(bytes, picture->bits + static_cast<size_t>(row) * stride, static_cast<size_t>(width) * 3);
+    GlobalUnlock(memory);
+    return memory;
+}
+
+// What the clipboard takes belongs to it.
+int copyPicture(const Picture* picture, int32_t width, int32_t height)
+{
+    if (width > picture->widthPixels || height > picture->rows || !OpenClipboard(mainWindow))
+        return 0;
+    HGLOBAL memory = makeClipboardBitmap(picture, width, height);
+    bool copied = memory && EmptyClipboard() && SetClipboardData(CF_DIB, memory);
+    if (memory && !copied)
+        GlobalFree(memory);
+    CloseClipboard();
+    return copied;
 }
 
 void destroyPicture(Picture* picture)

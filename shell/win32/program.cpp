@@ -1,8 +1,10 @@
 // shell/win32/program.cpp - one instance, three windows, one message loop
 #include "platform/boxes.h"
+#include "platform/files.h"
 #include "platform/win32/handles.h"
 #include "render/frame.h"
 #include "shell/command_line.h"
+#include "shell/given_files.h"
 #include "shell/loop.h"
 #include "shell/panel.h"
 #include "shell/win32/placement.h"
@@ -11,6 +13,7 @@
 #include "shell/win32/desktop.h"
 
 #include <commctrl.h>
+#include <shellapi.h>
 #include <timeapi.h>
 
 constexpr wchar_t mainClass[] = L"Kestrelbox"; // also the default title
@@ -19,8 +22,21 @@ constexpr DWORD mainStyle = WS_CLIPCHILDREN | WS_CAPTION | WS_SYSMENU | WS_THICK
 constexpr COLORREF panelGrey = 0xC0C0C0;
 constexpr int extraWindowBytes = 4;
 
-// A second start brings the first instance forward.
-static bool raiseRunningInstance()
+// Sends the file of this start to the first instance. Says so when that does not take it.
+static void handOver(HWND running, const std::string& path)
+{
+    constexpr UINT patienceMs = 30000; // it may be reading a large model
+    std::string full = fullPathOf(path.c_str());
+    COPYDATASTRUCT data = { handOverTag, static_cast<DWORD>(full.size() + 1), full.data() };
+    DWORD_PTR taken = 0;
+    if (!SendMessageTimeoutW(running, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data), SMTO_NORMAL, patienceMs,
+                             &taken) ||
+        !taken)
+        messageBox("Error: failed to open", path.c_str(), iconStop);
+}
+
+// A second start brings the first instance forward, which opens its file.
+static bool raiseRunningInstance(const std::string& path)
 {
     HWND running = FindWindowW(mainClass, nullptr);
     if (!running)
@@ -28,6 +44,8 @@ static bool raiseRunningInstance()
     if (IsIconic(running))
         ShowWindow(running, SW_RESTORE);
     SetForegroundWindow(running);
+    if (!path.empty())
+        handOver(running, path);
     return true;
 }
 
@@ -59,6 +77,8 @@ static bool createMainWindow()
     WindowRect first = firstMainWindow(frameState.displayWidth, frameState.displayHeight);
     mainWindow = CreateWindowExW(0, mainClass, mainClass, mainStyle, CW_USEDEFAULT, CW_USEDEFAULT, first.width,
                                  first.height, nullptr, nullptr, programInstance, nullptr);
+    if (mainWindow)
+        DragAcceptFiles(mainWindow, TRUE);
     return mainWindow != nullptr;
 }
 
@@ -124,8 +144,10 @@ static void runMessages()
                 return;
             if (!takeKey(&message) && !IsDialogMessageW(toolPanel, &message))
                 dispatch(&message);
+            openWaitingFile();
             drawDueFrame();
         }
+        openWaitingFile(); // another start sends its file past the queue of messages
         if (uint32_t ms = drawDueFrame())
             waitForMessage(ms);
     }
@@ -144,7 +166,8 @@ static void shutDown()
 
 int runDesktop(HINSTANCE instance, const char* commandLine, int showState)
 {
-    if (raiseRunningInstance())
+    std::string path = takeFileName(commandLine);
+    if (raiseRunningInstance(path))
         return 0;
     programInstance = instance;
     if (!acceptProcessor(CpuFeatures()))
@@ -154,7 +177,7 @@ int runDesktop(HINSTANCE instance, const char* commandLine, int showState)
     panelBrush = CreateSolidBrush(panelGrey);
     if (!createMainWindow())
         return 0;
-    if (!buildScene(takeFileName(commandLine).c_str()))
+    if (!buildScene(path.c_str()))
         return 1;
     toolPanel = CreateDialogParamW(instance, L"ToolBarDialog", mainWindow, toolPanelProc, 0);
     placeWindows();

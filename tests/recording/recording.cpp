@@ -217,6 +217,20 @@ void presentPicture(const Picture*, int32_t x, int32_t y, int32_t width, int32_t
     recorded.presented.push_back({ x, y, width, height });
 }
 
+int copyPicture(const Picture* picture, int32_t width, int32_t height)
+{
+    if (recorded.refusePictures)
+        return 0;
+    size_t rowBytes = static_cast<size_t>(width) * 3, stride = static_cast<size_t>(picture->widthPixels) * 3;
+    recorded.copiedPicture.clear();
+    for (int32_t y = 0; y < height; ++y)
+    {
+        const uint8_t* row = picture->bits + static_cast<size_t>(y) * stride;
+        recorded.copiedPicture.insert(recorded.copiedPicture.end(), row, row + rowBytes);
+    }
+    return 1;
+}
+
 void destroyPicture(Picture* picture)
 {
     if (picture->bits)

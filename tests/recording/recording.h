@@ -66,6 +66,7 @@ struct Recording
     bool refusePictures = false;
     int32_t refreshRate = 0; // of the screen; 0: unknown
     std::vector<RecordedRect> presented;
+    std::vector<uint8_t> copiedPicture; // on the clipboard, rows without padding
 
     // clock and processor
     uint32_t tick = 0;

@@ -1,6 +1,7 @@
 // tests/shell/file_dialogs_test.cpp - the questions of each dialog, and what happens with the answer
 #include "shell/file_dialogs.h"
 #include "image/textures.h"
+#include "import/dispatch.h"
 #include "platform/dialogs.h"
 #include "tests/export/build.h"
 #include "tests/image/jpeg_builder.h"
@@ -41,6 +42,27 @@ TEST_F(FileDialogs, AModelToOpenIsAskedForByAllItsExtensions)
     recorded.dialogAnswers = { "some/where.obj" };
     EXPECT_EQ(chooseModelToOpen(&path), 1);
     EXPECT_EQ(path, "some/where.obj");
+}
+
+// PageDown looks for what has a reader, and the dialog offers the same.
+TEST_F(FileDialogs, EveryReaderIsOfferedAndNothingElse)
+{
+    std::string path;
+    chooseModelToOpen(&path);
+    std::string offered = recorded.dialogs.back().filterPattern + ";";
+    size_t count = 0;
+    for (size_t at = 0, end; (end = offered.find(';', at)) != std::string::npos; at = end + 1, ++count)
+        EXPECT_TRUE(isModelName(("model" + offered.substr(at + 1, end - at - 1)).c_str()))
+            << offered.substr(at, end - at);
+    size_t readers = 0;
+    for (char a = '0'; a <= 'z'; ++a)
+        for (char b = '0'; b <= 'z'; ++b)
+            for (char c = '0'; c <= 'z'; ++c)
+                readers += isModelName((std::string("m.") + a + b + c).c_str()) && !(a >= 'A' && a <= 'Z') &&
+                           !(b >= 'A' && b <= 'Z') && !(c >= 'A' && c <= 'Z');
+    EXPECT_EQ(count, readers);
+    EXPECT_FALSE(isModelName(".obj"));
+    EXPECT_FALSE(isModelName("model"));
 }
 
 TEST_F(FileDialogs, ObjIsAskedForAndItsTitleComesBack)
