@@ -40,8 +40,9 @@ void displayResized(int32_t width, int32_t height)
         frameState.displayWidth = oldWidth;
         frameState.displayHeight = oldHeight;
     }
-    frameState.fullRedraw = 1;
-    loopState.redrawPending = 1;
+    askForRedraw();
+    if (loopState.appRunning && (frameState.displayWidth != oldWidth || frameState.displayHeight != oldHeight))
+        drawFrameNow(); // a window is resized in a loop of its own, and would show the new buffer empty
 }
 
 void displayPainted()

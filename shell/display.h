@@ -10,7 +10,8 @@
 void displayCreated();
 
 // The display has another size, in pixels. Sides below displaySideLeast count as that. A frame buffer that has become
-// too small is replaced; without memory for a larger one the old size stays. Asks for a whole frame.
+// too small is replaced; without memory for a larger one the old size stays. Draws a whole frame at once, so that the
+// window shows nothing else at its new size; for the same size, and before the program runs, it only asks for one.
 void displayResized(int32_t width, int32_t height);
 
 // Presents the picture of the last frame again.

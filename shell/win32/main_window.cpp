@@ -27,7 +27,18 @@ LRESULT CALLBACK mainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     switch (message)
     {
     case WM_DESTROY: PostQuitMessage(0); break;
-    case WM_SIZE: mainWindowSized(wParam == SIZE_MINIMIZED); return 0;
+    case WM_SIZE:
+        mainWindowSized(wParam == SIZE_MINIMIZED);
+        layOutWindows();
+        return 0;
+    case WM_DPICHANGED: changeResolution(LOWORD(wParam), reinterpret_cast<const RECT*>(lParam)); return 0;
+    case WM_ERASEBKGND: // what display and panel leave free has the panel's colour
+    {
+        RECT client;
+        GetClientRect(window, &client);
+        FillRect(reinterpret_cast<HDC>(wParam), &client, GetSysColorBrush(COLOR_BTNFACE));
+        return 1;
+    }
     case WM_ACTIVATE: mainWindowActivated(LOWORD(wParam) != WA_INACTIVE); return 0;
     case WM_MOUSEWHEEL: // comes from whichever window has the focus
         displayWheelTurned(static_cast<float>(GET_WHEEL_DELTA_WPARAM(wParam)) / WHEEL_DELTA);

@@ -7,7 +7,6 @@
 #include "shell/given_files.h"
 #include "shell/loop.h"
 #include "shell/panel.h"
-#include "shell/win32/placement.h"
 #include "shell/scene.h"
 #include "shell/start_up.h"
 #include "shell/win32/desktop.h"
@@ -65,33 +64,16 @@ static ATOM registerClass(const wchar_t* name, WNDPROC procedure, const wchar_t*
     return RegisterClassExW(&windowClass);
 }
 
-static void moveWindow(HWND window, const WindowRect& place)
-{
-    MoveWindow(window, place.x, place.y, place.width, place.height, TRUE);
-}
-
 static bool createMainWindow()
 {
     if (!registerClass(mainClass, mainWindowProc, L"AppMenu"))
         return false;
-    WindowRect first = firstMainWindow(frameState.displayWidth, frameState.displayHeight);
+    WindowSize first = firstMainWindow(startDisplay());
     mainWindow = CreateWindowExW(0, mainClass, mainClass, mainStyle, CW_USEDEFAULT, CW_USEDEFAULT, first.width,
                                  first.height, nullptr, nullptr, programInstance, nullptr);
     if (mainWindow)
         DragAcceptFiles(mainWindow, TRUE);
     return mainWindow != nullptr;
-}
-
-static void placeWindows()
-{
-    RECT desktop, panel, client;
-    GetWindowRect(GetDesktopWindow(), &desktop);
-    GetWindowRect(toolPanel, &panel);
-    GetClientRect(mainWindow, &client);
-    int32_t panelWidth = panel.right - panel.left;
-    moveWindow(mainWindow, placeMainWindow(frameState.displayWidth, frameState.displayHeight, panelWidth, client.right,
-                                           client.bottom, desktop.right - desktop.left, desktop.bottom - desktop.top));
-    moveWindow(toolPanel, placeToolPanel(frameState.displayWidth, frameState.displayHeight, panelWidth));
 }
 
 static bool createDisplay(int showState)
@@ -108,7 +90,7 @@ static bool createDisplay(int showState)
         messageBox("Failed to create 3D context.", "", iconNone);
         return false;
     }
-    moveWindow(displayWindow, placeDisplay(width, height));
+    layOutWindows();
     ShowWindow(displayWindow, showState);
     UpdateWindow(displayWindow);
     return true;
@@ -158,6 +140,7 @@ static void shutDown()
     loopState.appRunning = 0;
     destroyFrameBuffer(&frameBuffer);
     DestroyWindow(toolPanel);
+    forgetPanel();
     releaseModels();
     DeleteObject(aboutBitmap);
     DeleteObject(panelBrush);
@@ -180,6 +163,7 @@ int runDesktop(HINSTANCE instance, const char* commandLine, int showState)
     if (!buildScene(path.c_str()))
         return 1;
     toolPanel = CreateDialogParamW(instance, L"ToolBarDialog", mainWindow, toolPanelProc, 0);
+    rememberPanel(toolPanel);
     placeWindows();
     ShowWindow(mainWindow, showState);
     UpdateWindow(mainWindow);

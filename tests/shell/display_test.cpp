@@ -20,13 +20,44 @@ TEST_F(Display, TinySizesBecomeTen)
     displayResized(0, 0);
     EXPECT_EQ(frameState.displayWidth, 10);
     EXPECT_EQ(frameState.displayHeight, 10);
+}
+
+// The operating system resizes a window in a loop of its own, where nobody asks for frames.
+TEST_F(Display, ANewSizeIsDrawnAtOnce)
+{
+    for (auto [width, height] : { std::pair{ 700, 600 }, std::pair{ 700, 500 }, std::pair{ 400, 500 } })
+    {
+        forget();
+        memset(frameBuffer.picture.bits, 0xFF, static_cast<size_t>(frameBuffer.pitch) * 3 * frameBuffer.picture.rows);
+        displayResized(width, height);
+        ASSERT_EQ(recorded.presented.size(), 1u);
+        EXPECT_GE(recorded.presented[0].width, width - 1);
+        EXPECT_EQ(recorded.presented[0].height, height);
+        const uint8_t* lastPixel =
+            frameBuffer.picture.bits + (ptrdiff_t{ height - 1 } * frameBuffer.pitch + width - 1) * 3;
+        EXPECT_NE(*lastPixel, 0xFF) << "the background reaches the corner";
+        EXPECT_EQ(loopState.redrawPending, 0) << "and no second frame is drawn";
+    }
+}
+
+TEST_F(Display, TheSameSizeOnlyAsksForAFrame)
+{
+    displayResized(620, 520);
     EXPECT_TRUE(redrawAsked());
+    EXPECT_TRUE(recorded.presented.empty());
+}
+
+TEST_F(Display, BeforeTheProgramRunsASizeOnlyAsksForAFrame)
+{
+    loopState.appRunning = 0;
+    displayResized(700, 600);
+    EXPECT_TRUE(redrawAsked());
+    EXPECT_TRUE(recorded.presented.empty());
 }
 
 TEST_F(Display, LargerDisplayIsDrawnWithoutHarm)
 {
     displayResized(1500, 900);
-    drawFrame();
     EXPECT_GE(frameBuffer.pitch, 1500);
     EXPECT_GE(frameBuffer.rows, 900);
 }
