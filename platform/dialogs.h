@@ -16,6 +16,13 @@ constexpr size_t dialogBytes(size_t characters)
     return 3 * characters;
 }
 
+// The characters of the longest path that an operating system takes, the terminator included: that of Windows. Others take
+// fewer bytes than this has characters.
+constexpr size_t dialogPathRoom = 32768;
+
+// What a message box says of a path that is longer than the room of its dialog.
+constexpr char pathTooLong[] = "The path is too long";
+
 struct FileDialog
 {
     const char* filterText;       // description of the one filter
@@ -24,7 +31,7 @@ struct FileDialog
     const char* defaultExtension; // appended to a name that is typed without one; null: none
     uint32_t flags;
     char* path;      // in: the proposed name, out: the chosen path; a buffer of dialogBytes(pathRoom) bytes
-    size_t pathRoom; // characters, the terminator included; a longer path counts as cancelled
+    size_t pathRoom; // characters, the terminator included; a longer path is refused with the message box pathTooLong
     char*
         fileTitle; // out: the chosen name without its folder, cut to fit; dialogBytes(fileTitleRoom); null: not wanted
     size_t fileTitleRoom;

@@ -17,7 +17,6 @@ struct DialogRow
     const char* title;
     const char* defaultExtension;
     uint32_t flags;
-    size_t pathCharacters;
     size_t titleCharacters; // 0: the title is not wanted
 };
 
@@ -28,13 +27,13 @@ constexpr uint32_t saveFlags = dialogOverwritePrompt | dialogHideReadOnly;
 // clang-format off
 static const DialogRow openModelRow   = { "*.obj *.3ds *.dxf *.ply *.pp2 *.hr2 *.cr2 *.off",
                                           "*.obj;*.3ds;*.dxf;*.ply;*.pp2;*.hr2;*.cr2;*.off",
-                                                                 nullptr,      nullptr, 0,                     128, 32 };
-static const DialogRow openTextureRow = { "JPG Files(*.JPG)",       "*.JPG", nullptr,      nullptr, 0,                     128, 32 };
-static const DialogRow openRkfRow     = { "rkf Files(*.rkf)",       "*.rkf", nullptr,      nullptr, 0,                     320, 320 };
-static const DialogRow saveRkfRow     = { "rkf Files(*.rkf)",       "*.rkf", nullptr,      nullptr, dialogOverwritePrompt, 320, 320 };
-static const DialogRow saveObjRow     = { "wavefront obj files",    "*.obj", "save mesh",  "obj",   saveFlags,             320, 320 };
-static const DialogRow savePropRow    = { "Poser prop (*.pp2)",     "*.pp2", "save mesh",  "pp2",   saveFlags,             320, 0 };
-static const DialogRow savePictureRow = { "Windows Bitmap (*.bmp)", "*.bmp", "save image", "pp2",   saveFlags,             320, 0 };
+                                                                 nullptr,      nullptr, 0,                     32 };
+static const DialogRow openTextureRow = { "JPG Files(*.JPG)",       "*.JPG", nullptr,      nullptr, 0,                     32 };
+static const DialogRow openRkfRow     = { "rkf Files(*.rkf)",       "*.rkf", nullptr,      nullptr, 0,                     320 };
+static const DialogRow saveRkfRow     = { "rkf Files(*.rkf)",       "*.rkf", nullptr,      nullptr, dialogOverwritePrompt, 320 };
+static const DialogRow saveObjRow     = { "wavefront obj files",    "*.obj", "save mesh",  "obj",   saveFlags,             320 };
+static const DialogRow savePropRow    = { "Poser prop (*.pp2)",     "*.pp2", "save mesh",  "pp2",   saveFlags,             0 };
+static const DialogRow savePictureRow = { "Windows Bitmap (*.bmp)", "*.bmp", "save image", "pp2",   saveFlags,             0 };
 // clang-format on
 
 struct Choice
@@ -52,7 +51,7 @@ static std::string bufferOf(const std::string& text, size_t characters)
 
 static bool ask(const DialogRow& row, int (*show)(FileDialog* dialog), const std::string& proposed, Choice* choice)
 {
-    std::string path = bufferOf(proposed, row.pathCharacters), title = bufferOf("", row.titleCharacters);
+    std::string path = bufferOf(proposed, dialogPathRoom), title = bufferOf("", row.titleCharacters);
     FileDialog dialog = {
         .filterText = row.filterText,
         .filterPattern = row.filterPattern,
@@ -60,7 +59,7 @@ static bool ask(const DialogRow& row, int (*show)(FileDialog* dialog), const std
         .defaultExtension = row.defaultExtension,
         .flags = row.flags,
         .path = path.data(),
-        .pathRoom = row.pathCharacters,
+        .pathRoom = dialogPathRoom,
         .fileTitle = row.titleCharacters > 0 ? title.data() : nullptr,
         .fileTitleRoom = row.titleCharacters,
     };
@@ -93,7 +92,7 @@ static size_t bytesOfCharacters(const std::string& text, size_t limit)
 // Proposes a stem with an extension, the stem cut when both have no room.
 static bool askToSave(const DialogRow& row, const std::string& stem, const std::string& extension, Choice* choice)
 {
-    size_t room = row.pathCharacters - 1 - extension.size();
+    size_t room = dialogPathRoom - 1 - extension.size();
     return ask(row, chooseFileToSave, stem.substr(0, bytesOfCharacters(stem, room)) + extension, choice);
 }
 

@@ -1,8 +1,10 @@
 // platform/win32/dialogs.cpp - the open and save dialogs of Windows
 #include "platform/dialogs.h"
+#include "platform/boxes.h"
 #include "platform/win32/handles.h"
 #include "platform/win32/names.h"
 
+#include <cderr.h>
 #include <commdlg.h>
 #include <string.h>
 
@@ -19,6 +21,20 @@ static std::wstring withoutFolder(const std::wstring& path)
 {
     size_t separator = path.find_last_of(L"\\/:");
     return separator == std::wstring::npos ? path : path.substr(separator + 1);
+}
+
+// Shows the dialog. One that refuses the proposed name, of a file that has no name Windows allows, opens without it.
+static BOOL showRequest(OPENFILENAMEW* request, BOOL(WINAPI* show)(OPENFILENAMEW*))
+{
+    BOOL chosen = show(request);
+    if (!chosen && CommDlgExtendedError() == FNERR_INVALIDFILENAME)
+    {
+        request->lpstrFile[0] = 0;
+        chosen = show(request);
+    }
+    if (!chosen && CommDlgExtendedError() == FNERR_BUFFERTOOSMALL)
+        messageBox(pathTooLong, "Error", iconStop);
+    return chosen;
 }
 
 static int ask(FileDialog* dialog, BOOL(WINAPI* show)(OPENFILENAMEW*))
@@ -40,7 +56,7 @@ static int ask(FileDialog* dialog, BOOL(WINAPI* show)(OPENFILENAMEW*))
     request.lpstrTitle = dialog->title ? dialogTitle.c_str() : nullptr;
     request.lpstrDefExt = dialog->defaultExtension ? extension.c_str() : nullptr;
     request.Flags = dialog->flags;
-    if (!show(&request))
+    if (!showRequest(&request, show))
         return 0;
     path.resize(wcslen(path.c_str()));
     storeText(path, dialog->path, dialog->pathRoom);

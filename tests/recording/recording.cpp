@@ -99,8 +99,13 @@ static int answerDialog(FileDialog* dialog, bool save)
         return 0;
     std::string answer = recorded.dialogAnswers.front();
     recorded.dialogAnswers.pop_front();
-    if (answer.empty() || charactersIn(answer) >= dialog->pathRoom)
+    if (answer.empty())
         return 0;
+    if (charactersIn(answer) >= dialog->pathRoom)
+    {
+        messageBox(pathTooLong, "Error", iconStop);
+        return 0;
+    }
     memcpy(dialog->path, answer.c_str(), answer.size() + 1);
     if (dialog->fileTitle && dialog->fileTitleRoom > 0)
     {

@@ -68,7 +68,7 @@ TEST_F(Commands, OpenAsksWithItsFilterAndShowsTheModel)
     EXPECT_FALSE(dialog.save);
     EXPECT_EQ(dialog.filterText, "*.obj *.3ds *.dxf *.ply *.pp2 *.hr2 *.cr2 *.off");
     EXPECT_EQ(dialog.filterPattern, "*.obj;*.3ds;*.dxf;*.ply;*.pp2;*.hr2;*.cr2;*.off");
-    EXPECT_EQ(dialog.pathRoom, 128u);
+    EXPECT_EQ(dialog.pathRoom, 32768u);
     EXPECT_EQ(dialog.fileTitleRoom, 32u);
     EXPECT_EQ(dialog.flags, 0u);
     EXPECT_EQ(dialog.title, "(none)");
@@ -151,7 +151,7 @@ TEST_F(Commands, SaveImageWritesTheWholePicture)
     EXPECT_EQ(dialog.filterPattern, "*.bmp");
     EXPECT_EQ(dialog.defaultExtension, "pp2");
     EXPECT_EQ(dialog.flags, 6u);
-    EXPECT_EQ(dialog.pathRoom, 320u);
+    EXPECT_EQ(dialog.pathRoom, 32768u);
     EXPECT_TRUE(recorded.boxes.empty());
     EXPECT_TRUE(redrawAsked());
 }

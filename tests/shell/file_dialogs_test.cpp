@@ -37,7 +37,7 @@ TEST_F(FileDialogs, AModelToOpenIsAskedForByAllItsExtensions)
     EXPECT_EQ(chooseModelToOpen(&path), 0);
     EXPECT_EQ(path, "before");
     expectDialog("*.obj *.3ds *.dxf *.ply *.pp2 *.hr2 *.cr2 *.off", "*.obj;*.3ds;*.dxf;*.ply;*.pp2;*.hr2;*.cr2;*.off",
-                 "(none)", "(none)", 0, 128, 32);
+                 "(none)", "(none)", 0, 32768, 32);
     EXPECT_FALSE(recorded.dialogs.back().save);
     recorded.dialogAnswers = { "some/where.obj" };
     EXPECT_EQ(chooseModelToOpen(&path), 1);
@@ -45,6 +45,18 @@ TEST_F(FileDialogs, AModelToOpenIsAskedForByAllItsExtensions)
 }
 
 // PageDown looks for what has a reader, and the dialog offers the same.
+TEST_F(FileDialogs, APathThatTheDialogHasNoRoomForIsSaid)
+{
+    std::string path = "before", longest(32767, 'n');
+    recorded.dialogAnswers = { longest, longest + "n" };
+    EXPECT_EQ(chooseModelToOpen(&path), 1);
+    EXPECT_EQ(path, longest);
+    EXPECT_EQ(recorded.boxes, Boxes{});
+    EXPECT_EQ(chooseModelToOpen(&path), 0);
+    EXPECT_EQ(path, longest);
+    EXPECT_EQ(recorded.boxes, (Boxes{ { "The path is too long", "Error", iconStop } }));
+}
+
 TEST_F(FileDialogs, EveryReaderIsOfferedAndNothingElse)
 {
     std::string path;
@@ -71,7 +83,7 @@ TEST_F(FileDialogs, ObjIsAskedForAndItsTitleComesBack)
     std::string name = "my.model.3ds", path = "before";
     recorded.dialogAnswers = { folder + "fine.one.obj" };
     EXPECT_EQ(SaveObjFile(mesh.get(), &name, &path), 1);
-    expectDialog("wavefront obj files", "*.obj", "save mesh", "obj", 6, 320, 320);
+    expectDialog("wavefront obj files", "*.obj", "save mesh", "obj", 6, 32768, 320);
     EXPECT_TRUE(recorded.dialogs.back().save);
     EXPECT_EQ(recorded.dialogs.back().proposed, "my.model.obj");
     EXPECT_EQ(name, "fine.one.obj");
@@ -118,10 +130,10 @@ TEST_F(FileDialogs, ALongProposalIsCutAtAWholeCharacter)
     {
         const char* character;
         int fit;
-    } rows[] = { { "n", 315 }, { "\u00FC", 315 }, { "\u6728", 315 }, { "\U0001F375", 157 } };
+    } rows[] = { { "n", 32763 }, { "\u00FC", 32763 }, { "\u6728", 32763 }, { "\U0001F375", 16381 } };
     for (const auto& row : rows)
     {
-        std::string name = repeated(row.character, 511), path;
+        std::string name = repeated(row.character, 40000), path;
         EXPECT_EQ(SaveObjFile(mesh.get(), &name, &path), 0);
         EXPECT_EQ(recorded.dialogs.back().proposed, repeated(row.character, row.fit) + ".obj");
         EXPECT_EQ(savePoserProp(mesh.get(), name, true, &onePixel), 0);
@@ -134,7 +146,7 @@ TEST_F(FileDialogs, ALongProposalIsCutAtAWholeCharacter)
     }
 }
 
-// 315 characters fit before the extension. One outside the first 65,536 counts as two, and is never split.
+// 32,763 characters fit before the extension. One outside the first 65,536 counts as two, and is never split.
 TEST_F(FileDialogs, AProposalThatJustFitsIsKeptWhole)
 {
     MeshPointer mesh = triangle();
@@ -143,14 +155,14 @@ TEST_F(FileDialogs, AProposalThatJustFitsIsKeptWhole)
     {
         std::string name, kept;
     } rows[] = {
-        { std::string(314, 'n'), std::string(314, 'n') },
-        { std::string(315, 'n'), std::string(315, 'n') },
-        { std::string(316, 'n'), std::string(315, 'n') },
-        { std::string(313, 'n') + cup, std::string(313, 'n') + cup },
-        { std::string(314, 'n') + cup, std::string(314, 'n') },
-        { std::string(314, 'n') + cup + "n", std::string(314, 'n') },
-        { cup + std::string(313, 'n'), cup + std::string(313, 'n') },
-        { cup + std::string(314, 'n'), cup + std::string(313, 'n') },
+        { std::string(32762, 'n'), std::string(32762, 'n') },
+        { std::string(32763, 'n'), std::string(32763, 'n') },
+        { std::string(32764, 'n'), std::string(32763, 'n') },
+        { std::string(32761, 'n') + cup, std::string(32761, 'n') + cup },
+        { std::string(32762, 'n') + cup, std::string(32762, 'n') },
+        { std::string(32762, 'n') + cup + "n", std::string(32762, 'n') },
+        { cup + std::string(32761, 'n'), cup + std::string(32761, 'n') },
+        { cup + std::string(32762, 'n'), cup + std::string(32761, 'n') },
     };
     for (const auto& row : rows)
     {
@@ -190,7 +202,7 @@ TEST_F(FileDialogs, APropIsAskedForAndHasItsPreviewBeside)
     MeshPointer mesh = triangle();
     recorded.dialogAnswers = { folder + "a.b.pp2" };
     EXPECT_EQ(savePoserProp(mesh.get(), "cup.one.obj", true, &onePixel), 1);
-    expectDialog("Poser prop (*.pp2)", "*.pp2", "save mesh", "pp2", 6, 320, 0);
+    expectDialog("Poser prop (*.pp2)", "*.pp2", "save mesh", "pp2", 6, 32768, 0);
     EXPECT_TRUE(recorded.dialogs.back().save);
     EXPECT_EQ(recorded.dialogs.back().proposed, "cup.one.pp2");
     EXPECT_EQ(filesInFolder(), (Names{ "a.b.pp2", "a.b.rsr" }));
@@ -250,7 +262,7 @@ TEST_F(FileDialogs, RkfProposesTheNameAndAsksBeforeOverwriting)
         EXPECT_EQ(RkfFileDialog(mesh.get(), &path, &title, true, false), 0); // cancelled
         EXPECT_TRUE(recorded.dialogs.back().save);
         EXPECT_EQ(recorded.dialogs.back().proposed, proposed);
-        expectDialog("rkf Files(*.rkf)", "*.rkf", "(none)", "(none)", dialogOverwritePrompt, 320, 320);
+        expectDialog("rkf Files(*.rkf)", "*.rkf", "(none)", "(none)", dialogOverwritePrompt, 32768, 320);
         EXPECT_EQ(recorded.boxes, Boxes{});
     }
 }
@@ -268,7 +280,7 @@ TEST_F(FileDialogs, RkfIsWrittenToTheChosenFileAndReadFromIt)
     EXPECT_EQ(RkfFileDialog(fresh.get(), &path, &title, false, false), 1);
     EXPECT_FALSE(recorded.dialogs.back().save);
     EXPECT_EQ(recorded.dialogs.back().proposed, "");
-    expectDialog("rkf Files(*.rkf)", "*.rkf", "(none)", "(none)", 0, 320, 320);
+    expectDialog("rkf Files(*.rkf)", "*.rkf", "(none)", "(none)", 0, 32768, 320);
     ASSERT_EQ(fresh->faceCount, 1);
     EXPECT_EQ(fresh->faces[0], mesh->faces[0]);
     EXPECT_EQ(fresh->materialCount, 2);
@@ -299,7 +311,7 @@ TEST_F(FileDialogs, APictureIsAskedForWithThePropsExtension)
     EXPECT_EQ(path, folder + "a.bmp");
     EXPECT_EQ(recorded.dialogs.back().proposed, ".obj.bmp");
     EXPECT_TRUE(recorded.dialogs.back().save);
-    expectDialog("Windows Bitmap (*.bmp)", "*.bmp", "save image", "pp2", 6, 320, 0);
+    expectDialog("Windows Bitmap (*.bmp)", "*.bmp", "save image", "pp2", 6, 32768, 0);
 }
 
 // The user's texture.
@@ -329,7 +341,7 @@ TEST_F(TextureDialog, AJpegIsAskedFor)
     EXPECT_EQ(loadUserTexture(&image, &title), 0); // cancelled
     EXPECT_FALSE(recorded.dialogs.back().save);
     EXPECT_EQ(recorded.dialogs.back().proposed, "");
-    expectDialog("JPG Files(*.JPG)", "*.JPG", "(none)", "(none)", 0, 128, 32);
+    expectDialog("JPG Files(*.JPG)", "*.JPG", "(none)", "(none)", 0, 32768, 32);
     EXPECT_EQ(title, "before");
     EXPECT_EQ(image.pixels, nullptr);
     EXPECT_EQ(recorded.boxes, Boxes{});
