@@ -255,7 +255,9 @@ TEST_F(DesktopInside, LuxExportWritesItsFilesOrSaysThatItFailed)
     fs::create_directory("b.lxs");
     write("b.obj", square);
     open("b.obj");
-    EXPECT_EQ(boxAfter(toolPanel, ID_LUX_EXPORT), L"Failed to export [LuxRender Export]");
+    EXPECT_EQ(boxAfter(toolPanel, ID_LUX_EXPORT), (folder / "b.lxs").wstring() + L" [Error cannot create]");
+    EXPECT_EQ(answerMessageBox(GetCurrentProcessId()), L"Failed to export [LuxRender Export]");
+    EXPECT_FALSE(fs::exists("b.lxo"));
 }
 
 TEST_F(DesktopInside, LuxExportWritesBesideTheModelWhereverADialogHasGone)
