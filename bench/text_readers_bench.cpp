@@ -1,12 +1,14 @@
-// bench/text_readers_bench.cpp - reading generated OFF, DXF, Poser and RKF files of 10 to 100 MB, compared with assimp
-// where it reads the format
+// bench/text_readers_bench.cpp - reading generated OFF, DXF, Poser, RKF and STL files of 10 to 100 MB, compared with
+// assimp where it reads the format
 #include "reader_timing.h"
 
 #include "import/text/dxf.h"
 #include "import/text/off.h"
 #include "import/text/poser.h"
 #include "export/rkf.h"
+#include "export/stl.h"
 #include "import/rkf.h"
+#include "import/stl/stl.h"
 
 #include <fstream>
 #include <iterator>
@@ -120,6 +122,40 @@ static std::string makeRkf(int side)
     return std::string(std::istreambuf_iterator<char>(file), {});
 }
 
+// A binary STL file of the same grid.
+static std::string makeStl(int side)
+{
+    Sample stl("-made.stl", "");
+    Mesh* mesh = readOff(makeOff(side));
+    if (!WriteStlFile(mesh, stl.path.c_str()))
+        abort();
+    freeMesh(mesh);
+    std::ifstream file(stl.path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+static std::string makeStlText(int side)
+{
+    std::string text = "solid wave\n";
+    char line[100];
+    for (int y = 0; y < side; ++y)
+        for (int x = 0; x < side; ++x)
+            for (int half = 0; half < 2; ++half)
+            {
+                text += "facet normal 0 0 1\nouter loop\n";
+                for (int k = 0; k < 3; ++k)
+                {
+                    float p[3];
+                    gridPoint(x + (k != half), y + (half ? k > 0 : k == 2), side, p);
+                    snprintf(line, sizeof line, "vertex %.6f %.6f %.6f\n", static_cast<double>(p[0]),
+                             static_cast<double>(p[1]), static_cast<double>(p[2]));
+                    text += line;
+                }
+                text += "endloop\nendfacet\n";
+            }
+    return text + "endsolid wave\n";
+}
+
 using Loader = int (*)(Mesh* mesh, const char* path);
 using Maker = std::string (*)(int side);
 
@@ -149,17 +185,33 @@ BENCHMARK_CAPTURE(ours, poser, "-grid.pp2", makePoser, LoadPoserFile)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ours, rkfRead, "-grid.rkf", makeRkf, LoadRkfFile)->Arg(350)->Arg(1000)->Unit(benchmark::kMillisecond);
 
-static void rkfWrite(benchmark::State& state)
+BENCHMARK_CAPTURE(ours, stl, "-grid.stl", makeStl, LoadStlFile)->Arg(520)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ours, stlText, "-grid.stl", makeStlText, LoadStlFile)->Arg(350)->Unit(benchmark::kMillisecond);
+
+using Writer = int (*)(const Mesh* mesh, const char* path);
+
+static void timeWriter(benchmark::State& state, Writer write)
 {
-    Sample sample("-out.rkf", "");
+    Sample sample("-out.bytes", "");
     Mesh* mesh = readOff(makeOff(static_cast<int>(state.range(0))));
     for (auto _ : state)
     {
-        if (!WriteRkfFile(mesh, sample.path.c_str(), false))
+        if (!write(mesh, sample.path.c_str()))
             state.SkipWithError("not written");
     }
     sample.bytes = static_cast<double>(std::filesystem::file_size(sample.path));
     countRates(state, sample, mesh->faceCount);
     freeMesh(mesh);
 }
+
+static void rkfWrite(benchmark::State& state)
+{
+    timeWriter(state, [](const Mesh* mesh, const char* path) { return WriteRkfFile(mesh, path, false); });
+}
 BENCHMARK(rkfWrite)->Arg(350)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+static void stlWrite(benchmark::State& state)
+{
+    timeWriter(state, WriteStlFile);
+}
+BENCHMARK(stlWrite)->Arg(520)->Unit(benchmark::kMillisecond);

@@ -289,7 +289,7 @@ void describeUsage(CLI::App* app, Arguments* arguments)
     CLI::App* convert = addCommand(app, arguments, Command::convert, "convert", "read a model, repair it, write it");
     addLoadOptions(convert, &arguments->load, true);
     addInput(convert, arguments, "IN", "model to read")->required();
-    convert->add_option("OUT", arguments->output, "file to write: .obj, .pp2, .rkf or .lxs")
+    convert->add_option("OUT", arguments->output, "file to write: .obj, .pp2, .rkf, .lxs or .stl")
         ->option_text(" ")
         ->required();
 

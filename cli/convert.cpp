@@ -6,6 +6,7 @@
 #include "export/obj.h"
 #include "export/prop.h"
 #include "export/rkf.h"
+#include "export/stl.h"
 #include "model/ascii.h"
 #include "platform/file_names.h"
 #include "shell/scene.h"
@@ -46,6 +47,16 @@ static int writeRkf(Mesh* mesh, const std::string& path)
     return ok;
 }
 
+static int writeStl(Mesh* mesh, const std::string& path)
+{
+    bool empty = stlTriangles(mesh) == 0;
+    if (empty)
+        fprintf(stderr, "kbx: %s cannot be written: the model has no faces\n", path.c_str());
+    int ok = !empty && WriteStlFile(mesh, path.c_str());
+    freeMesh(mesh);
+    return ok;
+}
+
 static int writeLux(Mesh* mesh, const std::string& path)
 {
     int ok = WriteLuxFiles(mesh, path.c_str());
@@ -60,7 +71,7 @@ struct Writer
 };
 
 static const Writer writers[] = {
-    { ".obj", writeObj }, { ".pp2", writeProp }, { ".rkf", writeRkf }, { ".lxs", writeLux }
+    { ".obj", writeObj }, { ".pp2", writeProp }, { ".rkf", writeRkf }, { ".lxs", writeLux }, { ".stl", writeStl }
 };
 
 static const Writer* writerFor(const std::string& path)
@@ -81,7 +92,7 @@ int runConvert(const Arguments& arguments)
     const Writer* writer = writerFor(arguments.output);
     if (!writer)
     {
-        fprintf(stderr, "kbx: OUT: expected a name ending in .obj, .pp2, .rkf or .lxs, not %s\n",
+        fprintf(stderr, "kbx: OUT: expected a name ending in .obj, .pp2, .rkf, .lxs or .stl, not %s\n",
                 arguments.output.c_str());
         return 2;
     }

@@ -7,6 +7,7 @@
 #include "export/obj.h"
 #include "export/prop.h"
 #include "export/rkf.h"
+#include "export/stl.h"
 #include "fuzz/fuzzing.h"
 #include "fuzz/memory_files.h"
 #include "import/text/dxf.h"
@@ -15,6 +16,7 @@
 #include "import/ply/ply.h"
 #include "import/text/poser.h"
 #include "import/rkf.h"
+#include "import/stl/stl.h"
 #include "import/threeds/threeds.h"
 #include "model/mesh_copy.h"
 #include "platform/processor.h"
@@ -120,16 +122,18 @@ static void write(const Mesh* mesh, const FrameState& state)
         readBack("m.pp2", LoadPoserFile);
     if (WriteRkfFile(mesh, "m.rkf", false))
         readBack("m.rkf", LoadRkfFile);
+    if (WriteStlFile(mesh, "m.stl"))
+        readBack("m.stl", LoadStlFile);
     WriteLuxFiles(mesh, "m.lxs");
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
 {
     static int (*const readers[])(Mesh*, const char*) = { LoadObjFile, LoadOffFile,   LoadPlyFile, Load3dsFile,
-                                                          LoadDxfFile, LoadPoserFile, LoadRkfFile };
+                                                          LoadDxfFile, LoadPoserFile, LoadRkfFile, LoadStlFile };
     beginInput();
     ChoiceBytes choices = { bytes, size };
-    auto reader = readers[choose(&choices, 7)];
+    auto reader = readers[choose(&choices, 8)];
     uint8_t plan[24] = {};
     for (uint8_t& step : plan)
         step = static_cast<uint8_t>(choose(&choices, 256));

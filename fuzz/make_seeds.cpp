@@ -77,12 +77,12 @@ int main(int argc, char** argv)
     }
     std::filesystem::path to = argv[1];
     Samples obj = objSamples(), off = offSamples(), ply = plySamples(), threeDs = threeDsSamples(), dxf = dxfSamples();
-    Samples poser = poserSamples(), rkf = rkfSamples(), mtl = mtlSamples(), jpeg = jpegSamples();
+    Samples poser = poserSamples(), rkf = rkfSamples(), stl = stlSamples(), mtl = mtlSamples(), jpeg = jpegSamples();
     int ok = writeAll(to / "obj", obj) && writeAll(to / "off", off) && writeAll(to / "ply", ply) &&
              writeAll(to / "threeds", threeDs) && writeAll(to / "dxf", dxf) && writeAll(to / "poser", poser) &&
-             writeAll(to / "rkf", rkf) && writeAll(to / "builtin", rkf) && writeAll(to / "mtl", mtl) &&
-             writeAll(to / "jpeg", jpeg) &&
-             writeAll(to / "time", timeSamples({ obj, off, ply, threeDs, dxf, poser, rkf, mtl, jpeg })) &&
-             writeAll(to / "life", lifeSamples({ obj, off, ply, threeDs, dxf, poser, rkf }));
+             writeAll(to / "stl", stl) && writeAll(to / "rkf", rkf) && writeAll(to / "builtin", rkf) &&
+             writeAll(to / "mtl", mtl) && writeAll(to / "jpeg", jpeg) &&
+             writeAll(to / "time", timeSamples({ obj, off, ply, threeDs, dxf, poser, rkf, mtl, jpeg, stl })) &&
+             writeAll(to / "life", lifeSamples({ obj, off, ply, threeDs, dxf, poser, rkf, stl }));
     return ok ? 0 : 1;
 }

@@ -13,6 +13,7 @@
 #include "import/obj/obj.h"
 #include "import/ply/ply.h"
 #include "import/rkf.h"
+#include "import/stl/stl.h"
 #include "import/text/dxf.h"
 #include "import/text/off.h"
 #include "import/text/poser.h"
@@ -71,6 +72,7 @@ static const TimedReader readers[] = {
     { "rkf", readModel<LoadRkfFile> },
     { "mtl", readMtl },
     { "jpeg", readJpeg },
+    { "stl", readModel<LoadStlFile> },
 };
 constexpr size_t readerCount = std::size(readers);
 

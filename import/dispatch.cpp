@@ -5,6 +5,7 @@
 #include "import/obj/obj.h"
 #include "import/text/off.h"
 #include "import/ply/ply.h"
+#include "import/stl/stl.h"
 #include "import/text/poser.h"
 #include "import/threeds/threeds.h"
 #include "model/ascii.h"
@@ -41,6 +42,7 @@ static constexpr Reader readers[] = {
     { "HR2", loadWithoutOptions<LoadPoserFile> },
     { "CR2", loadWithoutOptions<LoadPoserFile> },
     { "PLY", loadWithoutOptions<LoadPlyFile> },
+    { "STL", loadWithoutOptions<LoadStlFile> },
 };
 // clang-format on
 

@@ -157,6 +157,24 @@ Samples threeDsSamples()
              chunk(chunkMain, chunk(chunkEditor, box + box)) };
 }
 
+static std::string stlFacet(float x)
+{
+    return bytesOf(0.f, 0.f, 1.f, x, 0.f, 0.f, x + 1, 0.f, 0.f, x, 1.f, -2.5f) + std::string(2, '\0');
+}
+
+// Binary, binary that begins like text, binary with bytes behind its triangles, and text.
+Samples stlSamples()
+{
+    std::string head = "solid in name only", text = "solid left wing\n";
+    for (const char* x : { "0", "1.5e1" })
+        text += "  facet normal 0 0 1\n    outer loop\n      vertex " + std::string(x) +
+                " 0 0\n      vertex 1 0 -.5\n      vertex 0 1 0\n    endloop\n  endfacet\n";
+    return { std::string(80, ' ') + bytesOf(3) + stlFacet(0) + stlFacet(1) + stlFacet(1e30f),
+             head + std::string(80 - head.size(), '\0') + bytesOf(2) + stlFacet(4) + stlFacet(5),
+             "binary" + std::string(74, 'x') + bytesOf(1) + stlFacet(4) + "more",
+             text + "endsolid left wing\nSOLID\nFACET VERTEX 0 0 0 vertex nan 1 1 Vertex 0 1 1\r\nENDLOOP\n" };
+}
+
 // Also the built-in model's format.
 Samples rkfSamples()
 {

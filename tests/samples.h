@@ -12,4 +12,5 @@ Samples dxfSamples();
 Samples poserSamples();
 Samples plySamples();
 Samples threeDsSamples();
+Samples stlSamples();
 Samples rkfSamples(); // and the built-in model's format

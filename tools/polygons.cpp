@@ -4,6 +4,7 @@
 #include "model/matrix.h"
 #include "model/memory.h"
 #include "model/normals.h"
+#include "model/quad_cut.h"
 #include "platform/boxes.h"
 #include "tools/edges.h"
 
@@ -155,11 +156,9 @@ static bool isQuad(const Mesh* mesh, int32_t face)
 
 static void cutQuad(FaceArrays* arrays, const Mesh* mesh, int32_t quad)
 {
-    const Corners& c = mesh->faces[quad];
-    bool secondShorter =
-        cornersAreVertices(mesh, c, 4) && squaredLength(mesh, c[0], c[2]) > squaredLength(mesh, c[1], c[3]);
-    appendTriangle(arrays, mesh, quad, secondShorter ? 3 : 0);
-    appendTriangle(arrays, mesh, quad, secondShorter ? 1 : 2);
+    QuadCut cut = cutOfQuad(mesh, mesh->faces[quad]);
+    appendTriangle(arrays, mesh, quad, cut.first);
+    appendTriangle(arrays, mesh, quad, cut.second);
 }
 
 static void installFaceArrays(Mesh* mesh, const FaceArrays& arrays, int32_t capacity)

@@ -181,8 +181,8 @@ static void printManual(std::ostream* out, const CLI::App& app)
         printSynopsis(out, command);
     *out << ".B kbx\n\\-\\-help | \\-\\-version\n"
          << ".SH DESCRIPTION\n"
-            "A model is read by the extension of its name: .obj (with its .mtl), .3ds, .dxf, .ply, .off, .pp2, "
-            ".hr2, .cr2 or .rkf. Messages and notices are lines on standard error; a progress bar is shown "
+            "A model is read by the extension of its name: .obj (with its .mtl), .3ds, .dxf, .ply, .off, .stl, "
+            ".pp2, .hr2, .cr2 or .rkf. Messages and notices are lines on standard error; a progress bar is shown "
             "there when it is a terminal. A file is put in place only when all of it has been written.\n"
          << ".SH COMMANDS\n";
     for (const CLI::App* command : commandsOf(app))

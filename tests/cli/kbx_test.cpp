@@ -353,6 +353,7 @@ TEST_F(Kbx, ConvertWritesEachFormatWithItsCompanions)
         { "o.obj", { "o.obj", "o.mtl" } },
         { "p.pp2", { "p.pp2", "p.rsr" } },
         { "r.rkf", { "r.rkf" } },
+        { "s.stl", { "s.stl" } },
         { "l.lxs", { "l.lxs", "l.lxo", "l.lxm", "l_textures.txt" } },
     };
     for (const auto& [name, files] : formats)
@@ -364,6 +365,7 @@ TEST_F(Kbx, ConvertWritesEachFormatWithItsCompanions)
     }
     EXPECT_EQ(run("dump o.obj").out, run("dump square.obj").out);
     EXPECT_EQ(run("info r.rkf").status, 0);
+    EXPECT_EQ(run("info s.stl").status, 0);
     EXPECT_EQ(run("info p.pp2").status, 0);
 }
 
@@ -374,6 +376,16 @@ TEST_F(Kbx, ModelsWithLinesAreNotWrittenAsRkf)
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "kbx: a.rkf cannot be written: the format carries no lines\n");
     EXPECT_FALSE(fs::exists(folder / "a.rkf"));
+}
+
+TEST_F(Kbx, ModelsWithoutFacesAreNotWrittenAsStl)
+{
+    write("a.obj", "v 0 0 0\nv 1 0 0\nl 1 2\n");
+    write("a.stl", "earlier");
+    Result result = run("convert a.obj a.stl");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "kbx: a.stl cannot be written: the model has no faces\n");
+    EXPECT_EQ(fs::file_size(folder / "a.stl"), strlen("earlier"));
 }
 
 TEST_F(Kbx, FacesThatBeginTooFarBackAreNotWrittenAsRkf)

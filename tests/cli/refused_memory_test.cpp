@@ -79,6 +79,7 @@ TEST_F(KbxWithRefusedMemory, ConvertEndsWell)
     refuseEach({ "convert", "a.obj", "b.obj" }, { "b.obj", "b.mtl" }, common());
     refuseEach({ "convert", "a.obj", "b.pp2" }, { "b.pp2", "b.rsr" }, common());
     refuseEach({ "convert", "a.obj", "b.rkf" }, { "b.rkf" }, common());
+    refuseEach({ "convert", "a.obj", "b.stl" }, { "b.stl" }, common());
     refuseEach({ "convert", "a.obj", "b.lxs" }, { "b.lxs", "b.lxm", "b.lxo", "b_textures.txt" }, common());
 }
 

@@ -18,6 +18,7 @@ protected:
         addSamples("pp2", poserSamples());
         addSamples("ply", plySamples());
         addSamples("3ds", threeDsSamples());
+        addSamples("stl", stlSamples());
         models.push_back("a.obj");
         Bytes picture = buildJpeg({});
         std::ofstream(folder / "a.jpg", std::ios::binary) << std::string(picture.begin(), picture.end());
@@ -68,7 +69,7 @@ TEST_F(KbxOnASmallStack, ReadsEveryFormat)
 TEST_F(KbxOnASmallStack, WritesEveryFormat)
 {
     for (const std::string& model : models)
-        for (const char* target : { "b.obj", "b.rkf", "b.lxs", "b.pp2" })
+        for (const char* target : { "b.obj", "b.rkf", "b.lxs", "b.pp2", "b.stl" })
             expectTheSame({ "convert", model, target });
     expectTheSame({ "info", "b.rkf" });
 }

@@ -4,6 +4,7 @@
 #include "export/obj.h"
 #include "export/prop.h"
 #include "export/rkf.h"
+#include "export/stl.h"
 #include "tests/export/build.h"
 
 #include <pthread.h>
@@ -43,6 +44,7 @@ static void* runWriters(void* context)
     run->written += WriteObjFile(mesh, (run->folder + "a.obj").c_str(), "a.obj");
     run->written += WritePropFile(mesh, (run->folder + "a.pp2").c_str(), &frame);
     run->written += WriteRkfFile(mesh, (run->folder + "a.rkf").c_str(), false);
+    run->written += WriteStlFile(mesh, (run->folder + "a.stl").c_str());
     run->written += WriteLuxFiles(mesh, (run->folder + "a.obj").c_str());
     run->written += WriteBmpFile((run->folder + "a.bmp").c_str(), &picture);
     return nullptr;
@@ -60,15 +62,15 @@ TEST_F(SmallStack, OfSixtyFourKiBIsEnoughForEveryWriter)
     ASSERT_EQ(pthread_create(&thread, &attributes, runWriters, &run), 0);
     pthread_join(thread, nullptr);
     pthread_attr_destroy(&attributes);
-    EXPECT_EQ(run.written, 5);
-    EXPECT_EQ(filesInFolder().size(), 10u);
+    EXPECT_EQ(run.written, 6);
+    EXPECT_EQ(filesInFolder().size(), 11u);
 }
 
 // The blocks come from the heap instead, which may refuse them.
 TEST_F(SmallStack, ARefusedBlockIsToldAndTouchesNoFile)
 {
     MeshPointer mesh = oneTriangle();
-    for (const char* name : { "a.obj", "a.pp2", "a.rkf" })
+    for (const char* name : { "a.obj", "a.pp2", "a.rkf", "a.stl" })
     {
         std::string path = folder + name;
         putFile(path, "earlier");
@@ -76,6 +78,7 @@ TEST_F(SmallStack, ARefusedBlockIsToldAndTouchesNoFile)
         recorded.allocations = 0;
         recorded.refuseFrom = 1;
         int done = path.back() == 'j'   ? WriteObjFile(mesh.get(), path.c_str(), name)
+                   : path.back() == 'l' ? WriteStlFile(mesh.get(), path.c_str())
                    : path.back() == '2' ? WritePropFile(mesh.get(), path.c_str(), nullptr)
                                         : WriteRkfFile(mesh.get(), path.c_str(), false);
         recorded.refuseFrom = 0;
@@ -83,5 +86,5 @@ TEST_F(SmallStack, ARefusedBlockIsToldAndTouchesNoFile)
         EXPECT_EQ(recorded.boxes, (Boxes{ { "Out of memory", "(default)", iconStop } })) << name;
         EXPECT_EQ(contents(path), "earlier");
     }
-    EXPECT_EQ(filesInFolder(), (Names{ "a.obj", "a.pp2", "a.rkf" }));
+    EXPECT_EQ(filesInFolder(), (Names{ "a.obj", "a.pp2", "a.rkf", "a.stl" }));
 }

@@ -5,6 +5,7 @@
 #include "export/obj.h"
 #include "export/prop.h"
 #include "export/rkf.h"
+#include "export/stl.h"
 #include "image/textures.h"
 #include "import/dispatch.h"
 #include "import/rkf.h"
@@ -73,7 +74,7 @@ TEST_F(FailingFiles, AReadThatFailsAnywhereIsNoHarm)
     const std::pair<const char*, Samples> formats[] = {
         { "a.obj", objSamples() }, { "a.off", offSamples() },     { "a.dxf", dxfSamples() },
         { "a.ply", plySamples() }, { "a.3ds", threeDsSamples() }, { "a.pp2", poserSamples() },
-        { "a.rkf", rkfSamples() },
+        { "a.rkf", rkfSamples() }, { "a.stl", stlSamples() },
     };
     for (const auto& [name, samples] : formats)
     {
@@ -200,6 +201,17 @@ TEST_F(FailingFiles, AnRkfFileThatCannotBeWrittenIsReported)
         [&] { return WriteRkfFile(mesh, (folder + "out.rkf").c_str(), false); },
         [&](int64_t) {
             EXPECT_EQ(recorded.boxes[0], (RecordedBox{ folder + "out.rkf", "Error cannot write", iconStop }));
+        });
+    freeMesh(mesh);
+}
+
+TEST_F(FailingFiles, AnStlFileThatCannotBeWrittenIsReported)
+{
+    Mesh* mesh = sampleMesh(put("in.stl", stlSamples()[0]));
+    failEveryWrite(
+        [&] { return WriteStlFile(mesh, (folder + "out.stl").c_str()); },
+        [&](int64_t) {
+            EXPECT_EQ(recorded.boxes[0], (RecordedBox{ folder + "out.stl", "Error cannot write", iconStop }));
         });
     freeMesh(mesh);
 }

@@ -84,6 +84,7 @@ TEST_F(MemoryFaults, AFailedOpenKeepsTheModelShown)
     } files[] = {
         { "a.obj", objSamples()[0], 0 }, { "a.off", offSamples()[0], 0 },     { "a.dxf", dxfSamples()[0], 0 },
         { "a.ply", plySamples()[0], 3 }, { "a.3ds", threeDsSamples()[0], 2 }, { "a.pp2", poserSamples()[0], 0 },
+        { "a.stl", stlSamples()[0], 0 },
     };
     for (const auto& file : files)
     {

@@ -95,6 +95,8 @@ static const GrowingInput inputs[] = {
           }
           return all + "0\nEOF\n";
       } },
+    { "StlText", "stl",
+      [](int size) { return "solid\n" + repeat(size, "loop vertex 0 0 0 vertex 1 0 0 vertex 0 1 0 endloop\n"); } },
     { "PlyPolygons", "ply",
       [](int size)
       {

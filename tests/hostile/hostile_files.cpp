@@ -638,6 +638,54 @@ static void addRkf(Made* made)
     addTruncations(made, "rkf", sample);
 }
 
+// ----- STL
+
+static void addBinaryStl(Made* made)
+{
+    const std::string sample = stlSamples()[0];
+    for (int64_t value : wordValues)
+    {
+        std::string bytes = sample;
+        bytes.replace(80, 4, little(value, 4));
+        add(made, "count", "stl", "the count is " + std::to_string(value), bytes);
+        add(made, "count", "stl", "as text, with a count of " + std::to_string(value), "solid" + bytes.substr(5));
+    }
+    for (size_t coordinate = 0; coordinate < 12; ++coordinate)
+        for (uint32_t bits : floatBitsValues)
+        {
+            std::string bytes = sample;
+            bytes.replace(84 + 4 * coordinate, 4, little(bits, 4));
+            add(made, "number", "stl", "the float " + std::to_string(bits), bytes);
+        }
+    for (int64_t size = 0; size < static_cast<int64_t>(sample.size()); size += 7)
+        add(made, "cut", "stl", "binary, cut after " + std::to_string(size) + " bytes",
+            sample.substr(0, static_cast<size_t>(size)));
+    add(made, "limit", "stl", "zero triangles", std::string(84, '\0'));
+}
+
+static void addStl(Made* made)
+{
+    addBinaryStl(made);
+    const std::string facet = "facet normal 0 0 1\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\nendloop\n";
+    addFilled(made, "number", "stl",
+              "solid\nfacet normal @ 0 1\nouter loop\nvertex @ 0 @\nvertex 1 @ 0\nvertex 0 1 0\nendloop\n" + facet,
+              { "0", "0", "0", "0" }, floatValues);
+    for (int corners : { 0, 1, 2, 3, 4, 100 })
+        add(made, "limit", "stl", std::to_string(corners) + " vertices in a loop",
+            "solid\nfacet\nouter loop\n" + repeated("vertex 1 2 3\n", corners) + "endloop\n" + facet);
+    for (int length : { 126, 127, 128, 129, 255, 256, 70000 })
+    {
+        std::string longWord(static_cast<size_t>(length), '1');
+        add(made, "limit", "stl", "a number of " + std::to_string(length) + " digits",
+            "solid\nfacet\nvertex 0." + longWord + " 0 0\nvertex 1 0 0\nvertex 0 1 0\nendfacet\n");
+        add(made, "limit", "stl", "a name of " + std::to_string(length) + " bytes", "solid " + longWord + "\n" + facet);
+    }
+    add(made, "flood", "stl", "vertices without a loop", "solid\n" + repeated("vertex 1 2 3\n", 20000));
+    add(made, "flood", "stl", "solids without facets", repeated("solid x\nendsolid x\n", 20000));
+    add(made, "flood", "stl", "loops without vertices", "solid\n" + repeated("outer loop endloop ", 20000));
+    addForText(made, "stl", stlSamples()[3]);
+}
+
 // ----- JPEG
 
 static std::string textOf(const Bytes& bytes)
@@ -738,6 +786,7 @@ std::vector<HostileFile> hostileFiles()
     addPoser(&made);
     addPly(&made);
     add3ds(&made);
+    addStl(&made);
     addRkf(&made);
     addJpeg(&made);
     return made;

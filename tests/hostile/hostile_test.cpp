@@ -101,7 +101,8 @@ TEST_P(HostileFiles, AModelIsRefusedWithItsMessageOrKeepsItsPromises)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, HostileFiles, testing::Values("obj", "off", "dxf", "pp2", "cr2", "ply", "3ds", "rkf"),
+INSTANTIATE_TEST_SUITE_P(Formats, HostileFiles,
+                         testing::Values("obj", "off", "dxf", "pp2", "cr2", "ply", "3ds", "stl", "rkf"),
                          [](const auto& format) { return std::string(format.param); });
 
 class HostilePictures : public HostileFiles

@@ -46,7 +46,7 @@ TEST_F(Dispatch, OtherExtensionsAreReportedUnderTheFileName)
 {
     std::string longName = std::string(400, 'n') + ".xyz";
     const std::pair<std::string, std::string> rows[] = {
-        { "models/thing.stl", "thing.stl" },
+        { "models/thing.x3d", "thing.x3d" },
         { "scene.xyz", "scene.xyz" },
         { "a/b/d.xyz", "d.xyz" },
         { "/x/.xyz", ".xyz" },
