@@ -211,6 +211,7 @@ TEST_P(EitherMode, SurfacePointFollowsThePointer)
 
 TEST_P(EitherMode, DragWithoutMovementIsTheIdentityAndNoSpin)
 {
+    frameState.view.step.m[2] = 0.5f; // of an earlier spin
     displayLeftButton(dragDown, 100, 100);
     displayMouseMoved(true, false, 100, 100);
     displayLeftButton(dragUp, 100, 100);
@@ -502,6 +503,19 @@ TEST_F(Direct, APauseOfATenthOfASecondBeforeTheReleaseIsNoFlick)
             EXPECT_EQ(frameState.continuousRedraw, pause < 100) << pause;
             EXPECT_EQ(sameBits(frameState.view.step, identityMatrix), pause >= 100) << pause;
         }
+    }
+}
+
+// The rest counts from the press when there is no move.
+TEST_F(Direct, AReleaseRightAfterThePressIsAFlick)
+{
+    for (uint32_t rest : { 0u, 99u, 100u })
+    {
+        recorded.tick += 50000;
+        press(310, 260);
+        recorded.tick += rest;
+        release(400, 260);
+        EXPECT_EQ(frameState.continuousRedraw, rest < 100) << rest;
     }
 }
 

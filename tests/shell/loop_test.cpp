@@ -132,6 +132,14 @@ TEST_F(Loop, ARequestDuringASpinIsDrawnAtOnce)
     EXPECT_EQ(drawDueFrame(), 20u) << "and the next refresh counts from it";
     EXPECT_EQ(recorded.presented.size(), 2u);
     EXPECT_EQ(stepsTurned(), 2);
+
+    recorded.refreshRate = 60; // the parts of a millisecond start again, too
+    for (uint32_t tick : { 5000u, 5005u, 5009u })
+    {
+        recorded.tick = tick;
+        loopState.redrawPending = 1;
+        EXPECT_EQ(drawDueFrame(), 16u) << tick;
+    }
 }
 
 // The frames of a large model take longer than a refresh. They follow each other at once, and none is made up for.
@@ -141,9 +149,12 @@ TEST_F(Loop, LateFramesAreNotMadeUpFor)
     recorded.tick = 1000;
     spin();
     drawDueFrame();
-    recorded.tick = 3000;
-    EXPECT_EQ(drawDueFrame(), 20u);
-    EXPECT_EQ(recorded.presented.size(), 2u);
+    for (uint32_t tick : { 1060u, 3000u })
+    {
+        recorded.tick = tick;
+        EXPECT_EQ(drawDueFrame(), 20u) << tick;
+    }
+    EXPECT_EQ(recorded.presented.size(), 3u);
 }
 
 TEST_F(Loop, ASpinGoesOnWhenTheClockWraps)
@@ -242,7 +253,9 @@ TEST_F(Loop, TheTitleSaysThatAllFacesAreTurnedAway)
 TEST_F(Loop, TheTitleOfTurnedAwayFacesGoesWithTheFirstFace)
 {
     open(awayObj);
+    recorded.tick = 1000;
     drawDueFrame();
+    recorded.tick = 5000; // the empty frames before do not count for the speed
     click(ID_BACKCULLED, false);
     drawDueFrame();
     EXPECT_EQ(recorded.titles.back(), "Kestrelbox: model.obj");
@@ -270,16 +283,18 @@ TEST_F(Loop, OtherEmptyFramesAreNotBlamedOnTheFaces)
     {
         const char* text;
         float zoom;
-        bool hide;
+        bool hide, culled;
     } rows[] = {
-        { "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n", 50, false },                 // off the display
-        { "v 0 0 0\nv 1 0 0\nv 0 1 0\nl 1 2 3\n", 1, false },                  // a polyline faces nobody
-        { "v 0 0 0\nv 1 0 0\nv 0 1 0\ng a\nf 1 3 2\ng b\nf 1 3 2\n", 1, true } // hidden
+        { "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n", 50, false, true },                  // off the display
+        { "v 0 0 0\nv 1 0 0\nv 0 1 0\nl 1 2 3\n", 1, false, true },                   // a polyline faces nobody
+        { "v 0 0 0\nv 1 0 0\nv 0 1 0\ng a\nf 1 3 2\ng b\nf 1 3 2\n", 1, true, true }, // hidden
+        { awayObj, 50, false, false } // turned away, but off the display
     };
     for (const auto& row : rows)
     {
         open(row.text);
         frameState.view.zoom = row.zoom;
+        chooseRenderFlag(&choices, renderBackCulled, row.culled);
         if (row.hide)
         {
             for (int32_t f = 0; f < currentMesh()->faceCount; ++f)
