@@ -177,6 +177,10 @@ TEST_F(Undo, TheFilterThatSplitSwitchedOffComesBack)
     EXPECT_TRUE(recorded.panelChecks[ID_BY_GROUP]);
     EXPECT_EQ(recorded.filterSelection, 2);
     EXPECT_TRUE(meshesAreEqual(first, currentMesh()));
+    click(ID_BY_GROUP, false);
+    EXPECT_EQ(recorded.filterSelection, 0);
+    click(ID_BY_GROUP, true);
+    EXPECT_EQ(recorded.filterSelection, 2) << "the entry chosen last is the one before Split";
     EXPECT_EQ(redoTool(), 1);
     EXPECT_FALSE(recorded.panelChecks[ID_BY_GROUP]);
     EXPECT_EQ(recorded.filterSelection, 0);
@@ -204,6 +208,32 @@ TEST_F(Undo, TheOldestStepsGoFirst)
     Mesh* mesh = currentMesh(); // of 101 inversions an odd number is left when an even one has been taken back
     EXPECT_EQ(meshesAreEqual(afterTri, mesh), steps % 2);
     freeKeptMesh(afterTri);
+}
+
+// The mesh of a file has room for more faces than it has, and a copy has not.
+TEST_F(Undo, WhatIsTakenBackCountsToo)
+{
+    openPatches();
+    ASSERT_GT(meshBytes(currentMesh()), 8 * copyBytes(currentMesh()));
+    forgetUndoAndLimit(4 * copyBytes(currentMesh()));
+    press(ID_INVERT);
+    press(ID_INVERT);
+    int blocks = recorded.liveBlocks;
+    EXPECT_EQ(undoTool(), 1);
+    EXPECT_EQ(recorded.liveBlocks, blocks - 8) << "the mesh of the file is too large to be kept";
+    EXPECT_EQ(redoTool(), 0);
+    EXPECT_EQ(undoTool(), 1);
+}
+
+TEST_F(Undo, NoToolBeforeOneThatIsNotKeptCanBeTakenBack)
+{
+    openPatches();
+    forgetUndoAndLimit(copyBytes(currentMesh()) + 100);
+    press(ID_TRI);
+    EXPECT_TRUE(recorded.titles.empty());
+    press(ID_INVERT); // of a mesh with more faces
+    EXPECT_EQ(recorded.titles.size(), 1u);
+    EXPECT_EQ(undoTool(), 0);
 }
 
 TEST_F(Undo, ATooLargeModelIsToldOnceAndItsToolsWork)
