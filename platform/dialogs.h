@@ -16,8 +16,8 @@ constexpr size_t dialogBytes(size_t characters)
     return 3 * characters;
 }
 
-// The characters of the longest path that an operating system takes, the terminator included: that of Windows. Others take
-// fewer bytes than this has characters.
+// The characters of the longest path that an operating system takes, the terminator included: that of Windows. Others
+// take fewer bytes than this has characters.
 constexpr size_t dialogPathRoom = 32768;
 
 // What a message box says of a path that is longer than the room of its dialog.
