@@ -23,7 +23,7 @@ constexpr char footerEnd[] = "\n"
                              "Examples:\n"
                              "  kbx info *.3ds\n"
                              "  kbx convert --tool weld --tool fix-normals scan.ply scan.obj\n"
-                             "  kbx render chair.obj --rotate 20,30,0 --shadows -o chair.bmp\n"
+                             "  kbx render chair.obj --rotate 20,30,0 --shadows -o chair.png\n"
                              "  kbx render --preset gold -o teapot.bmp";
 
 // The end of the help: a line for each tool with its name and what it does, the exit status and examples.
@@ -293,15 +293,19 @@ void describeUsage(CLI::App* app, Arguments* arguments)
         ->option_text(" ")
         ->required();
 
-    CLI::App* render = addCommand(app, arguments, Command::render, "render", "draw a model into a bitmap");
+    CLI::App* render = addCommand(app, arguments, Command::render, "render", "draw a model into a picture");
     addLoadOptions(render, &arguments->load, true);
     addViewOptions(render, &arguments->view);
     addInput(render, arguments, "IN", "model to read; the built-in one when there is none");
-    render->add_option("-o,--output", arguments->output, "bitmap to write")->option_text("OUT.bmp")->required();
+    render->add_option("-o,--output", arguments->output, "picture to write: PNG when the name ends in .png, else BMP")
+        ->option_text("OUT")
+        ->required();
 
-    CLI::App* decode = addCommand(app, arguments, Command::decode, "decode", "decode a JPEG file into a bitmap");
+    CLI::App* decode = addCommand(app, arguments, Command::decode, "decode", "decode a JPEG file into a picture");
     addInput(decode, arguments, "IN", "JPEG file to read")->required();
-    decode->add_option("OUT", arguments->output, "bitmap to write")->option_text(" ")->required();
+    decode->add_option("OUT", arguments->output, "picture to write: PNG when the name ends in .png, else BMP")
+        ->option_text(" ")
+        ->required();
 
     app->footer(makeFooter()); // after adding the commands, which would inherit it
 }

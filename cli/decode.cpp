@@ -1,4 +1,4 @@
-// cli/decode.cpp - a JPEG file into a bitmap, by the decoder that textures go through
+// cli/decode.cpp - a JPEG file into a picture, by the decoder that textures go through
 #include "cli/commands.h"
 #include "image/textures.h"
 #include "shell/picture_file.h"

@@ -1,4 +1,4 @@
-// cli/render.cpp - a model into a bitmap
+// cli/render.cpp - a model into a picture
 #include "cli/commands.h"
 #include "cli/draw.h"
 #include "cli/load.h"

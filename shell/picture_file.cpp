@@ -2,9 +2,11 @@
 #include "shell/picture_file.h"
 
 #include "export/bmp.h"
+#include "model/ascii.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
 #include "shell/file_dialogs.h"
+#include "shell/png_file.h"
 #include "shell/scene.h"
 #include "shell/title.h"
 
@@ -19,10 +21,27 @@ static void fillFrameRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
     memcpy(bytes, target->picture.bits + fromTop * strideBytes, bmpRowBytes(picture->width));
 }
 
+static bool isPngName(const char* path)
+{
+    constexpr size_t length = 4;
+    size_t start = strlen(path);
+    if (start < length)
+        return false;
+    std::string end = path + start - length;
+    for (char& c : end)
+        c = asciiLower(c);
+    return end == ".png";
+}
+
+static int writeByName(const char* path, const BmpPicture* picture)
+{
+    return isPngName(path) ? WritePngFile(path, picture) : WriteBmpFile(path, picture);
+}
+
 int writePicture(const char* path, const FrameBuffer* target, int32_t width, int32_t height)
 {
     BmpPicture picture = { width, height, true, 0, 0, fillFrameRow, target };
-    return WriteBmpFile(path, &picture);
+    return writeByName(path, &picture);
 }
 
 static void fillDecodedRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
@@ -51,7 +70,7 @@ static BmpPicture describeDecoded(const JpegOutput& decoded, const uint32_t* pix
 int writeDecodedPicture(const char* path, const JpegOutput& decoded, const uint32_t* pixels)
 {
     BmpPicture picture = describeDecoded(decoded, pixels);
-    return WriteBmpFile(path, &picture);
+    return writeByName(path, &picture);
 }
 
 int saveImage()

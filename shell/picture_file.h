@@ -1,14 +1,17 @@
-// shell/picture_file.h - pictures in memory as bitmap files: the display's, a decoded one, the shadow map
+// shell/picture_file.h - pictures in memory as files: the display's, a decoded one, the shadow map
+//
+// A file whose name ends in ".png", in any letter case, becomes a PNG file, any other a bitmap.
 #pragma once
 #include "image/jpeg.h"
 #include "render/frame.h"
 
-// Writes the display's part of the frame buffer's bitmap; rows are padded with what lies to the right of the display.
-// Returns 1, or 0 as WriteBmpFile does.
+// Writes the display's part of the frame buffer's bitmap. In a bitmap file, rows are padded with what lies to the right
+// of the display.
+// Returns 1, or 0 as WriteBmpFile or WritePngFile does.
 int writePicture(const char* path, const FrameBuffer* target, int32_t width, int32_t height);
 
 // Writes the pixels that the decoder made of a picture, with the density that its file names in dots per centimetre.
-// Returns 1, or 0 as WriteBmpFile does.
+// Returns 1, or 0 as WriteBmpFile or WritePngFile does.
 int writeDecodedPicture(const char* path, const JpegOutput& decoded, const uint32_t* pixels);
 
 // "Save Image": asks for a file and writes the picture into it. Returns 1 when the file is written; 0 when the user

@@ -100,7 +100,7 @@ TEST_F(Kbx, WrongUsageExitsWithTwoAndSaysWhatWasExpected)
                                    "render --size 9x9 -o x.bmp a.obj",
                                    "render --size 99999x100 -o x.bmp a.obj",
                                    "render --frames 0 -o x.bmp a.obj",
-                                   "convert a.obj out.stl",
+                                   "convert a.obj out.x3d",
                                    "convert a.obj obj",
                                    "info --colour a.obj" })
     {
@@ -217,10 +217,10 @@ TEST_F(Kbx, FailedLoadPrintsTheBoxAndNothingElse)
 
 TEST_F(Kbx, UnknownExtensionIsNamed)
 {
-    write("a.stl", "solid");
-    Result result = run("info a.stl");
+    write("a.x3d", "solid");
+    Result result = run("info a.x3d");
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "message: Not supported file format [a.stl]\n");
+    EXPECT_EQ(result.err, "message: Not supported file format [a.x3d]\n");
 }
 
 TEST_F(Kbx, SilentReaderStillGetsALine)
@@ -286,6 +286,18 @@ TEST_F(Kbx, InfoAsJsonHoldsTheCounts)
     EXPECT_NE(result.out.find("\"quads\": 1"), std::string::npos);
     EXPECT_EQ(result.out[0], '{');
     EXPECT_EQ(run("info --json a.obj a.obj").out[0], '[');
+}
+
+TEST_F(Kbx, PicturesOfPngNamesArePngFiles)
+{
+    EXPECT_EQ(run("render --size 101x77 -o a.png").status, 0);
+    std::string start = textOf(folder / "a.png").substr(0, 24);
+    EXPECT_EQ(start, std::string("\x89PNG\r\n\x1A\n\0\0\0\x0DIHDR\0\0\0\x65\0\0\0\x4D", 24));
+    write("a.png", "earlier");
+    Result result = run("render --size 2000x2000 --rough -o a.png", "ulimit -f 100; trap '' XFSZ;");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "message: a.png [Error cannot write]\nkbx: a.png: File too large\n");
+    EXPECT_EQ(textOf(folder / "a.png"), "earlier");
 }
 
 TEST_F(Kbx, RenderWritesTheWholeBitmap)

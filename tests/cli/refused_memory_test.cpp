@@ -86,6 +86,7 @@ TEST_F(KbxWithRefusedMemory, ConvertEndsWell)
 TEST_F(KbxWithRefusedMemory, RenderEndsWell)
 {
     refuseEach({ "render", "a.obj", "--size", "50x50", "-o", "b.bmp" }, { "b.bmp" }, common());
+    refuseEach({ "render", "a.obj", "--size", "50x50", "-o", "b.png" }, { "b.png" }, common());
     refuseEach({ "render", "--texture", "wood", "--metallic", "--size", "50x50", "-o", "b.bmp" }, { "b.bmp" },
                common());
 }

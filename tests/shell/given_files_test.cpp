@@ -63,6 +63,15 @@ TEST_F(GivenFiles, AModelOpensAsByTheMenu)
     EXPECT_TRUE(redrawAsked());
 }
 
+// The dialogs do not list the format.
+TEST_F(GivenFiles, AnStlFileOpens)
+{
+    drop(writeFile("part.stl", "solid\nouter loop vertex 0 0 0 vertex 1 0 0 vertex 0 1 0 endloop\n"));
+    EXPECT_EQ(currentFileName, "part.stl");
+    EXPECT_EQ(currentMesh()->vertexCount, 3);
+    EXPECT_TRUE(recorded.boxes.empty());
+}
+
 TEST_F(GivenFiles, AnRkfFileOpensAsByTheMenu)
 {
     recorded.dialogAnswers = { pathOf("a.rkf") };

@@ -41,6 +41,7 @@ protected:
                  { "prop", command(ID_EXPORT_PP2, "a.pp2"), { "a.rsr", "a.pp2" }, false },
                  { "RKF", command(ID_SAVE_RKF, "a.rkf"), { "a.rkf" }, false },
                  { "picture", command(ID_SAVE_IMAGE, "a.bmp"), { "a.bmp" }, false },
+                 { "PNG picture", command(ID_SAVE_IMAGE, "a.PNG"), { "a.PNG" }, false },
                  { "scene",
                    [] { EXPECT_TRUE(runPanelCommand(ID_LUX_EXPORT)); },
                    { "one.lxo", "one.lxm", "one.lxs", "one_textures.txt" },
