@@ -19,20 +19,6 @@
 
 namespace fs = std::filesystem;
 
-class ProgramInside : public testing::Environment
-{
-    void SetUp() override
-    {
-        ASSERT_TRUE(startInside());
-    }
-    void TearDown() override
-    {
-        EXPECT_EQ(endInside(), 1u);
-    }
-};
-
-static const auto* const environment = testing::AddGlobalTestEnvironment(new ProgramInside);
-
 class DesktopInside : public testing::Test
 {
 protected:
