@@ -153,6 +153,22 @@ TEST_F(Split, APieceAroundACrowdedVertexIsFoundInParts)
     EXPECT_EQ(faceGroup(mesh->faceAttributes[9]), 1u);
 }
 
+// The vertices 0 and 1 remember eight faces each, which are two pieces. A face that uses both and that neither
+// remembers takes the piece of the first, but vertex 1 stays in its own: a later face there is of the second piece.
+TEST_F(Split, AFaceBetweenTwoCrowdedVerticesChangesNeitherPiece)
+{
+    std::vector<Corners> faces;
+    for (uint32_t i = 0; i < 16; ++i)
+        faces.push_back({ 2 * i + 2, 2 * i + 3, i / 8, none });
+    faces.push_back({ 0, 1, 34, none });
+    faces.push_back({ 1, 35, 36, none });
+    MeshPointer mesh = buildMesh(std::vector<Point>(37, Point{ 0, 0, 0 }), faces);
+    EXPECT_EQ(splitMesh(mesh.get()), 1);
+    EXPECT_EQ(mesh->groupCount, 2);
+    for (uint32_t f = 0; f < 18; ++f)
+        EXPECT_EQ(faceGroup(mesh->faceAttributes[f]), f < 8 || f == 16 ? 0u : 1u) << f;
+}
+
 TEST_F(Split, EveryRefusedAllocationLeavesTheMeshAsItWas)
 {
     MeshPointer mesh = cubes(2, true);

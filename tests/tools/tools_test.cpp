@@ -69,14 +69,17 @@ TEST_F(ToolTable, InvertTurnsFacesOver)
     EXPECT_EQ(mesh->faces[0], (Corners{ 3, 2, 1, 0 }));
 }
 
-// The panel updates only what a row lists, so a tool must change nothing else there.
+// The panel updates only what a row lists, so a tool must change nothing else there. It updates nothing in vain either:
+// the fit of the model would undo the user's view.
 TEST_F(ToolTable, RowsNameAllThatTheirToolsChange)
 {
     for (const MeshTool& tool : meshTools)
     {
+        bool everCounts = false, everBounds = false, everGroups = false;
         for (unsigned seed = 0; seed < 300; ++seed)
         {
             MeshPointer mesh = randomMesh(seed);
+            mesh->groupCount = 3; // Split mostly makes two
             const Mesh before = *mesh;
             MeshState old = stateOf(mesh.get());
             tool.run(mesh.get());
@@ -84,10 +87,13 @@ TEST_F(ToolTable, RowsNameAllThatTheirToolsChange)
             bool counts = before.vertexCount != mesh->vertexCount || before.liveFaceCount != mesh->liveFaceCount ||
                           before.groupCount != mesh->groupCount || before.uvCount != mesh->uvCount;
             bool bounds = before.radius != mesh->radius || before.centre[0] != mesh->centre[0];
-            EXPECT_LE(counts, tool.changesCounts) << tool.name << " seed " << seed;
-            EXPECT_LE(bounds, tool.changesBounds) << tool.name << " seed " << seed;
-            EXPECT_LE(old.groups != now.groups, tool.changesGroups) << tool.name << " seed " << seed;
+            everCounts = everCounts || counts;
+            everBounds = everBounds || bounds;
+            everGroups = everGroups || old.groups != now.groups;
         }
+        EXPECT_EQ(everCounts, tool.changesCounts) << tool.name;
+        EXPECT_EQ(everBounds, tool.changesBounds) << tool.name;
+        EXPECT_EQ(everGroups, tool.changesGroups) << tool.name;
     }
 }
 
