@@ -55,8 +55,12 @@ void displayPainted()
 void displayMouseMoved(bool leftHeld, bool rightHeld, int32_t x, int32_t y)
 {
     if (leftHeld)
+    {
         rotateDrag(dragMove, x, y);
-    else if (rightHeld)
+        return;
+    }
+    leftButtonIsUp();
+    if (rightHeld)
         zoomDrag(dragMove, y);
 }
 

@@ -14,7 +14,8 @@ void displayCreated();
 // window shows nothing else at its new size; for the same size, and before the program runs, it only asks for one.
 void displayResized(int32_t width, int32_t height);
 
-// Presents the picture of the last frame again.
+// Presents the picture of the last frame again. A toolkit that paints the window from the picture by itself does not
+// call it: presenting would ask for the next painting.
 void displayPainted();
 
 // The pointer moved, or a button went down or up, in the display.

@@ -66,6 +66,11 @@ void endDrags()
     zoomState.zooming = false;
 }
 
+void leftButtonIsUp()
+{
+    trackball.held = false;
+}
+
 void zoomDrag(DragCode code, int32_t y)
 {
     if (code == dragDown)

@@ -33,6 +33,10 @@ void zoomDrag(DragCode code, int32_t y);
 // Ends both drags, for a window that is minimised. A released button ends a drag in the direct mode only.
 void endDrags();
 
+// The left button is up, although no release was reported: another window may have taken it. A direct drag is over; the
+// trailing mode does not notice.
+void leftButtonIsUp();
+
 // Something else has changed the view: a direct drag goes on from here instead of going back to the view that it began
 // with. In the trailing mode it does nothing.
 void viewChanged();

@@ -506,6 +506,27 @@ TEST_F(Direct, APauseOfATenthOfASecondBeforeTheReleaseIsNoFlick)
     }
 }
 
+// A box that opens during the drag gets the release.
+TEST_F(Direct, ALostReleaseEndsTheDragAtTheNextMove)
+{
+    press(310, 260);
+    move(340, 260);
+    Matrix turned = frameState.view.rotation;
+    displayMouseMoved(false, false, 500, 100);
+    move(100, 100); // pressed elsewhere and dragged across the display
+    release(120, 100);
+    EXPECT_TRUE(sameBits(frameState.view.rotation, turned));
+    EXPECT_EQ(frameState.continuousRedraw, 0);
+}
+
+TEST_F(Trailing, ALostReleaseChangesNothing)
+{
+    displayLeftButton(dragDown, 310, 260);
+    displayMouseMoved(false, false, 500, 100);
+    displayMouseMoved(true, false, 400, 260);
+    EXPECT_NE(frameState.view.rotation.m[2], 0.0f);
+}
+
 // The rest counts from the press when there is no move.
 TEST_F(Direct, AReleaseRightAfterThePressIsAFlick)
 {
