@@ -107,6 +107,17 @@ TEST_F(Quads, QuadsOnlyLeaveNothingToMerge)
     EXPECT_EQ(mesh->liveFaceCount, 2);
 }
 
+// Readers keep faces of two corners. They have no triangle's edges, and no third vertex to look at.
+TEST_F(Quads, FacesOfTwoCornersStay)
+{
+    const std::vector<Corners> faces = { { 1, 2, none, none }, { 0, 1, none, none }, { 2, 1, 3, none } };
+    MeshPointer mesh = buildMesh(square, faces);
+    EXPECT_EQ(makeQuads(mesh.get()), 1);
+    for (size_t f = 0; f < faces.size(); ++f)
+        EXPECT_EQ(mesh->faces[f], faces[f]) << f;
+    EXPECT_EQ(recorded.notices, (Texts{ "        Nothing to do" }));
+}
+
 TEST_F(Quads, MergingIsRefusedWithoutMemoryOrPastTheOverflow)
 {
     MeshPointer mesh = buildMesh(square, { { 0, 1, 2, none }, { 2, 1, 3, none } });
