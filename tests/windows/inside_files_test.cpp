@@ -2,6 +2,7 @@
 #include "tests/windows/dialogs.h"
 #include "tests/windows/inside.h"
 
+#include "platform/controls.h"
 #include "platform/resources.h"
 #include "platform/win32/handles.h"
 #include "platform/win32/names.h"
@@ -30,10 +31,12 @@ protected:
         CreateDirectoryW(folder.c_str(), nullptr);
     }
 
+    // Leaves the marks of the menu as they were at the start, for whichever test comes next.
     void TearDown() override
     {
         answerDialogs({});
         closeDialogs(GetCurrentProcessId());
+        command(ID_PRESET_BRASS);
         removeAll(longForm(folder));
     }
 
@@ -163,6 +166,12 @@ TEST_F(FilesInside, ADroppedPictureBecomesTheUsersTexture)
     EXPECT_STREQ(text, L"bark.jpg");
     command(ID_TEXTURE_WOOD);
     SendDlgItemMessageW(toolPanel, ID_TEXTURED, BM_CLICK, 0, 0);
+    onProgramThread(
+        []
+        {
+            renameMenuItem(ID_TEXTURE_USER, "User");
+            enableMenuItem(ID_TEXTURE_USER, 0);
+        });
 }
 
 TEST_F(FilesInside, WhatCannotBeOpenedIsSaidAndTheModelStays)
