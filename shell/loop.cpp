@@ -96,8 +96,7 @@ static void describeFrame(const Mesh* mesh)
 void drawFrameNow()
 {
     loopState.redrawPending = 0;
-    if (frameState.continuousRedraw)
-        waitForRefresh();
+    waitForRefresh();
     startSpeedMeter(&loopState.speed);
     RenderFrame(&frameBuffer, &modelList, &choices.render, &frameState);
     if (const Mesh* mesh = currentMesh())
