@@ -178,6 +178,12 @@ static void addLoadOptions(CLI::App* command, LoadArguments* load, bool withFilt
             alternatives(toolNames()) + "; may be repeated, applied in order")
         ->option_text("TOOL")
         ->allow_extra_args(false);
+    command
+        ->add_option("--ply-list", load->plyList,
+                     "PLY: the list of a face that has its corners, the last one unless given")
+        ->option_text("NAME");
+    command->add_flag("--strict", load->strict, "exit with status 1 after a warning, and write nothing");
+    command->add_flag("--quiet", load->quiet, "print no notices and no warnings");
     if (withFilter)
         command->add_option("--filter", load->filter, "show only this entry of the group and material list")
             ->option_text("N")

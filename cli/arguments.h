@@ -24,6 +24,9 @@ struct LoadArguments
     bool keyframes = true;
     std::vector<const MeshTool*> tools; // in the order given
     std::optional<int> filter;          // index in the filter list of the tool panel
+    std::string plyList;                // the list of a PLY face that counts; empty: the last one
+    bool strict = false;                // warnings are failures
+    bool quiet = false;                 // no warnings and no notices
 };
 
 struct ViewArguments

@@ -2,14 +2,18 @@
 #include "cli/commands.h"
 #include "cli/draw.h"
 #include "cli/load.h"
+#include "cli/warnings.h"
+#include "cli/written.h"
 #include "export/lux.h"
 #include "export/obj.h"
 #include "export/prop.h"
 #include "export/rkf.h"
 #include "export/stl.h"
 #include "model/ascii.h"
+#include "platform/boxes.h"
 #include "platform/file_names.h"
 #include "shell/scene.h"
+#include "tools/filter.h"
 
 #include <stdio.h>
 #include <string.h>
@@ -41,7 +45,7 @@ static int writeRkf(Mesh* mesh, const std::string& path)
                            : !rkfCanHold(mesh)  ? "the format has no room for a face that begins behind vertex 1048576"
                                                 : nullptr;
     if (obstacle)
-        fprintf(stderr, "kbx: %s cannot be written: %s\n", path.c_str(), obstacle);
+        explainFailure(path.c_str(), obstacle);
     int ok = !obstacle && WriteRkfFile(mesh, path.c_str(), false);
     freeMesh(mesh);
     return ok;
@@ -51,7 +55,7 @@ static int writeStl(Mesh* mesh, const std::string& path)
 {
     bool empty = stlTriangles(mesh) == 0;
     if (empty)
-        fprintf(stderr, "kbx: %s cannot be written: the model has no faces\n", path.c_str());
+        explainFailure(path.c_str(), "the model has no faces");
     int ok = !empty && WriteStlFile(mesh, path.c_str());
     freeMesh(mesh);
     return ok;
@@ -67,12 +71,15 @@ static int writeLux(Mesh* mesh, const std::string& path)
 struct Writer
 {
     const char* extension;
+    OutputFormat format;
     int (*write)(Mesh* mesh, const std::string& path); // takes the mesh over
 };
 
-static const Writer writers[] = {
-    { ".obj", writeObj }, { ".pp2", writeProp }, { ".rkf", writeRkf }, { ".lxs", writeLux }, { ".stl", writeStl }
-};
+static const Writer writers[] = { { ".obj", OutputFormat::obj, writeObj },
+                                  { ".pp2", OutputFormat::pp2, writeProp },
+                                  { ".rkf", OutputFormat::rkf, writeRkf },
+                                  { ".lxs", OutputFormat::lxs, writeLux },
+                                  { ".stl", OutputFormat::stl, writeStl } };
 
 static const Writer* writerFor(const std::string& path)
 {
@@ -87,6 +94,58 @@ static const Writer* writerFor(const std::string& path)
     return nullptr;
 }
 
+// Leaves only what the filter shows. A filter that shows nothing would otherwise write the whole model.
+static bool keepShown(Mesh* mesh, int32_t entry, const std::string& input)
+{
+    if (filterEntryFaces(mesh, entry) == 0)
+    {
+        std::string cause = "--filter " + std::to_string(entry) + " shows no face; the list has entries 0 to " +
+                            std::to_string(filterEntryCount(mesh) - 1);
+        explainFailure(input.c_str(), cause.c_str());
+        return false;
+    }
+    removeHiddenFaces(mesh);
+    return true;
+}
+
+// Prints what was written: kbx: wrote a.obj, a.mtl
+static void printWritten(const std::vector<std::string>& files, const std::string& output)
+{
+    std::string line = "kbx: wrote";
+    for (const std::string& file : files)
+        line += (file == files[0] ? " " : ", ") + file;
+    if (files[0] != output) // only a scene has another name
+        line += " (a scene's name ends at its first dot)";
+    fprintf(stderr, "%s\n", line.c_str());
+}
+
+// Writes a model, which it takes over. With --strict nothing is written after a warning.
+static bool writeModel(Mesh* mesh, const Writer* writer, const Arguments& arguments)
+{
+    const LoadArguments& load = arguments.load;
+    const std::string& output = arguments.output;
+    const std::string& input = arguments.inputs.empty() ? "the built-in model" : arguments.inputs[0];
+    Report report = {};
+    if (load.filter && !keepShown(mesh, *load.filter, input))
+    {
+        freeMesh(mesh);
+        return false;
+    }
+    reportWriting(writer->format, mesh, output, &report);
+    printWarnings(output, report, load.quiet);
+    if (load.strict && hasWarnings(report))
+    {
+        explainFailure(output.c_str(), notWrittenStrictly);
+        freeMesh(mesh);
+        return false;
+    }
+    std::vector<std::string> files = filesOf(writer->format, mesh, output);
+    bool ok = writer->write(mesh, output) != 0;
+    if (ok && !load.quiet)
+        printWritten(files, output);
+    return ok;
+}
+
 int runConvert(const Arguments& arguments)
 {
     const Writer* writer = writerFor(arguments.output);
@@ -96,6 +155,6 @@ int runConvert(const Arguments& arguments)
                 arguments.output.c_str());
         return 2;
     }
-    Mesh* mesh = loadModel(arguments.inputs[0], arguments.load);
-    return mesh && writer->write(mesh, arguments.output) ? 0 : 1;
+    Mesh* mesh = loadForWriting(arguments.inputs[0], arguments.load);
+    return mesh && writeModel(mesh, writer, arguments) ? 0 : 1;
 }

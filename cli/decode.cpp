@@ -1,6 +1,8 @@
 // cli/decode.cpp - a JPEG file into a picture, by the decoder that textures go through
 #include "cli/commands.h"
+#include "cli/warnings.h"
 #include "image/textures.h"
+#include "platform/boxes.h"
 #include "shell/picture_file.h"
 
 #include <stdio.h>
@@ -14,8 +16,7 @@ int runDecode(const Arguments& arguments)
     JpegOutput described;
     if (!loadTextureFile(path, &image, &opened, &described))
     {
-        if (!opened)
-            fprintf(stderr, "kbx: cannot read %s\n", path);
+        explainFailure(path, causeOfImage(path, opened).c_str());
         return 1;
     }
     int ok = writeDecodedPicture(arguments.output.c_str(), described, image.pixels);

@@ -1,8 +1,10 @@
 // cli/draw.cpp - the choices of the window, made by options, and the frames drawn with them
 #include "cli/draw.h"
 
+#include "cli/warnings.h"
 #include "image/textures.h"
 #include "model/memory.h"
+#include "platform/boxes.h"
 #include "shell/choices.h"
 #include "shell/scene.h"
 
@@ -19,8 +21,8 @@ static int32_t loadTexture(const std::string& name)
     int opened = 1;
     int ok = slot < textureUser ? loadTextureResource(image, builtInTextures[slot])
                                 : loadTextureFile(name.c_str(), image, &opened);
-    if (!opened)
-        fprintf(stderr, "kbx: cannot read %s\n", name.c_str());
+    if (!ok && slot == textureUser)
+        explainFailure(name.c_str(), causeOfImage(name, opened).c_str());
     return ok ? slot : -1;
 }
 

@@ -129,7 +129,7 @@ static void dumpNames(Output* out, const Mesh* mesh)
 
 int runDump(const Arguments& arguments)
 {
-    Mesh* mesh = loadModel(arguments.inputs[0], arguments.load);
+    Mesh* mesh = loadForWriting(arguments.inputs[0], arguments.load);
     if (!mesh)
         return 1;
     Output out;

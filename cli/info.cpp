@@ -2,8 +2,8 @@
 #include "cli/commands.h"
 #include "cli/load.h"
 #include "cli/output.h"
-#include "import/common/paths.h"
-#include "platform/terminal/terminal.h"
+#include "cli/warnings.h"
+#include "platform/boxes.h"
 #include "tools/statistics.h"
 
 #include <nlohmann/json.hpp>
@@ -61,19 +61,7 @@ static std::string grouped(int64_t value)
     return digits;
 }
 
-// A model whose textures are looked for.
-struct TextureSearch
-{
-    std::string modelPath;
-    FolderListings listings;
-};
-
-static bool textureFound(TextureSearch* search, const char* name)
-{
-    return !findTextureFile(search->modelPath.c_str(), name, &search->listings).empty();
-}
-
-static void putTexture(Output* out, TextureSearch* search, const char* kind, const char* name)
+static void putTexture(Output* out, const FoundTexture& texture, const char* kind, const char* name)
 {
     if (!*name)
         return;
@@ -81,7 +69,7 @@ static void putTexture(Output* out, TextureSearch* search, const char* kind, con
     put(out, kind);
     put(out, " ");
     putReadableName(out, name);
-    put(out, textureFound(search, name) ? " (found)" : " (missing)");
+    put(out, texture.path.empty() ? " (missing)" : " (found)");
 }
 
 static void putCount(Output* out, const char* label, int64_t value, const std::string& remark = {})
@@ -102,8 +90,9 @@ static void putAxis(Output* out, char axis, float min, float max)
     endLine(out);
 }
 
-static void printFacts(Output* out, const std::string& path, const Mesh* mesh, const Facts& facts)
+static void printFacts(Output* out, const std::string& path, const LoadedModel& model, const Facts& facts)
 {
+    const Mesh* mesh = model.mesh;
     put(out, path.c_str());
     endLine(out);
     putCount(out, "vertices", mesh->vertexCount);
@@ -128,15 +117,14 @@ static void printFacts(Output* out, const std::string& path, const Mesh* mesh, c
         put(out, (" " + grouped(facts.groupFaces[static_cast<size_t>(g)]) + " faces").c_str());
         endLine(out);
     }
-    TextureSearch search = { path, {} };
     putCount(out, "materials", mesh->materialCount);
     for (int32_t m = 0; m < mesh->materialCount; ++m)
     {
         put(out, "    ");
         putReadableName(out, mesh->materialNames[m]);
         put(out, (" " + grouped(facts.materialFaces[static_cast<size_t>(m)]) + " faces").c_str());
-        putTexture(out, &search, "texture", mesh->textureNames[m]);
-        putTexture(out, &search, "opacity", mesh->opacityNames[m]);
+        putTexture(out, model.textures.textures[static_cast<size_t>(m)], "texture", mesh->textureNames[m]);
+        putTexture(out, model.textures.opacities[static_cast<size_t>(m)], "opacity", mesh->opacityNames[m]);
         endLine(out);
     }
 }
@@ -146,15 +134,51 @@ static Json jsonOf(const float (&values)[3])
     return Json::array({ values[0], values[1], values[2] });
 }
 
-static Json textureJson(TextureSearch* search, const char* name)
+static Json textureJson(const FoundTexture& texture, const char* name)
 {
     if (!*name)
         return nullptr;
-    return { { "name", name }, { "found", textureFound(search, name) } };
+    if (texture.path.empty())
+        return { { "name", name }, { "found", false } };
+    return { { "name", name }, { "found", true }, { "file", texture.path }, { "bytes", texture.sizeBytes } };
 }
 
-static Json materialJson(TextureSearch* search, const Mesh* mesh, int32_t m, const Facts& facts)
+static Json placeJson(int64_t byte, int64_t line)
 {
+    Json place = Json::object();
+    if (line > 0)
+        place["line"] = line;
+    else if (byte >= 0)
+        place["byte"] = byte;
+    return place;
+}
+
+static Json warningsJson(const Report& report)
+{
+    Json warnings = Json::array();
+    for (int i = 0; i < reportKindCount; ++i)
+    {
+        auto kind = static_cast<ReportKind>(i);
+        const ReportEntry& entry = report.entries[i];
+        if (entry.count == 0)
+            continue;
+        Json warning = { { "kind", reportKey(kind) }, { "count", entry.count }, { "text", warningText(report, kind) } };
+        warning.update(placeJson(entry.firstByte, entry.firstLine));
+        if (report.namedKind == kind && report.nameCount > 0)
+        {
+            Json names = Json::array();
+            for (int32_t n = 0; n < report.nameCount; ++n)
+                names.push_back({ { "name", report.names[n].name }, { "count", report.names[n].count } });
+            warning["names"] = names;
+        }
+        warnings.push_back(warning);
+    }
+    return warnings;
+}
+
+static Json materialJson(const LoadedModel& model, int32_t m, const Facts& facts)
+{
+    const Mesh* mesh = model.mesh;
     const Material& material = mesh->materials[m];
     return {
         { "name", mesh->materialNames[m] },
@@ -167,20 +191,20 @@ static Json materialJson(TextureSearch* search, const Mesh* mesh, int32_t m, con
         { "specularLevel", material.specularLevel },
         { "shininess", material.shininess },
         { "transparency", material.transparency },
-        { "texture", textureJson(search, mesh->textureNames[m]) },
-        { "opacity", textureJson(search, mesh->opacityNames[m]) },
+        { "texture", textureJson(model.textures.textures[static_cast<size_t>(m)], mesh->textureNames[m]) },
+        { "opacity", textureJson(model.textures.opacities[static_cast<size_t>(m)], mesh->opacityNames[m]) },
     };
 }
 
-static Json jsonFacts(const std::string& path, const Mesh* mesh, const Facts& facts)
+static Json jsonFacts(const std::string& path, const LoadedModel& model, const Facts& facts)
 {
+    const Mesh* mesh = model.mesh;
     Json groups = Json::array();
     for (int32_t g = 0; g < mesh->groupCount; ++g)
         groups.push_back({ { "name", mesh->groupNames[g] }, { "faces", facts.groupFaces[static_cast<size_t>(g)] } });
-    TextureSearch search = { path, {} };
     Json materials = Json::array();
     for (int32_t m = 0; m < mesh->materialCount; ++m)
-        materials.push_back(materialJson(&search, mesh, m, facts));
+        materials.push_back(materialJson(model, m, facts));
     return {
         { "file", path },
         { "name", mesh->name },
@@ -202,7 +226,32 @@ static Json jsonFacts(const std::string& path, const Mesh* mesh, const Facts& fa
         { "duplicateVertices", facts.statistics.duplicateVertices },
         { "groups", groups },
         { "materials", materials },
+        { "warnings", warningsJson(model.report) },
     };
+}
+
+// Reads one file and answers for it. Returns whether it was read, and with --strict without a warning.
+static bool inspect(const std::string& path, const Arguments& arguments, Output* out, Json* all)
+{
+    LoadedModel model;
+    Facts facts;
+    bool read = loadModel(&model, path, arguments.load);
+    if (read && !gatherFacts(model.mesh, &facts))
+    {
+        model.error = "out of memory";
+        explainFailure(path.c_str(), model.error.c_str());
+        read = false;
+    }
+    if (arguments.json)
+        all->push_back(read ? jsonFacts(path, model, facts) : Json{ { "file", path }, { "error", model.error } });
+    else if (read)
+    {
+        if (out->lines > 0)
+            endLine(out);
+        printFacts(out, path, model, facts);
+    }
+    freeMesh(model.mesh);
+    return read && !(arguments.load.strict && hasWarnings(model.report));
 }
 
 int runInfo(const Arguments& arguments)
@@ -210,33 +259,9 @@ int runInfo(const Arguments& arguments)
     Output out;
     Json all = Json::array();
     bool allRead = true;
-    bool first = true;
     for (const std::string& path : arguments.inputs)
-    {
-        int boxesBefore = terminalBoxCount();
-        Mesh* mesh = loadModel(path, arguments.load);
-        Facts facts;
-        if (!mesh || !gatherFacts(mesh, &facts))
-        {
-            if (arguments.inputs.size() > 1 &&
-                terminalBoxCount() != boxesBefore) // most message boxes do not name the file
-                fprintf(stderr, "kbx: %s left out\n", path.c_str());
-            freeMesh(mesh);
-            allRead = false;
-            continue;
-        }
-        if (arguments.json)
-            all.push_back(jsonFacts(path, mesh, facts));
-        else
-        {
-            if (!first)
-                endLine(&out);
-            printFacts(&out, path, mesh, facts);
-        }
-        first = false;
-        freeMesh(mesh);
-    }
-    if (arguments.json && !all.empty())
+        allRead &= inspect(path, arguments, &out, &all);
+    if (arguments.json)
     {
         const Json& answer = arguments.inputs.size() == 1 ? all[0] : all;
         put(&out, answer.dump(2, ' ', false, Json::error_handler_t::replace).c_str());

@@ -1,10 +1,12 @@
 // cli/load.cpp - reading a model, running the tools and applying the filter
 #include "cli/load.h"
 
+#include "cli/warnings.h"
 #include "import/dispatch.h"
 #include "import/rkf.h"
 #include "model/ascii.h"
 #include "model/builtin.h"
+#include "platform/boxes.h"
 #include "platform/terminal/terminal.h"
 #include "tools/filter.h"
 
@@ -24,28 +26,30 @@ static bool isRkf(const std::string& path)
 static int readModel(Mesh* mesh, const std::string& path, const ReadOptions& options)
 {
     if (isRkf(path))
-        return LoadRkfFile(mesh, path.c_str());
+        return LoadRkfFile(mesh, path.c_str(), options.report);
     return readModelFile(mesh, path.c_str(), options);
 }
 
-// Returns 0 when a tool shows a message box. A tool that finds nothing to do has not failed, whatever it returns.
-static int runTools(Mesh* mesh, const std::vector<const MeshTool*>& tools)
+// Returns the tool that shows a message box, or null when all are done. A tool that finds nothing to do has not failed,
+// whatever it returns.
+static const MeshTool* runTools(Mesh* mesh, const std::vector<const MeshTool*>& tools)
 {
     for (const MeshTool* tool : tools)
     {
         int boxesBefore = terminalBoxCount();
         tool->run(mesh);
         if (terminalBoxCount() != boxesBefore)
-            return 0;
+            return tool;
     }
-    return 1;
+    return nullptr;
 }
 
-// Runs the tools, then applies the filter. Frees the mesh and returns null when a tool fails.
-static Mesh* repair(Mesh* mesh, const LoadArguments& load)
+// Runs the tools, then applies the filter. Frees the mesh and returns null when a tool fails; *error then says which.
+static Mesh* repair(Mesh* mesh, const LoadArguments& load, std::string* error)
 {
-    if (!runTools(mesh, load.tools))
+    if (const MeshTool* failed = runTools(mesh, load.tools))
     {
+        *error = std::string("the tool ") + failed->name + " failed";
         freeMesh(mesh);
         return nullptr;
     }
@@ -54,20 +58,26 @@ static Mesh* repair(Mesh* mesh, const LoadArguments& load)
     return mesh;
 }
 
-Mesh* loadModel(const std::string& path, const LoadArguments& load)
+bool loadModel(LoadedModel* model, const std::string& path, const LoadArguments& load)
 {
-    int boxesBefore = terminalBoxCount();
     Mesh* mesh = createMesh("prop");
     if (!mesh)
-        return nullptr;
-    if (!readModel(mesh, path, { load.keyframes }))
+        model->error = "out of memory";
+    else if (!readModel(mesh, path,
+                        { load.keyframes, load.plyList.empty() ? nullptr : load.plyList.c_str(), &model->report }))
     {
-        if (terminalBoxCount() == boxesBefore) // some readers fail without a message
-            fprintf(stderr, "kbx: cannot read %s\n", path.c_str());
+        model->error = causeOf(model->report, path);
         freeMesh(mesh);
-        return nullptr;
     }
-    return repair(mesh, load);
+    else
+    {
+        model->textures = findTextures(mesh, path, &model->report);
+        printWarnings(path, model->report, load.quiet);
+        model->mesh = repair(mesh, load, &model->error);
+    }
+    if (!model->mesh)
+        explainFailure(path.c_str(), model->error.c_str());
+    return model->mesh != nullptr;
 }
 
 Mesh* loadTeapot(const LoadArguments& load)
@@ -79,5 +89,21 @@ Mesh* loadTeapot(const LoadArguments& load)
         freeMesh(mesh);
         return nullptr;
     }
-    return repair(mesh, load);
+    std::string error;
+    mesh = repair(mesh, load, &error);
+    if (!mesh)
+        explainFailure("the built-in model", error.c_str());
+    return mesh;
+}
+
+Mesh* loadForWriting(const std::string& path, const LoadArguments& load)
+{
+    LoadedModel model;
+    if (!loadModel(&model, path, load))
+        return nullptr;
+    if (!load.strict || !hasWarnings(model.report))
+        return model.mesh;
+    explainFailure(path.c_str(), notWrittenStrictly);
+    freeMesh(model.mesh);
+    return nullptr;
 }

@@ -1,11 +1,28 @@
 // cli/load.h - loading a model for a command, with its tools and its filter
 #pragma once
 #include "cli/arguments.h"
+#include "cli/textures.h"
 #include "model/mesh.h"
+#include "model/report.h"
 
-// Reads a file by its extension (.rkf included), runs the tools in order, then applies the filter. The caller frees the
-// mesh. Null when the file cannot be read or a tool shows a message box; the reason is then on standard error.
-Mesh* loadModel(const std::string& path, const LoadArguments& load);
+// A model, what reading it left out, and where its textures are.
+struct LoadedModel
+{
+    Mesh* mesh = nullptr; // the caller frees it; null when the model failed
+    Report report = {};
+    ModelTextures textures;
+    std::string error; // why there is no mesh
+};
 
-// The built-in model, treated in the same way.
+// Reads a file by its extension (.rkf included), runs the tools in order, then applies the filter. Returns whether
+// there is a mesh; otherwise the file and the reason are on standard error. What was left out is printed as warnings,
+// which are no failure here.
+bool loadModel(LoadedModel* model, const std::string& path, const LoadArguments& load);
+
+// The built-in model, treated in the same way. Null when it fails.
 Mesh* loadTeapot(const LoadArguments& load);
+
+inline constexpr char notWrittenStrictly[] = "nothing is written after a warning, because of --strict";
+
+// For the commands that write: loads a model whose warnings, with --strict, are a failure. Null when it fails.
+Mesh* loadForWriting(const std::string& path, const LoadArguments& load);

@@ -8,6 +8,8 @@
 
 static int runCommand(const Arguments& arguments)
 {
+    if (arguments.load.quiet)
+        silenceNotices();
     switch (arguments.command)
     {
     case Command::info: return runInfo(arguments);

@@ -69,6 +69,7 @@ void putReadableName(Output* out, const char* name)
 void endLine(Output* out)
 {
     out->pending += '\n';
+    ++out->lines;
     if (out->pending.size() >= blockBytes)
         flushOutput(out);
 }

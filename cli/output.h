@@ -7,6 +7,7 @@
 struct Output
 {
     std::string pending;
+    int64_t lines = 0; // ended so far
     bool failed = false;
 };
 

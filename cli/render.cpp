@@ -9,7 +9,7 @@ int runRender(const Arguments& arguments)
 {
     const ViewArguments& view = arguments.view;
     bool builtIn = arguments.inputs.empty();
-    Mesh* mesh = builtIn ? loadTeapot(arguments.load) : loadModel(arguments.inputs[0], arguments.load);
+    Mesh* mesh = builtIn ? loadTeapot(arguments.load) : loadForWriting(arguments.inputs[0], arguments.load);
     if (!mesh)
         return 1;
     int ok =

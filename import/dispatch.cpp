@@ -1,6 +1,7 @@
 // import/dispatch.cpp - the table of readers
 #include "import/dispatch.h"
 
+#include "import/common/report_lines.h"
 #include "import/text/dxf.h"
 #include "import/obj/obj.h"
 #include "import/text/off.h"
@@ -20,16 +21,21 @@ struct Reader
     int (*load)(Mesh* mesh, const char* path, const ReadOptions& options);
 };
 
-// For the readers that have no options.
-template <int (*load)(Mesh* mesh, const char* path)>
-static int loadWithoutOptions(Mesh* mesh, const char* path, const ReadOptions&)
+// For the readers that have no options but the report.
+template <int (*load)(Mesh* mesh, const char* path, Report* report)>
+static int loadWithoutOptions(Mesh* mesh, const char* path, const ReadOptions& options)
 {
-    return load(mesh, path);
+    return load(mesh, path, options.report);
 }
 
 static int load3ds(Mesh* mesh, const char* path, const ReadOptions& options)
 {
-    return Load3dsFile(mesh, path, options.keyframes3ds);
+    return Load3dsFile(mesh, path, options.keyframes3ds, options.report);
+}
+
+static int loadPly(Mesh* mesh, const char* path, const ReadOptions& options)
+{
+    return LoadPlyFile(mesh, path, options.plyList, options.report);
 }
 
 // clang-format off
@@ -41,7 +47,7 @@ static constexpr Reader readers[] = {
     { "PP2", loadWithoutOptions<LoadPoserFile> },
     { "HR2", loadWithoutOptions<LoadPoserFile> },
     { "CR2", loadWithoutOptions<LoadPoserFile> },
-    { "PLY", loadWithoutOptions<LoadPlyFile> },
+    { "PLY", loadPly },
     { "STL", loadWithoutOptions<LoadStlFile> },
 };
 // clang-format on
@@ -76,9 +82,15 @@ int isModelName(const char* path)
 int readModelFile(Mesh* mesh, const char* path, const ReadOptions& options)
 {
     if (!hasExtension(path))
-        return 0;
+        return failReading(options.report, -1, "the name has no extension that says how to read it");
     if (const Reader* reader = findReader(path))
-        return reader->load(mesh, path, options);
+    {
+        int ok = reader->load(mesh, path, options);
+        if (options.report)
+            locateReport(options.report, path);
+        return ok;
+    }
+    failReading(options.report, -1, "files with this extension are not read");
     messageBox("Not supported file format", fileNameOf(path), iconStop);
     return 0;
 }

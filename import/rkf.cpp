@@ -20,13 +20,13 @@ static bool readRecords(FILE* file, void* records, int32_t count, size_t recordB
 }
 
 // The counts are trusted only as far as the file has bytes for them.
-static int readHeader(FILE* file, RkfHeader* header)
+static int readHeader(FILE* file, RkfHeader* header, Report* report)
 {
     int64_t sizeBytes = measureFile(file);
     if (!readRecords(file, header, 1, sizeof *header))
-        return 0;
+        return failReading(report, -1, "the file is shorter than its header of %zu bytes", sizeof *header);
     if (header->vertexCount < 0 || header->faceCount < 0 || header->materialCount < 0)
-        return 0;
+        return failReading(report, 0, "a count below 0");
     int64_t needed = static_cast<int64_t>(sizeof *header) +
                      header->vertexCount * static_cast<int64_t>(sizeof(RkfPosition)) +
                      header->faceCount * static_cast<int64_t>(2 * sizeof(Corners));
@@ -34,8 +34,11 @@ static int readHeader(FILE* file, RkfHeader* header)
     {
         needed += header->materialCount * static_cast<int64_t>(sizeof(Material));
         if (header->materialCount > materialLimit)
-            return 0;
+            return failReading(report, 0, "more than %d materials", materialLimit);
     }
+    if (needed > sizeBytes)
+        failReading(report, 0, "%d vertices and %d faces do not fit in the file", header->vertexCount,
+                    header->faceCount);
     return needed <= sizeBytes;
 }
 
@@ -52,7 +55,12 @@ static int makeRoom(Mesh* mesh, const RkfHeader& header)
     return 1;
 }
 
-static int readPositions(FILE* file, Mesh* mesh)
+static int64_t positionByte(int64_t vertex)
+{
+    return static_cast<int64_t>(sizeof(RkfHeader)) + vertex * static_cast<int64_t>(sizeof(RkfPosition));
+}
+
+static int readPositions(FILE* file, Mesh* mesh, Report* report)
 {
     RkfPosition block[rkfBlockRecords];
     for (int32_t done = 0; done < mesh->vertexCount;)
@@ -63,8 +71,7 @@ static int readPositions(FILE* file, Mesh* mesh)
         for (int32_t i = 0; i < count; ++i)
         {
             MeshVertex* vertex = &mesh->vertices[done + i];
-            for (float& value : block[i].xyz)
-                SanitizeFloat(&value);
+            note(report, valuesZeroed, positionByte(done + i), sanitizeEach(block[i].xyz));
             memcpy(vertex->position, block[i].xyz, sizeof vertex->position);
             vertex->colour = opaqueWhite;
         }
@@ -88,7 +95,7 @@ static int unpackFace(Corners* corners, uint32_t* attributes, uint32_t vertexCou
     return 1;
 }
 
-static int readFaces(FILE* file, Mesh* mesh)
+static int readFaces(FILE* file, Mesh* mesh, Report* report)
 {
     for (int32_t done = 0; done < mesh->faceCount;)
     {
@@ -98,7 +105,8 @@ static int readFaces(FILE* file, Mesh* mesh)
         for (int32_t f = done; f < done + count; ++f)
         {
             if (!unpackFace(&mesh->faces[f], &mesh->faceAttributes[f], static_cast<uint32_t>(mesh->vertexCount)))
-                return 0;
+                return failReading(report, positionByte(mesh->vertexCount) + f * static_cast<int64_t>(sizeof(Corners)),
+                                   "face %d has a corner that is not a vertex", f);
         }
         done += count;
     }
@@ -145,36 +153,40 @@ static int readMaterials(FILE* file, Mesh* mesh, const RkfHeader& header)
 }
 
 // Faces get material 0 when the file lacks the materials that they name.
-static void dropMissingMaterials(Mesh* mesh)
+static void dropMissingMaterials(Mesh* mesh, Report* report)
 {
     for (int32_t f = 0; f < mesh->faceCount; ++f)
     {
-        if (mesh->faceAttributes[f] >= static_cast<uint32_t>(mesh->materialCount))
-            mesh->faceAttributes[f] = 0;
+        if (mesh->faceAttributes[f] < static_cast<uint32_t>(mesh->materialCount))
+            continue;
+        if (mesh->faceAttributes[f] > 0)
+            noteDetail(report, materialsMissing, -1, "the first is number %u of %d", mesh->faceAttributes[f],
+                       mesh->materialCount);
+        mesh->faceAttributes[f] = 0;
     }
 }
 
-int ReadRkf(Mesh* mesh, FILE* file)
+int ReadRkf(Mesh* mesh, FILE* file, Report* report)
 {
     RkfHeader header;
-    if (!readHeader(file, &header) || !makeRoom(mesh, header))
+    if (!readHeader(file, &header, report) || !makeRoom(mesh, header))
         return 0;
-    if (!readPositions(file, mesh) || !readFaces(file, mesh) || !readCoords(file, mesh))
+    if (!readPositions(file, mesh, report) || !readFaces(file, mesh, report) || !readCoords(file, mesh))
         return 0;
     computeNormals(mesh);
     computeBounds(mesh);
     if (!readMaterials(file, mesh, header))
         return 0;
-    dropMissingMaterials(mesh);
+    dropMissingMaterials(mesh, report);
     return 1;
 }
 
-int LoadRkfFile(Mesh* mesh, const char* path)
+int LoadRkfFile(Mesh* mesh, const char* path, Report* report)
 {
     FILE* file = openFile(path, "rb");
     if (!file)
         return 0;
-    int ok = ReadRkf(mesh, file);
+    int ok = ReadRkf(mesh, file, report);
     fclose(file);
     if (!ok)
         messageBox("File Error", "Error", iconNone);

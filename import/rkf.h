@@ -1,6 +1,7 @@
 // import/rkf.h - reading RKF, the program's own compact binary mesh; model/rkf_format.h has its layout
 #pragma once
 #include "model/mesh.h"
+#include "model/report.h"
 
 #include <stdio.h>
 
@@ -9,7 +10,11 @@
 // out. Returns 1, or 0 for a short file, for counts below 0 or larger than the file can hold, for corner indices past
 // the last vertex and for more than 512 materials. It shows no box except "Out of memory". After a failure the mesh can
 // only be passed to freeMesh.
-int ReadRkf(Mesh* mesh, FILE* file);
+int ReadRkf(Mesh* mesh, FILE* file, Report* report = nullptr);
 
 // Reads a file given by its name. Returns 1, or 0: silently when the file does not open, otherwise after "File Error".
-int LoadRkfFile(Mesh* mesh, const char* path);
+int LoadRkfFile(Mesh* mesh, const char* path, Report* report);
+inline int LoadRkfFile(Mesh* mesh, const char* path)
+{
+    return LoadRkfFile(mesh, path, nullptr);
+}

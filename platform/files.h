@@ -10,7 +10,7 @@
 #include <vector>
 
 // fopen for a UTF-8 path. Null when the file does not open, for a folder, and for reading from a device, which may
-// never end.
+// never end. errno then has the cause.
 FILE* openFile(const char* path, const char* mode);
 
 // Returns 1 when the path, with links followed, leads to a regular file, and 0 for a folder, a device, a pipe or

@@ -56,6 +56,12 @@ inline int64_t blockPosition(const BlockSource* source)
     return source->blockStart + (source->at - source->block);
 }
 
+// The position in the file of a byte of the block.
+inline int64_t bytePositionOf(const BlockSource* source, const char* at)
+{
+    return source->blockStart + (at - source->block);
+}
+
 // The fraction of the file that has been read, for progress bars.
 inline float blockFraction(const BlockSource* source)
 {

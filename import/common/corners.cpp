@@ -100,11 +100,12 @@ static int dropRepeated(int32_t* vertices, int count)
 
 template <typename Scan>
 static int parseCorners(Scan scan, const char* text, int32_t vertexCount, int32_t uvCount, int32_t* vertices,
-                        int32_t* uvs, const char** end)
+                        int32_t* uvs, CornerFindings* findings)
 {
     int count = 0;
+    int32_t uvsReset = 0;
     const char* at = text;
-    *end = text;
+    *findings = { text, 0, 0, true, false };
     for (;;)
     {
         while (*at == ' ')
@@ -112,7 +113,10 @@ static int parseCorners(Scan scan, const char* text, int32_t vertexCount, int32_
         if (isTextEnd(*at))
             break;
         if (count == cornerLimit)
+        {
+            *findings = { text, 0, 0, false, true };
             return 0;
+        }
         int32_t vertex, uv;
         at = scan(at, &vertex, &uv);
         if (!at)
@@ -122,9 +126,10 @@ static int parseCorners(Scan scan, const char* text, int32_t vertexCount, int32_
             return 0;
         vertices[count] = static_cast<int32_t>(resolved);
         uvs[count] = resolveUv(uv, uvCount);
+        uvsReset += uv > uvCount || uv < -uvCount;
         ++count;
     }
-    *end = at;
+    *findings = { at, count, uvsReset, false, false };
     if (count >= 3 && !anyRepeated(vertices, count))
         return count;
     return dropRepeated(vertices, count);
@@ -133,14 +138,33 @@ static int parseCorners(Scan scan, const char* text, int32_t vertexCount, int32_
 int ParseFaceCorners(const char* text, int32_t vertexCount, int32_t uvCount, int32_t (&vertices)[cornerLimit],
                      int32_t (&uvs)[cornerLimit])
 {
-    const char* end;
-    return parseCorners(scanCorner, text, vertexCount, uvCount, vertices, uvs, &end);
+    CornerFindings findings;
+    return parseCorners(scanCorner, text, vertexCount, uvCount, vertices, uvs, &findings);
 }
 
 int parseFaceCornersPadded(const char* text, int32_t vertexCount, int32_t uvCount, int32_t (&vertices)[cornerLimit],
-                           int32_t (&uvs)[cornerLimit], const char** end)
+                           int32_t (&uvs)[cornerLimit], CornerFindings* findings)
 {
-    return parseCorners(scanCornerPadded, text, vertexCount, uvCount, vertices, uvs, end);
+    return parseCorners(scanCornerPadded, text, vertexCount, uvCount, vertices, uvs, findings);
+}
+
+void noteCorners(Report* report, int64_t byte, const CornerFindings& findings, int count, int least)
+{
+    if (!report)
+        return;
+    if (findings.tooMany)
+        note(report, facesTooManyCorners, byte);
+    else if (findings.bad)
+        note(report, facesBadCorners, byte);
+    else if (findings.given < least)
+        note(report, facesTooFewCorners, byte);
+    else if (count < least)
+        note(report, facesRepeatedCorners, byte);
+    else
+    {
+        note(report, cornersRepeated, byte, count < findings.given);
+        note(report, uvIndicesReset, byte, findings.uvsReset);
+    }
 }
 
 static uint32_t vertexOf(const CornerList& corners, int32_t k)

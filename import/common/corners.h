@@ -4,6 +4,7 @@
 // corners become a fan of triangles from their first corner; a polyline becomes a chain of records that share an end.
 #pragma once
 #include "model/mesh.h"
+#include "model/report.h"
 
 constexpr int32_t cornerLimit = 32; // of one face or line statement
 
@@ -20,10 +21,22 @@ constexpr int32_t cornerLimit = 32; // of one face or line statement
 int ParseFaceCorners(const char* text, int32_t vertexCount, int32_t uvCount, int32_t (&vertices)[cornerLimit],
                      int32_t (&uvs)[cornerLimit]);
 
-// Does the same faster, for a text with numberPaddingRoom readable bytes after its end. *end receives the place where
-// reading stopped; when the statement was not rejected, that is the end of the text.
+// What was found besides the corners.
+struct CornerFindings
+{
+    const char* end;  // where reading stopped; when the statement was not rejected, the end of the text
+    int32_t given;    // corners in a text that was not rejected, repeated ones included
+    int32_t uvsReset; // texture indices that became 1: past the last texture coordinate or before the first
+    bool bad;         // rejected for an index out of range or a missing number
+    bool tooMany;     // rejected for too many corners
+};
+
+// Does the same faster, for a text with numberPaddingRoom readable bytes after its end.
 int parseFaceCornersPadded(const char* text, int32_t vertexCount, int32_t uvCount, int32_t (&vertices)[cornerLimit],
-                           int32_t (&uvs)[cornerLimit], const char** end);
+                           int32_t (&uvs)[cornerLimit], CornerFindings* findings);
+
+// Counts what a face or polyline statement lost that needs `least` corners and kept `count` of them.
+void noteCorners(Report* report, int64_t byte, const CornerFindings& findings, int count, int least);
 
 // The corners of one polygon or polyline. Corner k is vertex firstVertex + vertices[k] of the mesh, and the same holds
 // for texture coordinates; with 1-based indices firstVertex and firstUv are -1. Without uvs every texture index is 0.

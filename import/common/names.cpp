@@ -54,11 +54,23 @@ int32_t findOrAddName(NameTable* table, const char* text)
     return table->places[place] - 1;
 }
 
-void copyNameFromText(char (&slot)[nameRoom], const char* text)
+static size_t nameLength(const char* text)
 {
     size_t length = 0;
     while (length < nameRoom - 1 && text[length] && text[length] != '\n' && text[length] != '\r')
         ++length;
+    return length;
+}
+
+bool isNameCut(const char* text)
+{
+    size_t length = nameLength(text);
+    return text[length] && text[length] != '\n' && text[length] != '\r';
+}
+
+void copyNameFromText(char (&slot)[nameRoom], const char* text)
+{
+    size_t length = nameLength(text);
     memcpy(slot, text, length);
     memset(slot + length, 0, nameRoom - length);
 }

@@ -27,5 +27,8 @@ int32_t findName(const NameTable* table, const char* name);
 // slot. Returns -1 when all slots are taken.
 int32_t findOrAddName(NameTable* table, const char* text);
 
+// Whether a text that ends with 0 or a line end is too long for a slot.
+bool isNameCut(const char* text);
+
 // Copies a text that ends with 0 or a line end, cut to nameRoom - 1 bytes. The rest of the slot is zero.
 void copyNameFromText(char (&slot)[nameRoom], const char* text);

@@ -37,17 +37,20 @@ inline bool isGoodFloat(uint32_t bits)
     return floatExponent(bits) < badFloatExponent;
 }
 
-// Checks each value by itself.
+// Checks each value by itself. Returns how many are bad.
 template <size_t count>
-inline void sanitizeEach(float (&values)[count])
+inline int sanitizeEach(float (&values)[count])
 {
+    int bad = 0;
     for (float& value : values)
-        SanitizeFloat(&value);
+        bad += !SanitizeFloat(&value);
+    return bad;
 }
 
 // Checks the values of one position or texture coordinate together, without a branch: all become 0 when one is bad.
+// Returns whether all are good.
 template <size_t count>
-inline void sanitizeTogether(float (&values)[count])
+inline bool sanitizeTogether(float (&values)[count])
 {
     uint32_t bits[count];
     memcpy(bits, values, sizeof bits);
@@ -56,4 +59,5 @@ inline void sanitizeTogether(float (&values)[count])
         good &= int{ isGoodFloat(word) };
     for (size_t i = 0; i < count; ++i)
         values[i] = std::bit_cast<float>(good ? sanitizedBits(bits[i]) : 0);
+    return good != 0;
 }

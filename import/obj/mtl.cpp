@@ -42,59 +42,69 @@ static int32_t slotOf(const Mesh* mesh, const NameTable& names, const char* name
     return slot >= 0 ? slot : mesh->materialCount;
 }
 
-static void readColour(float* colour, const char* value)
+// Checks numbers of a library, each by itself.
+template <size_t count>
+static void checkValues(Report* report, float (&values)[count])
+{
+    note(report, valuesZeroed, -1, sanitizeEach(values));
+}
+
+static void readColour(float* colour, const char* value, Report* report)
 {
     float read[3];
     if (scanFloats(value, read, 3) < 3)
         return;
-    for (int i = 0; i < 3; ++i)
-    {
-        SanitizeFloat(&read[i]);
-        colour[i] = read[i];
-    }
+    checkValues(report, read);
+    memcpy(colour, read, sizeof read);
 }
 
-static void readShininess(Material* material, const char* value)
+static void readShininess(Material* material, const char* value, Report* report)
 {
-    float shininess;
-    if (scanFloats(value, &shininess, 1) < 1)
+    float shininess[1];
+    if (scanFloats(value, shininess, 1) < 1)
         return;
-    SanitizeFloat(&shininess);
-    material->shininess = static_cast<int32_t>(shininess);
+    checkValues(report, shininess);
+    material->shininess = static_cast<int32_t>(shininess[0]);
 }
 
-static void readOpacity(Material* material, const char* value)
+static void readOpacity(Material* material, const char* value, Report* report)
 {
-    float opacity;
-    if (scanFloats(value, &opacity, 1) < 1)
+    float opacity[1];
+    if (scanFloats(value, opacity, 1) < 1)
         return;
-    SanitizeFloat(&opacity);
-    if (!(opacity >= 0.01f))
-        opacity = 0;
-    if (opacity > 1)
-        opacity = 1;
-    material->transparency = 1 - opacity;
+    checkValues(report, opacity);
+    if (!(opacity[0] >= 0.01f))
+        opacity[0] = 0;
+    if (opacity[0] > 1)
+        opacity[0] = 1;
+    material->transparency = 1 - opacity[0];
 }
 
-static void readValue(const MtlTarget& target, const char* keyword, const char* value)
+static void readTexture(char (&slot)[nameRoom], const char* value, Report* report)
+{
+    note(report, namesCut, -1, isNameCut(value));
+    copyNameFromText(slot, value);
+}
+
+static void readValue(const MtlTarget& target, const char* keyword, const char* value, Report* report)
 {
     if (strcmp(keyword, "Ns") == 0)
-        readShininess(target.material, value);
+        readShininess(target.material, value, report);
     else if (strcmp(keyword, "Ka") == 0)
-        readColour(target.material->ambient, value);
+        readColour(target.material->ambient, value, report);
     else if (strcmp(keyword, "Kd") == 0)
-        readColour(target.material->diffuse, value);
+        readColour(target.material->diffuse, value, report);
     else if (strcmp(keyword, "Ks") == 0)
-        readColour(target.material->specular, value);
+        readColour(target.material->specular, value, report);
     else if (strcmp(keyword, "d") == 0)
-        readOpacity(target.material, value);
+        readOpacity(target.material, value, report);
     else if (strcmp(keyword, "map_Kd") == 0)
-        copyNameFromText(*target.texture, value);
+        readTexture(*target.texture, value, report);
     else if (strcmp(keyword, "map_d") == 0)
-        copyNameFromText(*target.opacity, value);
+        readTexture(*target.opacity, value, report);
 }
 
-static void readLibrary(Mesh* mesh, FILE* file)
+static void readLibrary(Mesh* mesh, FILE* file, Report* report)
 {
     NameTable names;
     startNames(&names, mesh->materialNames);
@@ -104,6 +114,8 @@ static void readLibrary(Mesh* mesh, FILE* file)
     char line[mtlLineRoom];
     while (fgets(line, sizeof line, file))
     {
+        if (strlen(line) == sizeof line - 1 && !strchr(line, '\n'))
+            noteDetail(report, linesTooLong, -1, "in the material library, longer than %d bytes", mtlLineRoom - 2);
         char* value = strchr(line, ' ');
         if (!value)
             continue;
@@ -112,17 +124,19 @@ static void readLibrary(Mesh* mesh, FILE* file)
         if (strcmp(line, "newmtl") == 0)
             target = targetOf(mesh, slotOf(mesh, names, value), &scratch);
         else
-            readValue(target, line, value);
+            readValue(target, line, value, report);
     }
 }
 
-void ReadMtlFile(Mesh* mesh, const char* path)
+void ReadMtlFile(Mesh* mesh, const char* path, Report* report)
 {
     FILE* file = *path ? openFile(path, "rb") : nullptr;
     if (!file)
         return;
     int64_t sizeBytes = measureFile(file);
     if (sizeBytes >= 0 && sizeBytes <= mtlBytesLimit)
-        readLibrary(mesh, file);
+        readLibrary(mesh, file, report);
+    else
+        noteDetail(report, libraryMissing, -1, "it is larger than 64 MiB or has no size");
     fclose(file);
 }

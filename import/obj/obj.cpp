@@ -101,7 +101,7 @@ static bool estimateObj(const BlockSource* source, ObjEstimate* estimate)
 // Reads the numbers of a position or a texture coordinate. All of them become 0 when one is missing or bad. *stop
 // receives the place where reading stopped.
 template <size_t count>
-static void readCoordinates(const char* at, float (&values)[count], const char** stop)
+static void readCoordinates(const ObjReader* reader, const char* at, float (&values)[count], const char** stop)
 {
     size_t found = 0;
     *stop = at;
@@ -114,17 +114,20 @@ static void readCoordinates(const char* at, float (&values)[count], const char**
             break;
         *stop = at;
     }
-    if (found == count)
-        sanitizeTogether(values);
-    else
+    if (found < count)
+    {
         memset(values, 0, sizeof values);
+        note(reader->report, numbersMissing, objStatementByte(&reader->source));
+    }
+    else if (!sanitizeTogether(values))
+        note(reader->report, valuesZeroed, objStatementByte(&reader->source));
 }
 
 static Outcome readVertex(ObjReader* reader, const char* text)
 {
     float position[3];
     const char* stop;
-    readCoordinates(text, position, &stop);
+    readCoordinates(reader, text, position, &stop);
     if (!endObjStatement(&reader->source, stop))
         return readingEnds;
     Mesh* mesh = reader->mesh;
@@ -147,7 +150,7 @@ static Outcome readUv(ObjReader* reader, const char* text)
 {
     float uv[2];
     const char* stop;
-    readCoordinates(text, uv, &stop);
+    readCoordinates(reader, text, uv, &stop);
     if (!endObjStatement(&reader->source, stop))
         return readingEnds;
     if (ClampTexCoords)
@@ -181,12 +184,15 @@ static bool makeFaceRoom(ObjReader* reader, int32_t records)
 static Outcome readCorners(ObjReader* reader, const char* text, int kind)
 {
     int32_t vertices[cornerLimit], uvs[cornerLimit];
-    const char* stop;
-    int count = parseFaceCornersPadded(text, reader->vertexCount, reader->uvCount, vertices, uvs, &stop);
-    if (!endObjStatement(&reader->source, stop))
+    CornerFindings findings;
+    int count = parseFaceCornersPadded(text, reader->vertexCount, reader->uvCount, vertices, uvs, &findings);
+    int64_t byte = objStatementByte(&reader->source);
+    if (!endObjStatement(&reader->source, findings.end))
         return readingEnds;
     bool line = kind == objPolyline;
-    if (count < (line ? 2 : 3))
+    int least = line ? 2 : 3;
+    noteCorners(reader->report, byte, findings, count, least);
+    if (count < least)
         return readingContinues;
     if (!makeFaceRoom(reader, line ? polylineRecords(count) : polygonRecords(count)))
         return readingFails;
@@ -205,16 +211,31 @@ static Outcome readCorners(ObjReader* reader, const char* text, int kind)
 
 // Reads a group or material name: the rest of the line, blanks included. When all slots are taken, a new name changes
 // nothing.
-static void readName(ObjReader* reader, const char* text, int kind)
+static void readName(ObjReader* reader, const char* text, int kind, int64_t byte)
 {
-    int32_t slot = findOrAddName(kind == objGroup ? &reader->groups : &reader->materials, text);
+    NameTable* table = kind == objGroup ? &reader->groups : &reader->materials;
+    int32_t before = table->count, slot = findOrAddName(table, text);
     if (slot < 0)
+    {
+        note(reader->report, kind == objGroup ? groupsPastLimit : materialsPastLimit, byte);
         return;
+    }
+    if (slot == before && isNameCut(text))
+        note(reader->report, namesCut, byte);
     uint32_t index = static_cast<uint32_t>(slot);
     if (kind == objGroup)
         reader->attributes = (reader->attributes & ~faceGroupMask) | index << faceGroupShift;
     else
         reader->attributes = (reader->attributes & ~faceMaterialMask) | index;
+}
+
+// The last library that is named counts.
+static void readLibraryName(ObjReader* reader, const char* text, int64_t byte)
+{
+    note(reader->report, librariesIgnored, reader->libraryByte, reader->library[0] != 0);
+    note(reader->report, namesCut, byte, isNameCut(text));
+    copyNameFromText(reader->library, text);
+    reader->libraryByte = byte;
 }
 
 static Outcome readStatement(ObjReader* reader, int kind, const char* text)
@@ -227,12 +248,13 @@ static Outcome readStatement(ObjReader* reader, int kind, const char* text)
     case objPolyline: return readCorners(reader, text, kind);
     case objEmpty: return readingContinues;
     }
+    int64_t byte = objStatementByte(&reader->source);
     if (!endObjStatement(&reader->source, text)) // the text stays valid
         return readingEnds;
     if (kind == objLibrary)
-        copyNameFromText(reader->library, text);
+        readLibraryName(reader, text, byte);
     else
-        readName(reader, text, kind);
+        readName(reader, text, kind, byte);
     return readingContinues;
 }
 
@@ -259,7 +281,11 @@ static bool readStatements(ObjReader* reader)
             untilProgress = progressStep;
         }
     }
-    return outcome != readingFails && reader->vertexCount > 0 && reader->faceCount > 0;
+    if (outcome == readingFails)
+        return false;
+    if (reader->vertexCount == 0)
+        return failForLackOf(reader->report, "no vertex");
+    return reader->faceCount > 0 || failForLackOf(reader->report, "no face and no line");
 }
 
 static bool readGeometry(ObjReader* reader)
@@ -268,6 +294,15 @@ static bool readGeometry(ObjReader* reader)
     return estimateObj(&reader->source.blocks, &reader->estimate) &&
            growVertices(mesh, std::max(leastGrowth, reader->estimate.vertices)) &&
            growUvs(mesh, std::max(leastGrowth, reader->estimate.uvs)) && readStatements(reader);
+}
+
+static void readLibrary(const ObjReader* reader, const char* path)
+{
+    FolderListings listings;
+    std::string library = findModelFile(path, reader->library, &listings);
+    if (library.empty() && reader->library[0])
+        noteDetail(reader->report, libraryMissing, reader->libraryByte, "there is no \"%s\"", reader->library);
+    ReadMtlFile(reader->mesh, library.c_str(), reader->report);
 }
 
 static int finishMesh(const ObjReader* reader, const char* path)
@@ -284,15 +319,17 @@ static int finishMesh(const ObjReader* reader, const char* path)
     computeBounds(mesh);
     if (mesh->uvCount == 0 && !resetUvs(mesh))
         return 0;
-    FolderListings listings;
-    ReadMtlFile(mesh, findModelFile(path, reader->library, &listings).c_str());
+    readLibrary(reader, path);
     return 1;
 }
 
-static int readObj(ObjReader* reader, Mesh* mesh, const char* path, size_t blockBytes)
+static int readObj(ObjReader* reader, Mesh* mesh, const char* path, size_t blockBytes, Report* report)
 {
-    if (!openObjSource(&reader->source, path, blockBytes))
+    if (!openObjSource(&reader->source, path, blockBytes, report))
         return 0;
+    reader->report = report;
+    if (report)
+        report->isText = true;
     reader->mesh = mesh;
     reader->vertexCount = reader->uvCount = reader->faceCount = reader->polygonCount = reader->lineCount = 0;
     reader->attributes = 0;
@@ -304,24 +341,24 @@ static int readObj(ObjReader* reader, Mesh* mesh, const char* path, size_t block
     return ok && finishMesh(reader, path);
 }
 
-int parseObjInBlocks(Mesh* mesh, const char* path, size_t blockBytes)
+int parseObjInBlocks(Mesh* mesh, const char* path, size_t blockBytes, Report* report)
 {
     // From the heap, where the next file finds the block touched: fresh pages cost a small file a fifth of its time.
     auto* reader = static_cast<ObjReader*>(allocateZeroed(1, sizeof(ObjReader)));
-    int ok = reader ? readObj(reader, mesh, path, blockBytes) : reportOutOfMemory();
+    int ok = reader ? readObj(reader, mesh, path, blockBytes, report) : reportOutOfMemory();
     free(reader);
     return ok;
 }
 
-int ParseObjFile(Mesh* mesh, const char* path)
+int ParseObjFile(Mesh* mesh, const char* path, Report* report)
 {
-    return parseObjInBlocks(mesh, path, blockRoom);
+    return parseObjInBlocks(mesh, path, blockRoom, report);
 }
 
-int LoadObjFile(Mesh* mesh, const char* path)
+int LoadObjFile(Mesh* mesh, const char* path, Report* report)
 {
     showProgress("LOADING.....");
-    int ok = ParseObjFile(mesh, path);
+    int ok = ParseObjFile(mesh, path, report);
     closeProgress();
     if (!ok)
         messageBox("Error: failed to open", path, iconStop);

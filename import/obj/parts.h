@@ -7,6 +7,7 @@
 #include "import/common/names.h"
 #include "import/common/numbers.h"
 #include "model/mesh.h"
+#include "model/report.h"
 
 enum ObjStatementKind
 {
@@ -26,6 +27,7 @@ constexpr int objTextRoom = 2048; // an argument of this length ends the reading
 struct ObjSource
 {
     const char* linesEnd; // after the last line end of the block; statements that start before it lie in the block
+    Report* report;       // null: none
     bool copied;          // the argument is in text, and its line end has been taken
     char text[objTextRoom + numberPaddingRoom];
     BlockSource blocks;
@@ -33,7 +35,7 @@ struct ObjSource
 
 // Opens the file, to be read in blocks of blockBytes. Returns 1, or 0 without a message when the file does not open or
 // is empty.
-int openObjSource(ObjSource* source, const char* path, size_t blockBytes);
+int openObjSource(ObjSource* source, const char* path, size_t blockBytes, Report* report = nullptr);
 void closeObjSource(ObjSource* source);
 
 // The next byte; returns 0 at the end of the input.
@@ -45,6 +47,12 @@ int ReadObjChar(ObjSource* source, char* out);
 // before this statement.
 int NextObjStatement(ObjSource* source, const char** text);
 int endObjStatement(ObjSource* source, const char* at);
+
+// A position in the line of the statement that NextObjStatement has found, for the report. Valid until endObjStatement.
+inline int64_t objStatementByte(const ObjSource* source)
+{
+    return blockPosition(&source->blocks) - source->copied;
+}
 
 // The position in the file for the progress bar, in steps of 4096 bytes.
 int64_t objPosition(const ObjSource* source);
@@ -63,6 +71,8 @@ struct ObjReader
     uint32_t attributes; // of the next face: current material and group
     NameTable groups, materials;
     char library[nameRoom];
+    int64_t libraryByte; // of its statement
+    Report* report;      // null: none
     ObjSource source;
 };
 
@@ -72,4 +82,4 @@ struct ObjReader
 int32_t takePlainStatements(ObjReader* reader, int32_t most);
 
 // ParseObjFile with a given block size. Tests use small blocks so that statements run across blocks.
-int parseObjInBlocks(Mesh* mesh, const char* path, size_t blockBytes);
+int parseObjInBlocks(Mesh* mesh, const char* path, size_t blockBytes, Report* report = nullptr);

@@ -132,6 +132,12 @@ static int outOfRange(__m128i indices, int32_t count)
     return ~_mm_movemask_ps(_mm_castsi128_ps(_mm_andnot_si128(_mm_srai_epi32(indices, 31), inside)));
 }
 
+// Counts the texture indices past the last texture coordinate, which takeFace sets to the first one.
+static void noteUnknownUvs(const ObjReader* reader, const char* at, int past)
+{
+    note(reader->report, uvIndicesReset, bytePositionOf(&reader->source.blocks, at), __builtin_popcount(past));
+}
+
 static const char* takeFace(const char* at, const ObjReader* reader, int32_t slot)
 {
     PlainFace face;
@@ -143,6 +149,9 @@ static const char* takeFace(const char* at, const ObjReader* reader, int32_t slo
     if ((outOfRange(vertices, reader->vertexCount) & ((1 << face.count) - 1)) || anyTwoEqual(vertices))
         return nullptr;
     __m128i known = _mm_andnot_si128(_mm_srai_epi32(uvs, 31), _mm_cmplt_epi32(uvs, _mm_set1_epi32(reader->uvCount)));
+    __m128i past = _mm_cmpgt_epi32(uvs, _mm_set1_epi32(reader->uvCount - 1));
+    if (int pastMask = _mm_movemask_ps(_mm_castsi128_ps(past)))
+        noteUnknownUvs(reader, at, pastMask);
     Mesh* mesh = reader->mesh;
     storeCorners(&mesh->faces[slot], vertices);
     storeCorners(&mesh->faceUvs[slot], _mm_and_si128(uvs, known)); // an unknown index becomes the first one

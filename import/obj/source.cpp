@@ -6,7 +6,7 @@
 // Neither a keyword nor an argument: the scan continues after it.
 constexpr int objDropped = -1;
 
-int openObjSource(ObjSource* source, const char* path, size_t blockBytes)
+int openObjSource(ObjSource* source, const char* path, size_t blockBytes, Report* report)
 {
     FILE* file = openFile(path, "rb");
     if (!file)
@@ -14,8 +14,10 @@ int openObjSource(ObjSource* source, const char* path, size_t blockBytes)
     startBlocks(&source->blocks, file, blockBytes);
     source->linesEnd = source->blocks.at;
     source->copied = false;
+    source->report = report;
     if (source->blocks.sizeBytes > 0)
         return 1;
+    failReading(report, -1, "the file is empty");
     closeObjSource(source);
     return 0;
 }
@@ -109,6 +111,14 @@ static int matchStatement(ObjSource* source, char first)
     }
 }
 
+// A statement whose text does not fit ends the reading, as if the file ended before it.
+static int endAtLongLine(ObjSource* source)
+{
+    noteDetail(source->report, readingEndedEarly, blockPosition(&source->blocks), "a line is longer than %d bytes",
+               objTextRoom - 1);
+    return objEnd;
+}
+
 // Copies an argument. Returns its kind, objEmpty when there is no argument, or objEnd when it has no end.
 static int copyArgument(ObjSource* source, int kind)
 {
@@ -124,8 +134,12 @@ static int copyArgument(ObjSource* source, int kind)
     while (!isLineEnd(c))
     {
         source->text[length++] = c;
-        if (length == objTextRoom || !ReadObjChar(source, &c))
-            return objEnd;
+        if (length == objTextRoom)
+            return endAtLongLine(source);
+        if (ReadObjChar(source, &c))
+            continue;
+        note(source->report, lineUnended, blockPosition(&source->blocks));
+        return objEnd;
     }
     source->text[length] = 0;
     source->copied = true;
@@ -228,7 +242,7 @@ int endObjStatement(ObjSource* source, const char* at)
         return 1;
     const char* end = isLineEnd(*at) ? at : findLineEnd(at);
     if (end - source->blocks.at >= objTextRoom)
-        return 0;
+        return endAtLongLine(source);
     readOnFrom(&source->blocks, end + 1);
     return 1;
 }

@@ -9,7 +9,7 @@ bool findPlyLineEnd(PlyReader* reader)
 {
     BlockSource* blocks = &reader->cursor.blocks;
     if (holdBytes(blocks, examinedBytes) < examinedBytes)
-        return false;
+        return failReading(reader->report, -1, "the file is shorter than %zu bytes", examinedBytes);
     for (size_t i = 0; i < examinedBytes; ++i)
     {
         char c = blocks->at[i];
@@ -19,7 +19,7 @@ bool findPlyLineEnd(PlyReader* reader)
         reader->lineEnd = both ? '\n' : c;
         return true;
     }
-    return false;
+    return failReading(reader->report, 0, "the first %zu bytes have no line end", examinedBytes);
 }
 
 // The block holds the whole line, or more bytes than a line may have. A line end is put after the block, so that no
@@ -91,9 +91,21 @@ static bool isWord(const PlyWord& word, const char* text)
     return static_cast<size_t>(word.end - word.text) == length && memcmp(word.text, text, length) == 0;
 }
 
-static void copyWord(char (&name)[plyNameRoom], const PlyWord& word)
+// A position in the header line that has just been taken.
+static int64_t headerByte(const PlyReader* reader)
+{
+    return bytePosition(&reader->cursor) - 1;
+}
+
+static bool failHeader(const PlyReader* reader, const char* cause)
+{
+    return failReading(reader->report, headerByte(reader), "header: %s", cause);
+}
+
+static void copyWord(const PlyReader* reader, char (&name)[plyNameRoom], const PlyWord& word)
 {
     auto length = static_cast<size_t>(word.end - word.text);
+    note(reader->report, namesCut, headerByte(reader), length >= plyNameRoom);
     length = length < plyNameRoom ? length : plyNameRoom - 1;
     memset(name, 0, sizeof name);
     memcpy(name, word.text, length);
@@ -149,7 +161,7 @@ static bool readFormat(PlyReader* reader, const HeaderLine& line)
 {
     static constexpr const char* names[] = { "ascii", "binary_big_endian", "binary_little_endian" };
     if (line.count != 3)
-        return false;
+        return failHeader(reader, "a format has three words");
     reader->version = plyWordReal(line.words[2]);
     int format = plyAscii;
     for (const char* name : names)
@@ -161,15 +173,19 @@ static bool readFormat(PlyReader* reader, const HeaderLine& line)
         }
         ++format;
     }
-    return false;
+    return failHeader(reader, "the format is not ascii, binary_big_endian or binary_little_endian");
 }
 
 static bool readElement(PlyReader* reader, const HeaderLine& line)
 {
-    if (line.count < 3 || reader->format == plyNoFormat || reader->elementCount == plyElementLimit)
-        return false;
+    if (line.count < 3)
+        return failHeader(reader, "an element has three words");
+    if (reader->format == plyNoFormat)
+        return failHeader(reader, "an element before the format");
+    if (reader->elementCount == plyElementLimit)
+        return failHeader(reader, "more than 64 elements");
     PlyElement* element = &reader->elements[reader->elementCount++];
-    copyWord(element->name, line.words[1]);
+    copyWord(reader, element->name, line.words[1]);
     element->propertyCount = 0;
     element->count = plyWordWhole(line.words[2]);
     return true;
@@ -178,27 +194,28 @@ static bool readElement(PlyReader* reader, const HeaderLine& line)
 static bool readProperty(PlyReader* reader, const HeaderLine& line)
 {
     if (line.count < 3 || reader->elementCount == 0)
-        return false;
+        return failHeader(reader,
+                          line.count < 3 ? "a property has three words" : "a property before the first element");
     PlyElement* element = &reader->elements[reader->elementCount - 1];
     if (element->propertyCount == plyPropertyLimit)
-        return false;
+        return failHeader(reader, "more than 64 properties of an element");
     PlyProperty* property = &element->properties[element->propertyCount++];
     property->field = plyUnwanted;
     property->countType = plyInt8;
     if (isWord(line.words[1], "list"))
     {
         if (line.count < 5)
-            return false;
+            return failHeader(reader, "a list property has five words");
         property->kind = plyList;
         property->countType = typeNamed(line.words[2]);
         property->type = typeNamed(line.words[3]);
-        copyWord(property->name, line.words[4]);
+        copyWord(reader, property->name, line.words[4]);
         return true;
     }
     bool isString = isWord(line.words[1], "string");
     property->kind = isString ? plyString : plyScalar;
     property->type = isString ? plyInt8 : typeNamed(line.words[1]);
-    copyWord(property->name, line.words[2]);
+    copyWord(reader, property->name, line.words[2]);
     return true;
 }
 
@@ -208,7 +225,7 @@ bool readPlyHeader(PlyReader* reader)
     HeaderLine line;
     bool tooLong;
     if (!nextHeaderLine(reader, &line, &tooLong) || !isWord(line.words[0], "ply"))
-        return false;
+        return failReading(reader->report, 0, "the first word is not \"ply\"");
     while (nextHeaderLine(reader, &line, &tooLong))
     {
         const PlyWord& keyword = line.words[0];
@@ -224,5 +241,5 @@ bool readPlyHeader(PlyReader* reader)
         if (!ok)
             return false;
     }
-    return !tooLong;
+    return !tooLong || failHeader(reader, "a line is longer than 4095 bytes");
 }

@@ -7,6 +7,7 @@
 #include "import/common/numbers.h"
 #include "import/common/sanitize.h"
 #include "model/mesh.h"
+#include "model/report.h"
 
 constexpr int32_t plyElementLimit = 64;
 constexpr int32_t plyPropertyLimit = 64; // of one element
@@ -54,7 +55,8 @@ enum PlyField : uint8_t
     plyGreen,
     plyBlue,
     plyAlpha,
-    plyUnwanted
+    plyUnwanted,
+    plyIgnoredList // a list that does not count, because another one was chosen
 };
 
 struct PlyProperty
@@ -96,7 +98,11 @@ struct PlyReader
 
     int32_t progressCount; // vertices, faces and strip steps since the bar last moved
     bool verticesRead, faceListRead, stripsRead;
-    int32_t normalsDone; // the normals of this many faces have been added to their vertices
+    int32_t badValues;      // values of vertices set to 0 that the report does not have yet
+    int32_t missingValues;  // words without a number, in the same way
+    const char* wantedList; // of a face; null: the last one
+    Report* report;         // null: none
+    int32_t normalsDone;    // the normals of this many faces have been added to their vertices
 
     ByteCursor cursor;
 };
@@ -168,6 +174,12 @@ int64_t plyInstanceBytes(const PlyReader* reader, const PlyElement& element);
 // property and instance, so those that take no bytes are limited to one for each byte of the file.
 bool plyCountPossible(const PlyReader* reader, const PlyElement& element);
 
+// Moves what the scanners have counted into the report, for values of the instance before a position of the file.
+void notePlyValues(PlyReader* reader, int64_t byte);
+
+// Counts a face with a corner that is not a vertex; in a file whose faces come first no corner is.
+void notePlyFaces(PlyReader* reader, int64_t byte, int64_t count);
+
 // Reads one instance. The list is emptied first. With a null vertex no value is stored. Returns false for a short read,
 // for a line that is too long or has too few words, and for a list length that is negative or more than the file can
 // hold.
@@ -193,17 +205,20 @@ inline PlyNumber plyWhole(int32_t whole)
     return { whole, static_cast<float>(whole) };
 }
 
-inline PlyNumber plyReal(float value)
+// These two count bad values in *bad.
+inline PlyNumber plyReal(float value, int32_t* bad)
 {
-    SanitizeFloat(&value);
+    *bad += !SanitizeFloat(&value);
     return { static_cast<int32_t>(value), value };
 }
 
 // The rule of SanitizeFloat, for the exponent of a double.
-inline PlyNumber plyReal64(uint64_t bits)
+inline PlyNumber plyReal64(uint64_t bits, int32_t* bad)
 {
     uint64_t exponent = (bits >> 52) & 0x7FF;
-    if (exponent == 0 || exponent >= 1023 + coordinateExponentLimit)
+    bool tooLarge = exponent >= 1023 + coordinateExponentLimit;
+    *bad += tooLarge;
+    if (exponent == 0 || tooLarge)
         bits = 0;
     auto value = std::bit_cast<double>(bits);
     return { static_cast<int32_t>(value), static_cast<float>(value) };
@@ -227,8 +242,8 @@ inline float plyLoadFloat(const uint8_t* bytes, bool swap)
     return std::bit_cast<float>(plyLoad<uint32_t>(bytes, swap));
 }
 
-// Reads a value of a binary file. swap: its byte order is not that of the machine.
-inline PlyNumber decodePlyNumber(PlyType type, const uint8_t* bytes, bool swap)
+// Reads a value of a binary file, and counts a bad one in *bad. swap: its byte order is not that of the machine.
+inline PlyNumber decodePlyNumber(PlyType type, const uint8_t* bytes, bool swap, int32_t* bad)
 {
     switch (type)
     {
@@ -238,8 +253,8 @@ inline PlyNumber decodePlyNumber(PlyType type, const uint8_t* bytes, bool swap)
     case plyUint16: return plyWhole(plyLoad<uint16_t>(bytes, swap));
     case plyInt32:
     case plyUint32: return plyWhole(static_cast<int32_t>(plyLoad<uint32_t>(bytes, swap)));
-    case plyFloat32: return plyReal(plyLoadFloat(bytes, swap));
-    case plyFloat64: return plyReal64(plyLoad<uint64_t>(bytes, swap));
+    case plyFloat32: return plyReal(plyLoadFloat(bytes, swap), bad);
+    case plyFloat64: return plyReal64(plyLoad<uint64_t>(bytes, swap), bad);
     case plyUnknown: break;
     }
     return { 0, 0 };

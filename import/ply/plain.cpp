@@ -34,7 +34,7 @@ static const char* scanThree(const char* at, Number (&numbers)[3], const char* (
     return at;
 }
 
-static const char* takePosition(const char* line, char lineEnd, MeshVertex* vertex)
+static const char* takePosition(PlyReader* reader, const char* line, char lineEnd, MeshVertex* vertex)
 {
 #ifdef __SSE2__
     __m128 values;
@@ -48,13 +48,13 @@ static const char* takePosition(const char* line, char lineEnd, MeshVertex* vert
     const char* end = passPlainEnd(line, scanThree(line, position, scanFloatPadded), lineEnd);
     if (!end)
         return nullptr;
-    sanitizeEach(position);
+    note(reader->report, valuesZeroed, bytePositionOf(&reader->cursor.blocks, line), sanitizeEach(position));
     memcpy(vertex->position, position, sizeof position);
     vertex->colour = opaqueWhite;
     return end;
 }
 
-static const char* takeTriangle(const char* line, char lineEnd, Mesh* mesh)
+static const char* takeTriangle(PlyReader* reader, const char* line, char lineEnd, Mesh* mesh)
 {
     if (line[0] != '3' || line[1] != ' ')
         return nullptr;
@@ -64,6 +64,8 @@ static const char* takeTriangle(const char* line, char lineEnd, Mesh* mesh)
     {
         if (cornersBelow(values, 3, mesh->vertexCount))
             storeCorners(&mesh->faces[mesh->faceCount++], values);
+        else
+            notePlyFaces(reader, bytePositionOf(&reader->cursor.blocks, line), 1);
         return end;
     }
 #endif
@@ -75,6 +77,8 @@ static const char* takeTriangle(const char* line, char lineEnd, Mesh* mesh)
                         static_cast<uint32_t>(numbers[2]), noCorner };
     if (cornersAreVertices(mesh, corners, 3))
         mesh->faces[mesh->faceCount++] = corners;
+    else
+        notePlyFaces(reader, bytePositionOf(&reader->cursor.blocks, line), 1);
     return end;
 }
 
@@ -82,13 +86,14 @@ int32_t takePlainPositions(PlyReader* reader, MeshVertex* vertices, int32_t most
 {
     char lineEnd = reader->lineEnd;
     return takePlainLines(&reader->cursor.blocks, plyLineLimit + 1, most,
-                          [vertices, lineEnd](const char* line, int32_t k)
-                          { return takePosition(line, lineEnd, &vertices[k]); });
+                          [reader, vertices, lineEnd](const char* line, int32_t k)
+                          { return takePosition(reader, line, lineEnd, &vertices[k]); });
 }
 
 int32_t takePlainTriangles(PlyReader* reader, Mesh* mesh, int32_t most)
 {
     char lineEnd = reader->lineEnd;
     return takePlainLines(&reader->cursor.blocks, plyLineLimit + 1, most,
-                          [mesh, lineEnd](const char* line, int32_t) { return takeTriangle(line, lineEnd, mesh); });
+                          [reader, mesh, lineEnd](const char* line, int32_t)
+                          { return takeTriangle(reader, line, lineEnd, mesh); });
 }

@@ -40,7 +40,7 @@ static bool hasName(const char* name, const char* wanted)
 }
 
 // Marks the properties whose values are kept, under either name of the colours. Returns whether there is a colour.
-static bool markVertexFields(PlyElement* element)
+static bool markVertexFields(PlyElement* element, Report* report)
 {
     // clang-format off
     static constexpr struct { const char* name; PlyField field; } wanted[] = {
@@ -59,6 +59,7 @@ static bool markVertexFields(PlyElement* element)
                 continue;
             property->field = field;
             coloured |= field >= plyRed;
+            note(report, coloursFractional, -1, field >= plyRed && property->type >= plyFloat32);
         }
     }
     return coloured;
@@ -107,15 +108,30 @@ static uint32_t packColour(const int32_t (&colour)[4])
     return byteOf(3) << 24 | byteOf(0) << 16 | byteOf(1) << 8 | byteOf(2);
 }
 
+static uint32_t colourBits(const PlyVertex& vertex)
+{
+    const auto& colour = vertex.colour;
+    return static_cast<uint32_t>(colour[0] | colour[1] | colour[2] | colour[3]);
+}
+
 static void storeVertex(MeshVertex* out, const PlyVertex& vertex)
 {
     memcpy(out->position, vertex.position, sizeof out->position);
     out->colour = packColour(vertex.colour);
 }
 
-static void decodeVertices(MeshVertex* out, const uint8_t* at, int64_t count, const VertexLayout& layout, bool swap)
+// What a run of vertex records lost.
+struct RecordFaults
+{
+    int32_t badValues;
+    uint32_t colourBits; // of all colours together
+};
+
+static RecordFaults decodeVertices(MeshVertex* out, const uint8_t* at, int64_t count, const VertexLayout& layout,
+                                   bool swap)
 {
     PlyVertex vertex = {};
+    RecordFaults faults = {};
     for (int64_t i = 0; i < count; ++i, at += layout.recordBytes)
     {
         for (int32_t& colour : vertex.colour)
@@ -123,21 +139,44 @@ static void decodeVertices(MeshVertex* out, const uint8_t* at, int64_t count, co
         for (int32_t k = 0; k < layout.placeCount; ++k)
         {
             const VertexLayout::Place& place = layout.places[k];
-            storePlyNumber(&vertex, place.field, decodePlyNumber(place.type, at + place.offset, swap));
+            storePlyNumber(&vertex, place.field,
+                           decodePlyNumber(place.type, at + place.offset, swap, &faults.badValues));
         }
         storeVertex(&out[i], vertex);
+        faults.colourBits |= colourBits(vertex);
     }
+    return faults;
 }
 
-static void decodePositions(MeshVertex* out, const uint8_t* at, int64_t count, const VertexLayout& layout, bool swap)
+static RecordFaults decodePositions(MeshVertex* out, const uint8_t* at, int64_t count, const VertexLayout& layout,
+                                    bool swap)
 {
     at += layout.places[0].offset;
+    RecordFaults faults = {};
     for (int64_t i = 0; i < count; ++i, at += layout.recordBytes)
     {
         for (size_t axis = 0; axis < 3; ++axis)
-            out[i].position[axis] =
-                std::bit_cast<float>(sanitizedBits(plyLoad<uint32_t>(at + axis * sizeof(float), swap)));
+        {
+            auto bits = plyLoad<uint32_t>(at + axis * sizeof(float), swap);
+            faults.badValues += !isGoodFloat(bits);
+            out[i].position[axis] = std::bit_cast<float>(sanitizedBits(bits));
+        }
         out[i].colour = opaqueWhite;
+    }
+    return faults;
+}
+
+// Counts what a run of records lost, record by record, to find the first one of each kind.
+static void noteRecords(PlyReader* reader, const uint8_t* at, int64_t count, const VertexLayout& layout)
+{
+    bool swap = reader->format == plyBigEndian;
+    for (int64_t i = 0; reader->report && i < count; ++i, at += layout.recordBytes)
+    {
+        MeshVertex scratch;
+        RecordFaults faults = decodeVertices(&scratch, at, 1, layout, swap);
+        int64_t byte = bytePositionOf(&reader->cursor.blocks, reinterpret_cast<const char*>(at));
+        note(reader->report, valuesZeroed, byte, faults.badValues);
+        note(reader->report, coloursOutOfRange, byte, faults.colourBits > 255);
     }
 }
 
@@ -151,9 +190,12 @@ static bool readVertexRecords(PlyReader* reader, Mesh* mesh, const VertexLayout&
         const uint8_t* at = takeRecords(&reader->cursor, layout.recordBytes,
                                         wanted < progressInterval ? wanted : progressInterval, &count);
         if (!at)
-            return false;
+            return failReading(reader->report, bytePosition(&reader->cursor), "the vertices end after %d of %d", done,
+                               mesh->vertexCount);
         auto* decode = layout.floatsOnly ? decodePositions : decodeVertices;
-        decode(mesh->vertices + done, at, count, layout, swap);
+        RecordFaults faults = decode(mesh->vertices + done, at, count, layout, swap);
+        if (faults.badValues > 0 || faults.colourBits > 255)
+            noteRecords(reader, at, count, layout);
         done += static_cast<int32_t>(count);
         countProgress(reader, static_cast<int32_t>(count));
     }
@@ -170,11 +212,23 @@ static bool isPlainVertex(const PlyElement& element)
     return plain;
 }
 
+static bool failInstance(const PlyReader* reader, const PlyElement& element, int32_t done)
+{
+    return failReading(reader->report, bytePosition(&reader->cursor), "element \"%s\" ends after %d of %d",
+                       element.name, done, element.count);
+}
+
+static bool failCount(const PlyReader* reader, const PlyElement& element)
+{
+    return failReading(reader->report, -1, "%d of element \"%s\" do not fit in the file", element.count, element.name);
+}
+
 static bool readOneVertex(PlyReader* reader, MeshVertex* out, const PlyElement& element)
 {
     PlyVertex vertex = { { 0, 0, 0 }, { 255, 255, 255, 255 } };
     if (!readPlyInstance(reader, element, &vertex))
         return false;
+    note(reader->report, coloursOutOfRange, bytePosition(&reader->cursor) - 1, colourBits(vertex) > 255);
     storeVertex(out, vertex);
     return true;
 }
@@ -191,7 +245,7 @@ static bool readVertexInstances(PlyReader* reader, Mesh* mesh, const PlyElement&
         if (taken == 0)
         {
             if (!readOneVertex(reader, out, element))
-                return false;
+                return failInstance(reader, element, done);
             taken = 1;
         }
         done += taken;
@@ -203,11 +257,14 @@ static bool readVertexInstances(PlyReader* reader, Mesh* mesh, const PlyElement&
 static bool readVertices(PlyReader* reader, Mesh* mesh, PlyElement* element)
 {
     if (reader->verticesRead || element->count < 0)
-        return false;
+        return failReading(reader->report, -1,
+                           reader->verticesRead ? "a second list of vertices" : "fewer than 0 vertices");
     reader->verticesRead = true;
-    if (markVertexFields(element))
+    if (markVertexFields(element, reader->report))
         vertexColoursPresent = 1;
-    if (!plyCountPossible(reader, *element) || !growVertices(mesh, element->count))
+    if (!plyCountPossible(reader, *element))
+        return failCount(reader, *element);
+    if (!growVertices(mesh, element->count))
         return false;
     mesh->vertexCount = element->count;
     VertexLayout layout = reader->format != plyAscii ? layOutVertex(*element) : VertexLayout{};
@@ -225,16 +282,27 @@ static bool startFaces(Mesh* mesh, int64_t count)
     return growFaces(mesh, static_cast<int32_t>(count < INT32_MAX ? count : INT32_MAX));
 }
 
-// Stores the face of the list. Drops it when it has fewer than three corners, or a corner index past the last vertex.
-static bool storeListFace(PlyReader* reader, Mesh* mesh)
+void notePlyFaces(PlyReader* reader, int64_t byte, int64_t count)
+{
+    note(reader->report, reader->verticesRead ? facesBadCorners : facesBeforeVertices, byte, count);
+}
+
+// Stores the face of the list, whose instance lies at a byte of the file. Drops it when it has fewer than three
+// corners, or a corner index past the last vertex.
+static bool storeListFace(PlyReader* reader, Mesh* mesh, int64_t byte)
 {
     int32_t count = reader->listCount;
     if (count < 3)
+    {
+        note(reader->report, facesTooFewCorners, byte);
         return true;
+    }
     for (int32_t k = 0; k < count; ++k)
     {
-        if (static_cast<uint32_t>(reader->list[k]) >= static_cast<uint32_t>(mesh->vertexCount))
-            return true;
+        if (static_cast<uint32_t>(reader->list[k]) < static_cast<uint32_t>(mesh->vertexCount))
+            continue;
+        notePlyFaces(reader, byte, 1);
+        return true;
     }
     if (!makeFaceRoom(mesh, polygonRecords(count)))
         return false;
@@ -244,11 +312,14 @@ static bool storeListFace(PlyReader* reader, Mesh* mesh)
 }
 
 // Face slots after faceCount are zero, so only the corners are written.
-static void storeTriangle(Mesh* mesh, uint32_t a, uint32_t b, uint32_t c)
+static void storeTriangle(PlyReader* reader, Mesh* mesh, uint32_t a, uint32_t b, uint32_t c)
 {
     auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
     if (a >= vertexCount || b >= vertexCount || c >= vertexCount)
+    {
+        notePlyFaces(reader, bytePosition(&reader->cursor) - 1, 1);
         return;
+    }
     mesh->faces[mesh->faceCount++] = { a, b, c, noCorner };
 }
 
@@ -285,11 +356,27 @@ static FaceLayout layOutFace(const PlyElement& element)
     return layout;
 }
 
+// Counts the faces of a run that were left out. They are looked for once more, so that the run itself need not stop.
+template <size_t corners, bool swap>
+static void noteFacesOfSize(PlyReader* reader, const Mesh* mesh, const uint8_t* at, size_t bytes, int32_t count)
+{
+    auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
+    for (int32_t i = 0; i < count; ++i, at += bytes)
+    {
+        bool there = true;
+        for (size_t k = 0; k < corners; ++k)
+            there &= plyLoad<uint32_t>(at + 1 + k * sizeof(uint32_t), swap) < vertexCount;
+        if (!there)
+            notePlyFaces(reader, bytePositionOf(&reader->cursor.blocks, reinterpret_cast<const char*>(at)), 1);
+    }
+}
+
 // Takes faces with the given number of corners as long as they follow and lie whole in the block. Returns how many;
 // there is room for `most`. Face slots after faceCount are zero, so only the corners are written.
 template <size_t corners, bool swap>
-static int32_t takeFacesOfSize(BlockSource* blocks, Mesh* mesh, const FaceLayout& layout, int32_t most)
+static int32_t takeFacesOfSize(PlyReader* reader, Mesh* mesh, const FaceLayout& layout, int32_t most)
 {
+    BlockSource* blocks = &reader->cursor.blocks;
     const size_t bytes = layout.before + 1 + corners * sizeof(uint32_t) + layout.after;
     const size_t held = holdBytes(blocks, bytes) / bytes;
     const uint8_t* at = reinterpret_cast<const uint8_t*>(blocks->at) + layout.before;
@@ -309,6 +396,8 @@ static int32_t takeFacesOfSize(BlockSource* blocks, Mesh* mesh, const FaceLayout
         if (there)
             *out++ = face;
     }
+    if (out - mesh->faces < mesh->faceCount + taken)
+        noteFacesOfSize<corners, swap>(reader, mesh, at - static_cast<size_t>(taken) * bytes, bytes, taken);
     mesh->faceCount = static_cast<int32_t>(out - mesh->faces);
     blocks->at += static_cast<size_t>(taken) * bytes;
     return taken;
@@ -316,13 +405,13 @@ static int32_t takeFacesOfSize(BlockSource* blocks, Mesh* mesh, const FaceLayout
 
 // Takes triangles and quads in any order. Returns how many, at most as many as there is room for.
 template <bool swap>
-static int32_t takeUsualFaces(BlockSource* blocks, Mesh* mesh, const FaceLayout& layout, int32_t most)
+static int32_t takeUsualFaces(PlyReader* reader, Mesh* mesh, const FaceLayout& layout, int32_t most)
 {
     int32_t taken = 0;
     for (int32_t came = -1; came != 0 && taken < most; taken += came)
     {
-        came = takeFacesOfSize<3, swap>(blocks, mesh, layout, most - taken);
-        came += takeFacesOfSize<4, swap>(blocks, mesh, layout, most - taken - came);
+        came = takeFacesOfSize<3, swap>(reader, mesh, layout, most - taken);
+        came += takeFacesOfSize<4, swap>(reader, mesh, layout, most - taken - came);
     }
     return taken;
 }
@@ -354,7 +443,7 @@ static bool takeFastFaces(PlyReader* reader, Mesh* mesh, const FaceReading& read
         if (!makeFaceRoom(mesh, most))
             return false;
         auto* take = reading.swap ? takeUsualFaces<true> : takeUsualFaces<false>;
-        *taken = take(&reader->cursor.blocks, mesh, reading.layout, most);
+        *taken = take(reader, mesh, reading.layout, most);
     }
     else if (reading.plain)
     {
@@ -366,10 +455,37 @@ static bool takeFastFaces(PlyReader* reader, Mesh* mesh, const FaceReading& read
     return true;
 }
 
+// Marks all lists but the wanted one as ignored. Without a wanted one each list replaces the one before it.
+static bool chooseList(PlyReader* reader, PlyElement* element)
+{
+    PlyProperty* last = nullptr;
+    int32_t lists = 0, wanted = 0;
+    for (int32_t i = 0; i < element->propertyCount; ++i)
+    {
+        PlyProperty* property = &element->properties[i];
+        if (property->kind != plyList)
+            continue;
+        ++lists;
+        last = property;
+        bool isWanted = reader->wantedList && hasName(property->name, reader->wantedList);
+        wanted += isWanted;
+        if (reader->wantedList && !isWanted)
+            property->field = plyIgnoredList;
+    }
+    if (reader->wantedList)
+        return wanted > 0 || failReading(reader->report, -1, "the faces have no list \"%s\"", reader->wantedList);
+    if (lists > 1)
+        noteDetail(reader->report, listsIgnored, -1, "the last of %d, \"%s\", counts; --ply-list NAME chooses", lists,
+                   last->name);
+    return true;
+}
+
 static bool readFaces(PlyReader* reader, Mesh* mesh, const PlyElement& element)
 {
-    if (reader->faceListRead || !plyCountPossible(reader, element))
-        return false;
+    if (reader->faceListRead)
+        return failReading(reader->report, -1, "a second list of faces");
+    if (!plyCountPossible(reader, element))
+        return failCount(reader, element);
     reader->faceListRead = true;
     if (!startFaces(mesh, element.count > 0 ? element.count : 0))
         return false;
@@ -382,7 +498,10 @@ static bool readFaces(PlyReader* reader, Mesh* mesh, const PlyElement& element)
             return false;
         if (taken == 0)
         {
-            if (!readPlyInstance(reader, element, nullptr) || !storeListFace(reader, mesh))
+            int64_t byte = bytePosition(&reader->cursor);
+            if (!readPlyInstance(reader, element, nullptr))
+                return failInstance(reader, element, done);
+            if (!storeListFace(reader, mesh, byte))
                 return false;
             taken = 1;
         }
@@ -395,13 +514,16 @@ static bool readFaces(PlyReader* reader, Mesh* mesh, const PlyElement& element)
 static bool readStrips(PlyReader* reader, Mesh* mesh, const PlyElement& element)
 {
     if (element.count != 1)
+    {
+        noteName(reader->report, elementsIgnored, -1, element.name, strlen(element.name), element.count);
         return true;
+    }
     if (!readPlyInstance(reader, element, nullptr))
-        return false;
+        return failInstance(reader, element, 0);
     if (reader->listCount < 3)
         return true;
     if (reader->faceListRead || reader->stripsRead)
-        return false;
+        return failReading(reader->report, -1, "strips beside other faces");
     reader->stripsRead = true;
     if (!startFaces(mesh, reader->listCount))
         return false;
@@ -416,10 +538,19 @@ static bool readStrips(PlyReader* reader, Mesh* mesh, const PlyElement& element)
             odd = false;
             continue;
         }
-        storeTriangle(mesh, entries[i - 2], entries[odd ? i : i - 1], entries[odd ? i - 1 : i]);
+        storeTriangle(reader, mesh, entries[i - 2], entries[odd ? i : i - 1], entries[odd ? i - 1 : i]);
         odd = !odd;
     }
     return true;
+}
+
+// Reads past an element that has no meaning here. Files that have other elements have one instance of them.
+static void passElement(PlyReader* reader, const PlyElement& element)
+{
+    Report* report = reader->report;
+    noteName(report, elementsIgnored, bytePosition(&reader->cursor), element.name, strlen(element.name), element.count);
+    if (!readPlyInstance(reader, element, nullptr) && report)
+        report->failure[0] = 0; // this is no failure
 }
 
 static bool readBody(PlyReader* reader, Mesh* mesh)
@@ -431,11 +562,11 @@ static bool readBody(PlyReader* reader, Mesh* mesh)
         if (hasName(element->name, "vertex"))
             ok = readVertices(reader, mesh, element);
         else if (hasName(element->name, "face"))
-            ok = readFaces(reader, mesh, *element);
+            ok = chooseList(reader, element) && readFaces(reader, mesh, *element);
         else if (hasName(element->name, "tristrips"))
             ok = readStrips(reader, mesh, *element);
         else
-            readPlyInstance(reader, *element, nullptr); // files that have other elements have one instance of them
+            passElement(reader, *element);
         if (!ok)
             return false;
     }
@@ -446,7 +577,12 @@ static bool readBody(PlyReader* reader, Mesh* mesh)
 static bool readPly(PlyReader* reader, Mesh* mesh)
 {
     showProgress("LOADING.....");
-    bool ok = findPlyLineEnd(reader) && readPlyHeader(reader) && readBody(reader, mesh);
+    if (reader->report)
+        reader->report->isText = true; // as long as the header is read
+    bool ok = findPlyLineEnd(reader) && readPlyHeader(reader);
+    if (reader->report)
+        reader->report->isText = !ok || reader->format == plyAscii;
+    ok = ok && readBody(reader, mesh);
     closeProgress();
     if (ok)
     {
@@ -462,18 +598,22 @@ static bool readPly(PlyReader* reader, Mesh* mesh)
     return ok;
 }
 
-int LoadPlyFile(Mesh* mesh, const char* path)
+int LoadPlyFile(Mesh* mesh, const char* path, const char* wantedList, Report* report)
 {
     FILE* file = openFile(path, "rb");
     if (!file)
         return 0;
     int64_t sizeBytes = measureFile(file);
+    if (sizeBytes == 0)
+        failReading(report, -1, "the file is empty");
     auto* reader = sizeBytes > 0 ? static_cast<PlyReader*>(tableAlloc(sizeof(PlyReader))) : nullptr;
     int32_t* list = reader ? static_cast<int32_t*>(tableAlloc(plyFirstListCapacity * sizeof(int32_t))) : nullptr;
     int ok = 0;
     if (list)
     {
         startBytes(&reader->cursor, file);
+        reader->report = report;
+        reader->wantedList = wantedList;
         reader->list = list;
         reader->listCapacity = plyFirstListCapacity;
         reader->sizelessLeft = sizeBytes;

@@ -61,7 +61,10 @@ static bool startList(PlyReader* reader, int32_t count)
     int64_t capacity = int64_t{ reader->listCapacity } + growthFor(reader->listCapacity, count, reader->listCapacity);
     auto* list = static_cast<int32_t*>(tableAlloc(blockSize(capacity, sizeof(int32_t))));
     if (!list)
+    {
+        failReading(reader->report, -1, "out of memory");
         return reportOutOfMemory() != 0;
+    }
     tableFree(reader->list);
     reader->list = list;
     reader->listCapacity = static_cast<int32_t>(capacity);
@@ -79,11 +82,24 @@ static bool readSizelessList(PlyReader* reader, int32_t count)
     return true;
 }
 
+void notePlyValues(PlyReader* reader, int64_t byte)
+{
+    note(reader->report, valuesZeroed, byte, reader->badValues);
+    note(reader->report, numbersMissing, byte, reader->missingValues);
+    reader->badValues = reader->missingValues = 0;
+}
+
 static PlyNumber takePlyNumber(PlyReader* reader, PlyType type)
 {
     size_t bytes = plyTypeBytes[type];
     const uint8_t* at = bytes ? takeBytes(&reader->cursor, bytes) : nullptr;
-    return at ? decodePlyNumber(type, at, swapsBytes(reader)) : PlyNumber{ 0, 0 };
+    return at ? decodePlyNumber(type, at, swapsBytes(reader), &reader->badValues) : PlyNumber{ 0, 0 };
+}
+
+static bool skipBinaryItems(ByteCursor* cursor, int32_t count, size_t itemBytes)
+{
+    skipBytes(cursor, count * static_cast<int64_t>(itemBytes));
+    return !cursor->bad;
 }
 
 static bool readBinaryList(PlyReader* reader, const PlyProperty& property)
@@ -91,11 +107,18 @@ static bool readBinaryList(PlyReader* reader, const PlyProperty& property)
     ByteCursor* cursor = &reader->cursor;
     int32_t count = takePlyNumber(reader, property.countType).whole;
     size_t itemBytes = plyTypeBytes[property.type];
-    if (count < 0 || cursor->bad)
+    if (cursor->bad)
         return false;
+    if (count < 0)
+        return failReading(reader->report, bytePosition(cursor), "a list with a negative length");
+    if (property.field == plyIgnoredList)
+        return skipBinaryItems(cursor, count, itemBytes);
     if (itemBytes == 0)
         return readSizelessList(reader, count);
-    if (count > bytesLeft(cursor) / static_cast<int64_t>(itemBytes) || !startList(reader, count))
+    if (count > bytesLeft(cursor) / static_cast<int64_t>(itemBytes))
+        return failReading(reader->report, bytePosition(cursor), "a list of %d items reaches past the end of the file",
+                           count);
+    if (!startList(reader, count))
         return false;
     bool swap = swapsBytes(reader);
     while (reader->listCount < count)
@@ -105,7 +128,7 @@ static bool readBinaryList(PlyReader* reader, const PlyProperty& property)
         if (!at)
             return false;
         for (int64_t i = 0; i < records; ++i, at += itemBytes)
-            reader->list[reader->listCount++] = decodePlyNumber(property.type, at, swap).whole;
+            reader->list[reader->listCount++] = decodePlyNumber(property.type, at, swap, &reader->badValues).whole;
     }
     return true;
 }
@@ -143,26 +166,30 @@ static bool readBinaryInstance(PlyReader* reader, const PlyElement& element, Ply
     return !reader->cursor.bad;
 }
 
-static const char* scanPlyNumber(const char* at, PlyType type, PlyNumber* number)
+static const char* scanPlyNumber(PlyReader* reader, const char* at, PlyType type, PlyNumber* number)
 {
+    const char* end;
     if (type < plyFloat32)
     {
         int32_t whole;
-        const char* end = scanIntPadded(at, &whole);
+        end = scanIntPadded(at, &whole);
         if (end)
             *number = plyWhole(whole);
-        return end;
     }
-    float real;
-    const char* end = scanFloatPadded(at, &real);
-    if (end)
-        *number = plyReal(real);
+    else
+    {
+        float real;
+        end = scanFloatPadded(at, &real);
+        if (end)
+            *number = plyReal(real, &reader->badValues);
+    }
+    reader->missingValues += !end;
     return end;
 }
 
 // Reads the number of the next word. Returns false when there is no word; an unknown type takes none. Nearly all words
 // begin with their number, and then their end is not searched for first.
-static bool nextPlyNumber(PlyLine* line, PlyType type, PlyNumber* number)
+static bool nextPlyNumber(PlyReader* reader, PlyLine* line, PlyType type, PlyNumber* number)
 {
     *number = { 0, 0 };
     if (type == plyUnknown)
@@ -172,7 +199,7 @@ static bool nextPlyNumber(PlyLine* line, PlyType type, PlyNumber* number)
         ++at;
     if ((isDigit(*at) || *at == '-') && line->words < plyWordLimit)
     {
-        const char* end = scanPlyNumber(at, type, number);
+        const char* end = scanPlyNumber(reader, at, type, number);
         at = end ? end : at;
         while (!isBlankOrLineEnd(*at))
             ++at;
@@ -183,23 +210,38 @@ static bool nextPlyNumber(PlyLine* line, PlyType type, PlyNumber* number)
     PlyWord word;
     if (!nextPlyWord(line, &word))
         return false;
-    scanPlyNumber(plyNumberStart(word), type, number);
+    scanPlyNumber(reader, plyNumberStart(word), type, number);
     return true;
+}
+
+static bool skipWords(PlyLine* line, int32_t count)
+{
+    PlyWord word;
+    while (count > 0 && nextPlyWord(line, &word))
+        --count;
+    return count == 0;
 }
 
 static bool readAsciiList(PlyReader* reader, PlyLine* line, const PlyProperty& property)
 {
     PlyNumber number;
-    if (!nextPlyNumber(line, property.countType, &number) || number.whole < 0)
+    if (!nextPlyNumber(reader, line, property.countType, &number))
         return false;
     int32_t count = number.whole;
+    if (count < 0)
+        return failReading(reader->report, bytePosition(&reader->cursor), "a list with a negative length");
+    if (property.field == plyIgnoredList)
+        return property.type == plyUnknown || skipWords(line, count);
     if (property.type == plyUnknown)
         return readSizelessList(reader, count);
-    if (count > plyWordLimit || !startList(reader, count))
+    if (count > plyWordLimit)
+        return failReading(reader->report, bytePosition(&reader->cursor),
+                           "a list of %d items; a line has at most %d words", count, plyWordLimit);
+    if (!startList(reader, count))
         return false;
     for (int32_t i = 0; i < count; ++i)
     {
-        if (!nextPlyNumber(line, property.type, &number))
+        if (!nextPlyNumber(reader, line, property.type, &number))
             return false;
         reader->list[i] = number.whole;
     }
@@ -215,9 +257,15 @@ static bool readAsciiProperty(PlyReader* reader, PlyLine* line, const PlyPropert
         return readAsciiList(reader, line, property);
     if (property.kind == plyString || !vertex || property.field == plyUnwanted)
         return property.type == plyUnknown || nextPlyWord(line, &word);
-    bool ok = nextPlyNumber(line, property.type, &number);
+    bool ok = nextPlyNumber(reader, line, property.type, &number);
     storePlyNumber(vertex, property.field, number);
     return ok;
+}
+
+static bool failForLongLine(const PlyReader* reader)
+{
+    return failReading(reader->report, bytePosition(&reader->cursor), "a line is longer than %d bytes",
+                       static_cast<int>(plyLineLimit));
 }
 
 // Takes the whole line even when it does not fit the properties, so that the next instance starts on the next line.
@@ -225,11 +273,15 @@ static bool readAsciiInstance(PlyReader* reader, const PlyElement& element, PlyV
 {
     PlyLine line;
     if (!nextPlyLine(reader, &line))
-        return false;
+        return bytesLeft(&reader->cursor) > 0 && failForLongLine(reader);
     bool ok = true;
     for (int32_t i = 0; i < element.propertyCount && ok; ++i)
         ok = readAsciiProperty(reader, &line, element.properties[i], vertex);
-    return endPlyLine(reader, &line) && ok;
+    int64_t byte = bytePosition(&reader->cursor);
+    notePlyValues(reader, byte);
+    if (!ok)
+        failReading(reader->report, byte, "a line with too few words for its element");
+    return (endPlyLine(reader, &line) || failForLongLine(reader)) && ok;
 }
 
 bool readPlyInstance(PlyReader* reader, const PlyElement& element, PlyVertex* vertex)
@@ -237,7 +289,9 @@ bool readPlyInstance(PlyReader* reader, const PlyElement& element, PlyVertex* ve
     reader->listCount = 0;
     if (reader->format == plyAscii)
         return readAsciiInstance(reader, element, vertex);
+    int64_t byte = bytePosition(&reader->cursor);
     if (!readBinaryInstance(reader, element, vertex))
         reader->cursor.bad = true; // the position of the next value is unknown
+    notePlyValues(reader, byte);
     return !reader->cursor.bad;
 }

@@ -22,23 +22,26 @@ constexpr size_t normalBytes = 12, cornerBytes = 12;
 
 static_assert(stlFacetBytes == normalBytes + 3 * cornerBytes + 2);
 
-// Each number by itself, as in PLY.
-static void storeCorner(MeshVertex* vertex, const uint8_t* bytes)
+// Each number by itself, as in PLY. Returns whether all are good.
+static bool storeCorner(MeshVertex* vertex, const uint8_t* bytes)
 {
 #ifdef __SSE2__
     // Reads four bytes more, which belong to the next corner or record, or to the padding of the block.
     __m128i bits = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
     __m128i exponent = _mm_and_si128(_mm_srli_epi32(bits, 23), _mm_set1_epi32(0xFF));
     __m128i good = _mm_cmplt_epi32(exponent, _mm_set_epi32(0, badFloatExponent, badFloatExponent, badFloatExponent));
+    bool allGood = (_mm_movemask_ps(_mm_castsi128_ps(good)) & 7) == 7;
     good = _mm_and_si128(good, _mm_cmpgt_epi32(exponent, _mm_setzero_si128()));
     __m128i colour = _mm_set_epi32(static_cast<int32_t>(opaqueWhite), 0, 0, 0);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(vertex), _mm_or_si128(_mm_and_si128(bits, good), colour));
+    return allGood;
 #else
     float position[3];
     memcpy(position, bytes, sizeof position);
-    sanitizeEach(position);
+    bool allGood = sanitizeEach(position) == 0;
     memcpy(vertex->position, position, sizeof position);
     vertex->colour = opaqueWhite;
+    return allGood;
 #endif
 }
 
@@ -50,23 +53,41 @@ static bool makeRoom(Mesh* mesh, int64_t triangles)
            growFaces(mesh, static_cast<int32_t>(std::min<int64_t>(triangles, INT32_MAX)));
 }
 
-static void storeFacets(Mesh* mesh, const uint8_t* at, int64_t count)
+// Counts the bad numbers of a run of facets. They are looked for once more, so that the run itself need not stop.
+static void noteFacets(const ByteCursor* cursor, const uint8_t* at, int64_t count, Report* report)
+{
+    for (int64_t i = 0; i < count; ++i, at += stlFacetBytes)
+    {
+        float corners[9];
+        memcpy(corners, at + normalBytes, sizeof corners);
+        note(report, valuesZeroed, bytePositionOf(&cursor->blocks, reinterpret_cast<const char*>(at)),
+             sanitizeEach(corners));
+    }
+}
+
+static void storeFacets(const ByteCursor* cursor, Mesh* mesh, const uint8_t* at, int64_t count, Report* report)
 {
     int32_t first = mesh->faceCount;
+    const uint8_t* run = at;
+    bool good = true;
     for (int64_t i = 0; i < count; ++i, at += stlFacetBytes)
     {
         auto vertex = static_cast<uint32_t>(mesh->vertexCount);
         for (uint32_t k = 0; k < 3; ++k)
-            storeCorner(&mesh->vertices[vertex + k], at + normalBytes + k * cornerBytes);
+            good &= storeCorner(&mesh->vertices[vertex + k], at + normalBytes + k * cornerBytes);
         mesh->faces[mesh->faceCount++] = { vertex, vertex + 1, vertex + 2, noCorner };
         mesh->vertexCount += 3;
     }
+    if (!good && report)
+        noteFacets(cursor, run, count, report);
     addFaceNormals(mesh, first, mesh->faceCount); // while the faces are in the cache
 }
 
-static bool readBinary(ByteCursor* cursor, Mesh* mesh, int64_t triangles)
+static bool readBinary(ByteCursor* cursor, Mesh* mesh, int64_t triangles, Report* report)
 {
-    if (triangles == 0 || !makeRoom(mesh, triangles))
+    if (triangles == 0)
+        return failReading(report, -1, "no triangle");
+    if (!makeRoom(mesh, triangles))
         return false;
     seekBytes(cursor, stlHeadBytes);
     for (int64_t done = 0; done < triangles;)
@@ -75,14 +96,14 @@ static bool readBinary(ByteCursor* cursor, Mesh* mesh, int64_t triangles)
         const uint8_t* at = takeRecords(cursor, stlFacetBytes, std::min(triangles - done, progressInterval), &count);
         if (!at)
             return false;
-        storeFacets(mesh, at, count);
+        storeFacets(cursor, mesh, at, count, report);
         done += count;
         setProgress(blockFraction(&cursor->blocks));
     }
     return true;
 }
 
-static bool readFacets(ByteCursor* cursor, FILE* file, Mesh* mesh)
+static bool readFacets(ByteCursor* cursor, FILE* file, Mesh* mesh, Report* report)
 {
     startBytes(cursor, file);
     BlockSource* blocks = &cursor->blocks;
@@ -95,24 +116,41 @@ static bool readFacets(ByteCursor* cursor, FILE* file, Mesh* mesh)
     int64_t wanted = stlHeadBytes + announced * stlFacetBytes;
     bool whole = announced >= 0 && wanted == blocks->sizeBytes;
     if (!whole && moveBlocks(blocks, 0) && startsAsStlText(blocks))
-        return readStlText(blocks, mesh);
-    if (announced < 0 || wanted > blocks->sizeBytes)
-        return false;
-    return readBinary(cursor, mesh, announced);
+        return readStlText(blocks, mesh, report);
+    if (blocks->sizeBytes <= 0)
+        return failReading(report, -1, "the file is empty");
+    if (announced < 0)
+        return failReading(report, -1, "neither text nor as long as the head of a binary file");
+    if (wanted > blocks->sizeBytes)
+        return failReading(report, -1, "%lld triangles do not fit in the file", static_cast<long long>(announced));
+    return readBinary(cursor, mesh, announced, report);
 }
 
-static bool readStl(ByteCursor* cursor, FILE* file, Mesh* mesh)
+// Counts the triangles without area, whose planes have no normal.
+static void noteDegenerate(const Mesh* mesh, Report* report)
 {
-    if (!readFacets(cursor, file, mesh))
+    int64_t count = 0;
+    for (int32_t f = 0; report && f < mesh->faceCount; ++f)
+    {
+        const float* normal = mesh->facePlanes[f].normal;
+        count += normal[0] == 0 && normal[1] == 0 && normal[2] == 0;
+    }
+    note(report, facesDegenerate, -1, count);
+}
+
+static bool readStl(ByteCursor* cursor, FILE* file, Mesh* mesh, Report* report)
+{
+    if (!readFacets(cursor, file, mesh, report))
         return false;
     finishNormals(mesh);
     mesh->liveFaceCount = mesh->faceCount;
     mesh->lineCount = 0;
+    noteDegenerate(mesh, report);
     computeBounds(mesh);
     return addPlaceholderUv(mesh) != 0; // the texture indices are already 0
 }
 
-int LoadStlFile(Mesh* mesh, const char* path)
+int LoadStlFile(Mesh* mesh, const char* path, Report* report)
 {
     FILE* file = openFile(path, "rb");
     if (!file)
@@ -122,7 +160,7 @@ int LoadStlFile(Mesh* mesh, const char* path)
     }
     showProgress("LOADING.....");
     auto* cursor = static_cast<ByteCursor*>(workAlloc(sizeof(ByteCursor)));
-    bool ok = cursor && readStl(cursor, file, mesh);
+    bool ok = cursor && readStl(cursor, file, mesh, report);
     workFree(cursor);
     fclose(file);
     closeProgress();

@@ -3,6 +3,7 @@
 // Source: StereoLithography Interface Specification (3D Systems, 1989)
 #pragma once
 #include "model/mesh.h"
+#include "model/report.h"
 
 constexpr int64_t stlHeadBytes = 84;  // 80 of any text, then the number of triangles
 constexpr int64_t stlFacetBytes = 50; // a normal, three corners, and two bytes for anything
@@ -15,4 +16,10 @@ constexpr int64_t stlFacetBytes = 50; // a normal, three corners, and two bytes 
 // fewer than it announces.
 //
 // Returns 1, or 0 after "Error: failed to open" or "Error readin file".
-int LoadStlFile(Mesh* mesh, const char* path);
+//
+// A report also counts the triangles without area.
+int LoadStlFile(Mesh* mesh, const char* path, Report* report);
+inline int LoadStlFile(Mesh* mesh, const char* path)
+{
+    return LoadStlFile(mesh, path, nullptr);
+}

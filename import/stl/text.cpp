@@ -74,7 +74,7 @@ bool startsAsStlText(BlockSource* source)
 }
 
 // Takes three numbers, each by itself as in a binary file. A word that is no number is left for the next call.
-static bool takePosition(BlockSource* source, float (&position)[3])
+static bool takePosition(BlockSource* source, float (&position)[3], Report* report)
 {
     for (float& value : position)
     {
@@ -87,7 +87,7 @@ static bool takePosition(BlockSource* source, float (&position)[3])
             return false;
         }
     }
-    sanitizeEach(position);
+    note(report, valuesZeroed, blockPosition(source) - 1, sanitizeEach(position));
     return true;
 }
 
@@ -97,6 +97,7 @@ struct Loop
     float corners[3][3];
     int count; // beyond 3 they are not kept
     bool bad;
+    bool more; // than three
 };
 
 static bool addTriangle(Mesh* mesh, const Loop& loop)
@@ -116,13 +117,15 @@ static bool addTriangle(Mesh* mesh, const Loop& loop)
     return true;
 }
 
-static void takeVertex(BlockSource* source, Loop* loop)
+static void takeVertex(BlockSource* source, Loop* loop, Report* report)
 {
     float position[3];
-    if (!takePosition(source, position))
+    if (!takePosition(source, position, report))
         loop->bad = true;
     else if (loop->count < 3)
         memcpy(loop->corners[loop->count++], position, sizeof position);
+    else
+        loop->more = true;
 }
 
 // Adds the normals of the triangles since the last call.
@@ -133,8 +136,22 @@ static void catchUp(BlockSource* source, Mesh* mesh, int32_t* normalsDone)
     setProgress(blockFraction(source));
 }
 
-bool readStlText(BlockSource* source, Mesh* mesh)
+// Counts what a loop lost that ends at a byte. One without any vertex is the rest of a facet.
+static void noteLoop(const Loop& loop, int64_t byte, Report* report)
 {
+    if (loop.bad)
+        note(report, facesBadCorners, byte);
+    else if (loop.count > 0 && loop.count < 3)
+        note(report, facesTooFewCorners, byte);
+    else
+        note(report, facesCut, byte, loop.more);
+}
+
+bool readStlText(BlockSource* source, Mesh* mesh, Report* report)
+{
+    if (report)
+        report->isText = true;
+
     int64_t expected = std::clamp<int64_t>(source->sizeBytes / usualFacetBytes, leastGrowth, INT32_MAX / 3);
     if (!growFaces(mesh, static_cast<int32_t>(expected)) || !growVertices(mesh, static_cast<int32_t>(3 * expected)))
         return false;
@@ -144,11 +161,12 @@ bool readStlText(BlockSource* source, Mesh* mesh)
     for (Word word; nextWord(source, &word);)
     {
         if (isWord(word, "vertex"))
-            takeVertex(source, &loop);
+            takeVertex(source, &loop, report);
         else if (isWord(word, "loop") || isWord(word, "facet"))
             loop = {};
         else if (isWord(word, "endloop") || isWord(word, "endfacet"))
         {
+            noteLoop(loop, blockPosition(source) - 1, report);
             if (loop.count == 3 && !loop.bad && !addTriangle(mesh, loop))
                 return false;
             loop = {};
@@ -159,5 +177,5 @@ bool readStlText(BlockSource* source, Mesh* mesh)
             skipLine(source);
     }
     catchUp(source, mesh, &normalsDone);
-    return mesh->faceCount > 0;
+    return mesh->faceCount > 0 || failForLackOf(report, "no triangle");
 }

@@ -7,6 +7,7 @@
 #pragma once
 #include "import/common/block_source.h"
 #include "model/mesh.h"
+#include "model/report.h"
 
 // Whether the first word is "solid". Starts at the source's position and leaves it after that word.
 bool startsAsStlText(BlockSource* source);
@@ -15,4 +16,4 @@ bool startsAsStlText(BlockSource* source);
 // gives one triangle, of its first three vertices; one with fewer, or with a vertex that is not three numbers, gives
 // none. A file that ends early is read up to its end. Returns false when there is no triangle, or after "Out of
 // memory".
-bool readStlText(BlockSource* source, Mesh* mesh);
+bool readStlText(BlockSource* source, Mesh* mesh, Report* report);

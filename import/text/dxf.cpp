@@ -29,6 +29,12 @@ static void keepCutLine(DxfSource* source)
     source->text = source->cut;
 }
 
+// A position in the line that was read last.
+static int64_t bytePosition(const DxfSource* source)
+{
+    return blockPosition(&source->blocks) - 1;
+}
+
 // Reads a line without the blanks in front, up to the first NUL, line feed or carriage return.
 static bool nextDxfLine(DxfSource* source)
 {
@@ -47,8 +53,11 @@ static bool nextDxfLine(DxfSource* source)
     readOnFrom(blocks, next && next < limit ? next + 1 : limit);
     source->text = text;
     source->length = static_cast<size_t>(end - text);
-    if (end == limit) // the text goes on behind it
+    if (end == limit) // the text goes on behind it, or the file ends
+    {
         keepCutLine(source);
+        note(source->report, linesTooLong, bytePosition(source), available >= dxfLineRoom - 1);
+    }
     return true;
 }
 
@@ -75,8 +84,10 @@ static float readCoordinate(const DxfSource* source)
     while (isSpaceInLine(*text))
         ++text;
     float value = 0;
-    scanFloatPadded(text, &value);
-    SanitizeFloat(&value);
+    if (!scanFloatPadded(text, &value))
+        note(source->report, numbersMissing, bytePosition(source));
+    if (!SanitizeFloat(&value))
+        note(source->report, valuesZeroed, bytePosition(source));
     return value;
 }
 
@@ -278,34 +289,78 @@ static bool storeFace(Mesh* mesh, DxfWelder* welder, const DxfFace& face, int co
     return true;
 }
 
+// Counts an entity that is not read, by its name. Outside the sections of entities and blocks, and inside an entity,
+// other texts may follow a 0; what the file's structure consists of is no loss.
+static void noteEntity(const DxfSource* source, bool inEntities)
+{
+    static constexpr const char* structure[] = { "SECTION", "ENDSEC", "BLOCK", "ENDBLK", "SEQEND" };
+    auto isNamed = [source](const char* name)
+    { return source->length == strlen(name) && memcmp(source->text, name, source->length) == 0; };
+    bool isName =
+        source->length > 0 && ((source->text[0] >= 'A' && source->text[0] <= 'Z') || lineIs(source, "3DSOLID"));
+    if (!source->report || !inEntities || !isName || std::any_of(std::begin(structure), std::end(structure), isNamed))
+        return;
+    noteName(source->report, entitiesIgnored, bytePosition(source), source->text, source->length);
+}
+
+static bool nameHoldsEntities(const DxfSource* source)
+{
+    return lineIs(source, "ENTITIES") || lineIs(source, "BLOCKS");
+}
+
+static bool nameHoldsNoEntities(const DxfSource* source)
+{
+    return lineIs(source, "HEADER") || lineIs(source, "CLASSES") || lineIs(source, "TABLES") ||
+           lineIs(source, "OBJECTS") || lineIs(source, "THUMBNAILIMAGE");
+}
+
+// A file may end anywhere, but a whole one says so.
+static void noteEarlyEnd(const DxfSource* source, const char* where)
+{
+    noteDetail(source->report, readingEndedEarly, source->blocks.sizeBytes, "the file ends %s", where);
+}
+
 // Reads entity after entity. A file that ends early is read up to its end. Returns false only when memory
 // runs out.
 static bool readEntities(DxfSource* source, Mesh* mesh, DxfWelder* welder)
 {
     bool lineWaits = false; // the line that ended a face has not been examined
-    while (lineWaits || nextDxfLine(source))
+    bool inEntities = true, whole = false;
+    while (!whole && (lineWaits || nextDxfLine(source)))
     {
         lineWaits = false;
         if (lineIs(source, "2")) // a name, which could look like a code
         {
             if (!nextDxfLine(source))
                 break;
+            inEntities = nameHoldsEntities(source) || (inEntities && !nameHoldsNoEntities(source));
             continue;
         }
         if (!lineIs(source, "0"))
             continue;
-        if (!nextDxfLine(source) || lineIs(source, "EOF"))
+        if (!nextDxfLine(source))
             break;
-        if (!lineIs(source, "3DFACE"))
+        whole = lineIs(source, "EOF");
+        if (whole || !lineIs(source, "3DFACE"))
+        {
+            if (!whole)
+                noteEntity(source, inEntities);
             continue;
+        }
         DxfFace face;
+        int64_t byte = bytePosition(source);
         int cornerTotal = ReadDxfFace(source, &face);
         if (cornerTotal == 0)
             break;
         if (cornerTotal > 0 && !storeFace(mesh, welder, face, cornerTotal))
             return false;
+        static constexpr char notPlain[] = "3DFACE that is not plain";
+        if (cornerTotal < 0)
+            noteName(source->report, entitiesIgnored, byte, notPlain, sizeof notPlain - 1);
         lineWaits = true;
     }
+    if (!whole)
+        noteEarlyEnd(source, "without EOF");
     mesh->liveFaceCount = mesh->faceCount;
     mesh->lineCount = 0;
     return true;
@@ -317,8 +372,11 @@ static int32_t expectedFaces(const DxfSource* source)
     return static_cast<int32_t>(std::clamp<int64_t>(source->blocks.sizeBytes / faceBytes, leastGrowth, INT32_MAX));
 }
 
-static bool readDxf(DxfSource* source, FILE* file, Mesh* mesh)
+static bool readDxf(DxfSource* source, FILE* file, Mesh* mesh, Report* report)
 {
+    source->report = report;
+    if (report)
+        report->isText = true;
     startBlocks(&source->blocks, file);
     source->plainLines = kernelLevel() >= kernelsSse2;
     DxfWelder welder = {};
@@ -335,19 +393,20 @@ static int failUnreadable()
     return 0;
 }
 
-int LoadDxfFile(Mesh* mesh, const char* path)
+int LoadDxfFile(Mesh* mesh, const char* path, Report* report)
 {
     FILE* file = openFile(path, "rb");
     if (!file)
         return 0;
     auto* source = static_cast<DxfSource*>(workAlloc(sizeof(DxfSource)));
-    bool ok = source && readDxf(source, file, mesh);
+    bool ok = source && readDxf(source, file, mesh, report);
     workFree(source);
     fclose(file);
     if (!ok)
         return failUnreadable();
     if (mesh->vertexCount == 0 || mesh->faceCount == 0)
     {
+        failForLackOf(report, "no 3DFACE entity that is plain");
         messageBox("Error: failed to open, only 3DFACE supported", path, iconStop);
         return 0;
     }

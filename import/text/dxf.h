@@ -5,6 +5,7 @@
 #include "import/common/block_source.h"
 #include "import/common/numbers.h"
 #include "model/mesh.h"
+#include "model/report.h"
 #include "model/seeded_hash.h"
 
 constexpr size_t dxfLineRoom = 2048; // of a line with its terminator; what is left of a longer one is the next line
@@ -14,6 +15,7 @@ struct DxfSource
     const char* text; // of the line read last, without the blanks in front; a line end or 0 follows it
     size_t length;    // of the text
     bool plainLines;  // corners may be read by the fast kernel
+    Report* report;   // null: none
     char cut[dxfLineRoom + numberPaddingRoom]; // a line that was cut
     BlockSource blocks;
 };
@@ -37,7 +39,11 @@ struct DxfWelder
 // coordinates. Texture coordinates are made from positions and normals. Everything is of group 0 and material 0.
 // Returns 1, or 0: silently for a file that does not open, after "Unable to read file" when memory gave out, or after
 // "Error: failed to open, only 3DFACE supported" when there is no such entity.
-int LoadDxfFile(Mesh* mesh, const char* path);
+int LoadDxfFile(Mesh* mesh, const char* path, Report* report);
+inline int LoadDxfFile(Mesh* mesh, const char* path)
+{
+    return LoadDxfFile(mesh, path, nullptr);
+}
 
 // Reads the group codes that follow a 3DFACE. Returns the corner count 3 or 4, -1 for an entity that is not read, or 0
 // at the end of the file. After -1, 3 and 4 the source holds the line that ended the entity.

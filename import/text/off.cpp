@@ -37,6 +37,12 @@ static void countLines(OffSource* source, int32_t count)
         setProgress(blockFraction(&source->lines.blocks));
 }
 
+// A position in the line that nextLine took.
+static int64_t lineByte(const OffSource* source)
+{
+    return bytePositionOf(&source->lines.blocks, source->lines.line);
+}
+
 int NextOffLine(OffSource* source)
 {
     LineView* lines = &source->lines;
@@ -44,6 +50,8 @@ int NextOffLine(OffSource* source)
     {
         char* line = lines->line;
         size_t length = lines->lineLength;
+        if (length == lineRoom - 1 && line[length - 1] != '\n')
+            note(source->report, linesTooLong, lineByte(source));
         while (length > 0 && isBlankOrLineEnd(line[length - 1]))
             --length;
         line[length] = 0;
@@ -69,34 +77,40 @@ static int32_t roomFor(int32_t announced, int64_t most)
 
 static bool readHeader(OffSource* source, Mesh* mesh, OffCounts* counts)
 {
-    if (!NextOffLine(source) || strcmp(source->line, "OFF") != 0 || !NextOffLine(source))
-        return false;
+    if (!NextOffLine(source) || strcmp(source->line, "OFF") != 0)
+        return failReading(source->report, 0, "the first line is not \"OFF\"");
     int32_t announced[2];
-    if (scanInts(source->line, announced, 2) < 2)
-        return false;
+    if (!NextOffLine(source) || scanInts(source->line, announced, 2) < 2)
+        return failReading(source->report, lineByte(source), "the counts are missing");
     *counts = { announced[0], announced[1] };
     const BlockSource& blocks = source->lines.blocks;
     int64_t left = blocks.sizeBytes - blockPosition(&blocks) + 1; // the last line may lack its line feed
     if (counts->vertices < 1 || counts->vertices > left / shortestVertexBytes)
-        return false;
+        return failReading(source->report, lineByte(source), "%d vertices announced, with %lld bytes left",
+                           counts->vertices, static_cast<long long>(left - 1));
     return growVertices(mesh, roomFor(counts->vertices, counts->vertices)) &&
            growFaces(mesh, roomFor(counts->faces, left / shortestFaceBytes));
 }
 
-static void storeVertex(MeshVertex* vertex, float (&position)[3])
+// byte: a position in the vertex's line
+static void storeVertex(const OffSource* source, int64_t byte, MeshVertex* vertex, float (&position)[3])
 {
-    sanitizeTogether(position);
+    if (!sanitizeTogether(position))
+        note(source->report, valuesZeroed, byte);
     memcpy(vertex->position, position, sizeof position);
     vertex->colour = opaqueWhite;
 }
 
 // A line without three good numbers still gives a vertex, so that the later vertices keep their numbers.
-static void readVertexLine(const char* line, MeshVertex* vertex)
+static void readVertexLine(const OffSource* source, MeshVertex* vertex)
 {
     float position[3];
-    if (scanFloats(line, position, 3) < 3)
+    if (scanFloats(source->line, position, 3) < 3)
+    {
         memset(position, 0, sizeof position);
-    storeVertex(vertex, position);
+        note(source->report, numbersMissing, lineByte(source));
+    }
+    storeVertex(source, lineByte(source), vertex, position);
 }
 
 // Nearly all lines consist of numbers only. They are read in place in the block, first as plain lines. For a line that
@@ -123,7 +137,12 @@ static const char* endLine(const char* line, const char* at)
     return at ? at + 1 : nullptr;
 }
 
-static const char* takePosition(const char* line, MeshVertex* vertex)
+static int64_t byteOf(const OffSource* source, const char* line)
+{
+    return bytePositionOf(&source->lines.blocks, line);
+}
+
+static const char* takePosition(const OffSource* source, const char* line, MeshVertex* vertex)
 {
 #ifdef __SSE2__
     __m128 values;
@@ -137,33 +156,55 @@ static const char* takePosition(const char* line, MeshVertex* vertex)
     float position[3];
     const char* end = endLine(line, scanInLine(line, position, 3, scanFloatPadded));
     if (end)
-        storeVertex(vertex, position);
+        storeVertex(source, byteOf(source, line), vertex, position);
     return end;
 }
 
-// In range and pairwise different; a triangle's fourth corner is noCorner, which equals no vertex.
-static bool cornersUsable(const Corners& corners, uint32_t vertexCount)
+static bool inRange(const Corners& corners, uint32_t vertexCount)
 {
     auto [a, b, c, d] = corners;
-    bool inRange = a < vertexCount && b < vertexCount && c < vertexCount && (d < vertexCount || d == noCorner);
-    return inRange && a != b && a != c && a != d && b != c && b != d && c != d;
+    return a < vertexCount && b < vertexCount && c < vertexCount && (d < vertexCount || d == noCorner);
 }
 
-// Only the first four corners of a larger polygon are kept: the file is read as triangles and quads.
-static void storeFace(Mesh* mesh, const int32_t (&numbers)[5])
+// A triangle's fourth corner is noCorner, which equals no vertex.
+static bool pairwiseDifferent(const Corners& corners)
+{
+    auto [a, b, c, d] = corners;
+    return a != b && a != c && a != d && b != c && b != d && c != d;
+}
+
+// Counts the lines whose face is stored with four corners although it has more.
+static void noteCut(const OffSource* source, int64_t byte, int32_t corners)
+{
+    note(source->report, facesCut, byte, corners > 4);
+}
+
+// Only the first four corners of a larger polygon are kept: the file is read as triangles and quads. byte: a position
+// in the face's line
+static void storeFace(const OffSource* source, int64_t byte, Mesh* mesh, const int32_t (&numbers)[5])
 {
     if (numbers[0] < 3 || (numbers[0] > 3 && numbers[4] < 0))
+    {
+        note(source->report, numbers[0] < 3 ? facesTooFewCorners : facesBadCorners, byte);
         return;
+    }
     Corners corners;
     for (size_t k = 0; k < 3; ++k)
         corners[k] = static_cast<uint32_t>(numbers[k + 1]); // a negative index is then out of range
     corners[3] = numbers[0] == 3 ? noCorner : static_cast<uint32_t>(numbers[4]);
-    if (cornersUsable(corners, static_cast<uint32_t>(mesh->vertexCount)))
+    if (!inRange(corners, static_cast<uint32_t>(mesh->vertexCount)))
+        note(source->report, facesBadCorners, byte);
+    else if (!pairwiseDifferent(corners))
+        note(source->report, facesRepeatedCorners, byte);
+    else
+    {
         mesh->faces[mesh->faceCount++] = corners; // the other arrays are already zero
+        noteCut(source, byte, numbers[0]);
+    }
 }
 
 // Reads a corner count of one digit; nearly all lines have one.
-static const char* takeFace(const char* line, Mesh* mesh)
+static const char* takeFace(const OffSource* source, const char* line, Mesh* mesh)
 {
     if (line[0] < '3' || line[0] > '9' || !isBlank(line[1]))
         return nullptr;
@@ -174,15 +215,20 @@ static const char* takeFace(const char* line, Mesh* mesh)
     if (plainEnd && isBlankOrLineEnd(*plainEnd))
     {
         const char* end = endLine(line, plainEnd);
-        if (end && cornersBelow(values, corners, mesh->vertexCount) && !anyTwoEqual(values))
+        if (!end)
+            return nullptr;
+        if (cornersBelow(values, corners, mesh->vertexCount) && !anyTwoEqual(values))
+        {
             storeCorners(&mesh->faces[mesh->faceCount++], values);
-        return end;
-    }
+            noteCut(source, byteOf(source, line), line[0] - '0');
+            return end;
+        }
+    } // storeFace finds out what is wrong
 #endif
     int32_t numbers[5] = { line[0] - '0', 0, 0, 0, 0 };
     const char* end = endLine(line, scanInLine(line + 1, numbers + 1, corners, scanIntPadded));
     if (end)
-        storeFace(mesh, numbers);
+        storeFace(source, byteOf(source, line), mesh, numbers);
     return end;
 }
 
@@ -204,13 +250,15 @@ static bool readVertices(OffSource* source, Mesh* mesh, int32_t count)
     {
         MeshVertex* vertices = mesh->vertices + done;
         int32_t taken = takeLines(source, count - done,
-                                  [vertices](const char* line, int32_t k) { return takePosition(line, &vertices[k]); });
+                                  [source, vertices](const char* line, int32_t k)
+                                  { return takePosition(source, line, &vertices[k]); });
         done += taken;
         if (taken > 0)
             continue;
         if (!NextOffLine(source))
-            return false;
-        readVertexLine(source->line, vertices);
+            return failReading(source->report, source->lines.blocks.sizeBytes, "the vertices end after %d of %d", done,
+                               count);
+        readVertexLine(source, vertices);
         ++done;
     }
     mesh->vertexCount = count;
@@ -224,7 +272,7 @@ static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
     for (int32_t done = 0; done < announced;)
     {
         int32_t taken = takeLines(source, std::min(announced - done, mesh->faceCapacity - mesh->faceCount),
-                                  [mesh](const char* line, int32_t) { return takeFace(line, mesh); });
+                                  [source, mesh](const char* line, int32_t) { return takeFace(source, line, mesh); });
         done += taken;
         if (taken > 0)
         {
@@ -233,11 +281,18 @@ static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
             continue;
         }
         if (mesh->faceCount == mesh->faceCapacity || !NextOffLine(source))
+        {
+            noteDetail(source->report, readingEndedEarly, source->lines.blocks.sizeBytes,
+                       "the faces end after %d of %d", done, announced);
             break;
+        }
         int32_t numbers[5];
         int found = scanInts(source->line, numbers, 5);
         if (found == 5 || (found == 4 && numbers[0] <= 3))
-            storeFace(mesh, numbers);
+            storeFace(source, lineByte(source), mesh, numbers);
+        else
+            note(source->report, found > 0 && numbers[0] >= 0 && numbers[0] < 3 ? facesTooFewCorners : facesBadCorners,
+                 lineByte(source));
         ++done;
     }
     addFaceNormals(mesh, normalsDone, mesh->faceCount);
@@ -246,21 +301,25 @@ static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
     mesh->lineCount = 0;
 }
 
-static bool readOff(OffSource* source, FILE* file, Mesh* mesh)
+static bool readOff(OffSource* source, FILE* file, Mesh* mesh, Report* report)
 {
+    source->report = report;
+    if (report)
+        report->isText = true;
     startLines(&source->lines, file);
     source->lineCount = 0;
     source->plainLines = kernelLevel() >= kernelsSse2;
-    OffCounts counts;
-    if (source->lines.blocks.sizeBytes <= 0 || !readHeader(source, mesh, &counts) ||
-        !readVertices(source, mesh, counts.vertices))
+    OffCounts counts = {};
+    if (source->lines.blocks.sizeBytes <= 0)
+        return failReading(report, -1, "the file is empty");
+    if (!readHeader(source, mesh, &counts) || !readVertices(source, mesh, counts.vertices))
         return false;
     readFaces(source, mesh, counts.faces);
     computeBounds(mesh);
     return addPlaceholderUv(mesh) != 0; // the texture indices are already 0
 }
 
-int LoadOffFile(Mesh* mesh, const char* path)
+int LoadOffFile(Mesh* mesh, const char* path, Report* report)
 {
     FILE* file = openFile(path, "rb");
     if (!file)
@@ -270,7 +329,7 @@ int LoadOffFile(Mesh* mesh, const char* path)
     }
     showProgress("LOADING.....");
     auto* source = static_cast<OffSource*>(workAlloc(sizeof(OffSource)));
-    bool ok = source && readOff(source, file, mesh);
+    bool ok = source && readOff(source, file, mesh, report);
     workFree(source);
     fclose(file);
     closeProgress();

@@ -31,6 +31,7 @@ struct PoserReader
     NameTable materials;
     int64_t vertexLimit; // vertices announced so far, with their spares; a file with more is refused
     int64_t uvLimit;
+    Report* report; // null: none
 };
 
 // A geometry block while it is read; when it ends, it is added to the mesh.
@@ -42,6 +43,12 @@ struct PoserBlock
     int32_t liveFaceCount, lineCount;
     uint32_t group, material; // current
 };
+
+// A position in the line of the token, for the report.
+static int64_t tokenByte(const PoserReader* reader)
+{
+    return blockPosition(&reader->source.blocks) - 1;
+}
 
 // Skips bytes up to one that must not be skipped. Returns false at the end of the file.
 template <typename Skipped>
@@ -249,12 +256,12 @@ static int readVertex(PoserReader* reader, PoserBlock* block)
 {
     float position[3];
     if (scanRest(reader->source.rest, position, 3) < 3)
-        return 0;
+        return failReading(reader->report, tokenByte(reader), "a vertex with fewer than 3 numbers");
     Mesh* mesh = reader->mesh;
     int32_t index = block->firstVertex + block->vertexCount;
     if (index >= reader->vertexLimit || index >= mesh->vertexCapacity)
-        return 0;
-    sanitizeTogether(position);
+        return failReading(reader->report, tokenByte(reader), "more vertices than numbVerts announces");
+    note(reader->report, valuesZeroed, tokenByte(reader), !sanitizeTogether(position));
     memcpy(mesh->vertices[index].position, position, sizeof position);
     mesh->vertices[index].colour = opaqueWhite;
     ++block->vertexCount;
@@ -265,12 +272,12 @@ static int readUv(PoserReader* reader, PoserBlock* block)
 {
     float uv[2];
     if (scanRest(reader->source.rest, uv, 2) < 2)
-        return 0;
+        return failReading(reader->report, tokenByte(reader), "a texture coordinate with fewer than 2 numbers");
     Mesh* mesh = reader->mesh;
     int32_t index = block->firstUv + block->uvCount;
     if (index >= reader->uvLimit || index >= mesh->uvCapacity)
-        return 0;
-    sanitizeTogether(uv);
+        return failReading(reader->report, tokenByte(reader), "more texture coordinates than numbTVerts announces");
+    note(reader->report, valuesZeroed, tokenByte(reader), !sanitizeTogether(uv));
     mesh->uvs[index] = { uv[0], uv[1] };
     ++block->uvCount;
     return 1;
@@ -280,9 +287,12 @@ static int readUv(PoserReader* reader, PoserBlock* block)
 static int readElement(PoserReader* reader, PoserBlock* block, bool polyline)
 {
     int32_t vertices[cornerLimit], uvs[cornerLimit];
-    const char* end;
-    int count = parseFaceCornersPadded(reader->source.rest, block->vertexCount, block->uvCount, vertices, uvs, &end);
-    if (count < (polyline ? 2 : 3))
+    CornerFindings findings;
+    int count =
+        parseFaceCornersPadded(reader->source.rest, block->vertexCount, block->uvCount, vertices, uvs, &findings);
+    int least = polyline ? 2 : 3;
+    noteCorners(reader->report, tokenByte(reader), findings, count, least);
+    if (count < least)
         return 1;
     int32_t records = polyline ? polylineRecords(count) : polygonRecords(count);
     Mesh* mesh = reader->mesh;
@@ -305,13 +315,23 @@ static int readElement(PoserReader* reader, PoserBlock* block, bool polyline)
     return 1;
 }
 
+// Whether PoserName cuts the name for its length.
+static bool isPoserNameCut(const char* text)
+{
+    return strcspn(text, " \t:") >= nameRoom;
+}
+
 static void chooseName(PoserReader* reader, NameTable* table, int32_t* meshCount, uint32_t* current)
 {
+    bool cut = isPoserNameCut(reader->source.rest);
     if (PoserName(reader->source.rest) == 0)
         return;
-    int32_t index = findOrAddName(table, reader->source.rest);
+    int32_t before = table->count, index = findOrAddName(table, reader->source.rest);
     if (index >= 0)
         *current = static_cast<uint32_t>(index);
+    else
+        note(reader->report, table == &reader->groups ? groupsPastLimit : materialsPastLimit, tokenByte(reader));
+    note(reader->report, namesCut, tokenByte(reader), cut && table->count > before);
     *meshCount = table->count;
 }
 
@@ -330,7 +350,9 @@ static int readCount(PoserReader* reader, const PoserBlock* block,
                      int (*announce)(PoserReader*, const PoserBlock*, int32_t))
 {
     int32_t count;
-    return scanInts(reader->source.rest, &count, 1) == 1 && announce(reader, block, count);
+    if (scanInts(reader->source.rest, &count, 1) < 1)
+        return failReading(reader->report, tokenByte(reader), "%s without a number", reader->source.word);
+    return announce(reader, block, count);
 }
 
 static int readGeometryLine(PoserReader* reader, PoserBlock* block)
@@ -385,20 +407,21 @@ static int readGeometry(PoserReader* reader)
 }
 
 // Reads numbers; a bad one becomes 0. Returns 0 when there are fewer than wanted.
-static int readGoodFloats(const char* text, float* values, int count)
+static int readGoodFloats(PoserReader* reader, float* values, int count)
 {
-    if (scanFloats(text, values, count) < count)
-        return 0;
+    if (scanFloats(reader->source.rest, values, count) < count)
+        return failReading(reader->report, tokenByte(reader), "%s with fewer than %d numbers", reader->source.word,
+                           count);
     for (int i = 0; i < count; ++i)
-        SanitizeFloat(&values[i]);
+        note(reader->report, valuesZeroed, tokenByte(reader), !SanitizeFloat(&values[i]));
     return 1;
 }
 
 // Reads a colour and a fourth number that scales it.
-static int readColour(const char* text, float (&colour)[3], float* level)
+static int readColour(PoserReader* reader, float (&colour)[3], float* level)
 {
     float values[4];
-    if (!readGoodFloats(text, values, 4))
+    if (!readGoodFloats(reader, values, 4))
         return 0;
     for (int i = 0; i < 3; ++i)
         colour[i] = values[i] * values[3];
@@ -406,38 +429,48 @@ static int readColour(const char* text, float (&colour)[3], float* level)
     return 1;
 }
 
-static int readMaterialLine(PoserSource* source, Mesh* mesh, int32_t index)
+// Copies a texture's name into its slot.
+static void readMapName(PoserReader* reader, char (&slot)[nameRoom])
 {
+    const char* name = PoserMapName(reader->source.rest);
+    note(reader->report, namesCut, tokenByte(reader), strlen(name) >= nameRoom);
+    copyName(slot, name);
+}
+
+static int readMaterialLine(PoserReader* reader, int32_t index)
+{
+    PoserSource* source = &reader->source;
+    Mesh* mesh = reader->mesh;
     Material* material = &mesh->materials[index];
     float value;
     if (wordIs(source, "KdColor"))
     {
         material->shadingMode = 1;
-        return readColour(source->rest, material->diffuse, &material->diffuseLevel);
+        return readColour(reader, material->diffuse, &material->diffuseLevel);
     }
     if (wordIs(source, "KaColor"))
-        return readColour(source->rest, material->ambient, &material->ambientLevel);
+        return readColour(reader, material->ambient, &material->ambientLevel);
     if (wordIs(source, "KsColor"))
     {
         material->shininess = 10; // an NsExponent counts only if it follows this line
-        return readColour(source->rest, material->specular, &material->specularLevel);
+        return readColour(reader, material->specular, &material->specularLevel);
     }
     if (wordIs(source, "NsExponent"))
     {
-        if (!readGoodFloats(source->rest, &value, 1))
+        if (!readGoodFloats(reader, &value, 1))
             return 0;
         material->shininess = static_cast<int32_t>(value);
     }
     else if (wordIs(source, "tMax"))
     {
-        if (!readGoodFloats(source->rest, &value, 1))
+        if (!readGoodFloats(reader, &value, 1))
             return 0;
         material->transparency = value < 0.01f ? 0 : value > 1 ? 1 : value;
     }
     else if (wordIs(source, "textureMap"))
-        copyName(mesh->textureNames[index], PoserMapName(source->rest));
+        readMapName(reader, mesh->textureNames[index]);
     else if (wordIs(source, "transparencyMap"))
-        copyName(mesh->opacityNames[index], PoserMapName(source->rest));
+        readMapName(reader, mesh->opacityNames[index]);
     else if (wordIs(source, '{'))
         return SkipPoserBlock(source);
     return 1;
@@ -456,10 +489,18 @@ static int readMaterial(PoserReader* reader)
     {
         if (wordIs(source, '}'))
             return 1;
-        if (!readMaterialLine(source, reader->mesh, index))
+        if (!readMaterialLine(reader, index))
             return 0;
     }
     return 0;
+}
+
+// Figures keep their geometry in an OBJ file of its own, which is not read.
+static void noteOtherFile(PoserReader* reader)
+{
+    const PoserSource* source = &reader->source;
+    if (wordIs(source, "figureResFile") || wordIs(source, "objFileGeom"))
+        noteDetail(reader->report, geometryElsewhere, tokenByte(reader), "%s %.80s", source->word, source->rest);
 }
 
 static int readObject(PoserReader* reader)
@@ -480,6 +521,8 @@ static int readObject(PoserReader* reader)
             ok = readMaterial(reader);
         else if (wordIs(source, '{'))
             ok = SkipPoserBlock(source);
+        else
+            noteOtherFile(reader);
         if (!ok)
             return 0;
     }
@@ -506,12 +549,15 @@ static int readObjects(PoserReader* reader)
             ok = readObject(reader);
         else if (wordIs(source, '{'))
             ok = SkipPoserBlock(source);
+        else
+            noteOtherFile(reader);
         if (!ok)
             return 0;
     }
     return 0;
 }
 
+// Every failure without a reason of its own is an end of the file, or a text that is too long, inside a block.
 static int readFile(PoserReader* reader, FILE* file, Mesh* mesh)
 {
     startBlocks(&reader->source.blocks, file);
@@ -520,42 +566,58 @@ static int readFile(PoserReader* reader, FILE* file, Mesh* mesh)
     startNames(&reader->materials, mesh->materialNames);
     reader->vertexLimit = reader->uvLimit = 0;
     mesh->lineCount = mesh->liveFaceCount = mesh->faceCount = 0;
-    return readObjects(reader);
+    if (readObjects(reader))
+        return 1;
+    const BlockSource& blocks = reader->source.blocks;
+    bool atEnd = blockPosition(&blocks) + static_cast<int64_t>(poserTextRoom) > blocks.sizeBytes;
+    return failReading(reader->report, tokenByte(reader),
+                       atEnd ? "the file ends inside a block" : "a word or line of more than %zu bytes",
+                       poserTextRoom - 1);
 }
 
 // Faces of a block without texture coordinates point to the first one of the next block, which may be missing.
-static int finishUvs(Mesh* mesh)
+static int finishUvs(Mesh* mesh, Report* report)
 {
     if (mesh->uvCount == 0)
         return resetUvs(mesh);
     for (int32_t f = 0; f < mesh->faceCount; ++f)
     {
         for (uint32_t& uv : mesh->faceUvs[f])
-            uv = uv < static_cast<uint32_t>(mesh->uvCount) ? uv : 0;
+        {
+            if (uv < static_cast<uint32_t>(mesh->uvCount))
+                continue;
+            uv = 0;
+            note(report, uvIndicesReset, -1);
+        }
     }
     return 1;
 }
 
-int LoadPoserFile(Mesh* mesh, const char* path)
+int LoadPoserFile(Mesh* mesh, const char* path, Report* report)
 {
     FILE* file = openFile(path, "rb");
     if (!file)
         return 0;
     const char* failure = "Unable to read file";
     auto* reader = static_cast<PoserReader*>(workAlloc(sizeof(PoserReader)));
+    if (reader)
+        reader->report = report;
+    if (report)
+        report->isText = true;
     int ok = reader && readFile(reader, file, mesh);
     workFree(reader);
     fclose(file);
     if (ok && mesh->vertexCount == 0)
     {
         failure = "No internal geometry";
+        failForLackOf(report, "no geometry in the file itself");
         ok = 0;
     }
     if (ok)
     {
         computeNormals(mesh);
         computeBounds(mesh);
-        ok = finishUvs(mesh);
+        ok = finishUvs(mesh, report);
     }
     if (!ok)
         messageBox(failure, "Error", iconNone);

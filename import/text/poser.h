@@ -3,6 +3,7 @@
 #include "import/common/block_source.h"
 #include "import/common/numbers.h"
 #include "model/mesh.h"
+#include "model/report.h"
 
 constexpr size_t poserTextRoom = 2048; // of a word, and of the rest of its line, with the terminator
 
@@ -16,7 +17,11 @@ struct PoserSource
 // Reads the geomCustom blocks of all props, hair props, actors and figures into one mesh, and the materials that their
 // faces use. Geometry in other files is not read. No progress is shown.
 // Returns 1, or 0: silently for a file that does not open, else after "No internal geometry" or "Unable to read file".
-int LoadPoserFile(Mesh* mesh, const char* path);
+int LoadPoserFile(Mesh* mesh, const char* path, Report* report);
+inline int LoadPoserFile(Mesh* mesh, const char* path)
+{
+    return LoadPoserFile(mesh, path, nullptr);
+}
 
 // Reads a word and the rest of its line. A brace is a token by itself, and what follows it is the next token. Comments
 // from // to the line's end are skipped. The texts are valid until the next call. Returns 1, or 0 at the end of the

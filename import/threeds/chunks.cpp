@@ -21,15 +21,23 @@ int readChildren(ThreeDsReadContext* context, const Chunk& parent, EmptyChild em
     while (bytePosition(&context->cursor) < parent.end)
     {
         Chunk child;
+        int64_t byte = bytePosition(&context->cursor);
         if (!readChunkHeader(context, &child))
-            return 0;
+            return failReading(context->report, byte, "the file ends inside chunk %04X", parent.id);
+        if (child.length == 0 && emptyChild == emptyChildEndsSection)
+        {
+            noteDetail(context->report, readingEndedEarly, byte, "a chunk of length 0 ends chunk %04X", parent.id);
+            return 1;
+        }
         if (child.length == 0)
-            return emptyChild == emptyChildEndsSection;
+            return failReading(context->report, byte, "a chunk of length 0 in chunk %04X", parent.id);
+        note(context->report, chunksPastParent, byte, child.end > parent.end);
         if (!readChild(context, child))
-            return 0;
+            return failReading(context->report, byte, "chunk %04X of %u bytes does not hold what it should", child.id,
+                               child.length);
         seekBytes(&context->cursor, child.end);
         if (context->cursor.bad)
-            return 0;
+            return failReading(context->report, byte, "the chunks go back too often, with %04X", child.id);
     }
     return 1;
 }

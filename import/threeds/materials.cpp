@@ -26,7 +26,7 @@ constexpr Material chunkMaterialDefaults = {
 static float takeUnitFloat(ThreeDsReadContext* context)
 {
     float value = takeNumber<float>(&context->cursor);
-    SanitizeFloat(&value);
+    note(context->report, valuesZeroed, bytePosition(&context->cursor) - 1, !SanitizeFloat(&value));
     return value < 0 ? 0 : value > 1 ? 1 : value;
 }
 
@@ -93,9 +93,12 @@ static int readTextureChild(ThreeDsReadContext* context, const Chunk& child)
     if (dataBytes > bytesLeft(&context->cursor))
         return 0;
     auto kept = static_cast<size_t>(dataBytes < nameRoom ? dataBytes : nameRoom - 1);
+    int64_t byte = bytePosition(&context->cursor);
     const uint8_t* data = takeBytes(&context->cursor, kept);
     if (!data)
         return 0;
+    bool ends = memchr(data, 0, kept) != nullptr;
+    note(context->report, namesCut, byte, !ends && static_cast<int64_t>(kept) < dataBytes);
     char* texture = context->material->texture;
     memset(texture, 0, nameRoom);
     memcpy(texture, data, strnlen(reinterpret_cast<const char*>(data), kept));
@@ -124,6 +127,7 @@ static int readMaterialChild(ThreeDsReadContext* context, const Chunk& child)
 int readMaterial(ThreeDsReadContext* context, const Chunk& chunk)
 {
     ThreeDsMaterial* entry = &context->materials[context->materialCount];
+    note(context->report, materialsPastLimit, bytePosition(&context->cursor), context->materialsUsed == materialLimit);
     if (context->materialsUsed == context->materialCount)
         ++context->materialsUsed;
     context->materialCount += context->materialCount < materialLimit - 1;
@@ -155,7 +159,10 @@ int32_t placeMaterial(ThreeDsReadContext* context, const char* name)
     Mesh* mesh = context->mesh;
     ThreeDsMaterial* entry = findMaterial(context, name);
     if (!entry)
+    {
+        noteDetail(context->report, materialsMissing, bytePosition(&context->cursor), "the first is \"%s\"", name);
         return 0;
+    }
     if (entry->slotIndex < 0)
     {
         int32_t slot = mesh->materialCount;

@@ -20,16 +20,19 @@ static int32_t takeListCount(ByteCursor* cursor, size_t recordBytes)
     return there ? count : -1;
 }
 
-static void decodeVertices(MeshVertex* out, const uint8_t* at, int64_t count)
+// Returns how many positions are bad.
+static int64_t decodeVertices(MeshVertex* out, const uint8_t* at, int64_t count)
 {
+    int64_t bad = 0;
     for (int64_t i = 0; i < count; ++i, at += vertexBytes)
     {
         float position[3];
         memcpy(position, at, sizeof position);
-        sanitizeTogether(position);
+        bad += !sanitizeTogether(position);
         memcpy(out[i].position, position, sizeof position);
         out[i].colour = opaqueWhite;
     }
+    return bad;
 }
 
 static int readVertices(ThreeDsReadContext* context)
@@ -46,7 +49,8 @@ static int readVertices(ThreeDsReadContext* context)
         const uint8_t* at = takeRecords(cursor, vertexBytes, wanted, &count);
         if (!at)
             return 0;
-        decodeVertices(mesh->vertices + mesh->vertexCount, at, count);
+        int64_t byte = bytePosition(cursor) - count * static_cast<int64_t>(vertexBytes);
+        note(context->report, valuesZeroed, byte, decodeVertices(mesh->vertices + mesh->vertexCount, at, count));
         mesh->vertexCount += static_cast<int32_t>(count);
     }
     return 1;
@@ -70,7 +74,8 @@ static int readMappingCoords(ThreeDsReadContext* context)
         {
             float uv[2];
             memcpy(uv, at, sizeof uv);
-            sanitizeTogether(uv);
+            if (!sanitizeTogether(uv))
+                note(context->report, valuesZeroed, bytePosition(cursor) - (count - i) * static_cast<int64_t>(uvBytes));
             mesh->uvs[mesh->uvCount++] = { uv[0], uv[1] };
         }
     }
@@ -104,20 +109,29 @@ static void decodeFaces(ThreeDsReadContext* context, const uint8_t* at, int64_t 
     uint32_t attributes = static_cast<uint32_t>(mesh->groupCount) << faceGroupShift;
     Corners *faces = mesh->faces, *faceUvs = mesh->faceUvs;
     int32_t face = mesh->faceCount;
+    int64_t partlyMapped = 0; // faces past the texture coordinates of an object that has some
     for (int64_t i = 0; i < count; ++i, at += faceBytes)
     {
         uint16_t corners[4]; // the fourth number holds flags
         memcpy(corners, at, sizeof corners);
         uint32_t a = corners[0], b = corners[1], c = corners[2];
         if (a >= vertexCount || b >= vertexCount || c >= vertexCount || a == b || a == c || b == c)
+        {
+            bool there = a < vertexCount && b < vertexCount && c < vertexCount;
+            note(context->report, there ? facesRepeatedCorners : facesBadCorners,
+                 bytePosition(&context->cursor) - (count - i) * static_cast<int64_t>(faceBytes));
             continue;
+        }
         faces[face] = { vertexBase + a, vertexBase + b, vertexBase + c, noCorner };
         mesh->faceAttributes[face] = attributes;
         if (a < uvCount && b < uvCount && c < uvCount)
             faceUvs[face] = { uvBase + a, uvBase + b, uvBase + c, 0 };
+        else
+            partlyMapped += uvCount > 0;
         ++face;
     }
     mesh->faceCount = face;
+    note(context->report, uvIndicesReset, -1, 3 * partlyMapped);
 }
 
 // Face numbers count only the faces that were kept, so they are one off after a dropped face. A table of the file's own
@@ -204,6 +218,7 @@ static int readTrimesh(ThreeDsReadContext* context, const Chunk& chunk)
     object->endVertex = mesh->vertexCount;
     if (object->endVertex == object->firstVertex)
         return 1;
+    note(context->report, groupsPastLimit, bytePosition(&context->cursor), context->groupsUsed == groupLimit);
     context->groupsUsed = mesh->groupCount + 1;
     mesh->groupCount += mesh->groupCount < groupLimit - 1;
     context->objectCount += context->objectCount < groupLimit - 1;

@@ -6,6 +6,7 @@
 #include "import/common/byte_cursor.h"
 #include "model/matrix.h"
 #include "model/mesh.h"
+#include "model/report.h"
 
 enum ChunkId : uint16_t
 {
@@ -88,6 +89,7 @@ struct ThreeDsReadContext
     float selfIllumination;
     uint16_t shading;
     ThreeDsObject* nodeObject; // receives the keyframer node's first pivot; null: none
+    Report* report;            // null: none
     ByteCursor cursor;
 };
 

@@ -43,12 +43,12 @@ static int readChunks(ThreeDsReadContext* context)
 {
     Chunk first;
     if (!readChunkHeader(context, &first))
-        return 0;
+        return failReading(context->report, 0, "the file is shorter than a chunk");
     switch (first.id)
     {
     case chunkEditor: return readEditor(context, first);
     case chunkMain: return readChildren(context, first, emptyChildFails, readMainChild);
-    default: return 0;
+    default: return failReading(context->report, 0, "the first chunk is %04X, not 4D4D or 3D3D", first.id);
     }
 }
 
@@ -67,8 +67,10 @@ static void turnUpright(Mesh* mesh)
 static int read3ds(ThreeDsReadContext* context, bool keyframes)
 {
     Mesh* mesh = context->mesh;
-    if (!readChunks(context) || mesh->vertexCount == 0)
+    if (!readChunks(context))
         return 0;
+    if (mesh->vertexCount == 0)
+        return failForLackOf(context->report, "no vertex");
     mesh->liveFaceCount = mesh->faceCount;
     mesh->lineCount = 0;
     mesh->groupCount = std::max(mesh->groupCount, context->groupsUsed);
@@ -82,7 +84,7 @@ static int read3ds(ThreeDsReadContext* context, bool keyframes)
     return mesh->uvCount > 0 || addPlaceholderUv(mesh);
 }
 
-int Load3dsFile(Mesh* mesh, const char* path, bool keyframes)
+int Load3dsFile(Mesh* mesh, const char* path, bool keyframes, Report* report)
 {
     auto* context = static_cast<ThreeDsReadContext*>(tableAlloc(sizeof(ThreeDsReadContext)));
     FILE* file = context ? openFile(path, "rb") : nullptr;
@@ -91,11 +93,14 @@ int Load3dsFile(Mesh* mesh, const char* path, bool keyframes)
     if (sizeBytes > 0)
     {
         context->mesh = mesh;
+        context->report = report;
         startBytes(&context->cursor, file);
         showProgress("LOADING 3DS.....");
         ok = read3ds(context, keyframes);
         closeProgress();
     }
+    else if (file)
+        failReading(report, -1, "the file is empty");
     if (file)
         fclose(file);
     tableFree(context);

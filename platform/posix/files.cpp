@@ -45,6 +45,7 @@ FILE* openFile(const char* path, const char* mode)
     if (endless || S_ISDIR(facts.st_mode))
     {
         fclose(file);
+        errno = endless ? EOPNOTSUPP : EISDIR;
         return nullptr;
     }
     return file;

@@ -7,6 +7,7 @@
 
 #include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
 #include <new>
 
 #ifdef _WIN32
@@ -20,6 +21,7 @@
 static const char* progressCaption; // null: there is no bar
 static int shownSteps = -1;
 static int boxCount;
+static bool outOfMemorySaid, noticesSilent;
 
 static bool barWanted()
 {
@@ -39,10 +41,21 @@ int terminalBoxCount()
     return boxCount;
 }
 
+bool saidOutOfMemory()
+{
+    return outOfMemorySaid;
+}
+
+void silenceNotices()
+{
+    noticesSilent = true;
+}
+
 void messageBox(const char* text, const char* caption, BoxIcon)
 {
     wipeBar();
     ++boxCount;
+    outOfMemorySaid |= strcmp(text, "Out of memory") == 0;
     if (caption && *caption)
         fprintf(stderr, "message: %s [%s]\n", text, caption);
     else
@@ -57,6 +70,8 @@ void explainFailure(const char* path, const char* cause)
 
 void showNotice(const char* text)
 {
+    if (noticesSilent)
+        return;
     wipeBar();
     fprintf(stderr, "notice: %s\n", text);
 }

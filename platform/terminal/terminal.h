@@ -10,5 +10,11 @@
 // How many message boxes have been shown so far. A tool that shows one has failed, whatever it returns.
 int terminalBoxCount();
 
+// Whether one of them was "Out of memory".
+bool saidOutOfMemory();
+
+// From now on, notices are not printed.
+void silenceNotices();
+
 // Returns the arguments of the program in UTF-8, without its own name, and makes standard output take bytes unchanged.
 std::vector<std::string> prepareTerminal(int argc, char** argv);

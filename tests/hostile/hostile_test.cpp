@@ -58,9 +58,10 @@ protected:
     std::vector<HostileFile> files;
 };
 
-static int readHostile(Mesh* mesh, const std::string& path)
+static int readHostile(Mesh* mesh, const std::string& path, Report* report)
 {
-    return path.ends_with(".rkf") ? LoadRkfFile(mesh, path.c_str()) : readModelFile(mesh, path.c_str(), ReadOptions{});
+    return path.ends_with(".rkf") ? LoadRkfFile(mesh, path.c_str(), report)
+                                  : readModelFile(mesh, path.c_str(), { true, nullptr, report });
 }
 
 // The boxes of a refusal. An empty file may be refused without a message.
@@ -88,7 +89,9 @@ TEST_P(HostileFiles, AModelIsRefusedWithItsMessageOrKeepsItsPromises)
         resetRecording();
         int blocksBefore = recorded.liveBlocks;
         Mesh* mesh = createMesh("prop");
-        int ok = readHostile(mesh, path);
+        Report report = {};
+        int ok = readHostile(mesh, path, &report);
+        EXPECT_EQ(report.failure[0] != 0, ok == 0) << "a reason exactly when it fails: " << report.failure;
         EXPECT_LE(recorded.peakBytes, freeBytes + bytesPerFileByte * file.bytes.size());
         for (const RecordedProgress& bar : recorded.progress)
             EXPECT_TRUE(bar.closed);

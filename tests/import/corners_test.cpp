@@ -31,8 +31,9 @@ static std::string cornersOf(const std::string& text, int32_t vertexCount, int32
 
     std::string padded = text + std::string(1 + numberPaddingRoom, '\0');
     int32_t fastVertices[cornerLimit], fastUvs[cornerLimit];
-    const char* end = nullptr;
-    EXPECT_EQ(parseFaceCornersPadded(padded.c_str(), vertexCount, uvCount, fastVertices, fastUvs, &end), kept) << text;
+    CornerFindings findings;
+    EXPECT_EQ(parseFaceCornersPadded(padded.c_str(), vertexCount, uvCount, fastVertices, fastUvs, &findings), kept)
+        << text;
     for (int k = 0; k < kept; ++k)
     {
         EXPECT_EQ(fastVertices[k], vertices[k]) << text;
@@ -40,7 +41,7 @@ static std::string cornersOf(const std::string& text, int32_t vertexCount, int32
     }
     if (kept)
     {
-        EXPECT_EQ(*end, 0) << text;
+        EXPECT_EQ(*findings.end, 0) << text;
     }
     return list;
 }

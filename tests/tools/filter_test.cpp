@@ -49,6 +49,37 @@ TEST_F(Filter, TheListNamesGroupsThenMaterials)
     EXPECT_EQ(names, (Texts{ "All Groups", "default", "walls", "roof", "All Materials", "Preview", "brick" }));
 }
 
+TEST_F(Filter, AnEntryHasItsFacesAndTheWholeListHasAll)
+{
+    MeshPointer mesh = sixFaces();
+    mesh->faceAttributes[4] |= faceDeleted;
+    std::vector<int32_t> counts;
+    for (int32_t i = 0; i < 8; ++i)
+        counts.push_back(filterEntryFaces(mesh.get(), i));
+    EXPECT_EQ(counts, (std::vector<int32_t>{ 5, 2, 1, 2, 0, 3, 2, 0 }));
+}
+
+TEST_F(Filter, HiddenFacesAndPolylinesCanBeRemoved)
+{
+    MeshPointer mesh = sixFaces();
+    mesh->faceAttributes[0] |= faceLine | 7u << faceLinePointsShift; // a polyline of two records in group 0
+    mesh->faceAttributes[3] |= faceLine;
+    mesh->lineCount = 1;
+    mesh->liveFaceCount = 4;
+    applyFilter(mesh.get(), 2);
+    removeHiddenFaces(mesh.get());
+    EXPECT_EQ(mesh->lineCount, 0);
+    EXPECT_EQ(mesh->liveFaceCount, 2);
+    Faces left;
+    for (uint32_t f = 0; f < 6; ++f)
+    {
+        EXPECT_FALSE(mesh->faceAttributes[f] & faceHidden);
+        if (!(mesh->faceAttributes[f] & faceDeleted))
+            left.push_back(f);
+    }
+    EXPECT_EQ(left, (Faces{ 1, 4 }));
+}
+
 TEST_F(Filter, AGroupShowsItsFacesAndFitsThem)
 {
     MeshPointer mesh = sixFaces();
