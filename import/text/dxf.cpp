@@ -289,18 +289,27 @@ static bool storeFace(Mesh* mesh, DxfWelder* welder, const DxfFace& face, int co
     return true;
 }
 
-// Counts an entity that is not read, by its name. Outside the sections of entities and blocks, and inside an entity,
-// other texts may follow a 0; what the file's structure consists of is no loss.
-static void noteEntity(const DxfSource* source, bool inEntities)
+// What is known about the names of entities, for the report.
+struct DxfNames
 {
-    static constexpr const char* structure[] = { "SECTION", "ENDSEC", "BLOCK", "ENDBLK", "SEQEND" };
+    bool inEntities = true;  // in the section of entities or blocks, or before the first section
+    bool zeroBefore = false; // the last name was a 0: the 0 before it was a value, and the name follows
+    bool whole = false;      // the file says where it ends
+};
+
+// Sees a name, which is not that of a plain 3DFACE. Other texts may follow a 0, too; and what the file's structure
+// consists of is no loss.
+static void seeName(const DxfSource* source, DxfNames* names)
+{
+    static constexpr const char* structure[] = { "SECTION", "ENDSEC", "BLOCK", "ENDBLK", "SEQEND", "EOF" };
     auto isNamed = [source](const char* name)
     { return source->length == strlen(name) && memcmp(source->text, name, source->length) == 0; };
-    bool isName =
-        source->length > 0 && ((source->text[0] >= 'A' && source->text[0] <= 'Z') || lineIs(source, "3DSOLID"));
-    if (!source->report || !inEntities || !isName || std::any_of(std::begin(structure), std::end(structure), isNamed))
-        return;
-    noteName(source->report, entitiesIgnored, bytePosition(source), source->text, source->length);
+    names->whole |= lineIs(source, "EOF");
+    names->zeroBefore = lineIs(source, "0");
+    bool isName = source->length > 0 && ((source->text[0] >= 'A' && source->text[0] <= 'Z') ||
+                                         lineIs(source, "3DSOLID") || lineIs(source, "3DFACE"));
+    if (names->inEntities && isName && std::none_of(std::begin(structure), std::end(structure), isNamed))
+        noteName(source->report, entitiesIgnored, bytePosition(source), source->text, source->length);
 }
 
 static bool nameHoldsEntities(const DxfSource* source)
@@ -314,37 +323,33 @@ static bool nameHoldsNoEntities(const DxfSource* source)
            lineIs(source, "OBJECTS") || lineIs(source, "THUMBNAILIMAGE");
 }
 
-// A file may end anywhere, but a whole one says so.
-static void noteEarlyEnd(const DxfSource* source, const char* where)
-{
-    noteDetail(source->report, readingEndedEarly, source->blocks.sizeBytes, "the file ends %s", where);
-}
-
 // Reads entity after entity. A file that ends early is read up to its end. Returns false only when memory
 // runs out.
 static bool readEntities(DxfSource* source, Mesh* mesh, DxfWelder* welder)
 {
     bool lineWaits = false; // the line that ended a face has not been examined
-    bool inEntities = true, whole = false;
-    while (!whole && (lineWaits || nextDxfLine(source)))
+    DxfNames names;
+    while (lineWaits || nextDxfLine(source))
     {
         lineWaits = false;
+        if (names.zeroBefore)
+            seeName(source, &names);
         if (lineIs(source, "2")) // a name, which could look like a code
         {
             if (!nextDxfLine(source))
                 break;
-            inEntities = nameHoldsEntities(source) || (inEntities && !nameHoldsNoEntities(source));
+            names.inEntities = nameHoldsEntities(source) || (names.inEntities && !nameHoldsNoEntities(source));
             continue;
         }
         if (!lineIs(source, "0"))
             continue;
         if (!nextDxfLine(source))
             break;
-        whole = lineIs(source, "EOF");
-        if (whole || !lineIs(source, "3DFACE"))
+        if (!lineIs(source, "3DFACE"))
         {
-            if (!whole)
-                noteEntity(source, inEntities);
+            seeName(source, &names);
+            if (lineIs(source, "EOF"))
+                break;
             continue;
         }
         DxfFace face;
@@ -359,8 +364,8 @@ static bool readEntities(DxfSource* source, Mesh* mesh, DxfWelder* welder)
             noteName(source->report, entitiesIgnored, byte, notPlain, sizeof notPlain - 1);
         lineWaits = true;
     }
-    if (!whole)
-        noteEarlyEnd(source, "without EOF");
+    if (!names.whole)
+        noteDetail(source->report, readingEndedEarly, source->blocks.sizeBytes, "the file ends without EOF");
     mesh->liveFaceCount = mesh->faceCount;
     mesh->lineCount = 0;
     return true;

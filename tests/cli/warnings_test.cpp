@@ -76,7 +76,7 @@ TEST_F(KbxWarnings, InfoAsJsonHasThemUnderStableKeys)
     EXPECT_EQ(warning["count"], 2);
     EXPECT_EQ(warning["line"], 5);
     EXPECT_EQ(warning["text"], "faces left out for a corner that is not a vertex: 2 (first at line 5)");
-    write("a.dxf", "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n0\n3DFACE\n8\n0\n10\n0\n20\n0\n30\n0\n11\n1\n21\n0\n31\n0\n"
+    write("a.dxf", "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\nL\n0\n3DFACE\n8\nL\n10\n0\n20\n0\n30\n0\n11\n1\n21\n0\n31\n0\n"
                    "12\n1\n22\n1\n32\n0\n13\n0\n23\n1\n33\n0\n0\nEOF\n");
     answer = Json::parse(run("info --json a.dxf").out);
     EXPECT_EQ(answer["warnings"][0]["names"], Json::parse(R"([{"name": "LINE", "count": 1}])"));

@@ -219,6 +219,8 @@ static std::vector<Case> dxfCases()
     return {
         { "DxfOtherEntities", "dxf", dxf(dxfFace() + "0\nLINE\n8\nL\n0\nINSERT\n8\nL\n0\nLINE\n8\nL\n"),
           entitiesIgnored, 3, 34, "LINE" },
+        { "DxfNameAfterAValueOfZero", "dxf", dxf(dxfFace() + "0\nLINE\n8\n0\n0\nARC\n8\n0\n"), entitiesIgnored, 2, 34,
+          "ARC" },
         { "DxfFaceThatIsNotPlain", "dxf", dxf(dxfFace() + dxfFace("5\nAB\n")), entitiesIgnored, 1, 34,
           "3DFACE that is not plain" },
         { "DxfHugePosition", "dxf", dxf(dxfFace("", "5000000")), valuesZeroed, 1, 10, "" },
