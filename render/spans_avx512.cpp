@@ -20,6 +20,8 @@ WIDE Ints min32(Ints a, Ints b) { return _mm512_min_epi32(a, b); }
 WIDE Ints max32(Ints a, Ints b) { return _mm512_max_epi32(a, b); }
 WIDE Ints min16(Ints a, Ints b) { return _mm512_min_epi16(a, b); }
 WIDE Ints max16(Ints a, Ints b) { return _mm512_max_epi16(a, b); }
+WIDE Ints minUnsigned16(Ints a, Ints b) { return _mm512_min_epu16(a, b); }
+WIDE Ints maxUnsigned16(Ints a, Ints b) { return _mm512_max_epu16(a, b); }
 WIDE Ints add16(Ints a, Ints b) { return _mm512_add_epi16(a, b); }
 WIDE Ints sub16(Ints a, Ints b) { return _mm512_sub_epi16(a, b); }
 WIDE Ints addSaturated16(Ints a, Ints b) { return _mm512_adds_epi16(a, b); }

@@ -14,6 +14,7 @@
 #include <immintrin.h>
 #include <algorithm>
 
+constexpr int32_t signedLaneBias = 128 << 16; // takes 0 to the lowest of a signed 16-bit lane
 constexpr auto noiseStride = static_cast<int32_t>(noiseStep);
 
 // The values that all spans of a triangle share.
@@ -32,7 +33,7 @@ struct WideTriangle
     const FillState* fill;
 };
 
-// The attributes at the first pixels of a step. Colours are less by the bias of a lane.
+// The attributes at the first pixels of a step. Colours are less by the bias of the span.
 struct WidePixels
 {
     Ints depth, blue, green, red, fourth, row, column, counter;
@@ -49,6 +50,13 @@ WIDE Ints colourLanes(Ints first, Ints second, Ints lowest, Ints highest)
 {
     Ints lanes = pack(rightSigned32<8>(first), rightSigned32<8>(second));
     return min16(max16(lanes, lowest), highest);
+}
+
+// The same without a bias, as unsigned lanes.
+WIDE Ints lightLanes(Ints first, Ints second, Ints lowest, Ints highest)
+{
+    Ints lanes = packUnsigned(rightSigned32<8>(first), rightSigned32<8>(second));
+    return minUnsigned16(maxUnsigned16(lanes, lowest), highest);
 }
 
 WIDE Ints flipSigns(Ints lanes)
@@ -83,6 +91,7 @@ struct WideOpaque
 {
     static constexpr int32_t lanes = plainLanes;
     static constexpr bool usesFourth = false, usesTexture = false;
+    static constexpr int32_t bias = signedLaneBias;
 
     WIDE Ints shade(const WideTriangle& t, const WidePixels& p, Ints depth, Ints, Mask)
     {
@@ -97,6 +106,7 @@ struct WideTransparent
 {
     static constexpr int32_t lanes = laneCount;
     static constexpr bool usesFourth = true, usesTexture = false;
+    static constexpr int32_t bias = signedLaneBias;
 
     WIDE Ints blend(Ints colour, Ints fields, Ints fourth, Ints transparency)
     {
@@ -125,6 +135,7 @@ struct WideTextured
 {
     static constexpr int32_t lanes = laneCount;
     static constexpr bool usesFourth = false, usesTexture = true;
+    static constexpr int32_t bias = 0;
 
     // The size has 16 bits, so that a product of 16-bit lanes is enough.
     WIDE Ints texelPlace(Ints fromPeriod, Ints shift, int32_t size)
@@ -154,9 +165,9 @@ struct WideTextured
         Ints presentBlue = both(left32<3>(present), all32(0xF8));
         Ints presentGreen = both(right32<3>(present), all32(0xFC));
         Ints presentRed = both(right32<8>(present), all32(0xF8));
-        Ints pair = mix(packUnsigned(blue, green), flipSigns(colourLanes(p.blue, p.green, t.lowestPair, t.highestPair)),
+        Ints pair = mix(packUnsigned(blue, green), lightLanes(p.blue, p.green, t.lowestPair, t.highestPair),
                         packUnsigned(presentBlue, presentGreen), t.transparencyPair);
-        Ints reds = mix(packUnsigned(red, red), flipSigns(colourLanes(p.red, p.red, t.lowestRed, t.highestRed)),
+        Ints reds = mix(packUnsigned(red, red), lightLanes(p.red, p.red, t.lowestRed, t.highestRed),
                         packUnsigned(presentRed, presentRed), t.transparencyRed);
         return packCells(pair, reds, depth);
     }
@@ -168,15 +179,17 @@ WIDE __m128i loadLanes(const void* lanes)
 }
 
 // Lanes 0 to 3 of the span state less the bias of the colour lanes, and lanes 4 to 7.
+template <class Span>
 WIDE __m128i loadPlainLanes(const void* lanes)
 {
-    constexpr int32_t bias = 128 << 16;
+    constexpr int32_t bias = Span::bias;
     return _mm_sub_epi32(loadLanes(lanes), _mm_setr_epi32(0, bias, bias, bias));
 }
 
+template <class Span>
 WIDE __m128i loadMoreLanes(const uint32_t* lanes)
 {
-    return _mm_sub_epi32(loadLanes(lanes + plainLanes), _mm_setr_epi32(128 << 16, 0, 0, 0));
+    return _mm_sub_epi32(loadLanes(lanes + plainLanes), _mm_setr_epi32(Span::bias, 0, 0, 0));
 }
 
 // One end of the colours' range as pairs of lanes. The bytes of a pair come from two 32-bit lanes without their ends.
@@ -185,12 +198,12 @@ WIDE void setUpRange(Ints* pair, Ints* red, const int32_t* range)
 {
     const __m128i blueGreen = _mm_setr_epi8(5, 6, 5, 6, 5, 6, 5, 6, 9, 10, 9, 10, 9, 10, 9, 10);
     const __m128i redRed = _mm_setr_epi8(13, 14, 13, 14, 13, 14, 13, 14, 13, 14, 13, 14, 13, 14, 13, 14);
-    __m128i lanes = loadPlainLanes(range);
+    __m128i lanes = loadPlainLanes<Span>(range);
     *pair = repeat128(_mm_shuffle_epi8(lanes, blueGreen));
     __m128i reds = _mm_shuffle_epi8(lanes, redRed);
     if (Span::usesFourth)
     {
-        int32_t fourth = (range[laneFourth] >> 8) - 32768;
+        int32_t fourth = (range[laneFourth] - Span::bias) >> 8;
         reds = _mm_unpacklo_epi64(reds, _mm_set1_epi16(static_cast<int16_t>(fourth)));
     }
     *red = repeat128(reds);
@@ -292,7 +305,7 @@ WIDE_TARGET static void fillTriangleWide(FillState* fill, const SpanState* state
     constexpr bool more = Span::lanes == laneCount;
     WideTriangle t;
     setUpWide<Span>(&t, fill, state);
-    __m128i values = loadPlainLanes(state->value), moreValues = more ? loadMoreLanes(state->value) : values;
+    __m128i values = loadPlainLanes<Span>(state->value), moreValues = more ? loadMoreLanes<Span>(state->value) : values;
     uint32_t leftX = static_cast<uint32_t>(state->left.x), leftStep = static_cast<uint32_t>(state->left.step);
     int32_t rightX = state->right.x, rightStep = state->right.step;
     const uint32_t(*rowStep)[laneCount] = state->rowStep;
@@ -309,8 +322,8 @@ WIDE_TARGET static void fillTriangleWide(FillState* fill, const SpanState* state
         {
             leftX = static_cast<uint32_t>(state->left.secondX);
             leftStep = static_cast<uint32_t>(state->left.secondStep);
-            values = loadPlainLanes(state->secondValue);
-            moreValues = more ? loadMoreLanes(state->secondValue) : values;
+            values = loadPlainLanes<Span>(state->secondValue);
+            moreValues = more ? loadMoreLanes<Span>(state->secondValue) : values;
             rowStep = state->rowStep + 2;
         }
         int32_t x = static_cast<int32_t>(leftX) >> 16;
