@@ -1,15 +1,5 @@
-// resources/embed.S - the embedded files as bytes, each between embedded_NAME and embedded_NAME_end
-.section .rodata
-
-.macro embed name, path
-    .balign 16
-    .global embedded_\name
-    .global embedded_\name\()_end
-embedded_\name:
-    .incbin "\path"
-embedded_\name\()_end:
-    .byte 0
-.endm
+// resources/embed.S - the files that every program carries
+#include "embed_macro.S"
 
 embed model, "model.bin"
 embed wood, "wood.jpg"

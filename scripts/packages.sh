@@ -3,7 +3,8 @@
 #   need_packages PACKAGE...    does nothing when all are installed; else installs them as root or through sudo
 
 packages_to_build="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev zlib1g-dev libjpeg62-turbo-dev libpng-dev"
-packages_to_test="libgtest-dev libgmock-dev googletest libbenchmark-dev clang libclang-rt-14-dev clang-format clang-tidy libjpeg-turbo-progs shared-mime-info libglib2.0-bin zsh fish"
+packages_for_window="qt6-base-dev qt6-wayland"
+packages_to_test="libgtest-dev libgmock-dev googletest libbenchmark-dev clang libclang-rt-14-dev clang-format clang-tidy libjpeg-turbo-progs shared-mime-info libglib2.0-bin zsh fish xvfb xauth openbox xdotool x11-utils weston desktop-file-utils appstream lintian locales"
 packages_for_windows="g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 wine debootstrap xvfb xauth zip"
 
 need_packages() {
