@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <filesystem>
 #include <functional>
 #endif
 
@@ -198,4 +199,21 @@ TEST_F(OutputFiles, AbandoningRemovesWhatIsNotInPlace)
     EXPECT_EQ(commitOutputs(outputs, 3, false), 0);
     EXPECT_EQ(filesInFolder(), Names{});
     namePendingFilesAtOnce(false);
+}
+
+// A writer that gives up has not closed what it writes to directly.
+TEST_F(OutputFiles, AbandoningClosesADevice)
+{
+    auto openFiles = []
+    {
+        std::filesystem::directory_iterator all("/proc/self/fd");
+        return std::distance(begin(all), end(all));
+    };
+    auto before = openFiles();
+    OutputFile output = {};
+    ASSERT_EQ(openOutput(&output, "/dev/null"), 1);
+    EXPECT_EQ(openFiles(), before + 1);
+    EXPECT_EQ(commitOutputs(&output, 1, false), 0);
+    EXPECT_EQ(openFiles(), before);
+    EXPECT_EQ(output.file, nullptr);
 }
