@@ -16,15 +16,16 @@ static const char* const presetNames[] = { "brass", "wood",  "pewter",  "silver"
                                            "chalk", "brick", "crystal", "white",  "prop material" };
 static const char* const backgroundNames[] = { "grey1", "grey2", "black" };
 
-constexpr char footerEnd[] = "\n"
-                             "Exit status:\n"
-                             "  0 done; 1 a file could not be read or written; 2 wrong usage\n"
-                             "\n"
-                             "Examples:\n"
-                             "  kbx info *.3ds\n"
-                             "  kbx convert --tool weld --tool fix-normals scan.ply scan.obj\n"
-                             "  kbx render chair.obj --rotate 20,30,0 --shadows -o chair.png\n"
-                             "  kbx render --preset gold -o teapot.bmp";
+constexpr char footerEnd[] =
+    "\n"
+    "Exit status:\n"
+    "  0 done; 1 a file could not be read or written; 2 wrong usage; 3 not sound (info --check)\n"
+    "\n"
+    "Examples:\n"
+    "  kbx info *.3ds\n"
+    "  kbx convert --tool weld --tool fix-normals scan.ply scan.obj\n"
+    "  kbx render chair.obj --rotate 20,30,0 --shadows -o chair.png\n"
+    "  kbx render --preset gold -o teapot.bmp";
 
 // The end of the help: a line for each tool with its name and what it does, the exit status and examples.
 static std::string makeFooter()
@@ -284,6 +285,7 @@ void describeUsage(CLI::App* app, Arguments* arguments)
 
     CLI::App* info = addCommand(app, arguments, Command::info, "info", "counts, bounds, groups, materials, textures");
     info->add_flag("--json", arguments->json, "as JSON: an object, or an array of them for several files");
+    info->add_flag("--check", arguments->check, "exit with status 3 when a surface is not sound, and say why");
     addLoadOptions(info, &arguments->load, true);
     info->add_option("FILE", arguments->inputs, "models to read")->option_text(" ")->required();
 

@@ -55,6 +55,7 @@ struct Arguments
     Command command = Command::none;
     int exitStatus = 0; // with Command::none
     bool json = false;
+    bool check = false;
     bool normals = false;
     LoadArguments load;
     ViewArguments view;

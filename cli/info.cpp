@@ -1,56 +1,15 @@
 // cli/info.cpp - kbx info: what is in a model, as text and as JSON
 #include "cli/commands.h"
-#include "cli/load.h"
+#include "cli/facts.h"
 #include "cli/output.h"
 #include "cli/warnings.h"
 #include "platform/boxes.h"
-#include "tools/statistics.h"
 
-#include <nlohmann/json.hpp>
 #include <stdio.h>
-#include <string.h>
+#include <string>
+#include <vector>
 
-using Json = nlohmann::ordered_json;
-
-struct Facts
-{
-    MeshStatistics statistics = {};
-    int32_t triangles = 0;
-    int32_t quads = 0;
-    int32_t lineRecords = 0;
-    int32_t hidden = 0;
-    std::vector<int32_t> groupFaces;
-    std::vector<int32_t> materialFaces;
-};
-
-static void countFaces(const Mesh* mesh, Facts* counted)
-{
-    Facts& facts = *counted;
-    facts.groupFaces.resize(groupLimit);
-    facts.materialFaces.resize(materialLimit);
-    for (int32_t f = 0; f < mesh->faceCount; ++f)
-    {
-        uint32_t attributes = mesh->faceAttributes[f];
-        if (attributes & faceDeleted)
-            continue;
-        ++facts.groupFaces[faceGroup(attributes)];
-        ++facts.materialFaces[faceMaterial(attributes)];
-        facts.hidden += (attributes & faceHidden) != 0;
-        if (attributes & faceLine)
-            ++facts.lineRecords;
-        else if (cornerCount(mesh->faces[f]) == 4)
-            ++facts.quads;
-        else
-            ++facts.triangles;
-    }
-}
-
-// Returns 0 after "Out of memory".
-static int gatherFacts(const Mesh* mesh, Facts* facts)
-{
-    countFaces(mesh, facts);
-    return gatherStatistics(mesh, &facts->statistics);
-}
+constexpr int unsoundStatus = 3; // of --check
 
 // 1234567 as 1,234,567
 static std::string grouped(int64_t value)
@@ -69,7 +28,10 @@ static void putTexture(Output* out, const FoundTexture& texture, const char* kin
     put(out, kind);
     put(out, " ");
     putReadableName(out, name);
-    put(out, texture.path.empty() ? " (missing)" : " (found)");
+    if (texture.path.empty())
+        put(out, " (missing)");
+    else
+        put(out, (" (found, " + grouped(texture.sizeBytes) + " bytes)").c_str());
 }
 
 static void putCount(Output* out, const char* label, int64_t value, const std::string& remark = {})
@@ -90,31 +52,62 @@ static void putAxis(Output* out, char axis, float min, float max)
     endLine(out);
 }
 
+static void putMeasure(Output* out, const char* label, double value)
+{
+    char line[128];
+    snprintf(line, sizeof line, "  %-22s %13.6g", label, value);
+    put(out, line);
+    endLine(out);
+}
+
+static void printSoundness(Output* out, const MeshStatistics& statistics)
+{
+    const SurfaceMeasures& surface = statistics.surface;
+    putCount(out, "open edges", statistics.openEdges);
+    putCount(out, "non-manifold edges", statistics.nonManifoldEdges);
+    putCount(out, "flipped edges", statistics.flippedEdges);
+    putCount(out, "degenerate faces", statistics.degenerateFaces);
+    putCount(out, "duplicate faces", surface.duplicateFaces);
+    putCount(out, "duplicate vertices", statistics.duplicateVertices);
+    putCount(out, "pieces", surface.pieces);
+    putMeasure(out, "area", surface.area);
+    put(out, statistics.closed ? "  closed                           yes" : "  closed                            no");
+    endLine(out);
+    if (enclosesVolume(statistics))
+        putMeasure(out, "volume", surface.volume);
+}
+
+// " 5 faces", with the kinds where there are several.
+static std::string facesText(const FaceCounts& counts)
+{
+    std::string text = " " + grouped(allOf(counts)) + " faces";
+    if (counts.quads > 0 || counts.lineRecords > 0)
+        text += " (" + grouped(counts.triangles) + " triangles, " + grouped(counts.quads) + " quads, " +
+                grouped(counts.lineRecords) + " line records)";
+    return text;
+}
+
 static void printFacts(Output* out, const std::string& path, const LoadedModel& model, const Facts& facts)
 {
     const Mesh* mesh = model.mesh;
     put(out, path.c_str());
     endLine(out);
     putCount(out, "vertices", mesh->vertexCount);
-    putCount(out, "texture coordinates", mesh->uvCount);
+    putCount(out, "texture coordinates", facts.uvs);
     putCount(out, "faces", mesh->liveFaceCount,
-             grouped(facts.triangles) + " triangles, " + grouped(facts.quads) + " quads");
+             grouped(facts.all.triangles) + " triangles, " + grouped(facts.all.quads) + " quads");
     putCount(out, "lines", mesh->lineCount);
     if (facts.hidden)
         putCount(out, "hidden by the filter", facts.hidden);
     for (int axis = 0; axis < 3; ++axis)
         putAxis(out, "xyz"[axis], mesh -> boundsMin[axis], mesh -> boundsMax[axis]);
-    putCount(out, "open edges", facts.statistics.openEdges);
-    putCount(out, "non-manifold edges", facts.statistics.nonManifoldEdges);
-    putCount(out, "degenerate faces", facts.statistics.degenerateFaces);
-    putCount(out, "duplicate vertices", facts.statistics.duplicateVertices);
-
+    printSoundness(out, facts.statistics);
     putCount(out, "groups", mesh->groupCount);
     for (int32_t g = 0; g < mesh->groupCount; ++g)
     {
         put(out, "    ");
         putReadableName(out, mesh->groupNames[g]);
-        put(out, (" " + grouped(facts.groupFaces[static_cast<size_t>(g)]) + " faces").c_str());
+        put(out, facesText(facts.groups[static_cast<size_t>(g)]).c_str());
         endLine(out);
     }
     putCount(out, "materials", mesh->materialCount);
@@ -122,116 +115,15 @@ static void printFacts(Output* out, const std::string& path, const LoadedModel& 
     {
         put(out, "    ");
         putReadableName(out, mesh->materialNames[m]);
-        put(out, (" " + grouped(facts.materialFaces[static_cast<size_t>(m)]) + " faces").c_str());
+        put(out, facesText(facts.materials[static_cast<size_t>(m)]).c_str());
         putTexture(out, model.textures.textures[static_cast<size_t>(m)], "texture", mesh->textureNames[m]);
         putTexture(out, model.textures.opacities[static_cast<size_t>(m)], "opacity", mesh->opacityNames[m]);
         endLine(out);
     }
 }
 
-static Json jsonOf(const float (&values)[3])
-{
-    return Json::array({ values[0], values[1], values[2] });
-}
-
-static Json textureJson(const FoundTexture& texture, const char* name)
-{
-    if (!*name)
-        return nullptr;
-    if (texture.path.empty())
-        return { { "name", name }, { "found", false } };
-    return { { "name", name }, { "found", true }, { "file", texture.path }, { "bytes", texture.sizeBytes } };
-}
-
-static Json placeJson(int64_t byte, int64_t line)
-{
-    Json place = Json::object();
-    if (line > 0)
-        place["line"] = line;
-    else if (byte >= 0)
-        place["byte"] = byte;
-    return place;
-}
-
-static Json warningsJson(const Report& report)
-{
-    Json warnings = Json::array();
-    for (int i = 0; i < reportKindCount; ++i)
-    {
-        auto kind = static_cast<ReportKind>(i);
-        const ReportEntry& entry = report.entries[i];
-        if (entry.count == 0)
-            continue;
-        Json warning = { { "kind", reportKey(kind) }, { "count", entry.count }, { "text", warningText(report, kind) } };
-        warning.update(placeJson(entry.firstByte, entry.firstLine));
-        if (report.namedKind == kind && report.nameCount > 0)
-        {
-            Json names = Json::array();
-            for (int32_t n = 0; n < report.nameCount; ++n)
-                names.push_back({ { "name", report.names[n].name }, { "count", report.names[n].count } });
-            warning["names"] = names;
-        }
-        warnings.push_back(warning);
-    }
-    return warnings;
-}
-
-static Json materialJson(const LoadedModel& model, int32_t m, const Facts& facts)
-{
-    const Mesh* mesh = model.mesh;
-    const Material& material = mesh->materials[m];
-    return {
-        { "name", mesh->materialNames[m] },
-        { "faces", facts.materialFaces[static_cast<size_t>(m)] },
-        { "ambient", jsonOf(material.ambient) },
-        { "diffuse", jsonOf(material.diffuse) },
-        { "specular", jsonOf(material.specular) },
-        { "ambientLevel", material.ambientLevel },
-        { "diffuseLevel", material.diffuseLevel },
-        { "specularLevel", material.specularLevel },
-        { "shininess", material.shininess },
-        { "transparency", material.transparency },
-        { "texture", textureJson(model.textures.textures[static_cast<size_t>(m)], mesh->textureNames[m]) },
-        { "opacity", textureJson(model.textures.opacities[static_cast<size_t>(m)], mesh->opacityNames[m]) },
-    };
-}
-
-static Json jsonFacts(const std::string& path, const LoadedModel& model, const Facts& facts)
-{
-    const Mesh* mesh = model.mesh;
-    Json groups = Json::array();
-    for (int32_t g = 0; g < mesh->groupCount; ++g)
-        groups.push_back({ { "name", mesh->groupNames[g] }, { "faces", facts.groupFaces[static_cast<size_t>(g)] } });
-    Json materials = Json::array();
-    for (int32_t m = 0; m < mesh->materialCount; ++m)
-        materials.push_back(materialJson(model, m, facts));
-    return {
-        { "file", path },
-        { "name", mesh->name },
-        { "vertices", mesh->vertexCount },
-        { "uvs", mesh->uvCount },
-        { "lines", mesh->lineCount },
-        { "faces", mesh->liveFaceCount },
-        { "faceSlots", mesh->faceCount },
-        { "triangles", facts.triangles },
-        { "quads", facts.quads },
-        { "lineRecords", facts.lineRecords },
-        { "hidden", facts.hidden },
-        { "bounds", { { "min", jsonOf(mesh->boundsMin) }, { "max", jsonOf(mesh->boundsMax) } } },
-        { "centre", jsonOf(mesh->centre) },
-        { "radius", mesh->radius },
-        { "openEdges", facts.statistics.openEdges },
-        { "nonManifoldEdges", facts.statistics.nonManifoldEdges },
-        { "degenerateFaces", facts.statistics.degenerateFaces },
-        { "duplicateVertices", facts.statistics.duplicateVertices },
-        { "groups", groups },
-        { "materials", materials },
-        { "warnings", warningsJson(model.report) },
-    };
-}
-
-// Reads one file and answers for it. Returns whether it was read, and with --strict without a warning.
-static bool inspect(const std::string& path, const Arguments& arguments, Output* out, Json* all)
+// Reads one file and adds its answer. Returns its exit status.
+static int inspect(const std::string& path, const Arguments& arguments, Output* out, std::vector<std::string>* answers)
 {
     LoadedModel model;
     Facts facts;
@@ -243,7 +135,7 @@ static bool inspect(const std::string& path, const Arguments& arguments, Output*
         read = false;
     }
     if (arguments.json)
-        all->push_back(read ? jsonFacts(path, model, facts) : Json{ { "file", path }, { "error", model.error } });
+        answers->push_back(read ? factsAsJson(path, model, facts) : errorAsJson(path, model.error));
     else if (read)
     {
         if (out->lines > 0)
@@ -251,21 +143,41 @@ static bool inspect(const std::string& path, const Arguments& arguments, Output*
         printFacts(out, path, model, facts);
     }
     freeMesh(model.mesh);
-    return read && !(arguments.load.strict && hasWarnings(model.report));
+    if (!read || (arguments.load.strict && hasWarnings(model.report)))
+        return 1;
+    std::string faults = arguments.check ? faultsOf(facts.statistics) : "";
+    if (!faults.empty())
+        explainFailure(path.c_str(), ("not sound: " + faults).c_str());
+    return faults.empty() ? 0 : unsoundStatus;
+}
+
+// The answers as one object, or as an array of them.
+static void putAnswers(Output* out, const std::vector<std::string>& answers)
+{
+    if (answers.size() == 1)
+        put(out, answers[0].c_str());
+    for (size_t i = 0; answers.size() > 1 && i < answers.size(); ++i)
+    {
+        put(out, i == 0 ? "[\n  " : ",\n  ");
+        for (char c : answers[i]) // no text of JSON contains a line end
+            out->pending += c == '\n' ? std::string("\n  ") : std::string(1, c);
+        flushOutput(out);
+    }
+    put(out, answers.size() > 1 ? "\n]" : "");
+    endLine(out);
 }
 
 int runInfo(const Arguments& arguments)
 {
     Output out;
-    Json all = Json::array();
-    bool allRead = true;
+    std::vector<std::string> answers;
+    int status = 0;
     for (const std::string& path : arguments.inputs)
-        allRead &= inspect(path, arguments, &out, &all);
-    if (arguments.json)
     {
-        const Json& answer = arguments.inputs.size() == 1 ? all[0] : all;
-        put(&out, answer.dump(2, ' ', false, Json::error_handler_t::replace).c_str());
-        endLine(&out);
+        int one = inspect(path, arguments, &out, &answers);
+        status = status == 1 || one == 0 ? status : one; // a file that failed counts for more than one that is unsound
     }
-    return finishOutput(&out) && allRead ? 0 : 1;
+    if (arguments.json)
+        putAnswers(&out, answers);
+    return finishOutput(&out) ? status : 1;
 }

@@ -14,9 +14,13 @@
 struct EdgeLists
 {
     uint32_t* start; // per vertex: where its list starts in upper; one more entry for the end of the last list
-    uint32_t* upper; // the upper ends of all edges, list by list
-    uint32_t* uses;  // per vertex: how often it is an upper end in the list being counted
+    uint32_t* upper; // the upper ends of all edges, list by list; the top bit: the face runs toward the lower end
+    uint64_t* uses;  // per vertex: how often it is an upper end in the list being counted, and above that, how often
+                     // with the top bit
 };
+
+constexpr uint32_t runsDown = 1u << 31; // vertex indices are smaller
+constexpr int runsDownShift = 32;
 
 static bool repeatsCorner(const Corners& corners, size_t count)
 {
@@ -50,7 +54,7 @@ static int32_t countDegenerateFaces(const Mesh* mesh)
     return count;
 }
 
-// Calls visit with the lower and the upper end of every edge of every face.
+// Calls visit with the lower and the upper end of every edge of every face, and whether the face runs to the lower one.
 template <typename Visit>
 static void visitEdges(const Mesh* mesh, Visit visit)
 {
@@ -64,7 +68,7 @@ static void visitEdges(const Mesh* mesh, Visit visit)
         for (size_t k = 0; k < count; ++k)
         {
             uint32_t a = corners[k], b = corners[k + 1 == count ? 0 : k + 1];
-            visit(std::min(a, b), std::max(a, b));
+            visit(std::min(a, b), std::max(a, b), a > b);
         }
     }
 }
@@ -85,12 +89,13 @@ static int makeEdgeLists(const Mesh* mesh, EdgeLists* lists)
 {
     *lists = {};
     uint64_t edgeCount = 0;
-    visitEdges(mesh, [&](uint32_t, uint32_t) { ++edgeCount; });
+    visitEdges(mesh, [&](uint32_t, uint32_t, bool) { ++edgeCount; });
     if (edgeCount > UINT32_MAX)
         return reportOutOfMemory();
     lists->start = wordBlock(int64_t{ mesh->vertexCount } + 2);
     lists->upper = lists->start ? wordBlock(static_cast<int64_t>(edgeCount) + 1) : nullptr;
-    lists->uses = lists->upper ? wordBlock(int64_t{ mesh->vertexCount } + 1) : nullptr;
+    if (lists->upper)
+        lists->uses = static_cast<uint64_t*>(workAlloc(blockSize(int64_t{ mesh->vertexCount } + 1, sizeof(uint64_t))));
     if (!lists->uses)
     {
         freeEdgeLists(lists);
@@ -103,10 +108,11 @@ static int makeEdgeLists(const Mesh* mesh, EdgeLists* lists)
 // Filling the list moves start[v + 1] to its end, where the list of v + 1 starts.
 static void fillEdgeLists(const Mesh* mesh, EdgeLists* lists)
 {
-    visitEdges(mesh, [&](uint32_t lower, uint32_t) { ++lists->start[lower + 2]; });
+    visitEdges(mesh, [&](uint32_t lower, uint32_t, bool) { ++lists->start[lower + 2]; });
     for (int32_t v = 0; v < mesh->vertexCount; ++v)
         lists->start[v + 2] += lists->start[v + 1];
-    visitEdges(mesh, [&](uint32_t lower, uint32_t upper) { lists->upper[lists->start[lower + 1]++] = upper; });
+    visitEdges(mesh, [&](uint32_t lower, uint32_t upper, bool down)
+               { lists->upper[lists->start[lower + 1]++] = upper | (down ? runsDown : 0); });
 }
 
 static void countList(const EdgeLists& lists, int32_t vertex, MeshStatistics* statistics)
@@ -114,12 +120,15 @@ static void countList(const EdgeLists& lists, int32_t vertex, MeshStatistics* st
     const uint32_t* first = lists.upper + lists.start[vertex];
     const uint32_t* last = lists.upper + lists.start[vertex + 1];
     for (const uint32_t* end = first; end != last; ++end)
-        ++lists.uses[*end];
+        lists.uses[*end & ~runsDown] += *end & runsDown ? 1 + (uint64_t{ 1 } << runsDownShift) : 1;
     for (const uint32_t* end = first; end != last; ++end)
     {
-        statistics->openEdges += lists.uses[*end] == 1;
-        statistics->nonManifoldEdges += lists.uses[*end] > 2;
-        lists.uses[*end] = 0; // counts each edge once, and clears the count for the next list
+        uint64_t& uses = lists.uses[*end & ~runsDown];
+        auto faces = static_cast<uint32_t>(uses);
+        statistics->openEdges += faces == 1;
+        statistics->nonManifoldEdges += faces > 2;
+        statistics->flippedEdges += faces == 2 && uses >> runsDownShift != 1;
+        uses = 0; // counts each edge once, and clears the count for the next list
     }
 }
 
@@ -129,8 +138,10 @@ static int countEdges(const Mesh* mesh, MeshStatistics* statistics)
     if (!makeEdgeLists(mesh, &lists))
         return 0;
     fillEdgeLists(mesh, &lists);
+    bool anyEdge = lists.start[mesh->vertexCount] > 0;
     for (int32_t v = 0; v < mesh->vertexCount; ++v)
         countList(lists, v, statistics);
+    statistics->closed = anyEdge && statistics->openEdges == 0 && statistics->nonManifoldEdges == 0;
     freeEdgeLists(&lists);
     return 1;
 }
@@ -167,5 +178,6 @@ int gatherStatistics(const Mesh* mesh, MeshStatistics* statistics)
 {
     *statistics = {};
     statistics->degenerateFaces = countDegenerateFaces(mesh);
-    return countDuplicateVertices(mesh, &statistics->duplicateVertices) && countEdges(mesh, statistics);
+    return countDuplicateVertices(mesh, &statistics->duplicateVertices) && countEdges(mesh, statistics) &&
+           measureSurface(mesh, &statistics->surface);
 }

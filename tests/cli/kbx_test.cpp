@@ -206,8 +206,11 @@ TEST_F(Kbx, InfoTellsWhatIsWrongWithTheMesh)
     Result result = run("info a.obj");
     EXPECT_NE(result.out.find("\n  open edges                         6"
                               "\n  non-manifold edges                 1"
+                              "\n  flipped edges                      0"
                               "\n  degenerate faces                   1"
-                              "\n  duplicate vertices                 1\n"),
+                              "\n  duplicate faces                    0"
+                              "\n  duplicate vertices                 1"
+                              "\n  pieces                             1\n"),
               std::string::npos)
         << result.out;
     result = run("info --json a.obj");
@@ -222,9 +225,9 @@ TEST_F(Kbx, InfoSaysWhichTexturesAreMissing)
     write("square.mtl", "newmtl red\nmap_Kd here.jpg\nmap_d far\\gone.jpg\n");
     write("here.jpg", "any bytes");
     Result result = run("info square.obj");
-    EXPECT_NE(
-        result.out.find("    \"red\" 1 faces  texture \"here.jpg\" (found)  opacity \"far\\gone.jpg\" (missing)\n"),
-        std::string::npos)
+    EXPECT_NE(result.out.find("    \"red\" 1 faces (0 triangles, 1 quads, 0 line records)  texture \"here.jpg\" "
+                              "(found, 9 bytes)  opacity \"far\\gone.jpg\" (missing)\n"),
+              std::string::npos)
         << result.out;
 }
 

@@ -141,3 +141,70 @@ TEST_F(Statistics, CountsEqualThoseOfAMapOnRandomMeshes)
             << "seed " << seed;
     }
 }
+
+TEST_F(Statistics, ATurnedFaceMakesItsEdgesFlipped)
+{
+    std::vector<Corners> faces = cubeFaces;
+    MeshPointer sound = buildMesh(cubePoints, faces);
+    EXPECT_EQ(statisticsOf(sound.get()).flippedEdges, 0);
+    std::swap(faces[2][1], faces[2][3]);
+    MeshPointer mesh = buildMesh(cubePoints, faces);
+    MeshStatistics statistics = statisticsOf(mesh.get());
+    EXPECT_EQ(statistics.flippedEdges, 4);
+    EXPECT_EQ(statistics.openEdges, 0);
+    EXPECT_TRUE(statistics.closed);
+    EXPECT_FALSE(enclosesVolume(statistics));
+}
+
+TEST_F(Statistics, OnlyASurfaceWithoutOpenAndNonManifoldEdgesIsClosed)
+{
+    EXPECT_TRUE(statisticsOf(buildMesh(cubePoints, cubeFaces).get()).closed);
+    EXPECT_FALSE(statisticsOf(buildMesh(cubePoints, { { 0, 1, 2, none } }).get()).closed);
+    EXPECT_FALSE(statisticsOf(buildMesh(cubePoints, {}).get()).closed);
+    std::vector<Corners> faces = cubeFaces;
+    faces.insert(faces.end(), cubeFaces.begin(), cubeFaces.end());
+    EXPECT_FALSE(statisticsOf(buildMesh(cubePoints, faces).get()).closed);
+}
+
+TEST_F(Statistics, ACubeHasItsAreaAndVolume)
+{
+    std::vector<Point> points = cubePoints;
+    for (Point& point : points)
+        point = { 2 * point.x + 1000, 2 * point.y + 1000, 2 * point.z + 1000 };
+    MeshPointer mesh = buildMesh(points, cubeFaces);
+    MeshStatistics statistics = statisticsOf(mesh.get());
+    EXPECT_TRUE(enclosesVolume(statistics));
+    EXPECT_DOUBLE_EQ(statistics.surface.area, 24);
+    EXPECT_DOUBLE_EQ(statistics.surface.volume, 8);
+    EXPECT_EQ(statistics.surface.pieces, 1);
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+        std::swap(mesh->faces[f][1], mesh->faces[f][3]);
+    EXPECT_DOUBLE_EQ(statisticsOf(mesh.get()).surface.volume, -8);
+}
+
+TEST_F(Statistics, FacesWithTheVerticesOfAnEarlierOneAreDuplicates)
+{
+    MeshPointer mesh = buildMesh(cubePoints, { { 0, 1, 2, none },
+                                               { 2, 1, 0, none },
+                                               { 1, 2, 0, none },
+                                               { 0, 1, 2, 3 },
+                                               { 0, 2, 1, 3 },
+                                               { 0, 1, 4, none },
+                                               { 0, 1, 1, none },
+                                               { 1, 0, 1, none } });
+    EXPECT_EQ(statisticsOf(mesh.get()).surface.duplicateFaces, 3);
+    mesh->faceAttributes[0] = faceDeleted;
+    EXPECT_EQ(statisticsOf(mesh.get()).surface.duplicateFaces, 2);
+}
+
+TEST_F(Statistics, PiecesShareNoVertices)
+{
+    EXPECT_EQ(statisticsOf(buildMesh(cubePoints, {}).get()).surface.pieces, 0);
+    EXPECT_EQ(statisticsOf(buildMesh(cubePoints, { { 0, 1, 2, none }, { 3, 4, 5, none } }).get()).surface.pieces, 2);
+    EXPECT_EQ(statisticsOf(buildMesh(cubePoints, { { 0, 1, 2, none }, { 3, 4, 5, none }, { 6, 5, 2, none } }).get())
+                  .surface.pieces,
+              1);
+    EXPECT_EQ(statisticsOf(buildMesh(cubePoints, { { 7, 6, 5, none }, { 4, 3, 2, none }, { 2, 1, 7, none } }).get())
+                  .surface.pieces,
+              1);
+}
