@@ -2,13 +2,12 @@
 #include "tools/surface.h"
 
 #include "model/memory.h"
-#include "model/seeded_hash.h"
-#include "tools/hash.h"
 
 #include <math.h>
 #include <algorithm>
+#include <utility>
 
-// Calls visit with the index, the corners and the number of corners of every face of the surface.
+// Calls visit with the corners and the number of corners of every face of the surface.
 template <typename Visit>
 static void visitFaces(const Mesh* mesh, Visit visit)
 {
@@ -17,7 +16,7 @@ static void visitFaces(const Mesh* mesh, Visit visit)
         const Corners& corners = mesh->faces[f];
         size_t count = corners[3] == noCorner ? 3 : 4;
         if (isSurface(mesh->faceAttributes[f]) && cornersAreVertices(mesh, corners, count))
-            visit(static_cast<uint32_t>(f), corners, count);
+            visit(corners, count);
     }
 }
 
@@ -65,7 +64,7 @@ static int countPieces(const Mesh* mesh, int32_t* pieces)
         return 0;
     std::fill(parents, parents + mesh->vertexCount, noCorner); // no face has used the vertex
     visitFaces(mesh,
-               [parents, pieces](uint32_t, const Corners& corners, size_t count)
+               [parents, pieces](const Corners& corners, size_t count)
                {
                    uint32_t first = 0;
                    for (size_t k = 0; k < count; ++k)
@@ -88,31 +87,90 @@ static int countPieces(const Mesh* mesh, int32_t* pieces)
 
 static Corners sortedCorners(Corners corners)
 {
-    std::sort(corners.begin(), corners.end());
+    auto order = [&corners](size_t i, size_t k)
+    {
+        uint32_t low = std::min(corners[i], corners[k]), high = std::max(corners[i], corners[k]);
+        corners[i] = low;
+        corners[k] = high;
+    };
+    order(0, 1);
+    order(2, 3);
+    order(0, 2);
+    order(1, 3);
+    order(1, 2);
     return corners;
+}
+
+// Faces in lists by their lowest vertices. Neighbours in the mesh have lists that lie close together, so filling and
+// comparing them stays in the cache.
+struct FaceLists
+{
+    uint32_t* start; // per vertex: where its list starts in sorted; filling moves each start to the end of its list
+    Corners* sorted; // the corners of all faces in increasing order, list by list
+};
+
+constexpr uint32_t comparedLimit = 16; // faces of a list that are compared with each other; longer lists are sorted
+
+static int32_t duplicatesIn(Corners* first, Corners* last)
+{
+    int32_t duplicates = 0;
+    if (last - first > static_cast<ptrdiff_t>(comparedLimit))
+    {
+        std::sort(first, last);
+        for (Corners* face = first + 1; face < last; ++face)
+            duplicates += face[0] == face[-1];
+        return duplicates;
+    }
+    for (Corners* face = first; face < last; ++face)
+        duplicates += std::find(first, face, *face) != face;
+    return duplicates;
+}
+
+static bool makeFaceLists(const Mesh* mesh, FaceLists* lists)
+{
+    *lists = {};
+    lists->start = static_cast<uint32_t*>(workAlloc(blockSize(int64_t{ mesh->vertexCount } + 1, sizeof(uint32_t))));
+    if (lists->start)
+        lists->sorted = static_cast<Corners*>(workAlloc(blockSize(int64_t{ mesh->faceCount } + 1, sizeof(Corners))));
+    return lists->sorted != nullptr;
+}
+
+static void freeFaceLists(FaceLists* lists)
+{
+    workFree(lists->sorted);
+    workFree(lists->start);
+}
+
+// Calls visit with the sorted corners of every face that has no vertex twice.
+template <typename Visit>
+static void visitSorted(const Mesh* mesh, Visit visit)
+{
+    visitFaces(mesh,
+               [&visit](const Corners& corners, size_t)
+               {
+                   Corners words = sortedCorners(corners);
+                   if (words[0] != words[1] && words[1] != words[2] && words[2] != words[3])
+                       visit(words);
+               });
 }
 
 static int countDuplicateFaces(const Mesh* mesh, int32_t* duplicates)
 {
-    uint32_t mask = tableMask(2 * static_cast<uint64_t>(mesh->faceCount));
-    auto* table = static_cast<uint32_t*>(workAlloc(blockSize(int64_t{ mask } + 1, sizeof(uint32_t)))); // face + 1
-    if (!table)
+    FaceLists lists;
+    if (!makeFaceLists(mesh, &lists))
+    {
+        freeFaceLists(&lists);
         return 0;
-    const HashSeed& seed = hashSeed();
-    visitFaces(mesh,
-               [&](uint32_t face, const Corners& corners, size_t)
-               {
-                   Corners words = sortedCorners(corners);
-                   if (std::adjacent_find(words.begin(), words.end()) != words.end())
-                       return;
-                   uint32_t place = hashWords(seed, words[0], words[1], words[2], words[3]) & mask;
-                   while (table[place] && sortedCorners(mesh->faces[table[place] - 1]) != words)
-                       place = (place + 1) & mask;
-                   *duplicates += table[place] != 0;
-                   if (!table[place])
-                       table[place] = face + 1;
-               });
-    workFree(table);
+    }
+    visitSorted(mesh, [&lists](const Corners& words) { ++lists.start[words[0]]; });
+    uint32_t total = 0;
+    for (int32_t v = 0; v < mesh->vertexCount; ++v)
+        total += std::exchange(lists.start[v], total);
+    visitSorted(mesh, [&lists](const Corners& words) { lists.sorted[lists.start[words[0]]++] = words; });
+    uint32_t first = 0;
+    for (int32_t v = 0; v < mesh->vertexCount; first = lists.start[v++])
+        *duplicates += duplicatesIn(lists.sorted + first, lists.sorted + lists.start[v]);
+    freeFaceLists(&lists);
     return 1;
 }
 
@@ -120,7 +178,7 @@ int measureSurface(const Mesh* mesh, SurfaceMeasures* measures)
 {
     *measures = {};
     visitFaces(mesh,
-               [mesh, measures](uint32_t, const Corners& corners, size_t count)
+               [mesh, measures](const Corners& corners, size_t count)
                {
                    measureTriangle(mesh, corners[0], corners[1], corners[2], measures);
                    if (count == 4)

@@ -208,3 +208,15 @@ TEST_F(Statistics, PiecesShareNoVertices)
                   .surface.pieces,
               1);
 }
+
+TEST_F(Statistics, DuplicatesAreFoundAmongManyFacesOfOneVertex)
+{
+    std::vector<Point> points(60);
+    std::vector<Corners> faces;
+    for (uint32_t i = 1; i < 59; ++i)
+        faces.push_back({ 0, i, i + 1, none });
+    EXPECT_EQ(statisticsOf(buildMesh(points, faces).get()).surface.duplicateFaces, 0);
+    for (uint32_t i = 1; i < 59; i += 2)
+        faces.push_back({ i + 1, 0, i, none });
+    EXPECT_EQ(statisticsOf(buildMesh(points, faces).get()).surface.duplicateFaces, 29);
+}
