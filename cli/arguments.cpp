@@ -186,7 +186,10 @@ static void addLoadOptions(CLI::App* command, LoadArguments* load, bool withFilt
     command->add_flag("--strict", load->strict, "exit with status 1 after a warning, and write nothing");
     command->add_flag("--quiet", load->quiet, "print no notices and no warnings");
     if (withFilter)
-        command->add_option("--filter", load->filter, "show only this entry of the group and material list")
+        command
+            ->add_option(
+                "--filter", load->filter,
+                "show only this entry of the list: 0 all, from 1 on the groups, 'All Materials', the materials")
             ->option_text("N")
             ->check(CLI::NonNegativeNumber);
 }
@@ -326,6 +329,32 @@ static Arguments answered(int exitStatus)
     return arguments;
 }
 
+// "dump: 1 file expected, 93 given" for more files than the command takes; empty where something else is wrong.
+static std::string tooManyFiles(const CLI::App& app)
+{
+    const CLI::App* command = app.get_subcommands().front();
+    size_t expected = command->get_options([](const CLI::Option* option) { return option->get_positional(); }).size();
+    size_t given = expected;
+    for (const std::string& word : app.remaining(true))
+    {
+        if (word.rfind('-', 0) == 0) // an option that is not known
+            return "";
+        ++given;
+    }
+    if (given == expected)
+        return "";
+    return command->get_name() + ": " + std::to_string(expected) + (expected == 1 ? " file" : " files") +
+           " expected, " + std::to_string(given) + " given";
+}
+
+static std::string whatIsWrong(const CLI::App& app, const CLI::ParseError& error)
+{
+    if (app.get_subcommands().empty())
+        return "expected info, dump, convert, render or decode";
+    std::string files = tooManyFiles(app);
+    return files.empty() ? error.what() : files;
+}
+
 Arguments parseArguments(const std::vector<std::string>& words)
 {
     CLI::App app;
@@ -348,9 +377,7 @@ Arguments parseArguments(const std::vector<std::string>& words)
     }
     catch (const CLI::ParseError& error)
     {
-        std::string text = app.get_subcommands().empty() ? "expected info, dump, convert, render or decode"
-                                                         : std::string(error.what());
-        std::cerr << "kbx: " << text << " (kbx --help shows the usage)\n";
+        std::cerr << "kbx: " << whatIsWrong(app, error) << " (kbx --help shows the usage)\n";
         return answered(2);
     }
     return arguments;

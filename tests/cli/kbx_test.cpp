@@ -60,6 +60,10 @@ TEST_F(Kbx, WrongUsageNamesCommandsAndRanges)
     for (const char* arguments : { "", "fly", "--fly", "a.obj" })
         EXPECT_EQ(run(arguments).err,
                   "kbx: expected info, dump, convert, render or decode (kbx --help shows the usage)\n");
+    EXPECT_EQ(run("dump a.obj b.obj").err, "kbx: dump: 1 file expected, 2 given (kbx --help shows the usage)\n");
+    EXPECT_EQ(run("convert a.obj b.obj c.obj d.obj").err,
+              "kbx: convert: 2 files expected, 4 given (kbx --help shows the usage)\n");
+    EXPECT_NE(run("dump a.obj --colour").err.find("--colour"), std::string::npos);
     EXPECT_EQ(run("dump").err, "kbx: FILE is required (kbx --help shows the usage)\n");
     EXPECT_EQ(run("render --size 9x9 -o x.bmp").err,
               "kbx: --size: expected WxH, each 10..16384, not 9x9 (kbx --help shows the usage)\n");
