@@ -135,7 +135,8 @@ static int outOfRange(__m128i indices, int32_t count)
 // Counts the texture indices past the last texture coordinate, which takeFace sets to the first one.
 static void noteUnknownUvs(const ObjReader* reader, const char* at, int past)
 {
-    note(reader->report, uvIndicesReset, bytePositionOf(&reader->source.blocks, at), __builtin_popcount(past));
+    note(reader->report, uvIndicesReset, bytePositionOf(&reader->source.blocks, at),
+         __builtin_popcount(static_cast<unsigned>(past)));
 }
 
 static const char* takeFace(const char* at, const ObjReader* reader, int32_t slot)
