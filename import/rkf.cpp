@@ -24,7 +24,8 @@ static int readHeader(FILE* file, RkfHeader* header, Report* report)
 {
     int64_t sizeBytes = measureFile(file);
     if (!readRecords(file, header, 1, sizeof *header))
-        return failReading(report, -1, "the file is shorter than its header of %zu bytes", sizeof *header);
+        return failReading(report, -1, "the file is shorter than its header of %d bytes",
+                           static_cast<int>(sizeof *header));
     if (header->vertexCount < 0 || header->faceCount < 0 || header->materialCount < 0)
         return failReading(report, 0, "a count below 0");
     int64_t needed = static_cast<int64_t>(sizeof *header) +

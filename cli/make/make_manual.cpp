@@ -3,8 +3,8 @@
 //
 //   make_manual FOLDER
 //
-// It writes kbx.1, the page, and kbx.bash, _kbx (zsh) and kbx.fish, which complete commands, options and the words that
-// an option takes.
+// It writes kbx.1 and kestrelbox.1, the pages, and kbx.bash, _kbx (zsh) and kbx.fish, which complete commands, options
+// and the words that an option takes.
 #include "cli/usage.h"
 #include "model/ascii.h"
 #include "shell/keys.h"
@@ -163,11 +163,9 @@ static void printFooter(std::ostream* out, const std::string& footer)
     }
 }
 
-// The keys of the desktop program, which has no page of its own.
 static void printKeys(std::ostream* out)
 {
-    *out << ".SH KEYS IN THE WINDOW\n"
-            "The desktop program kestrelbox shows the same models in a window. Its keys:\n";
+    *out << ".SH KEYS\n";
     for (const KeyCommand& command : keyCommands())
         *out << ".TP\n.B " << roff(command.name) << "\n" << roff(command.help) << "\n";
 }
@@ -193,7 +191,24 @@ static void printManual(std::ostream* out, const CLI::App& app)
     *out << ".SH OPTIONS\n";
     printManualOptions(out, &app);
     printFooter(out, app.get_footer());
+    *out << ".SH SEE ALSO\n.BR kestrelbox (1)\n";
+}
+
+// The page of the program with the window.
+static void printWindowManual(std::ostream* out, const CLI::App&)
+{
+    *out << ".TH KESTRELBOX 1 \"\" \"kestrelbox " KBX_VERSION "\" \"Kestrelbox\"\n"
+            ".SH NAME\nkestrelbox \\- look at 3D polygon models, repair and convert them\n"
+            ".SH SYNOPSIS\n.B kestrelbox\n[\\fIFILE\\fR]\n"
+            ".SH DESCRIPTION\nShows a model in a window: FILE, or the built-in teapot. When the program runs already, "
+            "its "
+            "window comes forward and opens FILE.\n.PP\n"
+            "The left button of the mouse turns the model, the right button and the wheel zoom. A file that is dropped "
+            "on "
+            "the window is opened.\n";
     printKeys(out);
+    *out << ".SH EXIT STATUS\n0 after the window was closed, 1 when there could be none.\n"
+            ".SH SEE ALSO\n.BR kbx (1)\n";
 }
 
 // ---- completions ----
@@ -368,9 +383,11 @@ int main(int argc, char** argv)
         const char* file;
         void (*print)(std::ostream* out, const CLI::App& app);
     };
-    static const Form forms[] = {
-        { "kbx.1", printManual }, { "kbx.bash", printBash }, { "_kbx", printZsh }, { "kbx.fish", printFish }
-    };
+    static const Form forms[] = { { "kbx.1", printManual },
+                                  { "kestrelbox.1", printWindowManual },
+                                  { "kbx.bash", printBash },
+                                  { "_kbx", printZsh },
+                                  { "kbx.fish", printFish } };
     if (argc != 2)
     {
         fputs("usage: make_manual FOLDER\n", stderr);

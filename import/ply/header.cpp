@@ -9,7 +9,7 @@ bool findPlyLineEnd(PlyReader* reader)
 {
     BlockSource* blocks = &reader->cursor.blocks;
     if (holdBytes(blocks, examinedBytes) < examinedBytes)
-        return failReading(reader->report, -1, "the file is shorter than %zu bytes", examinedBytes);
+        return failReading(reader->report, -1, "the file is shorter than %d bytes", static_cast<int>(examinedBytes));
     for (size_t i = 0; i < examinedBytes; ++i)
     {
         char c = blocks->at[i];
@@ -19,7 +19,7 @@ bool findPlyLineEnd(PlyReader* reader)
         reader->lineEnd = both ? '\n' : c;
         return true;
     }
-    return failReading(reader->report, 0, "the first %zu bytes have no line end", examinedBytes);
+    return failReading(reader->report, 0, "the first %d bytes have no line end", static_cast<int>(examinedBytes));
 }
 
 // The block holds the whole line, or more bytes than a line may have. A line end is put after the block, so that no

@@ -571,8 +571,8 @@ static int readFile(PoserReader* reader, FILE* file, Mesh* mesh)
     const BlockSource& blocks = reader->source.blocks;
     bool atEnd = blockPosition(&blocks) + static_cast<int64_t>(poserTextRoom) > blocks.sizeBytes;
     return failReading(reader->report, tokenByte(reader),
-                       atEnd ? "the file ends inside a block" : "a word or line of more than %zu bytes",
-                       poserTextRoom - 1);
+                       atEnd ? "the file ends inside a block" : "a word or line of more than %d bytes",
+                       static_cast<int>(poserTextRoom - 1));
 }
 
 // Faces of a block without texture coordinates point to the first one of the next block, which may be missing.
