@@ -1,7 +1,7 @@
 // platform/boxes.h - message boxes, notices, the progress bar and the beep
 //
-// kestrelbox.exe links win32/boxes.cpp (windows), kbx on every operating system links terminal/boxes.cpp (lines on
-// standard error), and tests and fuzzers link tests/recording.
+// kestrelbox.exe links win32/boxes.cpp, kestrelbox on Linux qt/boxes.cpp (windows), kbx on every operating system
+// links terminal/boxes.cpp (lines on standard error), and tests and fuzzers link tests/recording.
 #pragma once
 
 enum BoxIcon

@@ -1,8 +1,8 @@
 // platform/controls.h - the menu, the tool panel and the windows, by the identifiers of resources/ids.h
 //
-// kestrelbox.exe links win32/controls.cpp, kbx links terminal/window.cpp, where there are no controls, and tests link
-// tests/recording. `on` and the result of panelBoxChecked are 1 or 0. Texts are UTF-8 and are copied. List indices
-// count from 0. An identifier without a control does nothing and reads as 0.
+// kestrelbox.exe links win32/controls.cpp, kestrelbox on Linux qt/controls.cpp, kbx links terminal/window.cpp, where
+// there are no controls, and tests link tests/recording. `on` and the result of panelBoxChecked are 1 or 0. Texts
+// are UTF-8 and are copied. List indices count from 0. An identifier without a control does nothing and reads as 0.
 #pragma once
 
 void checkMenuItem(int id, int on);

@@ -1,13 +1,14 @@
 // platform/dialogs.h - asking the user for a file
 //
-// kestrelbox.exe links win32/dialogs.cpp. In kbx (terminal/window.cpp) every dialog is cancelled. Tests script the
-// answers in tests/recording.
+// kestrelbox.exe links win32/dialogs.cpp, kestrelbox on Linux qt/dialogs.cpp. In kbx (terminal/window.cpp) every
+// dialog is cancelled. Tests script the answers in tests/recording.
 #pragma once
 #include <stddef.h>
 #include <stdint.h>
 
-constexpr uint32_t dialogOverwritePrompt = 0x2;
-constexpr uint32_t dialogHideReadOnly = 0x4;
+// What a dialog does besides asking. Where an operating system has no read-only box, there is nothing to hide.
+constexpr uint32_t dialogOverwritePrompt = 1;
+constexpr uint32_t dialogHideReadOnly = 2;
 
 // The most bytes of UTF-8 that a number of 16-bit characters takes: dialogs count characters, the rest of the program
 // counts bytes.

@@ -8,7 +8,11 @@
 #include <commdlg.h>
 #include <string.h>
 
-static_assert(dialogOverwritePrompt == OFN_OVERWRITEPROMPT && dialogHideReadOnly == OFN_HIDEREADONLY);
+static DWORD flagsOf(uint32_t flags)
+{
+    return (flags & dialogOverwritePrompt ? OFN_OVERWRITEPROMPT : 0u) |
+           (flags & dialogHideReadOnly ? OFN_HIDEREADONLY : 0u);
+}
 
 // Stores a text as UTF-8, cut to a number of characters that includes the terminator.
 static void storeText(const std::wstring& wide, char* text, size_t room)
@@ -55,7 +59,7 @@ static int ask(FileDialog* dialog, BOOL(WINAPI* show)(OPENFILENAMEW*))
     request.nMaxFile = static_cast<DWORD>(path.size());
     request.lpstrTitle = dialog->title ? dialogTitle.c_str() : nullptr;
     request.lpstrDefExt = dialog->defaultExtension ? extension.c_str() : nullptr;
-    request.Flags = dialog->flags;
+    request.Flags = flagsOf(dialog->flags);
     if (!showRequest(&request, show))
         return 0;
     path.resize(wcslen(path.c_str()));

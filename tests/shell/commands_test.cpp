@@ -2,6 +2,7 @@
 #include "tests/shell/shell_fixture.h"
 
 #include "model/normals.h"
+#include "platform/dialogs.h"
 #include "platform/processor.h"
 #include "platform/resources.h"
 #include "render/materials.h"
@@ -150,7 +151,7 @@ TEST_F(Commands, SaveImageWritesTheWholePicture)
     EXPECT_EQ(dialog.filterText, "Windows Bitmap (*.bmp)");
     EXPECT_EQ(dialog.filterPattern, "*.bmp");
     EXPECT_EQ(dialog.defaultExtension, "pp2");
-    EXPECT_EQ(dialog.flags, 6u);
+    EXPECT_EQ(dialog.flags, dialogOverwritePrompt | dialogHideReadOnly);
     EXPECT_EQ(dialog.pathRoom, 32768u);
     EXPECT_TRUE(recorded.boxes.empty());
     EXPECT_TRUE(redrawAsked());

@@ -84,7 +84,8 @@ TEST_F(FileDialogs, ObjIsAskedForAndItsTitleComesBack)
     std::string name = "my.model.3ds", path = "before";
     recorded.dialogAnswers = { folder + "fine.one.obj" };
     EXPECT_EQ(SaveObjFile(mesh.get(), &name, &path), 1);
-    expectDialog("wavefront obj files", "*.obj", "save mesh", "obj", 6, 32768, 320);
+    expectDialog("wavefront obj files", "*.obj", "save mesh", "obj", dialogOverwritePrompt | dialogHideReadOnly, 32768,
+                 320);
     EXPECT_TRUE(recorded.dialogs.back().save);
     EXPECT_EQ(recorded.dialogs.back().proposed, "my.model.obj");
     EXPECT_EQ(name, "fine.one.obj");
@@ -203,7 +204,8 @@ TEST_F(FileDialogs, APropIsAskedForAndHasItsPreviewBeside)
     MeshPointer mesh = triangle();
     recorded.dialogAnswers = { folder + "a.b.pp2" };
     EXPECT_EQ(savePoserProp(mesh.get(), "cup.one.obj", true, &onePixel), 1);
-    expectDialog("Poser prop (*.pp2)", "*.pp2", "save mesh", "pp2", 6, 32768, 0);
+    expectDialog("Poser prop (*.pp2)", "*.pp2", "save mesh", "pp2", dialogOverwritePrompt | dialogHideReadOnly, 32768,
+                 0);
     EXPECT_TRUE(recorded.dialogs.back().save);
     EXPECT_EQ(recorded.dialogs.back().proposed, "cup.one.pp2");
     EXPECT_EQ(filesInFolder(), (Names{ "a.b.pp2", "a.b.rsr" }));
@@ -312,7 +314,8 @@ TEST_F(FileDialogs, APictureIsAskedForWithThePropsExtension)
     EXPECT_EQ(path, folder + "a.bmp");
     EXPECT_EQ(recorded.dialogs.back().proposed, ".obj.bmp");
     EXPECT_TRUE(recorded.dialogs.back().save);
-    expectDialog("Windows Bitmap (*.bmp)", "*.bmp", "save image", "pp2", 6, 32768, 0);
+    expectDialog("Windows Bitmap (*.bmp)", "*.bmp", "save image", "pp2", dialogOverwritePrompt | dialogHideReadOnly,
+                 32768, 0);
 }
 
 // The user's texture.
