@@ -108,15 +108,15 @@ static bool keepShown(Mesh* mesh, int32_t entry, const std::string& input)
     return true;
 }
 
-// Prints what was written: kbx: wrote a.obj, a.mtl
-static void printWritten(const std::vector<std::string>& files, const std::string& output)
+// The line that says what was written: kbx: wrote a.obj, a.mtl
+static std::string lineOfWritten(const std::vector<std::string>& files, const std::string& output)
 {
     std::string line = "kbx: wrote";
     for (const std::string& file : files)
         line += (file == files[0] ? " " : ", ") + file;
     if (files[0] != output) // only a scene has another name
         line += " (a scene's name ends at its first dot)";
-    fprintf(stderr, "%s\n", line.c_str());
+    return line + "\n";
 }
 
 // Writes a model, which it takes over. With --strict nothing is written after a warning.
@@ -139,10 +139,11 @@ static bool writeModel(Mesh* mesh, const Writer* writer, const Arguments& argume
         freeMesh(mesh);
         return false;
     }
-    std::vector<std::string> files = filesOf(writer->format, mesh, output);
+    // Made before the files are: afterwards the program could not end for lack of memory and leave nothing behind.
+    std::string line = lineOfWritten(filesOf(writer->format, mesh, output), output);
     bool ok = writer->write(mesh, output) != 0;
     if (ok && !load.quiet)
-        printWritten(files, output);
+        fputs(line.c_str(), stderr);
     return ok;
 }
 

@@ -44,7 +44,14 @@ protected:
     {
         Surroundings around;
         around.stack = rlim_t{ 128 } << 10;
-        Ending wanted = run(words), ending = run(words, around);
+        std::set<std::string> had = names();
+        Ending wanted = run(words);
+        for (const std::string& name : names())
+        {
+            if (!had.count(name))
+                std::filesystem::remove(folder / name);
+        }
+        Ending ending = run(words, around);
         std::string line;
         for (const std::string& word : words)
             line += " " + word;
