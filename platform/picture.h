@@ -1,7 +1,7 @@
 // platform/picture.h - the picture: the off-screen bitmap that every frame is converted into
 //
-// kestrelbox.exe links win32/picture.cpp (a DIB section), kestrelbox on Linux qt/picture.cpp, kbx links
-// terminal/window.cpp (plain memory), and tests link tests/recording.
+// kestrelbox.exe links win32/picture.cpp (a DIB section), and tests link tests/recording. kestrelbox on Linux and kbx
+// have it in plain memory (plain_picture.cpp); qt/picture.cpp shows it, terminal/window.cpp does not.
 #pragma once
 #include <stdint.h>
 

@@ -1,6 +1,5 @@
-// platform/qt/picture.cpp - the picture in plain memory, from which the display paints itself
+// platform/qt/picture.cpp - the picture on the screen and in the clipboard; the display paints itself from it
 #include "platform/picture.h"
-#include "platform/large_blocks.h"
 #include "platform/qt/handles.h"
 
 #include <QtGui/QClipboard>
@@ -8,22 +7,7 @@
 #include <QtGui/QImage>
 #include <QtGui/QScreen>
 #include <QtWidgets/QWidget>
-#include <stdlib.h>
 #include <algorithm>
-
-int makePicture(Picture* picture, int32_t widthPixels, int32_t rows)
-{
-    *picture = {};
-    if (widthPixels <= 0 || rows <= 0)
-        return 0;
-    picture->bits =
-        static_cast<uint8_t*>(allocateZeroed(static_cast<size_t>(rows), static_cast<size_t>(widthPixels) * 3));
-    if (!picture->bits)
-        return 0;
-    picture->widthPixels = widthPixels;
-    picture->rows = rows;
-    return 1;
-}
 
 // The display counts in units of its scale, the picture in pixels of the screen.
 void presentPicture(const Picture*, int32_t x, int32_t y, int32_t width, int32_t height)
@@ -50,10 +34,4 @@ int copyPicture(const Picture* picture, int32_t width, int32_t height)
         return 0;
     QGuiApplication::clipboard()->setImage(copied);
     return 1;
-}
-
-void destroyPicture(Picture* picture)
-{
-    free(picture->bits);
-    *picture = {};
 }

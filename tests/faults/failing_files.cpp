@@ -98,24 +98,6 @@ std::string fullPathOf(const char* path)
     return *path ? std::filesystem::absolute(path).string() : "";
 }
 
-int64_t measureFile(FILE* file)
-{
-    if (fseeko(file, 0, SEEK_END) != 0)
-        return -1;
-    int64_t size = ftello(file);
-    return fseeko(file, 0, SEEK_SET) == 0 ? size : -1;
-}
-
-int64_t filePosition(FILE* file)
-{
-    return ftello(file);
-}
-
-int seekFile(FILE* file, int64_t position)
-{
-    return fseeko(file, position, SEEK_SET) == 0;
-}
-
 int findNameIgnoringCase(FolderListings*, const char*, const char*, char*, size_t)
 {
     return 0; // the tests use the exact file names
