@@ -1,4 +1,4 @@
-// model/ascii.h - letter case of ASCII, the same in every locale
+// model/ascii.h - letters and digits of ASCII, the same in every locale
 #pragma once
 
 // The lower-case letter of an upper-case one; every other byte, also of UTF-8, stays as it is.
@@ -11,4 +11,9 @@ inline char asciiLower(char c)
 inline char asciiUpper(char c)
 {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+inline bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
 }

@@ -3,11 +3,6 @@
 
 #include "model/ascii.h"
 
-static bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 // Takes a run of digits from a name and returns it without leading zeros. The value may have any number of digits.
 static std::string takeNumber(const std::string& name, size_t* at)
 {

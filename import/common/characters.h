@@ -1,5 +1,7 @@
 // import/common/characters.h - blanks, line ends and digits in text, one at a time and eight together
 #pragma once
+#include "model/ascii.h"
+
 #include <stdint.h>
 #include <string.h>
 
@@ -34,11 +36,6 @@ inline bool isSpace(char c)
 inline bool isSpaceInLine(char c)
 {
     return isSpace(c) && !isLineEnd(c);
-}
-
-inline bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
 }
 
 inline uint64_t loadEight(const char* at)
