@@ -1,6 +1,7 @@
 // tests/windows/hand_test.cpp - the window in the hand: real mouse and key events, sizes, screens of other resolutions
 #include "tests/windows/dialogs.h"
 #include "tests/windows/inside.h"
+#include "tests/windows/screen.h"
 
 #include "platform/win32/handles.h"
 #include "resources/ids.h"
@@ -297,36 +298,6 @@ TEST_F(Hand, DShowsTheModeInTheTitle)
     EXPECT_TRUE(eventually([] { return windowText(mainWindow) == L"Kestrelbox: direct drag"; }));
 }
 
-// All pixels of a rectangle of the main window's client area, as they are on the screen.
-static std::vector<uint32_t> pixelsOf(const RECT& rect)
-{
-    int width = rect.right - rect.left, height = rect.bottom - rect.top;
-    POINT origin = { rect.left, rect.top };
-    ClientToScreen(mainWindow, &origin);
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biHeight = -height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    void* bits = nullptr;
-    HDC screen = GetDC(nullptr);
-    HDC memory = CreateCompatibleDC(screen);
-    HBITMAP bitmap = CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    HGDIOBJ previous = SelectObject(memory, bitmap);
-    BitBlt(memory, 0, 0, width, height, screen, origin.x, origin.y, SRCCOPY);
-    GdiFlush();
-    const auto* words = static_cast<const uint32_t*>(bits);
-    std::vector<uint32_t> pixels(words, words + ptrdiff_t{ width } * height);
-    SelectObject(memory, previous);
-    DeleteObject(bitmap);
-    DeleteDC(memory);
-    ReleaseDC(nullptr, screen);
-    for (uint32_t& pixel : pixels)
-        pixel &= 0xFFFFFF;
-    return pixels;
-}
-
 // Whether the display shows the picture of the frame buffer, pixel for pixel.
 static bool displayShowsThePicture()
 {
@@ -334,7 +305,7 @@ static bool displayShowsThePicture()
     GetClientRect(displayWindow, &client);
     int width = client.right, height = client.bottom;
     MapWindowPoints(displayWindow, mainWindow, reinterpret_cast<POINT*>(&client), 2);
-    std::vector<uint32_t> shown = pixelsOf(client);
+    std::vector<uint32_t> shown = screenPixels(mainWindow, client);
     bool same = true;
     onProgramThread(
         [&]
@@ -355,7 +326,7 @@ static bool nothingWhiteAround(const RECT& display, const RECT& panel)
 {
     RECT client;
     GetClientRect(mainWindow, &client);
-    std::vector<uint32_t> pixels = pixelsOf(client);
+    std::vector<uint32_t> pixels = screenPixels(mainWindow, client);
     for (int y = 0; y < client.bottom; ++y)
     {
         for (int x = 0; x < client.right; ++x)

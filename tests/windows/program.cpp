@@ -1,6 +1,8 @@
 // tests/windows/program.cpp - starting, driving and reading the desktop program
 #include "tests/windows/program.h"
 
+#include "tests/windows/screen.h"
+
 #include "resources/ids.h"
 #include "tests/windows/dialogs.h"
 
@@ -150,32 +152,12 @@ void Program::postMouse(UINT message, WPARAM buttons, int x, int y) const
 Shot Program::shot() const
 {
     RECT client;
-    POINT origin = { 0, 0 };
     GetClientRect(display, &client);
-    ClientToScreen(display, &origin);
     Shot shot;
     shot.width = client.right;
     shot.height = client.bottom;
-
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = shot.width;
-    info.bmiHeader.biHeight = -shot.height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    void* bits = nullptr;
-    HDC screen = GetDC(nullptr);
-    HDC memory = CreateCompatibleDC(screen);
-    HBITMAP bitmap = CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    HGDIOBJ previous = SelectObject(memory, bitmap);
-    BitBlt(memory, 0, 0, shot.width, shot.height, screen, origin.x, origin.y, SRCCOPY);
-    GdiFlush();
-    const auto* pixel = static_cast<const uint8_t*>(bits);
-    for (int i = 0; i < shot.width * shot.height; ++i, pixel += 4)
-        shot.bytes.insert(shot.bytes.end(), pixel, pixel + 3);
-    SelectObject(memory, previous);
-    DeleteObject(bitmap);
-    DeleteDC(memory);
-    ReleaseDC(nullptr, screen);
+    for (uint32_t pixel : screenPixels(display, client))
+        for (int shift : { 0, 8, 16 })
+            shot.bytes.push_back(static_cast<uint8_t>(pixel >> shift));
     return shot;
 }
