@@ -4,7 +4,7 @@
 // It has no PNG library for Windows. The folder export/ has no dependency, so that this writer stands beside
 // picture_file.cpp, the only user.
 //
-// Source: Portable Network Graphics (PNG) Specification, Second Edition (W3C, 2003)
+// Source: Portable Network Graphics, second edition (W3C, 2003; ISO/IEC 15948)
 #pragma once
 #include "export/bmp.h"
 

@@ -1,6 +1,6 @@
 // import/stl/stl.h - STL: triangles that share no vertices, as text or in records of 50 bytes
 //
-// Source: StereoLithography Interface Specification (3D Systems, 1989)
+// Source: the stereolithography format of 1989
 #pragma once
 #include "model/mesh.h"
 #include "model/report.h"
