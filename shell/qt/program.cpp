@@ -64,6 +64,7 @@ static int runWindow(const char* path)
     QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &window,
                      [&nextFrame] { workBeforeWaiting(&nextFrame); });
     loopState.appRunning = 1;
+    window.resize(window.sizeHint()); // Qt itself would make it no larger than two thirds of the screen
     window.show();
     focusMainWindow();
     QApplication::exec();

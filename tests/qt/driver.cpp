@@ -30,9 +30,12 @@
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QMessageBox>
+#include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
 #include <atomic>
 #include <deque>
+#include <fstream>
 #include <mutex>
 #include <thread>
 
@@ -153,6 +156,11 @@ static void countWaits()
         });
 }
 
+static QDialog* openBox()
+{
+    return qobject_cast<QDialog*>(QApplication::activeModalWidget());
+}
+
 void settle()
 {
     for (int i = 0; i < 2; ++i) // the first wait may have begun before what is to be handled
@@ -161,7 +169,8 @@ void settle()
         onProgramThread([] {});
         eventually([before] { return waits != before; });
     }
-    eventually([] { return !askProgram<bool>([] { return loopState.redrawPending && loopState.appRunning; }); });
+    eventually( // a frame that is asked for while a box is open is drawn when it has closed
+        [] { return !askProgram<bool>([] { return loopState.redrawPending && loopState.appRunning && !openBox(); }); });
 }
 
 // ---- menu and panel ----
@@ -287,12 +296,19 @@ size_t objectCount()
     return askProgram<size_t>([] { return static_cast<size_t>(QApplication::allWidgets().size()); });
 }
 
-// ---- boxes ----
-
-static QDialog* openBox()
+size_t residentBytes()
 {
-    return qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    size_t pages = 0;
+    std::ifstream("/proc/self/statm").ignore(32, ' ') >> pages;
+    return pages * static_cast<size_t>(sysconf(_SC_PAGESIZE));
 }
+
+bool runKbx(const std::string& arguments)
+{
+    return system((TEST_PROGRAMS "/kbx " + arguments + " 2>/dev/null").c_str()) == 0;
+}
+
+// ---- boxes ----
 
 static bool boxIsOpen()
 {
@@ -327,7 +343,7 @@ Box noticeAfter(int id)
     return box;
 }
 
-Box boxAfter(int id)
+Box boxAfter(int id, const std::function<void()>& meanwhile)
 {
     Box box = {};
     postChoice(id);
@@ -339,6 +355,8 @@ Box boxAfter(int id)
             if (const auto* message = qobject_cast<QMessageBox*>(openBox()))
                 box = { message->text().toStdString(), message->windowTitle().toStdString(), 0 };
         });
+    if (meanwhile)
+        meanwhile();
     post([] { openBox()->accept(); });
     eventually([] { return !boxIsOpen(); });
     settle();

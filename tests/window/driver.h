@@ -36,21 +36,22 @@ std::vector<std::string> panelLines();
 
 std::string windowTitle();
 
-// How many objects of the window system the program has.
+// How many objects of the window system the program has, and how much memory.
 size_t objectCount();
+size_t residentBytes();
 
 // The answers to the next file dialogs; "" is Cancel, and so is every answer after the last one.
 void answerDialogs(const std::vector<std::string>& paths);
 
-// The notice or the message box that a menu entry or a button of the panel ends with. A message box is closed; a notice
-// closes by itself.
+// The notice or the message box that a menu entry or a button of the panel ends with. A message box is closed, after
+// what is to happen while it is open; a notice closes by itself.
 struct Box
 {
     std::string text, caption;
     int shownMs; // of a notice
 };
 Box noticeAfter(int id);
-Box boxAfter(int id);
+Box boxAfter(int id, const std::function<void()>& meanwhile = {});
 
 // The mouse in the display and the keyboard. A key is a character or a Key of shell/keys.h.
 enum MouseButton
@@ -64,6 +65,10 @@ void releaseMouse(MouseButton button, int x, int y);
 void turnWheel(int notches);
 void pressKey(int key, uint32_t modifiers);
 void dropFiles(const std::vector<std::string>& paths);
+
+// Runs kbx with arguments in the current folder and returns whether its exit status is 0. Double quotes hold an
+// argument with blanks together.
+bool runKbx(const std::string& arguments);
 
 // A second start of the program with a file, "" for none. Returns whether the first one took it.
 bool startAgain(const std::string& path);

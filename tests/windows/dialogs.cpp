@@ -109,12 +109,17 @@ bool answerFileDialog(DWORD processId, const std::wstring& path)
     return waitUntilGone(dialog);
 }
 
+std::wstring messageOf(HWND box)
+{
+    return windowText(GetDlgItem(box, messageText));
+}
+
 std::wstring answerMessageBox(DWORD processId)
 {
     HWND box = waitForDialog(processId, DialogKind::message);
     if (!box)
         return L"(no box)";
-    std::wstring text = windowText(GetDlgItem(box, messageText)) + L" [" + windowText(box) + L"]";
+    std::wstring text = messageOf(box) + L" [" + windowText(box) + L"]";
     PostMessageW(box, WM_COMMAND, IDOK, 0);
     return waitUntilGone(box) ? text : L"(the box stays)";
 }

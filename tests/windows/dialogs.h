@@ -27,6 +27,9 @@ bool waitUntilGone(HWND dialog);
 // Types a path into the file dialog and accepts it. Returns false when no such dialog appears, or when it stays open.
 bool answerFileDialog(DWORD processId, const std::wstring& path);
 
+// The text of an open message box; its caption is the text of the window.
+std::wstring messageOf(HWND box);
+
 // Closes the message box with OK. Returns its text and, in brackets, its caption.
 std::wstring answerMessageBox(DWORD processId);
 

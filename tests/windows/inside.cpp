@@ -9,6 +9,9 @@
 #include "shell/win32/desktop.h"
 #include "tests/windows/dialogs.h"
 
+#include <psapi.h>
+#include <shellapi.h>
+#include <shlobj.h>
 #include <string.h>
 #include <atomic>
 #include <deque>
@@ -59,12 +62,6 @@ void answerDialogs(const std::vector<std::string>& paths)
 {
     std::lock_guard<std::mutex> lock(guard);
     answers.assign(paths.begin(), paths.end());
-}
-
-size_t dialogsUnanswered()
-{
-    std::lock_guard<std::mutex> lock(guard);
-    return answers.size();
 }
 
 static void measureBar(const DRAWITEMSTRUCT* item)
@@ -128,7 +125,7 @@ static LRESULT CALLBACK watch(int code, WPARAM wParam, LPARAM lParam)
     return CallNextHookEx(hook, code, wParam, lParam);
 }
 
-static DWORD WINAPI runProgram(void*)
+static DWORD WINAPI runDesktopThread(void*)
 {
     return static_cast<DWORD>(runDesktop(GetModuleHandleW(nullptr), "", SW_SHOWNORMAL));
 }
@@ -136,7 +133,7 @@ static DWORD WINAPI runProgram(void*)
 bool startInside()
 {
     runMessage = RegisterWindowMessageW(L"Kestrelbox tests: run");
-    programThread = CreateThread(nullptr, 0, runProgram, nullptr, 0, &programThreadId);
+    programThread = CreateThread(nullptr, 0, runDesktopThread, nullptr, 0, &programThreadId);
     HWND window = nullptr, display = nullptr;
     bool there = eventually(
         [&]
@@ -170,13 +167,34 @@ void onProgramThread(const std::function<void()>& function)
     toRun = nullptr;
 }
 
-void command(int id)
+void postDrop(const std::vector<std::wstring>& paths)
 {
-    PostMessageW(mainWindow, WM_COMMAND, static_cast<WPARAM>(id), 0);
-    workOff(toolPanel);
+    std::wstring list;
+    for (const std::wstring& path : paths)
+        list += path + L'\0';
+    list += L'\0';
+    HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, sizeof(DROPFILES) + list.size() * sizeof(wchar_t));
+    auto* files = static_cast<DROPFILES*>(GlobalLock(memory));
+    files->pFiles = sizeof(DROPFILES);
+    files->fWide = TRUE;
+    memcpy(files + 1, list.data(), list.size() * sizeof(wchar_t));
+    GlobalUnlock(memory);
+    PostMessageW(mainWindow, WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
 }
 
-Notice noticeAfter(const std::function<void()>& function, NoticeTime time)
+Holdings measureHoldings()
+{
+    Holdings held = {};
+    PROCESS_MEMORY_COUNTERS memory = {};
+    held.gdi = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    held.user = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+    GetProcessHandleCount(GetCurrentProcess(), &held.handles);
+    K32GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+    held.bytes = memory.WorkingSetSize;
+    return held;
+}
+
+Notice noticeDuring(const std::function<void()>& function, NoticeTime time)
 {
     struct Work
     {
@@ -201,7 +219,7 @@ Notice noticeAfter(const std::function<void()>& function, NoticeTime time)
     return notice;
 }
 
-std::wstring boxAfter(HWND window, int id)
+std::wstring boxTextAfter(HWND window, int id)
 {
     PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(id), 0);
     std::wstring text = answerMessageBox(GetCurrentProcessId());

@@ -1,8 +1,10 @@
 // tests/windows/inside.h - the desktop program on a thread of the test's own process
 //
-// It is the real program, except that a script answers the file dialogs. Here a test can read menus and counts, which
-// other processes cannot read.
+// Here a test can read menus and counts, which other processes cannot read. tests/window/driver.h has what every kind
+// of window offers to a test, this header what only Windows has.
 #pragma once
+#include "tests/window/driver.h"
+
 #include <windows.h>
 
 #include <functional>
@@ -15,15 +17,16 @@ bool startInside();
 // Closes the window. Returns the exit status, or 9999 when the program does not end.
 DWORD endInside();
 
-// The answers to the next file dialogs, in UTF-8; "" is Cancel, and so is every answer after the last one.
-void answerDialogs(const std::vector<std::string>& paths);
-size_t dialogsUnanswered();
+// Posts what Windows posts when files are dropped on the window.
+void postDrop(const std::vector<std::wstring>& paths);
 
-// Calls a function on the program's thread, between two of its messages, and waits for its return.
-void onProgramThread(const std::function<void()>& function);
-
-// Sends a menu command and waits until the program has carried it out and drawn the frame that it requested.
-void command(int id);
+// What only the operating system counts of this process.
+struct Holdings
+{
+    DWORD gdi, user, handles;
+    SIZE_T bytes;
+};
+Holdings measureHoldings();
 
 // A notice as the user saw it.
 struct Notice
@@ -41,10 +44,10 @@ enum class NoticeTime
     hurried,
     itsOwn
 };
-Notice noticeAfter(const std::function<void()>& function, NoticeTime time = NoticeTime::hurried);
+Notice noticeDuring(const std::function<void()>& function, NoticeTime time = NoticeTime::hurried);
 
 // Posts a command that ends with a message box, presses OK, and returns the text and the caption of the box.
-std::wstring boxAfter(HWND window, int id);
+std::wstring boxTextAfter(HWND window, int id);
 
 // The length of the progress bar after each time it was painted since the last call, in pixels on the screen.
 std::vector<int> takeBarLengths();

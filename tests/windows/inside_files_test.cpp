@@ -105,22 +105,6 @@ protected:
         return utf8FromWide(path.c_str());
     }
 
-    // What Windows posts when files are dropped on the window.
-    static void postDrop(const std::vector<std::wstring>& paths)
-    {
-        std::wstring list;
-        for (const std::wstring& path : paths)
-            list += path + L'\0';
-        list += L'\0';
-        HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, sizeof(DROPFILES) + list.size() * sizeof(wchar_t));
-        auto* files = static_cast<DROPFILES*>(GlobalLock(memory));
-        files->pFiles = sizeof(DROPFILES);
-        files->fWide = TRUE;
-        memcpy(files + 1, list.data(), list.size() * sizeof(wchar_t));
-        GlobalUnlock(memory);
-        PostMessageW(mainWindow, WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
-    }
-
     static void drop(const std::vector<std::wstring>& paths)
     {
         postDrop(paths);
@@ -192,21 +176,6 @@ TEST_F(FilesInside, WhatCannotBeOpenedIsSaidAndTheModelStays)
     EXPECT_EQ(currentFileName, "two.obj");
 }
 
-TEST_F(FilesInside, ADropWaitsUntilTheOpenBoxIsClosed)
-{
-    write(pathOf(L"one.obj"), square);
-    write(pathOf(L"two.obj"), triangle);
-    drop({ pathOf(L"one.obj") });
-    PostMessageW(toolPanel, WM_COMMAND, ID_LUX_EXPORT, 0);
-    HWND box = waitForDialog(GetCurrentProcessId(), DialogKind::message);
-    ASSERT_NE(box, nullptr);
-    postDrop({ pathOf(L"two.obj") });
-    Sleep(300);
-    EXPECT_EQ(vertices(), L"4");
-    answerMessageBox(GetCurrentProcessId());
-    EXPECT_TRUE(eventually([] { return vertices() == L"3"; }));
-}
-
 TEST_F(FilesInside, AFileThatAnotherProgramHoldsKeepsTheWholeSet)
 {
     write(pathOf(L"one.obj"), square);
@@ -218,7 +187,7 @@ TEST_F(FilesInside, AFileThatAnotherProgramHoldsKeepsTheWholeSet)
         HANDLE other =
             CreateFileW(pathOf(held).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
         answerDialogs({ utf8(pathOf(L"out.obj")) });
-        EXPECT_EQ(boxAfter(mainWindow, ID_EXPORT_OBJ), pathOf(held) + L" [Error cannot create]");
+        EXPECT_EQ(boxTextAfter(mainWindow, ID_EXPORT_OBJ), pathOf(held) + L" [Error cannot create]");
         CloseHandle(other);
         EXPECT_EQ(read(pathOf(L"out.obj")), "earlier");
         EXPECT_EQ(read(pathOf(L"out.mtl")), "earlier");
@@ -242,7 +211,7 @@ TEST_F(FilesInside, EveryWriterSaysThatItFailed)
     for (const auto& [id, name] : savings)
     {
         answerDialogs({ utf8(pathOf(name)) });
-        EXPECT_EQ(boxAfter(mainWindow, id), pathOf(name) + L" [Error cannot create]");
+        EXPECT_EQ(boxTextAfter(mainWindow, id), pathOf(name) + L" [Error cannot create]");
     }
     EXPECT_EQ(currentFileName, "one.obj");
 }
@@ -281,37 +250,6 @@ TEST_F(FilesInside, PathsOfAThousandCharactersOpenAndSave)
     EXPECT_EQ(reloaded, 1);
     EXPECT_EQ(next, 1);
     EXPECT_EQ(currentFileName, "b.obj");
-    EXPECT_EQ(boxAfter(toolPanel, ID_LUX_EXPORT), L"b.lxo, .lxm and .lxs files exported [LuxRender Export]");
+    EXPECT_EQ(boxTextAfter(toolPanel, ID_LUX_EXPORT), L"b.lxo, .lxm and .lxs files exported [LuxRender Export]");
     EXPECT_TRUE(isThere(deep + L"\\b.lxs"));
-}
-
-TEST_F(FilesInside, TheClipboardGetsThePicture)
-{
-    std::vector<uint8_t> expected;
-    int width = 0, height = 0;
-    onProgramThread(
-        [&]
-        {
-            copyImage();
-            width = frameState.displayWidth;
-            height = frameState.displayHeight;
-            size_t stride = static_cast<size_t>(frameBuffer.pitch) * 3,
-                   rowBytes = (static_cast<size_t>(width) * 3 + 3) / 4 * 4;
-            expected.resize(rowBytes * static_cast<size_t>(height));
-            for (int y = 0; y < height; ++y) // bottom-up
-                memcpy(expected.data() + static_cast<size_t>(height - 1 - y) * rowBytes,
-                       frameBuffer.picture.bits + static_cast<size_t>(y) * stride, static_cast<size_t>(width) * 3);
-        });
-    ASSERT_TRUE(eventually([] { return OpenClipboard(nullptr) != 0; }));
-    HANDLE memory = GetClipboardData(CF_DIB);
-    ASSERT_NE(memory, nullptr);
-    const auto* header = static_cast<const BITMAPINFOHEADER*>(GlobalLock(memory));
-    EXPECT_EQ(header->biWidth, width);
-    EXPECT_EQ(header->biHeight, height);
-    EXPECT_EQ(header->biBitCount, 24);
-    ASSERT_GE(GlobalSize(memory), sizeof *header + expected.size());
-    EXPECT_EQ(memcmp(header + 1, expected.data(), expected.size()), 0);
-    GlobalUnlock(memory);
-    CloseClipboard();
-    EXPECT_EQ(windowText(mainWindow).substr(windowText(mainWindow).size() - 17), L" - picture copied");
 }

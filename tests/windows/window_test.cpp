@@ -166,17 +166,6 @@ TEST_F(DesktopWindow, SecondStartRestoresAndRaisesTheFirstAndLeaves)
     EXPECT_TRUE(eventually([&] { return GetForegroundWindow() == program.main; }));
 }
 
-TEST_F(DesktopWindow, FailedLoadKeepsTheModel)
-{
-    write("bad.obj", "nothing\n");
-    share();
-    program.postCommand(ID_OPEN_MESH);
-    ASSERT_TRUE(answerFileDialog(program.processId, path(L"bad.obj")));
-    EXPECT_EQ(answerMessageBox(program.processId), L"Error: failed to open [" + path(L"bad.obj") + L"]");
-    EXPECT_EQ(program.panelText(ID_VERT_COUNT), L"2828");
-    EXPECT_TRUE(program.title() == L"Kestrelbox" || titleNames(L"teapot"));
-}
-
 TEST_F(DesktopWindow, DragTurnsFlickSpinsPressStopsResetRestores)
 {
     share();
@@ -201,15 +190,6 @@ TEST_F(DesktopWindow, DragTurnsFlickSpinsPressStopsResetRestores)
     EXPECT_TRUE(eventually(rests));
     program.command(ID_RESET_VIEW);
     expectShot(before);
-}
-
-TEST_F(DesktopWindow, MinimiseAndRestore)
-{
-    share();
-    ShowWindow(program.main, SW_MINIMIZE);
-    EXPECT_TRUE(eventually([&] { return IsIconic(program.main) != 0; }));
-    ShowWindow(program.main, SW_RESTORE);
-    expectPicture(L"");
 }
 
 TEST_F(DesktopWindow, AboutOpensAndCloses)
@@ -252,41 +232,6 @@ TEST_F(DesktopWindow, LuxExportWritesBesideTheModelOfTheCommandLine)
     EXPECT_FALSE(fs::exists(folder / "elsewhere" / "two parts.lxo"));
 }
 
-TEST_F(DesktopWindow, MenuChoicesShowWhatTheCommandLineRenders)
-{
-    start();
-    program.command(ID_PRESET_GOLD);
-    expectPicture(L"--preset gold");
-    program.command(ID_LIGHT_2);
-    expectPicture(L"--preset gold --lights 1,2");
-    program.command(ID_LIGHT_2);
-    program.command(ID_BACKGROUND_GREY2);
-    expectPicture(L"--preset gold --background grey2");
-    program.command(ID_BACKGROUND_GREY1);
-    program.command(ID_TEXTURE_PATTERN);
-    EXPECT_TRUE(program.checked(ID_TEXTURED));
-    expectPicture(L"--texture pattern");
-}
-
-TEST_F(DesktopWindow, PanelBoxesShowWhatTheCommandLineRenders)
-{
-    start();
-    program.click(ID_SHADOWS);
-    EXPECT_TRUE(program.checked(ID_SHADOWS));
-    expectPicture(L"--shadows");
-    program.click(ID_SHADOWS);
-    program.click(ID_ROUGH);
-    expectPicture(L"--rough");
-    program.click(ID_ROUGH);
-    program.click(ID_WIREFRAME);
-    expectPicture(L"--wireframe");
-    program.click(ID_TEXTURED);
-    EXPECT_FALSE(program.checked(ID_WIREFRAME));
-    program.click(ID_TEXTURED);
-    program.click(ID_METALLIC);
-    expectPicture(L"--metallic");
-}
-
 TEST_F(DesktopWindow, OpenSaveAndReadThroughTheDialogs)
 {
     start();
@@ -322,26 +267,6 @@ TEST_F(DesktopWindow, OpenSaveAndReadThroughTheDialogs)
     EXPECT_TRUE(eventually([&] { return program.title().substr(0, 19) == L"Kestrelbox: out.rkf"; }));
     program.settle();
     EXPECT_EQ(program.panelText(ID_VERT_COUNT), L"4");
-}
-
-TEST_F(DesktopWindow, FilterShowsOneGroup)
-{
-    start(L"\"two parts.obj\"");
-    program.selectFilter(1);
-    EXPECT_EQ(SendDlgItemMessageW(program.panel, ID_FILTER_LIST, CB_GETCURSEL, 0, 0), 0);
-    program.click(ID_BY_GROUP);
-    program.selectFilter(2);
-    expectPicture(L"--filter 2 \"two parts.obj\"");
-    program.click(ID_BY_GROUP);
-    expectPicture(L"\"two parts.obj\"");
-}
-
-TEST_F(DesktopWindow, RightDragZooms)
-{
-    start();
-    program.mouse(WM_RBUTTONDOWN, MK_RBUTTON, 300, 400);
-    program.mouse(WM_MOUSEMOVE, MK_RBUTTON, 300, 200);
-    expectPicture(L"--zoom 2");
 }
 
 TEST_F(DesktopWindow, EndsCleanlyDuringASpinADragAndADialog)
