@@ -6,6 +6,7 @@
 #include "tools/orientation.h"
 #include "tools/polygons.h"
 #include "tools/split.h"
+#include "tools/statistics.h"
 #include "tools/weld.h"
 
 #include <benchmark/benchmark.h>
@@ -147,6 +148,12 @@ static void edgeTableOnly(Mesh* mesh)
         freeEdgeTable(&edges);
 }
 
+static void statisticsOnly(Mesh* mesh)
+{
+    MeshStatistics statistics;
+    gatherStatistics(mesh, &statistics);
+}
+
 static Mesh* plainTorus(int64_t n)
 {
     return torus(n);
@@ -204,6 +211,8 @@ static Mesh* spotMesh(int64_t n)
 
 TOOL_BENCH(Normals, plainTorus, computeNormals, false);
 TOOL_BENCH(Edges, plainTorus, edgeTableOnly, false);
+TOOL_BENCH(Statistics, plainTorus, statisticsOnly, false);
+TOOL_BENCH(StatisticsOfSoup, soup, statisticsOnly, true);
 TOOL_BENCH(FixNormals, turnedTorus, fixNormals, false);
 TOOL_BENCH(Invert, plainTorus, invertMesh, false);
 TOOL_BENCH(Quad, plainTorus, makeQuads, false);
@@ -220,4 +229,5 @@ TOOL_BENCH(WeldNearFlatPlane, flatMesh, weldClose, true);
 TOOL_BENCH(WeldNearPointLine, lineMesh, weldClose, true);
 TOOL_BENCH(WeldNearOneSpot, spotMesh, weldClose, true);
 TOOL_BENCH(EdgesOneSum, oneSum, edgeTableOnly, false);
+TOOL_BENCH(StatisticsOneSum, oneSum, statisticsOnly, false);
 TOOL_BENCH(DupFacesOneSum, oneSum, removeDuplicateFaces, false);

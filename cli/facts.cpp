@@ -1,27 +1,42 @@
 // cli/facts.cpp - counting faces by kind, group and material, and naming faults
 #include "cli/facts.h"
 
-static void countFace(FaceCounts* counts, bool isLine, bool isQuad)
+static void addCounts(FaceCounts* counts, const FaceCounts& more)
 {
-    counts->lineRecords += isLine;
-    counts->quads += !isLine && isQuad;
-    counts->triangles += !isLine && !isQuad;
+    counts->triangles += more.triangles;
+    counts->quads += more.quads;
+    counts->lineRecords += more.lineRecords;
+}
+
+// Counts a run of faces with the same attributes. Returns the slot after it.
+static int32_t countRun(const Mesh* mesh, int32_t first, FaceCounts* run)
+{
+    uint32_t attributes = mesh->faceAttributes[first];
+    int32_t f = first, quads = 0;
+    for (; f < mesh->faceCount && mesh->faceAttributes[f] == attributes; ++f)
+        quads += cornerCount(mesh->faces[f]) == 4;
+    bool isLine = (attributes & faceLine) != 0;
+    run->lineRecords = isLine ? f - first : 0;
+    run->quads = isLine ? 0 : quads;
+    run->triangles = isLine ? 0 : f - first - quads;
+    return f;
 }
 
 static void countFaces(const Mesh* mesh, Facts* facts)
 {
     facts->groups.resize(groupLimit);
     facts->materials.resize(materialLimit);
-    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    for (int32_t f = 0; f < mesh->faceCount;)
     {
         uint32_t attributes = mesh->faceAttributes[f];
+        FaceCounts run;
+        f = countRun(mesh, f, &run);
         if (attributes & faceDeleted)
             continue;
-        bool isLine = (attributes & faceLine) != 0, isQuad = cornerCount(mesh->faces[f]) == 4;
-        for (FaceCounts* counts :
-             { &facts->all, &facts->groups[faceGroup(attributes)], &facts->materials[faceMaterial(attributes)] })
-            countFace(counts, isLine, isQuad);
-        facts->hidden += (attributes & faceHidden) != 0;
+        addCounts(&facts->all, run);
+        addCounts(&facts->groups[faceGroup(attributes)], run);
+        addCounts(&facts->materials[faceMaterial(attributes)], run);
+        facts->hidden += attributes & faceHidden ? allOf(run) : 0;
     }
 }
 

@@ -1,183 +1,219 @@
 // tools/statistics.cpp - counting the defects of a mesh
 //
-// Each edge goes into the list of its lower end, and each list is counted by the upper ends. There is no hash table and
-// no comparison, so every mesh takes linear time.
+// The faces are taken once, in small blocks: whatever is asked about a face is asked while its corners and positions
+// are in the cache. Memory that a block of another place needs is prefetched.
 #include "tools/statistics.h"
 
 #include "model/memory.h"
 #include "model/seeded_hash.h"
+#include "tools/edge_counts.h"
 #include "tools/hash.h"
 #include "tools/positions.h"
 
 #include <algorithm>
 
-struct EdgeLists
+constexpr uint32_t prefetchedVertices = 32;
+
+struct StatisticsWork
 {
-    uint32_t* start; // per vertex: where its list starts in upper; one more entry for the end of the last list
-    uint32_t* upper; // the upper ends of all edges, list by list; the top bit: the face runs toward the lower end
-    uint64_t* uses;  // per vertex: how often it is an upper end in the list being counted, and above that, how often
-                     // with the top bit
+    EdgeCounts edges;
+    uint32_t* parents; // of the pieces
+    uint8_t* crowded;  // per vertex: whether some face whose lowest vertex it is may repeat an earlier one
+    bool anyEdge;
+    bool anyCrowded;
 };
-
-constexpr uint32_t runsDown = 1u << 31; // vertex indices are smaller
-constexpr int runsDownShift = 32;
-
-static bool repeatsCorner(const Corners& corners, size_t count)
-{
-    for (size_t k = 1; k < count; ++k)
-    {
-        if (std::find(corners.begin(), corners.begin() + k, corners[k]) != corners.begin() + k)
-            return true;
-    }
-    return false;
-}
 
 static bool hasArea(const Plane& plane)
 {
     return plane.normal[0] != 0 || plane.normal[1] != 0 || plane.normal[2] != 0;
 }
 
-static size_t surfaceCorners(const Corners& corners)
+// Takes up to surfaceBlockLimit faces of the surface. Returns the slot after the last one.
+static int32_t takeBlock(const Mesh* mesh, int32_t f, const EdgeCounts& edges, SurfaceBlock* block,
+                         int32_t* degenerateFaces)
 {
-    return corners[3] == noCorner ? 3 : 4;
-}
-
-static int32_t countDegenerateFaces(const Mesh* mesh)
-{
-    int32_t count = 0;
-    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    block->count = 0;
+    for (; f < mesh->faceCount && block->count < surfaceBlockLimit; ++f)
     {
         const Corners& corners = mesh->faces[f];
-        count += isSurface(mesh->faceAttributes[f]) &&
-                 (repeatsCorner(corners, surfaceCorners(corners)) || !hasArea(mesh->facePlanes[f]));
-    }
-    return count;
-}
-
-// Calls visit with the lower and the upper end of every edge of every face, and whether the face runs to the lower one.
-template <typename Visit>
-static void visitEdges(const Mesh* mesh, Visit visit)
-{
-    for (int32_t f = 0; f < mesh->faceCount; ++f)
-    {
-        const Corners& corners = mesh->faces[f];
-        size_t count = surfaceCorners(corners);
-        if (!isSurface(mesh->faceAttributes[f]) || !cornersAreVertices(mesh, corners, count) ||
-            repeatsCorner(corners, count))
+        if (!isSurface(mesh->faceAttributes[f]) || !cornersAreVertices(mesh, corners, surfaceCorners(corners)))
             continue;
-        for (size_t k = 0; k < count; ++k)
+        *degenerateFaces += repeatsCorner(corners) || !hasArea(mesh->facePlanes[f]);
+        for (size_t k = 0; k < 3; ++k)
+            __builtin_prefetch(edges.places[corners[k]], 1);
+        block->faces[block->count++] = corners;
+    }
+    return f;
+}
+
+static uint32_t rootOf(uint32_t* parents, uint32_t vertex)
+{
+    while (parents[vertex] != vertex)
+        vertex = parents[vertex] = parents[parents[vertex]]; // halves the way for the next search
+    return vertex;
+}
+
+// Joins the vertices of a face: the later root goes under the earlier one. Every vertex that a face uses begins a piece
+// of its own, and every joining of two pieces leaves one less.
+static void joinFace(const Corners& corners, uint32_t* parents, int32_t* pieces)
+{
+    uint32_t first = 0;
+    for (size_t k = 0; k < surfaceCorners(corners); ++k)
+    {
+        if (parents[corners[k]] == noCorner)
         {
-            uint32_t a = corners[k], b = corners[k + 1 == count ? 0 : k + 1];
-            visit(std::min(a, b), std::max(a, b), a > b);
+            parents[corners[k]] = corners[k];
+            ++*pieces;
+        }
+        uint32_t other = rootOf(parents, corners[k]);
+        first = k == 0 ? other : first;
+        *pieces -= first != other;
+        parents[std::max(first, other)] = std::min(first, other);
+        first = std::min(first, other);
+    }
+}
+
+// What is known of a face after its edges.
+struct FaceEdges
+{
+    bool joined;  // its vertices are all joined by edges of earlier faces
+    bool crowded; // an earlier face may have the same vertices
+};
+
+// Counts the edges of a face. A face that repeats an earlier one, in whatever order, finds all edges of a triangle and
+// two opposite ones at least of a quad.
+static FaceEdges countFaceEdges(EdgeCounts* edges, const Corners& c)
+{
+    int first = countEdge(edges, c[0], c[1]), second = countEdge(edges, c[1], c[2]);
+    if (c[3] == noCorner)
+    {
+        int third = countEdge(edges, c[2], c[0]);
+        return { first + second + third >= 2, first + second + third == 3 };
+    }
+    int third = countEdge(edges, c[2], c[3]), fourth = countEdge(edges, c[3], c[0]);
+    return { first + second + third + fourth >= 3, (first & third) + (second & fourth) > 0 };
+}
+
+static void joinBlock(StatisticsWork* work, const SurfaceBlock& block, int32_t* pieces)
+{
+    for (int32_t i = 0; i < block.count; ++i)
+    {
+        const Corners& c = block.faces[i];
+        FaceEdges edges = {};
+        if (!repeatsCorner(c))
+        {
+            edges = countFaceEdges(&work->edges, c);
+            work->anyEdge = true;
+        }
+        if (!edges.joined)
+            joinFace(c, work->parents, pieces);
+        if (edges.crowded)
+        {
+            work->crowded[std::min(std::min(c[0], c[1]), std::min(c[2], c[3]))] = 1;
+            work->anyCrowded = true;
         }
     }
 }
 
-static void freeEdgeLists(EdgeLists* lists)
+static int countFaces(const Mesh* mesh, StatisticsWork* work, MeshStatistics* statistics)
 {
-    workFree(lists->start);
-    workFree(lists->upper);
-    workFree(lists->uses);
-}
-
-static uint32_t* wordBlock(int64_t count)
-{
-    return static_cast<uint32_t*>(workAlloc(blockSize(count, sizeof(uint32_t))));
-}
-
-static int makeEdgeLists(const Mesh* mesh, EdgeLists* lists)
-{
-    *lists = {};
-    uint64_t edgeCount = 0;
-    visitEdges(mesh, [&](uint32_t, uint32_t, bool) { ++edgeCount; });
-    if (edgeCount > UINT32_MAX)
-        return reportOutOfMemory();
-    lists->start = wordBlock(int64_t{ mesh->vertexCount } + 2);
-    lists->upper = lists->start ? wordBlock(static_cast<int64_t>(edgeCount) + 1) : nullptr;
-    if (lists->upper)
-        lists->uses = static_cast<uint64_t*>(workAlloc(blockSize(int64_t{ mesh->vertexCount } + 1, sizeof(uint64_t))));
-    if (!lists->uses)
+    SurfaceBlock block;
+    SurfaceMeasures* surface = &statistics->surface;
+    for (int32_t f = 0; f < mesh->faceCount;)
     {
-        freeEdgeLists(lists);
-        return 0;
+        f = takeBlock(mesh, f, work->edges, &block, &statistics->degenerateFaces);
+        measureFaces(mesh, block, surface);
+        joinBlock(work, block, &surface->pieces);
+        if (work->edges.memoryRefused)
+            return 0;
     }
-    return 1;
+    EdgeTotals totals = totalsOf(work->edges);
+    statistics->openEdges = totals.open;
+    statistics->flippedEdges = totals.flipped;
+    statistics->nonManifoldEdges = totals.nonManifold;
+    statistics->closed = work->anyEdge && totals.open == 0 && totals.nonManifold == 0;
+    return !work->anyCrowded || countDuplicateFaces(mesh, work->crowded, &surface->duplicateFaces);
 }
 
-// Counts the edges of v in start[v + 2] and adds the counts up, so that start[v + 1] is where the list of v starts.
-// Filling the list moves start[v + 1] to its end, where the list of v + 1 starts.
-static void fillEdgeLists(const Mesh* mesh, EdgeLists* lists)
+static int countSurface(const Mesh* mesh, MeshStatistics* statistics)
 {
-    visitEdges(mesh, [&](uint32_t lower, uint32_t, bool) { ++lists->start[lower + 2]; });
-    for (int32_t v = 0; v < mesh->vertexCount; ++v)
-        lists->start[v + 2] += lists->start[v + 1];
-    visitEdges(mesh, [&](uint32_t lower, uint32_t upper, bool down)
-               { lists->upper[lists->start[lower + 1]++] = upper | (down ? runsDown : 0); });
-}
-
-static void countList(const EdgeLists& lists, int32_t vertex, MeshStatistics* statistics)
-{
-    const uint32_t* first = lists.upper + lists.start[vertex];
-    const uint32_t* last = lists.upper + lists.start[vertex + 1];
-    for (const uint32_t* end = first; end != last; ++end)
-        lists.uses[*end & ~runsDown] += *end & runsDown ? 1 + (uint64_t{ 1 } << runsDownShift) : 1;
-    for (const uint32_t* end = first; end != last; ++end)
+    StatisticsWork work = {};
+    size_t words = blockSize(int64_t{ mesh->vertexCount } + 1, sizeof(uint32_t));
+    int ok = makeEdgeCounts(&work.edges, mesh->vertexCount);
+    if (ok)
+        work.parents = static_cast<uint32_t*>(workAlloc(words));
+    if (work.parents)
+        work.crowded = static_cast<uint8_t*>(workAlloc(blockSize(int64_t{ mesh->vertexCount } + 1, 1)));
+    ok = work.crowded != nullptr;
+    if (ok)
     {
-        uint64_t& uses = lists.uses[*end & ~runsDown];
-        auto faces = static_cast<uint32_t>(uses);
-        statistics->openEdges += faces == 1;
-        statistics->nonManifoldEdges += faces > 2;
-        statistics->flippedEdges += faces == 2 && uses >> runsDownShift != 1;
-        uses = 0; // counts each edge once, and clears the count for the next list
+        std::fill(work.parents, work.parents + mesh->vertexCount, noCorner);
+        ok = countFaces(mesh, &work, statistics);
     }
+    workFree(work.crowded);
+    workFree(work.parents);
+    freeEdgeCounts(&work.edges);
+    return ok;
 }
 
-static int countEdges(const Mesh* mesh, MeshStatistics* statistics)
+// Vertices by their positions. An entry has vertex + 1 in its low bits and as many bits of the hash as fit above them,
+// so that nearly every vertex that is looked at is the one that is looked for. 0: the entry is empty.
+struct VertexTable
 {
-    EdgeLists lists;
-    if (!makeEdgeLists(mesh, &lists))
-        return 0;
-    fillEdgeLists(mesh, &lists);
-    bool anyEdge = lists.start[mesh->vertexCount] > 0;
-    for (int32_t v = 0; v < mesh->vertexCount; ++v)
-        countList(lists, v, statistics);
-    statistics->closed = anyEdge && statistics->openEdges == 0 && statistics->nonManifoldEdges == 0;
-    freeEdgeLists(&lists);
-    return 1;
+    uint32_t* entries;
+    uint32_t mask;
+    uint32_t vertexMask; // the low bits
+};
+
+// Enters the vertex, or returns true when there is one at its position.
+static bool isDuplicate(const Mesh* mesh, const VertexTable& table, uint32_t vertex, uint32_t hash)
+{
+    const float* position = mesh->vertices[vertex].position;
+    uint32_t mark = hash & ~table.vertexMask; // the low bits choose the place
+    uint32_t place = hash & table.mask;
+    for (; table.entries[place] != 0; place = (place + 1) & table.mask)
+    {
+        uint32_t entry = table.entries[place];
+        if ((entry & ~table.vertexMask) == mark &&
+            equalPositions(mesh->vertices[(entry & table.vertexMask) - 1].position, position))
+            return true;
+    }
+    table.entries[place] = mark | (vertex + 1);
+    return false;
+}
+
+// Counts the duplicates from one vertex to another. The places of all of them are prefetched together.
+static int32_t countDuplicatesIn(const Mesh* mesh, const VertexTable& table, uint32_t from, uint32_t to)
+{
+    const HashSeed& seed = hashSeed();
+    uint32_t hashes[prefetchedVertices];
+    for (uint32_t v = from; v < to; ++v)
+    {
+        hashes[v - from] = hashPosition(seed, mesh->vertices[v].position);
+        __builtin_prefetch(&table.entries[hashes[v - from] & table.mask], 1);
+    }
+    int32_t count = 0;
+    for (uint32_t v = from; v < to; ++v)
+        count += isDuplicate(mesh, table, v, hashes[v - from]);
+    return count;
 }
 
 static int countDuplicateVertices(const Mesh* mesh, int32_t* count)
 {
-    const HashSeed& seed = hashSeed();
-    uint32_t mask = tableMask(static_cast<uint64_t>(mesh->vertexCount));
-    int64_t homeCount = int64_t{ mask } + 1;
-    uint32_t* home = wordBlock(homeCount + mesh->vertexCount); // vertex + 1, 0 for none
-    if (!home)
+    auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
+    VertexTable table = { nullptr, tableMask(uint64_t{ vertexCount } * 3 / 2 + 1),
+                          tableMask(uint64_t{ vertexCount } + 1) };
+    table.entries = static_cast<uint32_t*>(workAlloc(blockSize(int64_t{ table.mask } + 1, sizeof(uint32_t))));
+    if (!table.entries)
         return 0;
-    uint32_t* next = home + homeCount; // per vertex: the next vertex + 1 of the same hash
-    for (int32_t i = 0; i < mesh->vertexCount; ++i)
-    {
-        const float* position = mesh->vertices[i].position;
-        uint32_t* first = &home[hashPosition(seed, position) & mask];
-        uint32_t stored = *first;
-        while (stored != 0 && !equalPositions(mesh->vertices[stored - 1].position, position))
-            stored = next[stored - 1];
-        if (stored != 0)
-        {
-            ++*count;
-            continue;
-        }
-        next[i] = *first;
-        *first = static_cast<uint32_t>(i) + 1;
-    }
-    workFree(home);
+    for (uint32_t v = 0; v < vertexCount; v += std::min(prefetchedVertices, vertexCount - v))
+        *count += countDuplicatesIn(mesh, table, v, v + std::min(prefetchedVertices, vertexCount - v));
+    workFree(table.entries);
     return 1;
 }
 
 int gatherStatistics(const Mesh* mesh, MeshStatistics* statistics)
 {
     *statistics = {};
-    statistics->degenerateFaces = countDegenerateFaces(mesh);
-    return countDuplicateVertices(mesh, &statistics->duplicateVertices) && countEdges(mesh, statistics) &&
-           measureSurface(mesh, &statistics->surface);
+    return countDuplicateVertices(mesh, &statistics->duplicateVertices) && countSurface(mesh, statistics);
 }

@@ -1,4 +1,4 @@
-// tools/surface.cpp - measuring a surface, and finding its pieces and repeated faces
+// tools/surface.cpp - measuring a surface, and finding its repeated faces
 #include "tools/surface.h"
 
 #include "model/memory.h"
@@ -7,82 +7,61 @@
 #include <algorithm>
 #include <utility>
 
-// Calls visit with the corners and the number of corners of every face of the surface.
-template <typename Visit>
-static void visitFaces(const Mesh* mesh, Visit visit)
-{
-    for (int32_t f = 0; f < mesh->faceCount; ++f)
-    {
-        const Corners& corners = mesh->faces[f];
-        size_t count = corners[3] == noCorner ? 3 : 4;
-        if (isSurface(mesh->faceAttributes[f]) && cornersAreVertices(mesh, corners, count))
-            visit(corners, count);
-    }
-}
+constexpr int32_t triangleLimit = 2 * surfaceBlockLimit;
 
-struct Vector
+// The triangles of a block, coordinate by coordinate, so that the compiler can measure several at a time. Positions
+// count from the centre of the bounds, where their products are smallest.
+struct Triangles
 {
-    double x, y, z;
+    int32_t count;
+    double coordinates[3][3][triangleLimit]; // by corner and axis
+    double areas[triangleLimit];
+    double volumes[triangleLimit];
 };
 
-static Vector cross(const Vector& a, const Vector& b)
+static void addTriangle(const Mesh* mesh, uint32_t a, uint32_t b, uint32_t c, Triangles* triangles)
 {
-    return { a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x };
-}
-
-// Adds one triangle. Positions count from the centre of the bounds, where their products are smallest.
-static void measureTriangle(const Mesh* mesh, uint32_t a, uint32_t b, uint32_t c, SurfaceMeasures* measures)
-{
-    Vector points[3];
     const uint32_t corners[3] = { a, b, c };
+    int32_t t = triangles->count++;
     for (int k = 0; k < 3; ++k)
     {
         const float* position = mesh->vertices[corners[k]].position;
-        points[k] = { static_cast<double>(position[0]) - static_cast<double>(mesh->centre[0]),
-                      static_cast<double>(position[1]) - static_cast<double>(mesh->centre[1]),
-                      static_cast<double>(position[2]) - static_cast<double>(mesh->centre[2]) };
+        for (int axis = 0; axis < 3; ++axis)
+            triangles->coordinates[k][axis][t] =
+                static_cast<double>(position[axis]) - static_cast<double>(mesh->centre[axis]);
     }
-    auto [p, q, r] = points;
-    Vector normal = cross({ q.x - p.x, q.y - p.y, q.z - p.z }, { r.x - p.x, r.y - p.y, r.z - p.z });
-    measures->area += sqrt(normal.x * normal.x + normal.y * normal.y + normal.z * normal.z) / 2;
-    measures->volume += (p.x * normal.x + p.y * normal.y + p.z * normal.z) / 6;
 }
 
-static uint32_t rootOf(uint32_t* parents, uint32_t vertex)
+static void measureTriangles(Triangles* triangles)
 {
-    while (parents[vertex] != vertex)
-        vertex = parents[vertex] = parents[parents[vertex]]; // halves the way for the next search
-    return vertex;
+    const auto& [p, q, r] = triangles->coordinates;
+    for (int32_t t = 0; t < triangles->count; ++t)
+    {
+        double ux = q[0][t] - p[0][t], uy = q[1][t] - p[1][t], uz = q[2][t] - p[2][t];
+        double vx = r[0][t] - p[0][t], vy = r[1][t] - p[1][t], vz = r[2][t] - p[2][t];
+        double x = uy * vz - uz * vy, y = uz * vx - ux * vz, z = ux * vy - uy * vx;
+        triangles->areas[t] = sqrt(x * x + y * y + z * z) / 2;
+        triangles->volumes[t] = (p[0][t] * x + p[1][t] * y + p[2][t] * z) / 6;
+    }
 }
 
-// Joins the vertices of every face, the later root under the earlier one. Every vertex that a face uses begins a piece
-// of its own, and every joining of two pieces leaves one less.
-static int countPieces(const Mesh* mesh, int32_t* pieces)
+void measureFaces(const Mesh* mesh, const SurfaceBlock& block, SurfaceMeasures* measures)
 {
-    auto* parents = static_cast<uint32_t*>(workAlloc(blockSize(int64_t{ mesh->vertexCount } + 1, sizeof(uint32_t))));
-    if (!parents)
-        return 0;
-    std::fill(parents, parents + mesh->vertexCount, noCorner); // no face has used the vertex
-    visitFaces(mesh,
-               [parents, pieces](const Corners& corners, size_t count)
-               {
-                   uint32_t first = 0;
-                   for (size_t k = 0; k < count; ++k)
-                   {
-                       if (parents[corners[k]] == noCorner)
-                       {
-                           parents[corners[k]] = corners[k];
-                           ++*pieces;
-                       }
-                       uint32_t other = rootOf(parents, corners[k]);
-                       first = k == 0 ? other : first;
-                       *pieces -= first != other;
-                       parents[std::max(first, other)] = std::min(first, other);
-                       first = std::min(first, other);
-                   }
-               });
-    workFree(parents);
-    return 1;
+    Triangles triangles;
+    triangles.count = 0;
+    for (int32_t i = 0; i < block.count; ++i)
+    {
+        const Corners& corners = block.faces[i];
+        addTriangle(mesh, corners[0], corners[1], corners[2], &triangles);
+        if (corners[3] != noCorner)
+            addTriangle(mesh, corners[0], corners[2], corners[3], &triangles);
+    }
+    measureTriangles(&triangles);
+    for (int32_t t = 0; t < triangles.count; ++t)
+    {
+        measures->area += triangles.areas[t];
+        measures->volume += triangles.volumes[t];
+    }
 }
 
 static Corners sortedCorners(Corners corners)
@@ -126,63 +105,42 @@ static int32_t duplicatesIn(Corners* first, Corners* last)
     return duplicates;
 }
 
-static bool makeFaceLists(const Mesh* mesh, FaceLists* lists)
-{
-    *lists = {};
-    lists->start = static_cast<uint32_t*>(workAlloc(blockSize(int64_t{ mesh->vertexCount } + 1, sizeof(uint32_t))));
-    if (lists->start)
-        lists->sorted = static_cast<Corners*>(workAlloc(blockSize(int64_t{ mesh->faceCount } + 1, sizeof(Corners))));
-    return lists->sorted != nullptr;
-}
-
-static void freeFaceLists(FaceLists* lists)
-{
-    workFree(lists->sorted);
-    workFree(lists->start);
-}
-
-// Calls visit with the sorted corners of every face that has no vertex twice.
+// Calls visit with the sorted corners of every face whose lowest vertex is crowded.
 template <typename Visit>
-static void visitSorted(const Mesh* mesh, Visit visit)
+static void visitCrowded(const Mesh* mesh, const uint8_t* crowded, Visit visit)
 {
-    visitFaces(mesh,
-               [&visit](const Corners& corners, size_t)
-               {
-                   Corners words = sortedCorners(corners);
-                   if (words[0] != words[1] && words[1] != words[2] && words[2] != words[3])
-                       visit(words);
-               });
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    {
+        const Corners& corners = mesh->faces[f];
+        if (!isSurface(mesh->faceAttributes[f]) || !cornersAreVertices(mesh, corners, surfaceCorners(corners)) ||
+            repeatsCorner(corners))
+            continue;
+        uint32_t lowest = std::min(std::min(corners[0], corners[1]), std::min(corners[2], corners[3]));
+        if (crowded[lowest])
+            visit(sortedCorners(corners));
+    }
 }
 
-static int countDuplicateFaces(const Mesh* mesh, int32_t* duplicates)
+int countDuplicateFaces(const Mesh* mesh, const uint8_t* crowded, int32_t* duplicates)
 {
-    FaceLists lists;
-    if (!makeFaceLists(mesh, &lists))
-    {
-        freeFaceLists(&lists);
+    FaceLists lists = {};
+    lists.start = static_cast<uint32_t*>(workAlloc(blockSize(int64_t{ mesh->vertexCount } + 1, sizeof(uint32_t))));
+    if (!lists.start)
         return 0;
-    }
-    visitSorted(mesh, [&lists](const Corners& words) { ++lists.start[words[0]]; });
+    visitCrowded(mesh, crowded, [&lists](const Corners& words) { ++lists.start[words[0]]; });
     uint32_t total = 0;
     for (int32_t v = 0; v < mesh->vertexCount; ++v)
         total += std::exchange(lists.start[v], total);
-    visitSorted(mesh, [&lists](const Corners& words) { lists.sorted[lists.start[words[0]]++] = words; });
-    uint32_t first = 0;
-    for (int32_t v = 0; v < mesh->vertexCount; first = lists.start[v++])
-        *duplicates += duplicatesIn(lists.sorted + first, lists.sorted + lists.start[v]);
-    freeFaceLists(&lists);
-    return 1;
-}
-
-int measureSurface(const Mesh* mesh, SurfaceMeasures* measures)
-{
-    *measures = {};
-    visitFaces(mesh,
-               [mesh, measures](const Corners& corners, size_t count)
-               {
-                   measureTriangle(mesh, corners[0], corners[1], corners[2], measures);
-                   if (count == 4)
-                       measureTriangle(mesh, corners[0], corners[2], corners[3], measures);
-               });
-    return countPieces(mesh, &measures->pieces) && countDuplicateFaces(mesh, &measures->duplicateFaces);
+    lists.sorted = static_cast<Corners*>(workAlloc(blockSize(int64_t{ total } + 1, sizeof(Corners))));
+    if (lists.sorted)
+    {
+        visitCrowded(mesh, crowded, [&lists](const Corners& words) { lists.sorted[lists.start[words[0]]++] = words; });
+        uint32_t first = 0;
+        for (int32_t v = 0; v < mesh->vertexCount; first = lists.start[v++])
+            *duplicates += duplicatesIn(lists.sorted + first, lists.sorted + lists.start[v]);
+    }
+    bool ok = lists.sorted != nullptr;
+    workFree(lists.sorted);
+    workFree(lists.start);
+    return ok;
 }

@@ -13,5 +13,29 @@ struct SurfaceMeasures
     int32_t pieces;     // of faces that share vertices
 };
 
-// Takes time in proportion to vertices and faces. Returns 1, or 0 after "Out of memory".
-int measureSurface(const Mesh* mesh, SurfaceMeasures* measures);
+constexpr int32_t surfaceBlockLimit = 32;
+
+// A few faces of the surface, which stay in the cache until everything about them is known.
+struct SurfaceBlock
+{
+    int32_t count;
+    Corners faces[surfaceBlockLimit];
+};
+
+inline size_t surfaceCorners(const Corners& corners)
+{
+    return corners[3] == noCorner ? 3 : 4;
+}
+
+// Whether the face has a vertex twice.
+inline bool repeatsCorner(const Corners& c)
+{
+    return (c[0] == c[1]) | (c[0] == c[2]) | (c[0] == c[3]) | (c[1] == c[2]) | (c[1] == c[3]) | (c[2] == c[3]);
+}
+
+// Adds area and volume of the faces, one after the other.
+void measureFaces(const Mesh* mesh, const SurfaceBlock& block, SurfaceMeasures* measures);
+
+// Counts the faces that repeat an earlier one, among those whose lowest vertex is marked by a 1 in crowded.
+// Returns 1, or 0 after "Out of memory".
+int countDuplicateFaces(const Mesh* mesh, const uint8_t* crowded, int32_t* duplicates);

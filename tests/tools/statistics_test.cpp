@@ -3,6 +3,7 @@
 
 #include "tests/tools/random.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -91,9 +92,11 @@ TEST_F(Statistics, AnEmptyMeshHasNone)
 
 TEST_F(Statistics, EveryRefusedBlockIsReported)
 {
-    MeshPointer mesh = buildMesh(cubePoints, cubeFaces);
+    std::vector<Corners> faces = cubeFaces; // twice, so that the faces are looked at again, too
+    faces.insert(faces.end(), cubeFaces.begin(), cubeFaces.end());
+    MeshPointer mesh = buildMesh(cubePoints, faces);
     int blocks = recorded.liveBlocks;
-    for (int refused = 1; refused <= 4; ++refused)
+    for (int refused = 1; refused <= 6; ++refused)
     {
         resetRecording();
         recorded.liveBlocks = blocks;
@@ -104,41 +107,111 @@ TEST_F(Statistics, EveryRefusedBlockIsReported)
     }
 }
 
-// Computes the same counts with a map of all edges and a set of all positions.
-TEST_F(Statistics, CountsEqualThoseOfAMapOnRandomMeshes)
+// The same counts by maps and sets.
+struct PlainCounts
+{
+    std::map<std::pair<uint32_t, uint32_t>, std::pair<int, int>>
+        edges; // the faces, and those that run to the lower end
+    std::set<std::array<float, 3>> positions;
+    std::multiset<std::set<uint32_t>> faces;
+    std::vector<std::set<uint32_t>> pieces;
+
+    int64_t open = 0, flipped = 0, many = 0;
+    int32_t duplicateVertices, duplicateFaces = 0;
+};
+
+// Puts the vertices of a face into one piece with all pieces that have any of them.
+static void joinPieces(std::vector<std::set<uint32_t>>* pieces, std::set<uint32_t> joined)
+{
+    std::vector<std::set<uint32_t>> others;
+    for (const std::set<uint32_t>& piece : *pieces)
+    {
+        bool meets = std::any_of(joined.begin(), joined.end(), [&piece](uint32_t v) { return piece.count(v) != 0; });
+        if (meets)
+            joined.insert(piece.begin(), piece.end());
+        else
+            others.push_back(piece);
+    }
+    others.push_back(joined);
+    *pieces = others;
+}
+
+static void countFace(const Corners& corners, PlainCounts* counts)
+{
+    std::set<uint32_t> different(corners.begin(), corners.end());
+    different.erase(none);
+    size_t count = corners[3] == none ? 3 : 4;
+    joinPieces(&counts->pieces, different);
+    if (different.size() != count)
+        return;
+    counts->faces.insert(different);
+    for (size_t k = 0; k < count; ++k)
+    {
+        uint32_t a = corners[k], b = corners[(k + 1) % count];
+        auto& [faces, down] = counts->edges[std::minmax(a, b)];
+        ++faces;
+        down += a > b;
+    }
+}
+
+static PlainCounts plainCountsOf(const Mesh* mesh)
+{
+    PlainCounts counts;
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    {
+        if (!(mesh->faceAttributes[f] & (faceDeleted | faceLine)))
+            countFace(mesh->faces[f], &counts);
+    }
+    for (const auto& [edge, uses] : counts.edges)
+    {
+        counts.open += uses.first == 1;
+        counts.flipped += uses.first == 2 && uses.second != 1;
+        counts.many += uses.first > 2;
+    }
+    for (int32_t i = 0; i < mesh->vertexCount; ++i)
+    {
+        const float* p = mesh->vertices[i].position;
+        counts.positions.insert({ p[0] + 0.0f, p[1] + 0.0f, p[2] + 0.0f });
+    }
+    counts.duplicateVertices = mesh->vertexCount - static_cast<int32_t>(counts.positions.size());
+    std::set<std::set<uint32_t>> different(counts.faces.begin(), counts.faces.end());
+    counts.duplicateFaces = static_cast<int32_t>(counts.faces.size() - different.size());
+    return counts;
+}
+
+static void expectPlainCounts(const Mesh* mesh, unsigned seed)
+{
+    PlainCounts want = plainCountsOf(mesh);
+    MeshStatistics statistics = statisticsOf(mesh);
+    ASSERT_EQ(statistics.openEdges, want.open) << "seed " << seed;
+    ASSERT_EQ(statistics.flippedEdges, want.flipped) << "seed " << seed;
+    ASSERT_EQ(statistics.nonManifoldEdges, want.many) << "seed " << seed;
+    ASSERT_EQ(statistics.duplicateVertices, want.duplicateVertices) << "seed " << seed;
+    ASSERT_EQ(statistics.surface.duplicateFaces, want.duplicateFaces) << "seed " << seed;
+    ASSERT_EQ(statistics.surface.pieces, static_cast<int32_t>(want.pieces.size())) << "seed " << seed;
+}
+
+TEST_F(Statistics, CountsEqualThoseOfMapsAndSetsOnRandomMeshes)
 {
     for (unsigned seed = 0; seed < 300; ++seed)
+        expectPlainCounts(randomMesh(seed).get(), seed);
+}
+
+// Many vertices have more edges than places, and there are several blocks of faces.
+TEST_F(Statistics, CountsEqualThoseOfMapsAndSetsOnCrowdedMeshes)
+{
+    for (unsigned seed = 0; seed < 60; ++seed)
+        expectPlainCounts(randomMesh(seed, { .vertexLimit = 30, .faceLimit = 400 }).get(), seed);
+    for (unsigned seed = 0; seed < 60; ++seed)
+        expectPlainCounts(randomMesh(seed, { .vertexLimit = 300, .faceLimit = 300 }).get(), seed);
+}
+
+TEST_F(Statistics, QuadsThatTakeTheSameVerticesInAnotherOrderAreDuplicates)
+{
+    for (Corners other : { Corners{ 0, 1, 2, 3 }, { 3, 2, 1, 0 }, { 0, 2, 1, 3 }, { 0, 1, 3, 2 }, { 2, 3, 0, 1 } })
     {
-        MeshPointer mesh = randomMesh(seed);
-        std::map<std::pair<uint32_t, uint32_t>, int> edges;
-        for (int32_t f = 0; f < mesh->faceCount; ++f)
-        {
-            const Corners& corners = mesh->faces[f];
-            std::set<uint32_t> different(corners.begin(), corners.end());
-            different.erase(none);
-            size_t count = corners[3] == none ? 3 : 4;
-            if (mesh->faceAttributes[f] & (faceDeleted | faceLine) || different.size() != count)
-                continue;
-            for (size_t k = 0; k < count; ++k)
-                ++edges[std::minmax({ corners[k], corners[(k + 1) % count] })];
-        }
-        int64_t open = 0, many = 0;
-        for (const auto& [edge, uses] : edges)
-        {
-            open += uses == 1;
-            many += uses > 2;
-        }
-        std::set<std::array<float, 3>> positions;
-        for (int32_t i = 0; i < mesh->vertexCount; ++i)
-        {
-            const float* p = mesh->vertices[i].position;
-            positions.insert({ p[0], p[1], p[2] });
-        }
-        MeshStatistics statistics = statisticsOf(mesh.get());
-        ASSERT_EQ(statistics.openEdges, open) << "seed " << seed;
-        ASSERT_EQ(statistics.nonManifoldEdges, many) << "seed " << seed;
-        ASSERT_EQ(statistics.duplicateVertices, mesh->vertexCount - static_cast<int32_t>(positions.size()))
-            << "seed " << seed;
+        MeshPointer mesh = buildMesh(cubePoints, { { 0, 1, 2, 3 }, other });
+        EXPECT_EQ(statisticsOf(mesh.get()).surface.duplicateFaces, 1) << other[1] << other[2];
     }
 }
 
