@@ -3,23 +3,47 @@
 #include "cli/warnings.h"
 #include "image/textures.h"
 #include "platform/boxes.h"
+#include "platform/files.h"
 #include "shell/picture_file.h"
 
 #include <stdio.h>
 #include <stdlib.h>
 
+// A device or a pipe gets nothing unless the whole picture is there.
+static bool writeWholePicture(const char* path, const char* target, int* opened)
+{
+    Image image = {};
+    JpegOutput described;
+    if (!loadTextureFile(path, &image, opened, &described))
+    {
+        explainFailure(path, causeOfImage(path, *opened).c_str());
+        return false;
+    }
+    bool ok = writeDecodedPicture(target, described, image.pixels) != 0;
+    free(image.pixels);
+    return ok;
+}
+
+static bool writeRowByRow(const char* path, const char* target, int* opened)
+{
+    JpegFile jpeg;
+    if (!openJpegFile(&jpeg, path, opened))
+    {
+        explainFailure(path, causeOfImage(path, *opened).c_str());
+        return false;
+    }
+    bool ok = writeJpegAsPicture(target, &jpeg) != 0;
+    if (jpeg.failed)
+        explainFailure(path, causeOfImage(path, *opened).c_str());
+    closeJpegFile(&jpeg);
+    return ok;
+}
+
 int runDecode(const Arguments& arguments)
 {
-    const char* path = arguments.inputs[0].c_str();
-    Image image = {};
+    const char *path = arguments.inputs[0].c_str(), *target = arguments.output.c_str();
     int opened = 0;
-    JpegOutput described;
-    if (!loadTextureFile(path, &image, &opened, &described))
-    {
-        explainFailure(path, causeOfImage(path, opened).c_str());
-        return 1;
-    }
-    int ok = writeDecodedPicture(arguments.output.c_str(), described, image.pixels);
-    free(image.pixels);
-    return ok ? 0 : 1;
+    std::string actual;
+    bool direct = findFileTarget(target, &actual) == targetDirect;
+    return (direct ? writeWholePicture : writeRowByRow)(path, target, &opened) ? 0 : 1;
 }

@@ -16,9 +16,11 @@ struct BmpPicture
     bool namesSize;                // the header names the bytes of all rows, which a reader can also work out
     uint32_t xPerMetre, yPerMetre; // pixels; 0: not known
 
-    // Fills in a row of bmpRowBytes(width) bytes; row 0 is the bottom one. Before the first row all bytes are 0.
-    void (*fillRow)(uint8_t* bytes, int32_t row, const BmpPicture* picture);
-    const void* source; // for fillRow
+    // Fills in a row of bmpRowBytes(width) bytes; row 0 is the bottom one. The padding is 0 where no row has filled it.
+    // Returns false after a message box when there are no more rows; the writer's target then stays as it was.
+    bool (*fillRow)(uint8_t* bytes, int32_t row, const BmpPicture* picture);
+    const void* source;    // for fillRow
+    bool topFirst = false; // fillRow can only go from the top to the bottom; the file has to be one that can seek
 };
 
 // Bytes of a row, the padding included.
@@ -31,5 +33,6 @@ inline size_t bmpRowBytes(int32_t width)
 // no memory for a row. Of sizes past 32 bits the header has the low ones.
 int WriteBmp(FILE* file, const BmpPicture* picture);
 
-// Writes a file by its name. Returns 1, or 0 after a box when it could not be written whole.
+// Writes a file by its name. Returns 1; or 0 when it could not be written whole, after a box, which is that of fillRow
+// when there were no more rows.
 int WriteBmpFile(const char* path, const BmpPicture* picture);

@@ -98,6 +98,11 @@ int commitOutputs(OutputFile* outputs, int count, bool whole)
     return whole;
 }
 
+void dropOutput(OutputFile* output)
+{
+    abandonOutputs(output, 1);
+}
+
 int commitOutput(OutputFile* output, bool written)
 {
     return closeOutput(output, written) && commitOutputs(output, 1, true);

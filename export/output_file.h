@@ -32,5 +32,8 @@ int closeOutput(OutputFile* output, bool written);
 // file could not replace its target, after the message box "Error cannot write" and with the later ones removed.
 int commitOutputs(OutputFile* outputs, int count, bool whole);
 
+// Removes the pending file and leaves the target as it was, in silence: what it should hold is not to be had.
+void dropOutput(OutputFile* output);
+
 // closeOutput and commitOutputs for a single file.
 int commitOutput(OutputFile* output, bool written);

@@ -1,8 +1,10 @@
-// fuzz/jpeg_fuzz.cpp - any bytes as a JPEG file
+// fuzz/jpeg_fuzz.cpp - any bytes as a JPEG file, whole and row by row
 #include "fuzz/jpeg_segments.h"
 #include "image/jpeg.h"
 
 #include <stdlib.h>
+#include <string.h>
+#include <vector>
 
 // The pixels of a large picture are all alike to the decoder and take most of the time. Of the inputs that announce
 // more than this, one in largeEvery is decoded.
@@ -19,6 +21,24 @@ static bool isSkipped(const uint8_t* bytes, size_t size)
     return sum % largeEvery != 0;
 }
 
+// Whether the rows of a file are those of its image; without an image, whether one of them fails.
+static bool rowsAre(const Image& image, const uint8_t* bytes, size_t size)
+{
+    JpegOutput output;
+    JpegRows* rows = beginJpegRows(memorySource(bytes, size), &output);
+    bool ok = rows != nullptr, same = ok && output.width == image.width && output.height == image.height;
+    std::vector<uint32_t> words(ok ? static_cast<size_t>(output.width) : 0);
+    for (int32_t y = 0; ok && y < output.height; ++y)
+    {
+        ok = nextJpegRow(rows, words.data()) != 0;
+        same = same && ok &&
+               memcmp(words.data(), image.pixels + int64_t{ image.height - 1 - y } * image.width,
+                      words.size() * sizeof(uint32_t)) == 0;
+    }
+    endJpegRows(rows);
+    return image.pixels ? same : !ok;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
 {
     if (isSkipped(bytes, size))
@@ -31,6 +51,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
     for (int64_t i = 0; ok && i < static_cast<int64_t>(image.width) * image.height; ++i)
         sum |= image.pixels[i];
     if (sum >> 24)
+        abort();
+    if (!rowsAre(image, bytes, size))
         abort();
     free(image.pixels);
     return 0;

@@ -15,6 +15,7 @@
 #include "platform/processor.h"
 
 #include <stdlib.h>
+#include <string.h>
 
 int progressiveRefused;
 const JpegHeap jpegSystemHeap = { allocateZeroed, allocateLarge };
@@ -32,17 +33,22 @@ constexpr int64_t pixelsPerByteLimit = 512;
 constexpr int64_t uncheckedPixelLimit = 12 << 20;
 constexpr int64_t uncheckedPixelsPerByte = 8;
 
-static bool allocatePixels(JpegState* state, Image* image)
+// Whether the file is large enough for its image and, where the image is large, whole.
+static bool holdsPixels(JpegState* state)
 {
     int64_t pixels = int64_t{ state->width } * state->height;
     int64_t fileBytes = state->source.totalBytes > 0 ? state->source.totalBytes : 0;
     if (pixels > alwaysPixelLimit && pixels / pixelsPerByteLimit > fileBytes)
         return false;
-    if (static_cast<uint64_t>(pixels) > PTRDIFF_MAX / sizeof(uint32_t))
-        return false;
     int64_t mcuRows = state->scanCount == 1 ? state->scan[0]->heightBlocks : state->imcuRows;
-    if (pixels > uncheckedPixelLimit + fileBytes * uncheckedPixelsPerByte &&
-        !scanDecodes(state, mcuRows * state->mcusPerRow))
+    return pixels <= uncheckedPixelLimit + fileBytes * uncheckedPixelsPerByte ||
+           scanDecodes(state, mcuRows * state->mcusPerRow);
+}
+
+static bool allocatePixels(const JpegState* state, Image* image)
+{
+    int64_t pixels = int64_t{ state->width } * state->height;
+    if (static_cast<uint64_t>(pixels) > PTRDIFF_MAX / sizeof(uint32_t))
         return false;
     image->pixels = static_cast<uint32_t*>(state->heap.pixels(static_cast<size_t>(pixels) * sizeof(uint32_t)));
     if (!image->pixels)
@@ -152,7 +158,7 @@ static bool setUpScanTables(JpegState* state)
 }
 
 // Arithmetic coding is refused before progressive coding: progressiveRefused promises that the rest could be decoded.
-static bool startDecompression(JpegState* state, Image* image)
+static bool startDecompression(JpegState* state)
 {
     state->colourSpace = fileColourSpace(*state);
     if (!colourFits(*state) || !selectUpsamplers(state) || state->arithmetic)
@@ -165,7 +171,7 @@ static bool startDecompression(JpegState* state, Image* image)
     for (int32_t i = 0; i < state->componentCount; ++i)
         if (!allocateRows(state, &state->components[i]))
             return false;
-    return setUpScan(state) && setUpScanTables(state) && startEntropy(state) && allocatePixels(state, image);
+    return setUpScan(state) && setUpScanTables(state) && startEntropy(state) && holdsPixels(state);
 }
 
 // Blocks go to the inverse DCT in pairs; the first of a pair waits here. A block stays in place until the next MCU.
@@ -221,8 +227,27 @@ static void placeMcu(JpegState* state, int32_t imcuRow, int32_t mcuRow, int32_t 
     finishTasks(queue, state->kernels);
 }
 
+// Makes the samples of an iMCU row without data. Blocks of zeros are middle grey under every quantisation table.
+static void placeMissing(JpegState* state, int32_t imcuRow)
+{
+    constexpr uint8_t middle = 128;
+    for (int32_t i = 0; i < state->componentCount; ++i)
+    {
+        Component* component = &state->components[i];
+        int32_t firstRow = imcuRow * component->v * 8 % component->rowsHeld;
+        for (int32_t row = firstRow; row < firstRow + component->v * 8; ++row)
+            memset(component->rows + static_cast<ptrdiff_t>(row) * component->rowStride, middle,
+                   static_cast<size_t>(component->widthBlocks) * 8);
+    }
+}
+
 static bool decodeImcuRow(JpegState* state, int32_t imcuRow)
 {
+    if (dataHasEnded(*state))
+    {
+        placeMissing(state, imcuRow);
+        return true;
+    }
     int32_t mcuRows = 1;
     if (state->scanCount == 1)
         mcuRows = imcuRow == state->imcuRows - 1 ? state->scan[0]->lastRowBlocks : state->scan[0]->v;
@@ -259,9 +284,23 @@ static bool produceRow(JpegState* state, int32_t y, uint32_t* words)
     return true;
 }
 
+static void beginDecode(JpegState* state, const JpegSource& source, const JpegHeap& heap)
+{
+    state->source = source;
+    state->heap = heap;
+    state->kernels = chooseKernels();
+    state->exactReader = kernelLevel() == kernelsPlain;
+    progressiveRefused = 0;
+}
+
+static JpegOutput outputOf(const JpegState& state)
+{
+    return { state.width, state.height, state.densityUnit, state.xDensity, state.yDensity };
+}
+
 static bool decodeImage(JpegState* state, Image* image)
 {
-    if (!readHeaders(state) || !startDecompression(state, image))
+    if (!readHeaders(state) || !startDecompression(state) || !allocatePixels(state, image))
         return false;
     auto width = static_cast<size_t>(state->width);
     for (int32_t y = 0; y < state->height; ++y)
@@ -273,15 +312,11 @@ static bool decodeImage(JpegState* state, Image* image)
 int decodeJpeg(const JpegSource& source, Image* image, JpegOutput* output, const JpegHeap& heap)
 {
     JpegState state = {};
-    state.source = source;
-    state.heap = heap;
-    state.kernels = chooseKernels();
-    state.exactReader = kernelLevel() == kernelsPlain;
-    progressiveRefused = 0;
+    beginDecode(&state, source, heap);
     *image = {};
     bool ok = decodeImage(&state, image);
     if (output)
-        *output = { state.width, state.height, state.densityUnit, state.xDensity, state.yDensity };
+        *output = outputOf(state);
     emptyPool(&state);
     if (!ok)
     {
@@ -289,6 +324,39 @@ int decodeJpeg(const JpegSource& source, Image* image, JpegOutput* output, const
         *image = {};
     }
     return ok ? 1 : 0;
+}
+
+struct JpegRows
+{
+    JpegState state;
+    int32_t nextRow;
+};
+
+JpegRows* beginJpegRows(const JpegSource& source, JpegOutput* output, const JpegHeap& heap)
+{
+    auto* rows = static_cast<JpegRows*>(heap.zeroed(1, sizeof(JpegRows)));
+    if (!rows)
+        return nullptr;
+    beginDecode(&rows->state, source, heap);
+    bool ok = readHeaders(&rows->state) && startDecompression(&rows->state);
+    if (output)
+        *output = outputOf(rows->state);
+    if (ok)
+        return rows;
+    endJpegRows(rows);
+    return nullptr;
+}
+
+int nextJpegRow(JpegRows* rows, uint32_t* words)
+{
+    return produceRow(&rows->state, rows->nextRow++, words) ? 1 : 0;
+}
+
+void endJpegRows(JpegRows* rows)
+{
+    if (rows)
+        emptyPool(&rows->state);
+    free(rows);
 }
 
 int decodeJpegMemory(const uint8_t* bytes, size_t size, Image* image, JpegOutput* output)

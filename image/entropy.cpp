@@ -418,6 +418,11 @@ bool decodeMcu(JpegState* state)
     return ok;
 }
 
+bool dataHasEnded(const JpegState& state)
+{
+    return state.insufficientData && (state.restartInterval == 0 || endsScan(state.pendingMarker));
+}
+
 bool scanDecodes(JpegState* state, int64_t mcuCount)
 {
     SourcePlace start = placeOf(state->source);

@@ -61,6 +61,19 @@ extern int progressiveRefused;
 int decodeJpeg(const JpegSource& source, Image* image, JpegOutput* output = nullptr,
                const JpegHeap& heap = jpegSystemHeap);
 
+// A decode that gives its rows one after the other, so that nobody needs memory for the whole image.
+struct JpegRows;
+
+// Reads everything up to the first row. Returns null and shows nothing where decodeJpeg fails before it decodes a row.
+// output may be null.
+JpegRows* beginJpegRows(const JpegSource& source, JpegOutput* output, const JpegHeap& heap = jpegSystemHeap);
+
+// Decodes the next row from the top into words 0x00RRGGBB, as many as the image is wide. There are as many rows as the
+// image is high. Returns 1, or 0 where decodeJpeg fails.
+int nextJpegRow(JpegRows* rows, uint32_t* words);
+
+void endJpegRows(JpegRows* rows); // null is allowed
+
 // decodeJpeg of a block of memory, and of a file, which stays open.
 int decodeJpegMemory(const uint8_t* bytes, size_t size, Image* image, JpegOutput* output = nullptr);
 int decodeJpegFile(FILE* file, Image* image, JpegOutput* output = nullptr);

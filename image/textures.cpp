@@ -31,31 +31,68 @@ void loadBuiltInTextures()
 
 // The decoder keeps the data of a file in memory and searches all of it for markers. A sparse file can be much larger
 // than the disk, so a file that no picture needs is refused by its size alone.
-static int decodeTextureFile(FILE* file, Image* image, JpegOutput* output)
+static bool isTooLarge(FILE* file)
 {
     progressiveRefused = 0;
-    return measureFile(file) <= textureFileLimit && decodeJpegFile(file, image, output);
+    return measureFile(file) > textureFileLimit;
 }
 
-int loadTextureFile(const char* path, Image* image, int* opened, JpegOutput* output)
+static int refuseFile()
+{
+    messageBox(progressiveRefused ? "Progressive Jpeg not supported" : "Error reading Jpeg file", "error", iconNone);
+    return 0;
+}
+
+static FILE* openTextureFile(const char* path, int* opened)
 {
     FILE* file = openFile(path, "rb");
     if (opened)
         *opened = file != nullptr;
+    return file;
+}
+
+int loadTextureFile(const char* path, Image* image, int* opened, JpegOutput* output)
+{
+    FILE* file = openTextureFile(path, opened);
     if (!file)
         return 0;
     Image fresh = {};
-    int ok = decodeTextureFile(file, &fresh, output);
+    int ok = !isTooLarge(file) && decodeJpegFile(file, &fresh, output);
     fclose(file);
     if (!ok)
-    {
-        messageBox(progressiveRefused ? "Progressive Jpeg not supported" : "Error reading Jpeg file", "error",
-                   iconNone);
-        return 0;
-    }
+        return refuseFile();
     free(image->pixels);
     *image = fresh;
     return 1;
+}
+
+int openJpegFile(JpegFile* jpeg, const char* path, int* opened)
+{
+    *jpeg = {};
+    jpeg->file = openTextureFile(path, opened);
+    if (!jpeg->file)
+        return 0;
+    if (!isTooLarge(jpeg->file))
+        jpeg->rows = beginJpegRows(fileSource(jpeg->file, jpeg->buffer), &jpeg->image);
+    if (jpeg->rows)
+        return 1;
+    closeJpegFile(jpeg);
+    return refuseFile();
+}
+
+int readJpegRow(JpegFile* jpeg, uint32_t* words)
+{
+    jpeg->failed = nextJpegRow(jpeg->rows, words) == 0;
+    return jpeg->failed ? refuseFile() : 1;
+}
+
+void closeJpegFile(JpegFile* jpeg)
+{
+    endJpegRows(jpeg->rows);
+    if (jpeg->file)
+        fclose(jpeg->file);
+    jpeg->rows = nullptr;
+    jpeg->file = nullptr;
 }
 
 void freeTextures()

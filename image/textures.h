@@ -26,5 +26,24 @@ void loadBuiltInTextures();
 // *opened, where given, tells the two apart; *output gets what the file says beside its pixels.
 int loadTextureFile(const char* path, Image* image, int* opened = nullptr, JpegOutput* output = nullptr);
 
+// A JPEG file whose rows are decoded as they are wanted.
+struct JpegFile
+{
+    FILE* file;       // null: closed
+    JpegRows* rows;   // null: refused, or closed
+    JpegOutput image; // what the file says
+    bool failed;      // its data ended before its last row
+    uint8_t buffer[fileBufferRoom];
+};
+
+// Opens a file and decodes up to its first row. Returns 1; or 0, with nothing left to close and the messages and
+// *opened of loadTextureFile.
+int openJpegFile(JpegFile* jpeg, const char* path, int* opened);
+
+// Decodes the next row, as nextJpegRow does. Returns 1, or 0 after the message of loadTextureFile.
+int readJpegRow(JpegFile* jpeg, uint32_t* words);
+
+void closeJpegFile(JpegFile* jpeg); // may be closed already
+
 // Frees the pixels of all slots and of the reflection image.
 void freeTextures();

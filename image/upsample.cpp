@@ -55,8 +55,22 @@ static const uint8_t* neighbourRow(const Component& component, int32_t row, int3
     return sampleRow(component, near);
 }
 
+// A factor that is a constant makes a loop without a loop in it.
+template <int32_t By>
+static void replicateBy(uint8_t* out, const uint8_t* in, int32_t n)
+{
+    for (int32_t i = 0; i < n; ++i, out += By)
+        memset(out, in[i], By);
+}
+
 static void replicate(uint8_t* out, const uint8_t* in, int32_t n, int32_t by)
 {
+    switch (by)
+    {
+    case 1: memcpy(out, in, static_cast<size_t>(n)); return;
+    case 2: replicateBy<2>(out, in, n); return;
+    case 4: replicateBy<4>(out, in, n); return;
+    }
     for (int32_t i = 0; i < n; ++i)
         for (int32_t copy = 0; copy < by; ++copy)
             *out++ = in[i];

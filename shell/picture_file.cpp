@@ -3,6 +3,7 @@
 
 #include "export/bmp.h"
 #include "model/ascii.h"
+#include "model/memory.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
 #include "shell/file_dialogs.h"
@@ -12,8 +13,9 @@
 
 #include <string.h>
 #include <algorithm>
+#include <bit>
 
-static void fillFrameRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
+static bool fillFrameRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
 {
     const FrameBuffer* target = static_cast<const FrameBuffer*>(picture->source);
     size_t strideBytes = static_cast<size_t>(target->pitch) * 3;
@@ -21,6 +23,7 @@ static void fillFrameRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
     size_t pixelBytes = static_cast<size_t>(picture->width) * 3;
     memcpy(bytes, target->picture.bits + fromTop * strideBytes, pixelBytes);
     memset(bytes + pixelBytes, 0, bmpRowBytes(picture->width) - pixelBytes); // not what a larger display has left there
+    return true;
 }
 
 static bool isPngName(const char* path)
@@ -46,15 +49,32 @@ int writePicture(const char* path, const FrameBuffer* target, int32_t width, int
     return writeByName(path, &picture);
 }
 
-static void fillDecodedRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
+// Words 0x00RRGGBB to blue, green and red bytes. Four pixels make twelve bytes.
+static void packPixels(uint8_t* bytes, const uint32_t* words, int32_t count)
 {
-    const uint32_t* words = static_cast<const uint32_t*>(picture->source) + ptrdiff_t{ row } * picture->width;
-    for (int32_t x = 0; x < picture->width; ++x)
+    int32_t x = 0;
+    if constexpr (std::endian::native == std::endian::little)
+        for (; x + 4 <= count; x += 4, bytes += 12)
+        {
+            const uint32_t* four = words + x;
+            uint64_t low = four[0] | uint64_t{ four[1] } << 24 | uint64_t{ four[2] } << 48;
+            uint32_t high = four[2] >> 16 | four[3] << 8;
+            memcpy(bytes, &low, sizeof low);
+            memcpy(bytes + sizeof low, &high, sizeof high);
+        }
+    for (; x < count; ++x)
     {
         *bytes++ = static_cast<uint8_t>(words[x]);
         *bytes++ = static_cast<uint8_t>(words[x] >> 8);
         *bytes++ = static_cast<uint8_t>(words[x] >> 16);
     }
+}
+
+static bool fillDecodedRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
+{
+    packPixels(bytes, static_cast<const uint32_t*>(picture->source) + ptrdiff_t{ row } * picture->width,
+               picture->width);
+    return true;
 }
 
 static BmpPicture describeDecoded(const JpegOutput& decoded, const uint32_t* pixels)
@@ -73,6 +93,39 @@ int writeDecodedPicture(const char* path, const JpegOutput& decoded, const uint3
 {
     BmpPicture picture = describeDecoded(decoded, pixels);
     return writeByName(path, &picture);
+}
+
+struct RowByRow
+{
+    JpegFile* jpeg;
+    uint32_t* words; // of a row
+};
+
+// After the last row the JPEG file is closed, because the picture may take its place.
+static bool fillNextRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
+{
+    const RowByRow* source = static_cast<const RowByRow*>(picture->source);
+    if (!readJpegRow(source->jpeg, source->words))
+        return false;
+    packPixels(bytes, source->words, picture->width);
+    if (row == 0)
+        closeJpegFile(source->jpeg);
+    return true;
+}
+
+int writeJpegAsPicture(const char* path, JpegFile* jpeg)
+{
+    RowByRow source = { jpeg,
+                        static_cast<uint32_t*>(workAlloc(static_cast<size_t>(jpeg->image.width) * sizeof(uint32_t))) };
+    if (!source.words)
+        return 0;
+    BmpPicture picture = describeDecoded(jpeg->image, nullptr);
+    picture.fillRow = fillNextRow;
+    picture.source = &source;
+    picture.topFirst = true;
+    int ok = writeByName(path, &picture);
+    workFree(source.words);
+    return ok;
 }
 
 int saveImage()
@@ -109,13 +162,14 @@ int writeDebugBmp(const JpegOutput& decoded, const uint32_t* pixels)
     return dumpPicture("test.bmp", &picture);
 }
 
-static void fillShadowRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
+static bool fillShadowRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
 {
     const FrameBuffer* target = static_cast<const FrameBuffer*>(picture->source);
     int32_t fromTop = target->shadowSize - 1 - row;
     const uint16_t* depths = target->shadowMap + ptrdiff_t{ fromTop } * target->shadowSize;
     for (int32_t x = 0; x < target->shadowSize; ++x)
         memset(bytes + x * 3, std::min(depths[x] >> 6, 255), 3);
+    return true;
 }
 
 int DumpShadowMap(const FrameBuffer* target)

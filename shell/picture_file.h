@@ -2,7 +2,7 @@
 //
 // A file whose name ends in ".png", in any letter case, becomes a PNG file, any other a bitmap.
 #pragma once
-#include "image/jpeg.h"
+#include "image/textures.h"
 #include "render/frame.h"
 
 // Writes the display's part of the frame buffer's bitmap. In a bitmap file, rows are padded with what lies to the right
@@ -13,6 +13,11 @@ int writePicture(const char* path, const FrameBuffer* target, int32_t width, int
 // Writes the pixels that the decoder made of a picture, with the density that its file names in dots per centimetre.
 // Returns 1, or 0 as WriteBmpFile or WritePngFile does.
 int writeDecodedPicture(const char* path, const JpegOutput& decoded, const uint32_t* pixels);
+
+// Writes the picture of an open JPEG file as its rows are decoded, so that it takes little memory whatever its size.
+// The path must not lead to a device or a pipe. The JPEG file is closed when the picture is whole, which may take its
+// place. Returns 1; or 0 as WriteBmpFile or WritePngFile does, after the message of readJpegRow, or without memory.
+int writeJpegAsPicture(const char* path, JpegFile* jpeg);
 
 // "Save Image": asks for a file and writes the picture into it. Returns 1 when the file is written; 0 when the user
 // cancelled, or after a box with the cause.

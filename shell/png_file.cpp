@@ -18,6 +18,7 @@ struct PngWriter
 {
     FILE* file;
     bool ok;
+    bool rowsEnd; // before the last one
     z_stream deflater;
     size_t rowBytes;       // of the pixels
     uint8_t* bmpRow;       // as BmpPicture fills it
@@ -110,7 +111,11 @@ static bool putPicture(PngWriter* writer, const BmpPicture* picture)
     putHeader(writer, picture);
     for (int32_t row = picture->height - 1; row >= 0 && writer->ok; --row)
     {
-        picture->fillRow(writer->bmpRow, row, picture);
+        if (!picture->fillRow(writer->bmpRow, row, picture))
+        {
+            writer->rowsEnd = true;
+            return false;
+        }
         for (size_t i = 0; i < writer->rowBytes; i += pixelBytes)
         {
             writer->row[i] = writer->bmpRow[i + 2];
@@ -170,7 +175,10 @@ int WritePngFile(const char* path, const BmpPicture* picture)
         return 0;
     }
     writer->file = output.file;
-    int whole = commitOutput(&output, putPicture(writer, picture));
+    bool written = putPicture(writer, picture);
+    if (writer->rowsEnd)
+        dropOutput(&output);
+    int whole = !writer->rowsEnd && commitOutput(&output, written);
     closeWriter(writer);
     return whole;
 }

@@ -9,5 +9,5 @@
 #include "export/bmp.h"
 
 // Writes the rows that WriteBmpFile would write, and the density where it is known. Returns 1, or 0 with the target as
-// it was: after "Out of memory"; else as openOutput and closeOutput say.
+// it was: after "Out of memory"; after the box of fillRow; else as openOutput and closeOutput say.
 int WritePngFile(const char* path, const BmpPicture* picture);

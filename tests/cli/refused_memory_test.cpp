@@ -1,6 +1,7 @@
 // tests/cli/refused_memory_test.cpp - kbx when each memory request is refused in turn, also those of the C and C++
 // libraries
 #include "tests/cli/process_fixture.h"
+#include "tests/image/jpeg_builder.h"
 
 class KbxWithRefusedMemory : public ProcessTest
 {
@@ -81,6 +82,16 @@ TEST_F(KbxWithRefusedMemory, ConvertEndsWell)
     refuseEach({ "convert", "a.obj", "b.rkf" }, { "b.rkf" }, common());
     refuseEach({ "convert", "a.obj", "b.stl" }, { "b.stl" }, common());
     refuseEach({ "convert", "a.obj", "b.lxs" }, { "b.lxs", "b.lxm", "b.lxo", "b_textures.txt" }, common());
+}
+
+TEST_F(KbxWithRefusedMemory, DecodeEndsWell)
+{
+    Bytes picture = buildJpeg({});
+    std::ofstream(folder / "a.jpg", std::ios::binary) << std::string(picture.begin(), picture.end());
+    before = names();
+    refuseEach({ "decode", "a.jpg", "b.bmp" }, { "b.bmp" }, common());
+    refuseEach({ "decode", "a.jpg", "b.png" }, { "b.png" }, common());
+    refuseEach({ "decode", "a.jpg", "/dev/null" }, {}, common());
 }
 
 TEST_F(KbxWithRefusedMemory, RenderEndsWell)

@@ -27,9 +27,10 @@ struct WriterRun
     int written;
 };
 
-static void fillGrey(uint8_t* row, int32_t, const BmpPicture* picture)
+static bool fillGrey(uint8_t* row, int32_t, const BmpPicture* picture)
 {
     memset(row, 0x80, bmpRowBytes(picture->width));
+    return true;
 }
 
 static void* runWriters(void* context)

@@ -282,6 +282,97 @@ TEST(JpegDecoder, FileAndMemoryGiveTheSame)
     }
 }
 
+// The rows of a file that are decoded one after the other, the top one first; nothing when one of them fails.
+static std::optional<Decoded> decodeRows(const Bytes& file)
+{
+    JpegOutput output;
+    JpegRows* rows = beginJpegRows(memorySource(file.data(), file.size()), &output);
+    if (!rows)
+        return {};
+    Decoded decoded{ output.width, output.height, {} };
+    std::vector<uint32_t> words(static_cast<size_t>(output.width));
+    bool ok = true;
+    for (int y = 0; y < output.height && ok; ++y)
+    {
+        ok = nextJpegRow(rows, words.data()) == 1;
+        decoded.pixels.insert(decoded.pixels.end(), words.begin(), words.end());
+    }
+    endJpegRows(rows);
+    return ok ? std::optional(decoded) : std::nullopt;
+}
+
+TEST(JpegDecoder, RowByRowGivesTheSameImageAndFailsWhereItDoes)
+{
+    for (int v : { 1, 2 })
+        for (int interval : { 0, 3 })
+        {
+            JpegPlan plan;
+            plan.width = 61;
+            plan.height = 83;
+            plan.components = sampled(2, v);
+            plan.restartInterval = interval;
+            Bytes bytes = buildJpeg(plan);
+            int whole = 0, refusals = 0;
+            for (size_t size = 2; size <= bytes.size(); size += 7)
+            {
+                Bytes cut(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(size));
+                for (bool end : { false, true })
+                {
+                    if (end)
+                        cut.insert(cut.end(), { 0xFF, 0xD9 });
+                    auto image = decode(cut);
+                    ASSERT_EQ(decodeRows(cut), image) << v << " " << interval << " " << size;
+                    ++(image ? whole : refusals);
+                }
+            }
+            EXPECT_GT(whole, 50);
+            EXPECT_GT(refusals, 50);
+        }
+}
+
+// Rows of blocks behind the end of the data are made without decoding them. The filter mixes the first of them with the
+// last one that has data.
+TEST(JpegDecoder, RowsWithoutDataAreGreyUnderEverySampling)
+{
+    for (const std::vector<PlanComponent>& components :
+         { std::vector<PlanComponent>{ { 1, 1, 1 } }, sampled(1, 1), sampled(2, 1), sampled(2, 2), sampled(4, 1) })
+    {
+        JpegPlan plan = flatPlan(components, { { 40 }, { 20 }, { -20 } });
+        plan.width = 48;
+        plan.height = 100;
+        JpegParts parts = planJpeg(plan);
+        auto whole = decode(joinParts(parts));
+        parts.entropy.resize(parts.entropy.size() / 3);
+        Bytes cut = joinParts(parts);
+        auto image = decode(cut), plain = decodePlain(cut);
+        ASSERT_TRUE(image.has_value() && whole.has_value());
+        EXPECT_EQ(image, plain);
+        EXPECT_EQ(image->at(0, 0), whole->at(0, 0));
+        for (int y = 64; y < 100; ++y)
+            for (int x = 0; x < 48; ++x)
+                ASSERT_EQ(image->at(x, y), 0x808080u) << x << " " << y;
+    }
+}
+
+// A block a row, and a restart marker after every fourth row. The first interval has lost its data.
+TEST(JpegDecoder, DataAfterARestartIsDecodedThoughItEndedBefore)
+{
+    JpegPlan plan = flatPlan({ { 1, 1, 1 } }, { { 40 } });
+    plan.width = 8;
+    plan.height = 96;
+    plan.restartInterval = 4;
+    JpegParts parts = planJpeg(plan);
+    auto whole = decode(joinParts(parts));
+    auto marker = std::find(parts.entropy.begin(), parts.entropy.end(), 0xFF);
+    parts.entropy.erase(parts.entropy.begin(), marker);
+    auto image = decode(joinParts(parts));
+    ASSERT_TRUE(whole.has_value() && image.has_value());
+    EXPECT_EQ(image->at(0, 31), 0x808080u);
+    for (int y = 32; y < 96; ++y)
+        ASSERT_EQ(image->at(0, y), whole->at(0, y)) << y;
+    EXPECT_NE(image->at(0, 32), 0x808080u);
+}
+
 TEST(JpegDecoder, DataThatEndsAtAMarkerLeavesTheRestGrey)
 {
     JpegPlan plan = flatPlan({ { 1, 1, 1 } }, { { 40, 41, 42, 43, 44, 45, 46, 47 } });

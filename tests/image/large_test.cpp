@@ -138,6 +138,27 @@ TEST(LargeJpeg, MorePixelsNeedAByteForEach512)
     EXPECT_TRUE(refused(emptyImage(4096, 4104, needed - 1)));
 }
 
+// The rows of an image need no memory for the image.
+TEST(LargeJpeg, RowsTakeTheMemoryOfTheirFile)
+{
+    for (bool whole : { false, true })
+    {
+        Bytes file = whole ? largeImage(4096, 4096, 0, 0) : emptyImage(4096, 4096, 0);
+        append(&file, { 0xFF, 0xD9 });
+        std::vector<uint32_t> words(4096);
+        requestedBytes = 0;
+        JpegRows* rows = beginJpegRows(memorySource(file.data(), file.size()), nullptr, countingHeap);
+        ASSERT_NE(rows, nullptr);
+        for (int y = 0; y < 4096; ++y)
+        {
+            ASSERT_EQ(nextJpegRow(rows, words.data()), 1);
+            ASSERT_EQ(words[4095], 0x808080u);
+        }
+        endJpegRows(rows);
+        EXPECT_LT(requestedBytes, (size_t{ 1 } << 20) + 4 * file.size());
+    }
+}
+
 TEST(LargeJpeg, HugeImageInTinyFileTakesNoMemory)
 {
     requestedBytes = 0;

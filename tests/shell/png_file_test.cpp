@@ -13,12 +13,13 @@
 using PngFile = InOwnFolder;
 
 // Rows from the top, red, green and blue.
-static void fillFromPixels(uint8_t* bytes, int32_t row, const BmpPicture* picture)
+static bool fillFromPixels(uint8_t* bytes, int32_t row, const BmpPicture* picture)
 {
     auto* pixels = static_cast<const uint32_t*>(picture->source) + ptrdiff_t{ row } * picture->width;
     for (int32_t x = 0; x < picture->width; ++x)
         for (int32_t k = 0; k < 3; ++k)
             bytes[3 * x + k] = static_cast<uint8_t>(pixels[x] >> (8 * k));
+    return true;
 }
 
 static BmpPicture pictureOf(const std::vector<uint32_t>& pixels, int32_t width)
@@ -138,4 +139,19 @@ TEST_F(PngFile, AFailureIsShownAndKeepsTheEarlierFile)
         EXPECT_EQ(contents(folder + "a.png"), "earlier");
     }
     EXPECT_EQ(recorded.liveBlocks, 0);
+}
+
+TEST_F(PngFile, WithoutTheRestOfItsRowsLeavesTheTargetAsItWas)
+{
+    std::vector<uint32_t> pixels(3 * 50, 0x123456);
+    BmpPicture picture = pictureOf(pixels, 3);
+    std::string path = folder + "a.png";
+    ASSERT_EQ(WritePngFile(path.c_str(), &picture), 1);
+    std::string before = contents(path);
+    picture.fillRow = [](uint8_t* bytes, int32_t row, const BmpPicture* of)
+    { return row > 0 && fillFromPixels(bytes, row, of); };
+    EXPECT_EQ(WritePngFile(path.c_str(), &picture), 0);
+    EXPECT_EQ(contents(path), before);
+    EXPECT_EQ(filesInFolder(), Names{ "a.png" });
+    EXPECT_EQ(recorded.boxes, Boxes{}) << "fillRow has said why";
 }
