@@ -30,7 +30,9 @@ inline size_t surfaceCorners(const Corners& corners)
 // Whether the face has a vertex twice.
 inline bool repeatsCorner(const Corners& c)
 {
-    return (c[0] == c[1]) | (c[0] == c[2]) | (c[0] == c[3]) | (c[1] == c[2]) | (c[1] == c[3]) | (c[2] == c[3]);
+    // Six bits instead of six branches.
+    return (int{ c[0] == c[1] } | int{ c[0] == c[2] } | int{ c[0] == c[3] } | int{ c[1] == c[2] } |
+            int{ c[1] == c[3] } | int{ c[2] == c[3] }) != 0;
 }
 
 // Adds area and volume of the faces, one after the other.
