@@ -207,7 +207,7 @@ static void printWindowManual(std::ostream* out, const CLI::App&)
             "on "
             "the window is opened.\n";
     printKeys(out);
-    *out << ".SH EXIT STATUS\n0 after the window was closed, 1 when there could be none.\n"
+    *out << ".SH EXIT STATUS\n0 after the window was closed, 1 when there could be none or the display has gone away.\n"
             ".SH SEE ALSO\n.BR kbx (1)\n";
 }
 

@@ -58,10 +58,13 @@ void MainWindow::changeEvent(QEvent* event)
     QMainWindow::changeEvent(event);
 }
 
-// Keys come here when the control that has the focus does not need them itself.
+// Keys come here when the control that has the focus does not need them itself. Qt has no F10, by which every menu can
+// be reached.
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
-    if (!takeKey(event))
+    if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::NoModifier)
+        menuBar()->setActiveAction(menuBar()->actions().constFirst());
+    else if (!takeKey(event))
         QMainWindow::keyPressEvent(event);
 }
 

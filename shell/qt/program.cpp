@@ -18,6 +18,8 @@
 #include <QtGui/QIcon>
 #include <QtWidgets/QApplication>
 #include <locale.h>
+#include <stdio.h>
+#include <unistd.h>
 
 // Opens what has been given and draws, before the event loop waits for events, and wakes the loop for the next frame.
 // Loops inside a box do neither.
@@ -72,8 +74,23 @@ static int runWindow(const char* path)
     return 0;
 }
 
+static QtMessageHandler usualMessages;
+
+// Qt gives up with abort() where it finds no display, and the operating system would report a crash.
+static void endWithoutCrash(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (type != QtFatalMsg)
+    {
+        usualMessages(type, context, text);
+        return;
+    }
+    fprintf(stderr, "kestrelbox: %s\n", text.trimmed().toLocal8Bit().constData());
+    _exit(1);
+}
+
 int runDesktop(int argumentCount, char** arguments)
 {
+    usualMessages = qInstallMessageHandler(endWithoutCrash);
     QApplication application(argumentCount, arguments);
     setlocale(LC_NUMERIC, "C"); // Qt has taken over the user's; numbers in files have a point in every country
     QApplication::setApplicationName("kestrelbox");
