@@ -1,5 +1,5 @@
 // fuzz/life_fuzz.cpp - a whole life of a model: read, repaired with undo and redo, filtered, drawn, written in every
-// format, read again
+// format and as a picture, read again
 //
 // The first bytes choose: reader, number of tools, the tools, filter, render flags, preset, lights, view, size. The
 // rest is the file.
@@ -22,6 +22,7 @@
 #include "platform/processor.h"
 #include "render/frame.h"
 #include "render/materials.h"
+#include "shell/picture_file.h"
 #include "shell/scene.h"
 #include "shell/undo.h"
 #include "tools/filter.h"
@@ -153,6 +154,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
     FrameState state = startFrameState;
     draw(&steps, &state);
     write(mesh, state);
+    if (frameBuffer.cells && choose(&steps, 4) == 0) // deflating takes longer than all the rest
+        writePicture("m.png", &frameBuffer, state.displayWidth, state.displayHeight);
     destroyFrameBuffer(&frameBuffer);
     releaseModels();
     return endInput();

@@ -55,6 +55,20 @@ static Samples timeSamples(const std::vector<Samples>& byReader)
     return files;
 }
 
+// An input of fuzz/given_fuzz.cpp has lines that choose and name, then the file.
+static Samples givenSamples(const std::vector<std::pair<const char*, Samples>>& byExtension)
+{
+    Samples files;
+    for (const auto& [extension, samples] : byExtension)
+        for (char choice = '0'; choice < '5'; ++choice)
+        {
+            std::string end = std::string(".") + extension + "\n";
+            files.push_back(std::string("2a") + end + choice + "folder/b" + end + static_cast<char>(choice + 5) + "a" +
+                            end + samples[0]);
+        }
+    return files;
+}
+
 static int writeAll(const std::filesystem::path& folder, const Samples& files)
 {
     std::filesystem::create_directories(folder);
@@ -78,11 +92,16 @@ int main(int argc, char** argv)
     std::filesystem::path to = argv[1];
     Samples obj = objSamples(), off = offSamples(), ply = plySamples(), threeDs = threeDsSamples(), dxf = dxfSamples();
     Samples poser = poserSamples(), rkf = rkfSamples(), stl = stlSamples(), mtl = mtlSamples(), jpeg = jpegSamples();
-    int ok = writeAll(to / "obj", obj) && writeAll(to / "off", off) && writeAll(to / "ply", ply) &&
-             writeAll(to / "threeds", threeDs) && writeAll(to / "dxf", dxf) && writeAll(to / "poser", poser) &&
-             writeAll(to / "stl", stl) && writeAll(to / "rkf", rkf) && writeAll(to / "builtin", rkf) &&
-             writeAll(to / "mtl", mtl) && writeAll(to / "jpeg", jpeg) &&
-             writeAll(to / "time", timeSamples({ obj, off, ply, threeDs, dxf, poser, rkf, mtl, jpeg, stl })) &&
-             writeAll(to / "life", lifeSamples({ obj, off, ply, threeDs, dxf, poser, rkf, stl }));
+    int ok =
+        writeAll(to / "obj", obj) && writeAll(to / "off", off) && writeAll(to / "ply", ply) &&
+        writeAll(to / "threeds", threeDs) && writeAll(to / "dxf", dxf) && writeAll(to / "poser", poser) &&
+        writeAll(to / "stl", stl) && writeAll(to / "rkf", rkf) && writeAll(to / "builtin", rkf) &&
+        writeAll(to / "mtl", mtl) && writeAll(to / "jpeg", jpeg) &&
+        writeAll(to / "time", timeSamples({ obj, off, ply, threeDs, dxf, poser, rkf, mtl, jpeg, stl })) &&
+        writeAll(
+            to / "given",
+            givenSamples(
+                { { "obj", obj }, { "off", off }, { "rkf", rkf }, { "jpg", jpeg }, { "stl", stl }, { "txt", mtl } })) &&
+        writeAll(to / "life", lifeSamples({ obj, off, ply, threeDs, dxf, poser, rkf, stl }));
     return ok ? 0 : 1;
 }

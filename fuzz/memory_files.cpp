@@ -9,6 +9,7 @@
 #include <strings.h>
 #include <map>
 #include <string>
+#include <vector>
 
 static std::map<std::string, std::string> files;
 
@@ -67,12 +68,17 @@ extern "C" int __wrap_setvbuf(FILE*, char*, int, size_t)
 const char* memoryFile(const uint8_t* bytes, size_t size)
 {
     static const std::string name = "model.obj";
+    memoryFileAt(name, bytes, size);
+    return name.c_str();
+}
+
+void memoryFileAt(const std::string& name, const uint8_t* bytes, size_t size)
+{
     std::string& contents = files[name];
     if (size > 0)
         contents.assign(reinterpret_cast<const char*>(bytes), size);
     else
         contents.clear();
-    return name.c_str();
 }
 
 void removeMemoryFiles()
@@ -112,6 +118,14 @@ int findNameIgnoringCase(FolderListings*, const char* folder, const char* name, 
         }
     }
     return 0;
+}
+
+// Names with a '/' count as names in the current folder, too.
+int listNames(const char*, std::vector<std::string>* names)
+{
+    for (const auto& [path, bytes] : files)
+        names->push_back(path);
+    return 1;
 }
 
 FileTarget findFileTarget(const char* path, std::string* actual)

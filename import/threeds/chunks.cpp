@@ -5,6 +5,7 @@
 #include "platform/boxes.h"
 
 #include <stdio.h>
+#include <algorithm>
 
 int readChunkHeader(ThreeDsReadContext* context, Chunk* chunk)
 {
@@ -22,8 +23,9 @@ int readChildren(ThreeDsReadContext* context, const Chunk& parent, EmptyChild em
     {
         Chunk child;
         int64_t byte = bytePosition(&context->cursor);
-        if (!readChunkHeader(context, &child))
-            return failReading(context->report, byte, "the file ends inside chunk %04X", parent.id);
+        if (!readChunkHeader(context, &child)) // the chunk before may end past the file
+            return failReading(context->report, std::min(byte, context->cursor.blocks.sizeBytes),
+                               "the file ends inside chunk %04X", parent.id);
         if (child.length == 0 && emptyChild == emptyChildEndsSection)
         {
             noteDetail(context->report, readingEndedEarly, byte, "a chunk of length 0 ends chunk %04X", parent.id);

@@ -467,6 +467,8 @@ TEST_F(Reports, FailuresSayWhy)
     EXPECT_EQ(failureOf(threeds::file(""), "3ds"), "no vertex");
     EXPECT_EQ(failureOf(threeDs(threeds::chunk(chunkVertices, threeds::u16(500))), "3ds").substr(0, 35),
               "chunk 4110 of 8 bytes does not hold");
+    EXPECT_EQ(failureOf(threeds::chunkOfLength(0x4D4D, 1000, threeds::chunkOfLength(0xB000, 62, "123456")), "3ds"),
+              "the file ends inside chunk 4D4D, byte 18");
     EXPECT_EQ(failureOf("abc", "stl"), "neither text nor as long as the head of a binary file");
     EXPECT_EQ(failureOf("solid a\nendsolid a\n", "stl"), "no triangle");
     EXPECT_EQ(failureOf(std::string(80, 0) + std::string("\5\0\0\0", 4), "stl"), "5 triangles do not fit in the file");
