@@ -43,6 +43,8 @@ void inverseDctPair(const IdctTask* tasks);
 // before the first and the one after the last are the row's own end samples: in[-1] and in[n] are set to them.
 void triangleH2(uint8_t* out, uint8_t* in, int32_t n);
 
+constexpr int32_t sumsLead = 8; // entries of the scratch before the first column sum
+
 // The same across and down: near is the row above for the upper of two output rows, the one below for the lower. sums
 // is scratch of n + 16 entries.
 void triangleH2V2(uint8_t* out, const uint8_t* in, const uint8_t* near, int16_t* sums, int32_t n);
@@ -50,18 +52,6 @@ void triangleH2V2(uint8_t* out, const uint8_t* in, const uint8_t* near, int16_t*
 // n pixels of luma and two chroma rows to words 0x00RRGGBB.
 void convertYcc(uint32_t* words, const uint8_t* y, const uint8_t* cb, const uint8_t* cr, int32_t n);
 void convertGrey(uint32_t* words, const uint8_t* grey, int32_t n);
-
-#if defined(__x86_64__) || defined(__i386__)
-#define JPEG_SSE2 1
-void inverseDctSse2(const int16_t* block, const QuantTable& quant, uint8_t* out, ptrdiff_t strideBytes);
-void inverseDctPairSse2(const IdctTask* tasks);
-void inverseDctPairAvx2(const IdctTask* tasks);
-void triangleH2Sse2(uint8_t* out, uint8_t* in, int32_t n);
-void triangleH2V2Sse2(uint8_t* out, const uint8_t* in, const uint8_t* near, int16_t* sums, int32_t n);
-void convertYccSse2(uint32_t* words, const uint8_t* y, const uint8_t* cb, const uint8_t* cr, int32_t n);
-void convertYccAvx2(uint32_t* words, const uint8_t* y, const uint8_t* cb, const uint8_t* cr, int32_t n);
-void convertGreySse2(uint32_t* words, const uint8_t* grey, int32_t n);
-#endif
 
 struct JpegKernels
 {
@@ -73,5 +63,6 @@ struct JpegKernels
     decltype(&convertGrey) grey;
 };
 
-// The kernels of the level in use (kernelLevel in platform/processor.h).
+// The kernels of the level in use (kernelLevel in platform/processor.h). Each processor has its own file that chooses,
+// such as image/x86/kernels.cpp.
 JpegKernels chooseKernels();

@@ -2,15 +2,15 @@
 #include "model/builtin.h"
 
 #include "model/normals.h"
+#include "platform/bit_cast.h"
 #include "platform/resources.h"
 
 #include <stdio.h>
 #include <string.h>
-#include <bit>
 
 constexpr int32_t headerBytes = 16;
-constexpr int32_t spareCapacity = 256;                      // for vertices and faces that the mesh tools may add
-constexpr float uvUnit = std::bit_cast<float>(0x38000100u); // 1/32767
+constexpr int32_t spareCapacity = 256;                // for vertices and faces that the mesh tools may add
+constexpr float uvUnit = bitCast<float>(0x38000100u); // 1/32767
 
 struct ModelHeader
 {

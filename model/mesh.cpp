@@ -1,12 +1,11 @@
 // model/mesh.cpp - creating, growing, measuring and freeing meshes
 #include "model/mesh.h"
 
+#include "model/kernels.h"
 #include "model/memory.h"
-#include "platform/processor.h"
 
 #include <math.h>
 #include <string.h>
-#include <xmmintrin.h>
 
 constexpr Material defaultMaterial = {
     .ambient = { 0, 0, 0 },
@@ -126,12 +125,6 @@ int growFaces(Mesh* mesh, int32_t n)
     return 1;
 }
 
-struct Box
-{
-    float min[3];
-    float max[3];
-};
-
 static Box boxOfPoint(const float* point)
 {
     return { { point[0], point[1], point[2] }, { point[0], point[1], point[2] } };
@@ -164,8 +157,7 @@ static void storeBounds(Bounded* target, const Box& box)
     target->radius = sqrtf(sum < 0 ? 0 : sum);
 }
 
-// The box of at least one vertex.
-static Box boxOfVertices(const MeshVertex* vertices, int32_t count)
+Box boxOfVerticesPlain(const MeshVertex* vertices, int32_t count)
 {
     Box box = boxOfPoint(vertices[0].position);
     for (int32_t i = 1; i < count; ++i)
@@ -173,29 +165,11 @@ static Box boxOfVertices(const MeshVertex* vertices, int32_t count)
     return box;
 }
 
-// boxOfVertices with the three coordinates in one register. For two zeros and for a NaN, the instructions give their
-// second operand, which is the box, exactly as the comparisons above do.
-static Box boxOfVerticesSse(const MeshVertex* vertices, int32_t count)
-{
-    __m128 smallest = _mm_loadu_ps(vertices[0].position), largest = smallest;
-    for (int32_t i = 1; i < count; ++i)
-    {
-        __m128 point = _mm_loadu_ps(vertices[i].position); // the fourth word is the colour
-        smallest = _mm_min_ps(point, smallest);
-        largest = _mm_max_ps(point, largest);
-    }
-    float low[4], high[4];
-    _mm_storeu_ps(low, smallest);
-    _mm_storeu_ps(high, largest);
-    return { { low[0], low[1], low[2] }, { high[0], high[1], high[2] } };
-}
-
 int computeBounds(Mesh* mesh)
 {
     if (mesh->vertexCount == 0)
         return 0;
-    auto* boxOf = kernelLevel() >= kernelsSse ? boxOfVerticesSse : boxOfVertices;
-    storeBounds(mesh, boxOf(mesh->vertices, mesh->vertexCount));
+    storeBounds(mesh, modelKernels().boxOfVertices(mesh->vertices, mesh->vertexCount));
     return 1;
 }
 

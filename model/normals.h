@@ -11,7 +11,7 @@
 //         (0, 0, 0)
 // Source: Newell's sum over the edges (Sutherland, Sproull, Schumacker 1974): a bent quad gets its mean plane
 //
-// Lengths are 1 to about 12 bits, because they come from the processor's reciprocal square root estimate.
+// Lengths are 1 to about 12 bits, because they come from an estimate of the reciprocal square root (model/kernels.h).
 void computeNormals(Mesh* mesh);
 
 // computeNormals in steps, for a reader that has all vertices before the faces and adds face slots while they are in
@@ -20,12 +20,5 @@ void computeNormals(Mesh* mesh);
 void addFaceNormals(Mesh* mesh, int32_t from, int32_t to);
 void finishNormals(Mesh* mesh);
 
-// The versions, of which kernelLevel() chooses one. All give the same bits for every mesh. The fast versions of adding
-// faces need spare words of 0. Avx2 is for processors that have it.
+// The same bits by the plain kernels.
 void computeNormalsPlain(Mesh* mesh);
-void computeNormalsSse(Mesh* mesh);
-void computeNormalsAvx2(Mesh* mesh);
-using FaceNormalAdder = void (*)(Mesh* mesh, int32_t from, int32_t to);
-void addFaceNormalsPlain(Mesh* mesh, int32_t from, int32_t to);
-void addFaceNormalsSse(Mesh* mesh, int32_t from, int32_t to);
-void addFaceNormalsAvx2(Mesh* mesh, int32_t from, int32_t to);

@@ -32,5 +32,6 @@ struct FaceBlock
     uint32_t vertex[faceBlock]; // of a single triangle: the vertex whose pixel it is
 };
 
-// Sorts faces first..first + 7. For processors with AVX2, 1 to blockVertexLimit vertices.
-void sortFaceBlockAvx2(FaceBlock* block, const FacePass* pass, int32_t first);
+// Sorts faces first..first + 7 of 1 to blockVertexLimit vertices. There is no plain version: faces are then drawn one
+// by one.
+using FaceBlockSorter = void (*)(FaceBlock* block, const FacePass* pass, int32_t first);

@@ -1,6 +1,7 @@
 // render/frame.cpp - one frame, step by step
 #include "render/frame.h"
 
+#include "platform/processor.h"
 #include "render/faces.h"
 #include "render/kernels.h"
 #include "render/project.h"

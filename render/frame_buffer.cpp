@@ -2,7 +2,6 @@
 #include "render/frame_buffer.h"
 
 #include "model/memory.h"
-#include "platform/processor.h"
 #include "render/kernels.h"
 
 #include <string.h>
@@ -65,24 +64,4 @@ void PresentRect(FrameBuffer* target, int32_t x0, int32_t y0, int32_t x1, int32_
         expand(target->picture.bits + at * 3, target->cells + at, end - first);
     }
     presentPicture(&target->picture, x0, y0, x1 - x0, y1 - y0 + 1);
-}
-
-uint32_t CpuFeatures()
-{
-    return processorFeatures() & (processorMmx | processorSse | processorSse2);
-}
-
-static uint16_t savedControlWord;
-
-void SetRendererRounding()
-{
-    constexpr uint16_t roundingField = 0x0C00, roundDown = 0x0400;
-    __asm__ volatile("fnstcw %0" : "=m"(savedControlWord));
-    uint16_t controlWord = static_cast<uint16_t>((savedControlWord & ~roundingField) | roundDown);
-    __asm__ volatile("fldcw %0" : : "m"(controlWord));
-}
-
-void RestoreRounding()
-{
-    __asm__ volatile("fldcw %0" : : "m"(savedControlWord));
 }

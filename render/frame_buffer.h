@@ -42,12 +42,3 @@ void ClearRect(uint32_t* cells, int32_t x0, int32_t y0, int32_t x1, int32_t y1, 
 
 // Sets size x size depths to 0.
 void ClearShadowMap(uint16_t* map, int32_t size);
-
-// The processor's feature bits of MMX, SSE and SSE2 (platform/processor.h); the other bits are 0.
-uint32_t CpuFeatures();
-
-// The first saves the floating-point control word and makes it round toward minus infinity; the second restores the
-// saved word. They enclose the drawing of a frame. No value depends on them: the renderer's conversions round down by
-// themselves, in whatever mode a library has left the processor.
-void SetRendererRounding();
-void RestoreRounding();

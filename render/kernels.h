@@ -1,6 +1,7 @@
 // render/kernels.h - the version of each kernel that kernelLevel() (platform/processor.h) chooses
 //
-// All versions of a kernel give the same bits.
+// All versions of a kernel give the same bits. Each processor has its own file that chooses: render/x86/kernels.cpp,
+// and render/other/kernels.cpp for those without fast kernels.
 #pragma once
 #include "render/expand.h"
 #include "render/face_blocks.h"
@@ -21,12 +22,11 @@ struct VertexKernels
     void (*classify)(Mesh* mesh, const FaceDirections* directions, int32_t first, int32_t end);
 };
 
-using FaceBlockSorter = void (*)(FaceBlock* block, const FacePass* pass, int32_t first);
 using CellExpander = void (*)(uint8_t* pixels, const uint32_t* cells, int32_t count);
 using ShadowFiller = void (*)(uint16_t* map, int32_t side, const ShadowTriangle* triangle);
 
 RasterKernels rasterKernels();
 VertexKernels vertexKernels();
-FaceBlockSorter faceSorter(); // null without AVX2: there is no plain sorter, faces are then drawn one by one
+FaceBlockSorter faceSorter(); // null where there is none
 CellExpander cellExpander();
 ShadowFiller shadowFiller();

@@ -31,21 +31,16 @@ struct FaceDirections
 
 // classifyFaces for faces first..end - 1.
 void classifyFaceRange(Mesh* mesh, const FaceDirections* directions, int32_t first, int32_t end);
-void classifyFaceRangeAvx2(Mesh* mesh, const FaceDirections* directions, int32_t first, int32_t end); // equal bits
 
 // Screen position and depth of all vertices, rounded down. Shadow marks stay, shading keys are cleared.
 //
 // Out:    projected[vertexCount], screenRect. A vertex on or past the display's border, or with a depth outside
 //         1..16383, is marked off the screen and placed in the display's centre.
 void projectVertices(Mesh* mesh, const FrameTransforms* transforms, int32_t width, int32_t height);
-void projectVerticesSse2(Mesh* mesh, const FrameTransforms* transforms, int32_t width, int32_t height); // equal values
-void projectVerticesAvx2(Mesh* mesh, const FrameTransforms* transforms, int32_t width, int32_t height); // equal values
 
 // The kernels of ProjectToLight (render/shadows.h): place on the shadow map and light depth of all vertices. Shadow
 // marks are cleared, and a vertex off the map gets the off-screen mark.
 void projectVerticesToLight(Mesh* mesh, const FrameTransforms* transforms);
-void projectVerticesToLightSse2(Mesh* mesh, const FrameTransforms* transforms); // equal values
-void projectVerticesToLightAvx2(Mesh* mesh, const FrameTransforms* transforms); // equal values
 
 inline int32_t projectedX(const ProjectedVertex& vertex)
 {

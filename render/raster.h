@@ -92,7 +92,6 @@ constexpr uint32_t noiseStep = 101; // per pixel
 // Returns 1, or 0 for a triangle without area; the state is then undefined.
 using TriangleSetup = int (*)(SpanState* state, const TriangleCorner* corners, AttributeSet set);
 int setUpTriangle(SpanState* state, const TriangleCorner* corners, AttributeSet set);
-int setUpTriangleSse2(SpanState* state, const TriangleCorner* corners, AttributeSet set); // equal values
 
 // Each filler fills the triangle of the span state where it is nearer than the cells. All corners lie within the cells.
 //
@@ -107,16 +106,6 @@ void fillTextured(FillState* fill, const SpanState* state);
 
 // The cell that fillOpaque writes for a pixel of that depth and colour with the fill's noise counter.
 uint32_t opaqueCell(const FillState* fill, int32_t depth, uint32_t colour);
-
-// Eight pixels a step for processors with AVX2, with the same cells and noise counter.
-void fillOpaqueAvx2(FillState* fill, const SpanState* state);
-void fillTransparentAvx2(FillState* fill, const SpanState* state);
-void fillTexturedAvx2(FillState* fill, const SpanState* state);
-
-// Sixteen pixels a step for processors with AVX-512, with the same cells and noise counter.
-void fillOpaqueAvx512(FillState* fill, const SpanState* state);
-void fillTransparentAvx512(FillState* fill, const SpanState* state);
-void fillTexturedAvx512(FillState* fill, const SpanState* state);
 
 // Draws the line between two corners, both ends included, where it is nearer than the cells. Colour and depth run from
 // end to end. The order of the corners does not matter, and their texture coordinates are not used.

@@ -22,10 +22,8 @@ void ProjectToLight(Mesh* mesh, const FrameTransforms* transforms);
 void RenderShadowMap(FrameBuffer* target, const Mesh* mesh);
 
 // Raises count entries of the map to a 16.16 depth that changes by perColumn with each entry. Depths are clamped to
-// 0..highest. room is the number of entries from the first one to the end of the map, at least count.
+// 0..highest.
 void fillShadowSpan(uint16_t* entry, int32_t count, int32_t depth, int32_t perColumn, int32_t highest);
-void fillShadowSpanAvx2(uint16_t* entry, int32_t count, int32_t room, int32_t depth, int32_t perColumn,
-                        int32_t highest); // gives equal entries
 
 // The slope of a plane in 16.16 depths.
 struct DepthPlane
@@ -44,7 +42,6 @@ struct ShadowTriangle
 
 // Raises the entries under the triangle's spans in a map of side x side.
 void fillShadowRows(uint16_t* map, int32_t side, const ShadowTriangle* triangle);
-void fillShadowRowsAvx2(uint16_t* map, int32_t side, const ShadowTriangle* triangle); // gives equal entries
 
 // Sets or clears the shadow mark of every vertex. A vertex is in shadow when its map entry is nearer to the light by
 // more than its own surface can rise within that entry. On a finely divided, steep surface the entry holds the depth of

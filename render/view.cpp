@@ -1,6 +1,7 @@
 // render/view.cpp - the view state, rotations and the camera
 #include "render/view.h"
 
+#include "model/sine.h"
 #include "render/frame_buffer.h"
 
 #include <math.h>
@@ -18,7 +19,7 @@ void spinView(ViewState* view)
 
 void rotationAboutAxis(Matrix* out, float angle, const float* axis)
 {
-    float c = cosf(angle), s = -sinf(angle), t = 1 - c;
+    float c = cosineOf(angle), s = -sineOf(angle), t = 1 - c;
     float x = axis[0], y = axis[1], z = axis[2];
     // clang-format off
     *out = { { t * x * x + c,     t * x * y - s * z, t * x * z + s * y, 0,

@@ -13,7 +13,7 @@
 
 int acceptProcessor(uint32_t features)
 {
-    constexpr uint32_t needed = processorMmx | processorSse;
+    const uint32_t needed = neededFeatures();
     if ((features & needed) != needed)
     {
         messageBox("This program requires CPU with MMX/SSE technology", "Error", iconNone);

@@ -2,8 +2,8 @@
 #pragma once
 #include <stdint.h>
 
-// Returns 1 for the feature bits (platform/processor.h) of a processor that has MMX and SSE; else shows a message box
-// and returns 0.
+// Returns 1 for feature bits that contain the needed ones (platform/processor.h): on x86 those of MMX and SSE. Else
+// shows a message box and returns 0.
 int acceptProcessor(uint32_t features);
 
 // Starts the program's state: the choices with their ticks in the menu, the built-in textures, and the model. That is

@@ -3,9 +3,10 @@
 // Models are smaller than 2^20 units. A larger magnitude, an infinity or a NaN comes from a damaged file, and would
 // spoil the bounds of the sound coordinates.
 #pragma once
+#include "platform/bit_cast.h"
+
 #include <stdint.h>
 #include <string.h>
-#include <bit>
 #include <cstddef>
 
 constexpr int32_t coordinateExponentLimit = 20; // kept magnitudes are below 2 to this power
@@ -20,7 +21,7 @@ constexpr uint32_t badFloatExponent = 127 + coordinateExponentLimit; // this exp
 // become 0 and are good (returns 1). Any other value stays.
 inline int SanitizeFloat(float* value)
 {
-    uint32_t exponent = floatExponent(std::bit_cast<uint32_t>(*value));
+    uint32_t exponent = floatExponent(bitCast<uint32_t>(*value));
     if (exponent != 0 && exponent < badFloatExponent)
         return 1;
     *value = 0;
@@ -58,6 +59,6 @@ inline bool sanitizeTogether(float (&values)[count])
     for (uint32_t word : bits)
         good &= int{ isGoodFloat(word) };
     for (size_t i = 0; i < count; ++i)
-        values[i] = std::bit_cast<float>(good ? sanitizedBits(bits[i]) : 0);
+        values[i] = bitCast<float>(good ? sanitizedBits(bits[i]) : 0);
     return good != 0;
 }

@@ -220,7 +220,7 @@ inline PlyNumber plyReal64(uint64_t bits, int32_t* bad)
     *bad += tooLarge;
     if (exponent == 0 || tooLarge)
         bits = 0;
-    auto value = std::bit_cast<double>(bits);
+    auto value = bitCast<double>(bits);
     return { static_cast<int32_t>(value), static_cast<float>(value) };
 }
 
@@ -239,7 +239,7 @@ inline T plyLoad(const uint8_t* bytes, bool swap)
 
 inline float plyLoadFloat(const uint8_t* bytes, bool swap)
 {
-    return std::bit_cast<float>(plyLoad<uint32_t>(bytes, swap));
+    return bitCast<float>(plyLoad<uint32_t>(bytes, swap));
 }
 
 // Reads a value of a binary file, and counts a bad one in *bad. swap: its byte order is not that of the machine.

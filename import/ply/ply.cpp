@@ -6,13 +6,13 @@
 #include "import/ply/parts.h"
 #include "model/memory.h"
 #include "model/normals.h"
+#include "platform/bit_cast.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
 #include "platform/processor.h"
 #include "tools/uvs.h"
 
 #include <algorithm>
-#include <bit>
 
 int32_t vertexColoursPresent;
 
@@ -159,7 +159,7 @@ static RecordFaults decodePositions(MeshVertex* out, const uint8_t* at, int64_t 
         {
             auto bits = plyLoad<uint32_t>(at + axis * sizeof(float), swap);
             faults.badValues += !isGoodFloat(bits);
-            out[i].position[axis] = std::bit_cast<float>(sanitizedBits(bits));
+            out[i].position[axis] = bitCast<float>(sanitizedBits(bits));
         }
         out[i].colour = opaqueWhite;
     }

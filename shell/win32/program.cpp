@@ -1,6 +1,7 @@
 // shell/win32/program.cpp - one instance, three windows, one message loop
 #include "platform/boxes.h"
 #include "platform/files.h"
+#include "platform/processor.h"
 #include "platform/win32/handles.h"
 #include "render/frame.h"
 #include "shell/command_line.h"

@@ -33,17 +33,6 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Fast, JpegKernelLevels, testing::Values(kernelsSse2, kernelsAvx2));
 
-TEST(JpegKernels, EveryLevelHasItsOwnKernels)
-{
-    EXPECT_EQ(kernelsOf(kernelsPlain).idctPair, inverseDctPair);
-    EXPECT_EQ(kernelsOf(kernelsSse).idctPair, inverseDctPair);
-#ifdef JPEG_SSE2
-    const JpegKernels sse2 = kernelsOf(kernelsSse2), avx2 = kernelsOf(kernelsAvx2);
-    EXPECT_TRUE(kernelLevel() < kernelsSse2 || sse2.idctPair == inverseDctPairSse2);
-    EXPECT_TRUE(kernelLevel() < kernelsAvx2 || avx2.idctPair == inverseDctPairAvx2);
-#endif
-}
-
 // The multipliers for 13 fractional bits as printed in the literature.
 TEST(JpegKernels, MultipliersOfTheInverseDct)
 {

@@ -1,6 +1,7 @@
 // tests/model/normals_test.cpp - face planes and vertex normals
 #include "model/normals.h"
 
+#include "model/kernels.h"
 #include "model/memory.h"
 #include "platform/processor.h"
 #include "tests/mesh_pointer.h"
@@ -9,7 +10,6 @@
 #include <float.h>
 #include <math.h>
 #include <string.h>
-#include <xmmintrin.h>
 #include <array>
 #include <random>
 
@@ -62,14 +62,6 @@ TEST(Normals, LengthsAreOneToTwelveBits)
         ASSERT_NEAR(length(mesh->facePlanes[0].normal), 1, estimateError);
         ASSERT_NEAR(length(mesh->vertices[0].normal), 1, estimateError);
     }
-}
-
-TEST(Normals, TheProcessorsOwnEstimateIsUsed)
-{
-    auto mesh = meshOf({ { 0, 0, 0 }, { 3, 0, 0 }, { 0, 7, 0 } }, { { 0, 1, 2, noCorner } });
-    computeNormals(mesh.get());
-    float sum = 21; // Newell's sum over the edges is twice the area
-    EXPECT_EQ(mesh->facePlanes[0].normal[2], sum * _mm_cvtss_f32(_mm_rsqrt_ss(_mm_set_ss(sum * sum))));
 }
 
 TEST(Normals, ABentQuadGetsItsMeanPlane)
@@ -172,33 +164,12 @@ TEST(Normals, RandomFacesGiveTheSumsInTheirOrder)
             z += (a.x - b.x) * (a.y + b.y);
         }
         float squared = (x * x + y * y) + z * z;
-        float scale = squared < FLT_MIN ? 1 : _mm_cvtss_f32(_mm_rsqrt_ss(_mm_set_ss(squared)));
+        float scale = squared < FLT_MIN ? 1 : reciprocalRootEstimate(squared);
         const Plane& plane = mesh->facePlanes[0];
         ASSERT_EQ(plane.normal[0], x * scale);
         ASSERT_EQ(plane.normal[1], y * scale);
         ASSERT_EQ(plane.normal[2], z * scale);
         ASSERT_EQ(plane.distance, (plane.normal[0] * p[0].x + plane.normal[1] * p[0].y) + plane.normal[2] * p[0].z);
-    }
-}
-
-// The fast version relies on this: four estimates at a time equal those made one at a time.
-TEST(Normals, FourEstimatesAreTheOnesOfOne)
-{
-    std::mt19937 random(3);
-    for (int i = 0; i < 200000; ++i)
-    {
-        alignas(16) float numbers[4], four[4];
-        for (float& number : numbers)
-        {
-            uint32_t bits = static_cast<uint32_t>(random()) & 0x7FFFFFFF; // infinities and NaNs too
-            memcpy(&number, &bits, sizeof bits);
-        }
-        _mm_store_ps(four, _mm_rsqrt_ps(_mm_load_ps(numbers)));
-        for (int k = 0; k < 4; ++k)
-        {
-            float one = _mm_cvtss_f32(_mm_rsqrt_ss(_mm_set_ss(numbers[k])));
-            ASSERT_EQ(memcmp(&one, &four[k], sizeof one), 0) << numbers[k];
-        }
     }
 }
 
@@ -227,12 +198,12 @@ static Corners anyCorners(std::mt19937& random, uint32_t vertexCount, bool quads
     return corners;
 }
 
-static std::vector<void (*)(Mesh*)> fastVersions()
+// computeNormals at every level that the processor has.
+static void computeAt(KernelLevel level, Mesh* mesh)
 {
-    std::vector<void (*)(Mesh*)> versions = { computeNormalsSse };
-    if (processorHasAvx2())
-        versions.push_back(computeNormalsAvx2);
-    return versions;
+    limitKernelLevel(level);
+    computeNormals(mesh);
+    limitKernelLevel(kernelsAvx512);
 }
 
 TEST(Normals, FastEqualsPlainForEveryTailAndHardValue)
@@ -254,10 +225,10 @@ TEST(Normals, FastEqualsPlainForEveryTailAndHardValue)
         computeNormalsPlain(mesh.get());
         std::vector<Plane> planes(mesh->facePlanes, mesh->facePlanes + faces.size());
         std::vector<MeshVertex> vertices(mesh->vertices, mesh->vertices + points.size());
-        for (auto* compute : fastVersions())
+        for (KernelLevel level : { kernelsSse, kernelsSse2, kernelsAvx2 })
         {
             memset(mesh->facePlanes, 0xAA, faces.size() * sizeof(Plane));
-            compute(mesh.get());
+            computeAt(level, mesh.get());
             ASSERT_EQ(memcmp(planes.data(), mesh->facePlanes, faces.size() * sizeof(Plane)), 0) << i;
             ASSERT_EQ(memcmp(vertices.data(), mesh->vertices, points.size() * sizeof(MeshVertex)), 0) << i;
         }

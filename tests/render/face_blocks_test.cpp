@@ -3,6 +3,7 @@
 
 #include "platform/processor.h"
 #include "render/frame.h"
+#include "render/kernels.h"
 #include "render/materials.h"
 #include "render/project.h"
 #include "render/raster.h"
@@ -15,7 +16,7 @@
 #include <random>
 #include <vector>
 
-constexpr const char* noAvx2 = "this processor has no AVX2";
+constexpr const char* noSorter = "this processor has no fast sorter of faces";
 constexpr int32_t gridSide = 5;
 
 static uint32_t noneTransparent[2 * materialLimit];
@@ -56,8 +57,8 @@ class FaceBlocks : public RenderTest
 // Every triangle with corners on a small grid, in every order.
 TEST_F(FaceBlocks, EmptyTrianglesHaveNoPixelAndSingleOnesThatOfTheirCorner)
 {
-    if (!processorHasAvx2())
-        GTEST_SKIP() << noAvx2;
+    if (!faceSorter())
+        GTEST_SKIP() << noSorter;
     constexpr uint32_t places = gridSide * gridSide;
     ProjectedVertex vertices[places];
     for (uint32_t i = 0; i < places; ++i)
@@ -75,7 +76,7 @@ TEST_F(FaceBlocks, EmptyTrianglesHaveNoPixelAndSingleOnesThatOfTheirCorner)
         static FaceBlock block;
         uint32_t bit = 1u << i % faceBlock;
         if (bit == 1)
-            sortFaceBlockAvx2(&block, &pass, static_cast<int32_t>(i));
+            faceSorter()(&block, &pass, static_cast<int32_t>(i));
         SmallGrid grid = drawOnGrid(vertices, faces[i]);
         ASSERT_EQ((block.empty | block.single | block.drawn) & bit, bit) << i;
         if (block.empty & bit)
@@ -101,8 +102,8 @@ TEST_F(FaceBlocks, EmptyTrianglesHaveNoPixelAndSingleOnesThatOfTheirCorner)
 
 TEST_F(FaceBlocks, OnlyFacesOfThePassAreTakenAndOnlyTrianglesPassedOver)
 {
-    if (!processorHasAvx2())
-        GTEST_SKIP() << noAvx2;
+    if (!faceSorter())
+        GTEST_SKIP() << noSorter;
     const ProjectedVertex vertices[4] = { { 10 << 16 | 10, 50, 0, 0 },
                                           { 90 << 16 | 10, 50, 0, 0 },
                                           { 50 << 16 | 90, 50, 0, 0 },
@@ -128,22 +129,22 @@ TEST_F(FaceBlocks, OnlyFacesOfThePassAreTakenAndOnlyTrianglesPassedOver)
                                faceEyeFacing };
     FacePass pass = { faceEyeFacing, ~0u, transparent, vertices, faces, attributes, 3 };
     FaceBlock block;
-    sortFaceBlockAvx2(&block, &pass, 0);
+    faceSorter()(&block, &pass, 0);
     EXPECT_EQ(block.drawn, 0b00011001u);
     EXPECT_EQ(block.empty | block.single, 0u);
     EXPECT_EQ(block.transparent, 0b100u);
     pass.opaque = 0;
-    sortFaceBlockAvx2(&block, &pass, 0);
+    faceSorter()(&block, &pass, 0);
     EXPECT_EQ(block.drawn, 0b100u) << "the transparent one alone";
     for (uint32_t& a : attributes)
         a &= ~faceEyeFacing;
     attributes[1] = faceDeleted | 3;
     attributes[0] = 3;
-    sortFaceBlockAvx2(&block, &pass, 0);
+    faceSorter()(&block, &pass, 0);
     EXPECT_EQ(block.drawn | block.empty | block.single, 0u) << "none looks away from a pass of that side";
     EXPECT_EQ(block.transparent, 1u) << "counted whatever its side";
     pass.side = 0;
-    sortFaceBlockAvx2(&block, &pass, 0);
+    faceSorter()(&block, &pass, 0);
     EXPECT_EQ(block.drawn, 1u);
 }
 

@@ -109,22 +109,3 @@ TEST_F(FrameBuffers, PresentingConvertsOnlyWhenAskedAndStaysInside)
     PresentRect(&display.target, -100, -100, 100000, 100000, 1);
     EXPECT_EQ(recorded.presented.back(), (RecordedRect{ 0, 0, display.target.pitch, display.target.rows }));
 }
-
-TEST_F(FrameBuffers, ProcessorFeaturesAreMmxSseAndSse2)
-{
-    EXPECT_EQ(CpuFeatures() & ~0x6800000u, 0u);
-    EXPECT_EQ(CpuFeatures(), processorFeatures() & 0x6800000u);
-    EXPECT_EQ(CpuFeatures() & 0x2800000u, 0x2800000u);
-}
-
-TEST_F(FrameBuffers, RoundingIsSetAndPutBack)
-{
-    SetRendererRounding();
-    uint16_t down, after;
-    __asm__ volatile("fnstcw %0" : "=m"(down));
-    RestoreRounding();
-    __asm__ volatile("fnstcw %0" : "=m"(after));
-    EXPECT_EQ(down & 0x0C00, 0x0400);
-    EXPECT_EQ(after & 0x0C00, 0x0000);
-    EXPECT_EQ(down & ~0x0C00, after & ~0x0C00);
-}

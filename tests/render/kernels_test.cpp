@@ -12,13 +12,34 @@
 
 #include <string.h>
 #include <algorithm>
+#include <array>
 #include <random>
+#include <string>
 #include <vector>
 
-constexpr const char* noAvx2 = "this processor has no AVX2";
-
-static void compareFillers(const TriangleFiller (&fastFillers)[3])
+// Runs every test at each level of fast kernels that the processor has.
+class FastKernels : public RenderTest, public testing::WithParamInterface<KernelLevel>
 {
+protected:
+    void SetUp() override
+    {
+        limitKernelLevel(GetParam());
+        if (kernelLevel() < GetParam())
+            GTEST_SKIP() << "this processor lacks the instructions";
+    }
+};
+
+static std::string levelName(const testing::TestParamInfo<KernelLevel>& info)
+{
+    return std::array{ "Plain", "Sse", "Sse2", "Avx2", "Avx512" }[static_cast<size_t>(info.param)];
+}
+
+INSTANTIATE_TEST_SUITE_P(Levels, FastKernels, testing::Values(kernelsSse2, kernelsAvx2, kernelsAvx512), levelName);
+
+TEST_P(FastKernels, FillersEqualThePlainOnes)
+{
+    const RasterKernels kernels = rasterKernels();
+    const TriangleFiller fastFillers[3] = { kernels.opaque, kernels.transparent, kernels.textured };
     std::mt19937 random(17);
     std::vector<uint32_t> pixels(37 * 23);
     for (uint32_t& pixel : pixels)
@@ -60,20 +81,6 @@ class Kernels : public RenderTest
 {
 };
 
-TEST_F(Kernels, Avx2FillersEqualThePlainOnes)
-{
-    if (!processorHasAvx2())
-        GTEST_SKIP() << noAvx2;
-    compareFillers({ fillOpaqueAvx2, fillTransparentAvx2, fillTexturedAvx2 });
-}
-
-TEST_F(Kernels, Avx512FillersEqualThePlainOnes)
-{
-    if (!processorHasAvx512())
-        GTEST_SKIP() << "this processor has no AVX-512";
-    compareFillers({ fillOpaqueAvx512, fillTransparentAvx512, fillTexturedAvx512 });
-}
-
 // The sides of such an image have more than the 16 bits that the fast fillers multiply.
 TEST_F(Kernels, ImagesWithLongSidesAreDrawnAsByThePlainFiller)
 {
@@ -97,66 +104,6 @@ TEST_F(Kernels, ImagesWithLongSidesAreDrawnAsByThePlainFiller)
             expected = expected.empty() ? canvas.all : expected;
             EXPECT_EQ(canvas.all, expected) << level;
         }
-    }
-}
-
-TEST_F(Kernels, Avx2ExpansionEqualsPlainForEveryCountAndStaysInside)
-{
-    if (!processorHasAvx2())
-        GTEST_SKIP() << noAvx2;
-    std::mt19937 random(18);
-    for (int32_t count = 0; count < 200; count += 4)
-    {
-        std::vector<uint32_t> cells(static_cast<size_t>(count) + 1);
-        for (uint32_t& cell : cells)
-            cell = static_cast<uint32_t>(random());
-        std::vector<uint8_t> plain(static_cast<size_t>(count) * 3 + 64, 0xAA), fast = plain;
-        expandCells(plain.data() + 1, cells.data() + 1, count);
-        expandCellsAvx2(fast.data() + 1, cells.data() + 1, count);
-        ASSERT_EQ(plain, fast) << count;
-    }
-}
-
-TEST_F(Kernels, FollowTheLevel)
-{
-    for (KernelLevel level : { kernelsPlain, kernelsSse })
-    {
-        limitKernelLevel(level);
-        EXPECT_EQ(rasterKernels().setUp, setUpTriangle);
-        EXPECT_EQ(rasterKernels().opaque, fillOpaque);
-        EXPECT_EQ(vertexKernels().project, projectVertices);
-        EXPECT_EQ(cellExpander(), expandCells);
-        EXPECT_EQ(shadowFiller(), fillShadowRows);
-        EXPECT_EQ(faceSorter(), nullptr);
-    }
-    limitKernelLevel(kernelsSse2);
-    EXPECT_EQ(rasterKernels().setUp, setUpTriangleSse2);
-    EXPECT_EQ(rasterKernels().opaque, fillOpaque);
-    EXPECT_EQ(vertexKernels().project, projectVerticesSse2);
-    limitKernelLevel(kernelsAvx512);
-    TriangleFiller widest = processorHasAvx512() ? fillOpaqueAvx512 : processorHasAvx2() ? fillOpaqueAvx2 : fillOpaque;
-    EXPECT_EQ(rasterKernels().opaque, widest);
-}
-
-TEST_F(Kernels, Avx2ShadowSpansEqualPlainForEveryTail)
-{
-    if (!processorHasAvx2())
-        GTEST_SKIP() << noAvx2;
-    std::mt19937 random(19);
-    for (int i = 0; i < 20000; ++i)
-    {
-        int32_t count = static_cast<int32_t>(random() % 70), spare = static_cast<int32_t>(random() % 20);
-        std::vector<uint16_t> plain(static_cast<size_t>(count + spare));
-        for (uint16_t& entry : plain)
-            entry = static_cast<uint16_t>(random() % 16385);
-        std::vector<uint16_t> fast = plain;
-        int32_t depth = static_cast<int32_t>(random() % (1u << 30)), highest = static_cast<int32_t>(random() % 16385);
-        int32_t step = static_cast<int32_t>(random() % (1u << (i % 30))) * (i & 1 ? 1 : -1);
-        if (count > 0)
-            step /= count;
-        fillShadowSpan(plain.data(), count, depth, step, highest);
-        fillShadowSpanAvx2(fast.data(), count, count + spare, depth, step, highest);
-        ASSERT_EQ(plain, fast) << i;
     }
 }
 
@@ -193,12 +140,9 @@ TEST_F(Kernels, NoTriangleThatIsPassedOverWouldDrawAPixel)
     EXPECT_GT(passedOver, 10000);
 }
 
-using Projection = void (*)(Mesh* mesh, const FrameTransforms* transforms, int32_t width, int32_t height);
-using LightProjection = void (*)(Mesh* mesh, const FrameTransforms* transforms);
-
-static void compareProjections(Projection project, LightProjection toLight)
+TEST_P(FastKernels, ProjectionsEqualThePlainOnes)
 {
-    resetRenderer();
+    const VertexKernels kernels = vertexKernels();
     std::mt19937 random(23);
     std::uniform_real_distribution<float> coordinate(-2, 2);
     const float hard[] = { NAN, INFINITY, -INFINITY, 3e38f, -1e20f, 0.0f, -0.0f, 1.0f, -1.0f, 1e-40f };
@@ -226,7 +170,7 @@ static void compareProjections(Projection project, LightProjection toLight)
             std::vector<int32_t> rect(mesh->screenRect, mesh->screenRect + 4);
             std::copy(start.begin(), start.end(), mesh->projected);
             std::fill_n(mesh->screenRect, 4, -1);
-            light ? toLight(mesh, &transforms) : project(mesh, &transforms, 620, 520);
+            light ? kernels.projectLight(mesh, &transforms) : kernels.project(mesh, &transforms, 620, 520);
             ASSERT_EQ(memcmp(plain.data(), mesh->projected, count * sizeof(ProjectedVertex)), 0) << radius << light;
             EXPECT_TRUE(light || std::equal(rect.begin(), rect.end(), mesh->screenRect));
         }
@@ -234,23 +178,8 @@ static void compareProjections(Projection project, LightProjection toLight)
     freeMesh(mesh);
 }
 
-TEST_F(Kernels, Sse2ProjectionsEqualThePlainOnes)
+TEST_P(FastKernels, ProjectionEqualsPlainForEveryTail)
 {
-    compareProjections(projectVerticesSse2, projectVerticesToLightSse2);
-}
-
-TEST_F(Kernels, Avx2ProjectionsEqualThePlainOnes)
-{
-    if (!processorHasAvx2())
-        GTEST_SKIP() << noAvx2;
-    compareProjections(projectVerticesAvx2, projectVerticesToLightAvx2);
-}
-
-TEST_F(Kernels, Avx2ProjectionEqualsPlainForEveryTail)
-{
-    if (!processorHasAvx2())
-        GTEST_SKIP() << noAvx2;
-    resetRenderer();
     FrameTransforms transforms;
     const float centre[3] = {};
     setUpCamera(&transforms, &frameState.view, centre, 1, 300, 200);
@@ -265,7 +194,7 @@ TEST_F(Kernels, Avx2ProjectionEqualsPlainForEveryTail)
         std::copy_n(mesh->projected, count, plain.begin());
         std::vector<int32_t> rect(mesh->screenRect, mesh->screenRect + 4);
         std::fill_n(mesh->projected, count, ProjectedVertex{});
-        projectVerticesAvx2(mesh, &transforms, 300, 200);
+        vertexKernels().project(mesh, &transforms, 300, 200);
         EXPECT_TRUE(std::equal(rect.begin(), rect.end(), mesh->screenRect)) << count;
         for (int32_t i = 0; i < count; ++i)
         {
@@ -276,10 +205,8 @@ TEST_F(Kernels, Avx2ProjectionEqualsPlainForEveryTail)
     }
 }
 
-TEST_F(Kernels, Avx2ClassificationEqualsPlainForEveryTailAndHardNormals)
+TEST_P(FastKernels, ClassificationEqualsPlainForEveryTailAndHardNormals)
 {
-    if (!processorHasAvx2())
-        GTEST_SKIP() << noAvx2;
     std::mt19937 random(29);
     std::uniform_real_distribution<float> coordinate(-1, 1);
     const float hard[] = { NAN, INFINITY, -INFINITY, 0.0f, -0.0f, 3e38f, 1e-40f, -1e-40f };
@@ -299,7 +226,22 @@ TEST_F(Kernels, Avx2ClassificationEqualsPlainForEveryTailAndHardNormals)
         mesh.faceAttributes = plain.data();
         classifyFaceRange(&mesh, &directions, 0, count);
         mesh.faceAttributes = fast.data();
-        classifyFaceRangeAvx2(&mesh, &directions, 0, count);
+        vertexKernels().classify(&mesh, &directions, 0, count);
+        ASSERT_EQ(plain, fast) << count;
+    }
+}
+
+TEST_P(FastKernels, ExpansionEqualsPlainForEveryCountAndStaysInside)
+{
+    std::mt19937 random(18);
+    for (int32_t count = 0; count < 200; count += 4)
+    {
+        std::vector<uint32_t> cells(static_cast<size_t>(count) + 1);
+        for (uint32_t& cell : cells)
+            cell = static_cast<uint32_t>(random());
+        std::vector<uint8_t> plain(static_cast<size_t>(count) * 3 + 64, 0xAA), fast = plain;
+        expandCells(plain.data() + 1, cells.data() + 1, count);
+        cellExpander()(fast.data() + 1, cells.data() + 1, count);
         ASSERT_EQ(plain, fast) << count;
     }
 }

@@ -1,4 +1,5 @@
 // tests/render/triangle_setup_test.cpp - the plain and the fast set-up of triangles
+#include "render/kernels.h"
 #include "tests/render/canvas.h"
 #include "tests/render/scenes.h"
 
@@ -44,7 +45,7 @@ static void expectSameState(const SpanState& a, const SpanState& b, const Triang
     ASSERT_EQ(a.textureShift, b.textureShift);
 }
 
-TEST(TriangleSetUp, Sse2EqualsPlainOnRandomTriangles)
+TEST(TriangleSetUp, FastEqualsPlainOnRandomTriangles)
 {
     std::mt19937 random(1);
     int drawn = 0;
@@ -56,7 +57,7 @@ TEST(TriangleSetUp, Sse2EqualsPlainOnRandomTriangles)
             c = randomCorner(random, side, side);
         AttributeSet set = static_cast<AttributeSet>(i % 3);
         SpanState plain, fast;
-        int one = setUpTriangle(&plain, corners, set), two = setUpTriangleSse2(&fast, corners, set);
+        int one = setUpTriangle(&plain, corners, set), two = rasterKernels().setUp(&fast, corners, set);
         ASSERT_EQ(one, two);
         if (!one)
             continue;
@@ -68,7 +69,7 @@ TEST(TriangleSetUp, Sse2EqualsPlainOnRandomTriangles)
     EXPECT_GT(drawn, 150000);
 }
 
-TEST(TriangleSetUp, Sse2EqualsPlainForBrokenTextureCoordinates)
+TEST(TriangleSetUp, FastEqualsPlainForBrokenTextureCoordinates)
 {
     const float hard[] = { NAN, INFINITY, -INFINITY, 3e38f, -3e38f, 1e10f, -0.0f, 1e-40f, 0.5f, 2147483648.0f };
     for (float a : hard)
@@ -79,7 +80,7 @@ TEST(TriangleSetUp, Sse2EqualsPlainForBrokenTextureCoordinates)
             corners[1].row = corners[1].column = b;
             SpanState plain, fast;
             ASSERT_EQ(setUpTriangle(&plain, corners, texturedAttributes), 1);
-            ASSERT_EQ(setUpTriangleSse2(&fast, corners, texturedAttributes), 1);
+            ASSERT_EQ(rasterKernels().setUp(&fast, corners, texturedAttributes), 1);
             expectSameState(plain, fast, corners, texturedAttributes);
         }
 }
@@ -93,6 +94,6 @@ TEST(TriangleSetUp, ATriangleWithoutAreaIsDropped)
     for (const TriangleCorner* corners : { line, row, point })
     {
         EXPECT_EQ(setUpTriangle(&state, corners, texturedAttributes), 0);
-        EXPECT_EQ(setUpTriangleSse2(&state, corners, texturedAttributes), 0);
+        EXPECT_EQ(rasterKernels().setUp(&state, corners, texturedAttributes), 0);
     }
 }

@@ -31,6 +31,8 @@ TEST_F(Commands, ProcessorWithMmxButNoSseIsRefused)
 {
     for (uint32_t features : { 0u, processorMmx, processorSse, processorMmx | processorSse2 })
     {
+        if (neededFeatures() == 0) // not an x86
+            break;
         recorded.boxes.clear();
         EXPECT_FALSE(acceptProcessor(features));
         EXPECT_EQ(recorded.boxes, (std::vector<RecordedBox>{

@@ -1,11 +1,12 @@
-// render/project_avx2.cpp - projection and classification of project.cpp, eight vertices or faces a step, same bits
+// render/x86/project_avx2.cpp - projection and classification of render/project.cpp, eight vertices or faces a step,
+// same bits
 //
 // Eight records of four words become registers that hold one word of each record. The halves of a register are records
 // 0 to 3 and 4 to 7, so that the lanes are in the order of the records.
-#include "render/project.h"
+#include "render/x86/kernels.h"
 
+#include "platform/x86/targets.h"
 #include "render/frame_buffer.h"
-#include "render/simd.h"
 
 #include <immintrin.h>
 #include <algorithm>

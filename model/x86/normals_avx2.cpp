@@ -1,14 +1,13 @@
-// model/normals_avx2.cpp - the planes and sums of normals.cpp, eight faces at a time, with the same bits
+// model/x86/normals_avx2.cpp - the planes and sums of model/normals.cpp, eight faces at a time, with the same bits
 //
 // The halves of a register hold faces 0 to 3 and 4 to 7. Every number results from the operations of the plain version
 // in their order, and the normals are added to the vertices in the order of the faces.
-#include "model/normals.h"
+#include "model/x86/kernels.h"
+
+#include "platform/x86/targets.h"
 
 #include <float.h>
 #include <immintrin.h>
-
-#define withAvx2 __attribute__((target("avx2")))
-#define inlineAvx2 __attribute__((target("avx2"), always_inline)) static inline
 
 constexpr int32_t stepFaces = 8;
 

@@ -1,14 +1,14 @@
-// render/face_blocks.cpp - eight faces at a time, by the places of their corners
+// render/x86/face_blocks_avx2.cpp - eight faces at a time, by the places of their corners
 //
 // A triangle's corners are sorted by row, then by column, as numbers row << 16 | column. Call them a, b and c in that
 // order. A triangle of up to two rows has these pixels:
 // - row 0: when a and b both lie in it, the columns from a up to, not including, b
 // - row 1: the columns between the two points where edges cross it, rounded down. One point is the middle of the edge
 //   a c. The other is b, or the middle of the other edge that spans two rows
-#include "render/face_blocks.h"
+#include "render/x86/kernels.h"
 
+#include "platform/x86/targets.h"
 #include "render/project.h"
-#include "render/simd.h"
 
 #include <immintrin.h>
 

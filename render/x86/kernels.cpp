@@ -1,5 +1,5 @@
-// render/kernels.cpp - choosing kernels
-#include "render/kernels.h"
+// render/x86/kernels.cpp - choosing kernels on x86
+#include "render/x86/kernels.h"
 
 #include "platform/processor.h"
 

@@ -1,13 +1,12 @@
-// image/kernels.cpp - which kernels a decode uses
-#include "image/kernels.h"
+// image/x86/kernels.cpp - which kernels a decode uses on x86
+#include "image/x86/kernels.h"
 
 #include "platform/processor.h"
 
 JpegKernels chooseKernels()
 {
-    JpegKernels kernels = { inverseDct, inverseDctPair, triangleH2, triangleH2V2, convertYcc, convertGrey };
-#ifdef JPEG_SSE2
     KernelLevel level = kernelLevel();
+    JpegKernels kernels = { inverseDct, inverseDctPair, triangleH2, triangleH2V2, convertYcc, convertGrey };
     if (level >= kernelsSse2)
         kernels = { inverseDctSse2,   inverseDctPairSse2, triangleH2Sse2,
                     triangleH2V2Sse2, convertYccSse2,     convertGreySse2 };
@@ -16,6 +15,5 @@ JpegKernels chooseKernels()
         kernels.idctPair = inverseDctPairAvx2;
         kernels.ycc = convertYccAvx2;
     }
-#endif
     return kernels;
 }

@@ -1,14 +1,9 @@
-// image/vectors.h - what the vector versions of the kernels have in common
+// image/x86/vectors.h - what the kernels for SSE2 and AVX2 have in common
 #pragma once
-#include "image/kernels.h"
+#include "image/x86/kernels.h"
+#include "platform/x86/targets.h"
 
-#ifdef JPEG_SSE2
 #include <immintrin.h>
-
-#define withSse2 __attribute__((target("sse2")))
-#define withAvx2 __attribute__((target("avx2")))
-#define inlineSse2 withSse2 static inline
-#define inlineAvx2 __attribute__((target("avx2"), always_inline)) static inline
 
 // Eight bytes to eight 16-bit lanes.
 inlineSse2 __m128i widen8(const uint8_t* bytes)
@@ -31,5 +26,3 @@ inlineAvx2 __m256i pairAvx2(int32_t a, int32_t b)
 {
     return _mm256_set1_epi32(factorPair(a, b));
 }
-
-#endif

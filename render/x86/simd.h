@@ -1,10 +1,8 @@
-// render/simd.h - compiling a function for one instruction set, and what the SSE2 kernels share
+// render/x86/simd.h - what the SSE2 kernels share
 #pragma once
-#include <emmintrin.h>
+#include "platform/x86/targets.h"
 
-#define withSse2 __attribute__((target("sse2")))
-#define withAvx2 __attribute__((target("avx2")))
-#define inlineAvx2 __attribute__((target("avx2"), always_inline)) static inline
+#include <emmintrin.h>
 
 // floorToInt (model/matrix.h) of four floats, with the same results for all of them.
 withSse2 static inline __m128i floorToIntSse2(__m128 value)

@@ -1,8 +1,6 @@
-// image/idct_avx2.cpp - the inverse DCT of idct.cpp on two blocks at once, one in each half of a register
+// image/x86/idct_avx2.cpp - the inverse DCT of image/idct.cpp on two blocks at once, one in each half of a register
 #include "image/idct.h"
-#include "image/vectors.h"
-
-#ifdef JPEG_SSE2
+#include "image/x86/vectors.h"
 
 // Four of the eight columns of each block: interleaved pairs of inputs (0 4, 2 6, the sums 7 + 3 and 5 + 1, 1 7, 3 5)
 // to the eight sums, rounded and shifted.
@@ -105,5 +103,3 @@ withAvx2 void inverseDctPairAvx2(const IdctTask* tasks)
         storeRows(b.out, b.strideBytes, i, _mm256_extracti128_si256(two, 1));
     }
 }
-
-#endif

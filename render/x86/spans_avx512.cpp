@@ -1,4 +1,4 @@
-// render/spans_avx512.cpp - the fillers for processors with AVX-512: sixteen pixels at a time
+// render/x86/spans_avx512.cpp - the fillers for processors with AVX-512: sixteen pixels at a time
 #include <immintrin.h>
 #include <stdint.h>
 
@@ -65,7 +65,7 @@ WIDE Ints gatherTexels(const uint32_t* texels, Ints places, Mask lanes)
 }
 // clang-format on
 
-#include "render/spans_wide.h"
+#include "render/x86/spans_wide.h"
 
 WIDE_TARGET void fillOpaqueAvx512(FillState* fill, const SpanState* state)
 {

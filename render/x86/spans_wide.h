@@ -1,4 +1,4 @@
-// render/spans_wide.h - the fillers of spans.cpp for stepPixels pixels at a time, with the same results
+// render/x86/spans_wide.h - the fillers of render/spans.cpp for stepPixels pixels at a time, with the same results
 //
 // spans_avx2.cpp and spans_avx512.cpp each include this file once, for their own register width. Before that they
 // define WIDE (declares an inlined function), WIDE_TARGET (names the instruction set of a called one), the types Ints
@@ -9,7 +9,7 @@
 // bits of a register of 16-bit lanes hold four pixels of the first channel and four of the second. That is the order in
 // which the pack instructions leave two registers of 32-bit lanes and from which the unpack instructions restore them.
 #pragma once
-#include "render/raster.h"
+#include "render/x86/kernels.h"
 
 #include <immintrin.h>
 #include <algorithm>

@@ -1,4 +1,4 @@
-// platform/processor.cpp - CPUID, and the level of kernels that follows from it
+// platform/x86/processor.cpp - CPUID, the level of kernels that follows from it, and the control word
 #include "platform/processor.h"
 
 #include <cpuid.h>
@@ -10,6 +10,16 @@ uint32_t processorFeatures()
 {
     unsigned eax, ebx, ecx, edx;
     return __get_cpuid(1, &eax, &ebx, &ecx, &edx) ? edx : 0;
+}
+
+uint32_t CpuFeatures()
+{
+    return processorFeatures() & (processorMmx | processorSse | processorSse2);
+}
+
+uint32_t neededFeatures()
+{
+    return processorMmx | processorSse;
 }
 
 int processorHasAvx2()
@@ -44,4 +54,19 @@ KernelLevel kernelLevel()
 void limitKernelLevel(KernelLevel highest)
 {
     levelLimit = highest;
+}
+
+static uint16_t savedControlWord;
+
+void SetRendererRounding()
+{
+    constexpr uint16_t roundingField = 0x0C00, roundDown = 0x0400;
+    __asm__ volatile("fnstcw %0" : "=m"(savedControlWord));
+    uint16_t controlWord = static_cast<uint16_t>((savedControlWord & ~roundingField) | roundDown);
+    __asm__ volatile("fldcw %0" : : "m"(controlWord));
+}
+
+void RestoreRounding()
+{
+    __asm__ volatile("fldcw %0" : : "m"(savedControlWord));
 }

@@ -1,0 +1,10 @@
+# GoogleTest: the machine's own library, or for another processor one that is built of Debian's source package (googletest).
+if(CMAKE_CROSSCOMPILING)
+    if(EXISTS /usr/src/googletest/CMakeLists.txt)
+        set(INSTALL_GTEST OFF)
+        set(BUILD_GMOCK OFF)
+        add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+    endif()
+else()
+    find_package(GTest QUIET)
+endif()

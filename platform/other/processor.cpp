@@ -1,0 +1,38 @@
+// platform/other/processor.cpp - a processor without feature bits, control word and levels of kernels
+#include "platform/processor.h"
+
+uint32_t processorFeatures()
+{
+    return 0;
+}
+
+uint32_t CpuFeatures()
+{
+    return 0;
+}
+
+uint32_t neededFeatures()
+{
+    return 0;
+}
+
+int processorHasAvx2()
+{
+    return 0;
+}
+
+int processorHasAvx512()
+{
+    return 0;
+}
+
+KernelLevel kernelLevel()
+{
+    return kernelsPlain;
+}
+
+void limitKernelLevel(KernelLevel) {}
+
+void SetRendererRounding() {}
+
+void RestoreRounding() {}
