@@ -1,7 +1,9 @@
-// cli/arguments.cpp - the commands and options of kbx, and parsing them
+// cli/arguments.cpp - the commands and options of kbx
 #include "cli/arguments.h"
+#include "cli/formats.h"
 #include "cli/usage.h"
 #include "image/textures.h"
+#include "platform/processes.h"
 #include "render/frame_buffer.h"
 
 #include <CLI/CLI.hpp>
@@ -24,6 +26,7 @@ constexpr char footerEnd[] =
     "Examples:\n"
     "  kbx info *.3ds\n"
     "  kbx convert --tool weld --tool fix-normals scan.ply scan.obj\n"
+    "  kbx convert *.3ds --to obj --output-dir converted\n"
     "  kbx render chair.obj --rotate 20,30,0 --shadows -o chair.png\n"
     "  kbx render --preset gold -o teapot.bmp";
 
@@ -153,6 +156,23 @@ static void addParsed(CLI::App* command, const std::string& name, const char* ty
         ->option_text(typeName);
 }
 
+// Adds an option that takes one of some words.
+static void addWord(CLI::App* command, const std::string& name, std::string* word,
+                    const std::vector<std::string>& words, const char* typeName, const std::string& help)
+{
+    command
+        ->add_option_function<std::string>(
+            name,
+            [=](const std::string& text)
+            {
+                *word = CLI::detail::to_lower(text);
+                if (std::find(words.begin(), words.end(), *word) == words.end())
+                    throw CLI::ValidationError(name, "expected " + alternatives(words) + ", not " + text);
+            },
+            help)
+        ->option_text(typeName);
+}
+
 // Adds a switch that turns a value off.
 static void addOffSwitch(CLI::App* command, const char* name, bool* value, const char* help)
 {
@@ -239,6 +259,23 @@ static void addViewOptions(CLI::App* command, ViewArguments* view)
         ->check(CLI::Range(1, 1000000));
 }
 
+static void addJobs(CLI::App* command, Arguments* arguments, const char* help)
+{
+    command->add_option("--jobs", arguments->jobs, help)->option_text("N")->check(CLI::Range(1, programLimit));
+}
+
+// The options for many files at once, and those about the file to write.
+static void addTargetOptions(CLI::App* command, Arguments* arguments, FormatUse use, const char* toHelp)
+{
+    command
+        ->add_option("--output-dir", arguments->outputDir,
+                     "read any number of files and write each into this folder, which is made where it is missing")
+        ->option_text("DIR");
+    addWord(command, "--to", &arguments->to, formatNames(use), "FORMAT", alternatives(formatNames(use)) + toHelp);
+    addJobs(command, arguments, "with --output-dir: how many files at a time, one for each processor unless given");
+    command->add_flag("--no-clobber", arguments->noClobber, "replace no file, and leave out what is there already");
+}
+
 static CLI::App* addCommand(CLI::App* app, Arguments* arguments, Command command, const char* name, const char* help)
 {
     CLI::App* added = app->add_subcommand(name, help)->group("Commands");
@@ -255,6 +292,12 @@ static CLI::Option* addInput(CLI::App* command, Arguments* arguments, const char
         ->option_text(" ");
 }
 
+// A command takes one or any number of files, which the check after parsing knows.
+static void addInputs(CLI::App* command, Arguments* arguments, const char* help)
+{
+    command->add_option("IN", arguments->inputs, help)->option_text(" ");
+}
+
 std::vector<std::string> valuesOf(const std::string& option)
 {
     std::vector<std::string> values;
@@ -262,6 +305,12 @@ std::vector<std::string> valuesOf(const std::string& option)
     {
         values = toolNames();
         std::sort(values.begin(), values.end());
+    }
+    else if (option == "to")
+    {
+        values = formatNames(FormatUse::modelWritten);
+        for (const std::string& name : formatNames(FormatUse::pictureWritten))
+            values.push_back(name);
     }
     else if (option == "preset")
         values.assign(std::begin(presetNames), std::end(presetNames));
@@ -287,7 +336,9 @@ void describeUsage(CLI::App* app, Arguments* arguments)
     app->set_version_flag("--version", "kbx " KBX_VERSION " (" KBX_BUILD ")", "version and build");
 
     CLI::App* info = addCommand(app, arguments, Command::info, "info", "counts, bounds, groups, materials, textures");
-    info->add_flag("--json", arguments->json, "as JSON: an object, or an array of them for several files");
+    CLI::Option* json =
+        info->add_flag("--json", arguments->json, "as JSON: an object, or an array of them for several files");
+    info->add_flag("--json-lines", arguments->jsonLines, "as JSON: an object in a line for each file")->excludes(json);
     info->add_flag("--check", arguments->check, "exit with status 3 when a surface is not sound, and say why");
     addLoadOptions(info, &arguments->load, true);
     info->add_option("FILE", arguments->inputs, "models to read")->option_text(" ")->required();
@@ -299,18 +350,20 @@ void describeUsage(CLI::App* app, Arguments* arguments)
 
     CLI::App* convert = addCommand(app, arguments, Command::convert, "convert", "read a model, repair it, write it");
     addLoadOptions(convert, &arguments->load, true);
-    addInput(convert, arguments, "IN", "model to read")->required();
-    convert->add_option("OUT", arguments->output, "file to write: .obj, .pp2, .rkf, .lxs or .stl")
-        ->option_text(" ")
-        ->required();
+    addTargetOptions(convert, arguments, FormatUse::modelWritten, ": what --output-dir gets");
+    convert->add_flag("--built-in", arguments->builtIn, "write the built-in model; there is no IN then");
+    addInputs(convert, arguments, "model to read; several with --output-dir");
+    addInput(convert, arguments, "OUT", "file to write: .obj, .pp2, .rkf, .lxs or .stl; none with --output-dir");
 
     CLI::App* render = addCommand(app, arguments, Command::render, "render", "draw a model into a picture");
     addLoadOptions(render, &arguments->load, true);
     addViewOptions(render, &arguments->view);
-    addInput(render, arguments, "IN", "model to read; the built-in one when there is none");
-    render->add_option("-o,--output", arguments->output, "picture to write: PNG when the name ends in .png, else BMP")
-        ->option_text("OUT")
-        ->required();
+    addTargetOptions(render, arguments, FormatUse::pictureWritten, ": what --output-dir gets, PNG unless given");
+    addInputs(render, arguments, "model to read, the built-in one when there is none; several with --output-dir");
+    render
+        ->add_option("-o,--output", arguments->output,
+                     "picture to write, unless there is --output-dir: PNG when the name ends in .png, else BMP")
+        ->option_text("OUT");
 
     CLI::App* decode = addCommand(app, arguments, Command::decode, "decode", "decode a JPEG file into a picture");
     addInput(decode, arguments, "IN", "JPEG file to read")->required();
@@ -318,67 +371,7 @@ void describeUsage(CLI::App* app, Arguments* arguments)
         ->option_text(" ")
         ->required();
 
+    addCommand(app, arguments, Command::formats, "formats", "the formats that are read and written");
+
     app->footer(makeFooter()); // after adding the commands, which would inherit it
-}
-
-// The arguments when there is no command to run.
-static Arguments answered(int exitStatus)
-{
-    Arguments arguments;
-    arguments.exitStatus = exitStatus;
-    return arguments;
-}
-
-// "dump: 1 file expected, 93 given" for more files than the command takes; empty where something else is wrong.
-static std::string tooManyFiles(const CLI::App& app)
-{
-    const CLI::App* command = app.get_subcommands().front();
-    size_t expected = command->get_options([](const CLI::Option* option) { return option->get_positional(); }).size();
-    size_t given = expected;
-    for (const std::string& word : app.remaining(true))
-    {
-        if (word.rfind('-', 0) == 0) // an option that is not known
-            return "";
-        ++given;
-    }
-    if (given == expected)
-        return "";
-    return command->get_name() + ": " + std::to_string(expected) + (expected == 1 ? " file" : " files") +
-           " expected, " + std::to_string(given) + " given";
-}
-
-static std::string whatIsWrong(const CLI::App& app, const CLI::ParseError& error)
-{
-    if (app.get_subcommands().empty())
-        return "expected info, dump, convert, render or decode";
-    std::string files = tooManyFiles(app);
-    return files.empty() ? error.what() : files;
-}
-
-Arguments parseArguments(const std::vector<std::string>& words)
-{
-    CLI::App app;
-    Arguments arguments;
-    describeUsage(&app, &arguments);
-    try
-    {
-        app.parse(std::vector<std::string>(words.rbegin(), words.rend())); // the parser takes them from the back
-    }
-    catch (const CLI::CallForHelp&)
-    {
-        const CLI::App* asked = app.get_subcommands().empty() ? &app : app.get_subcommands().front();
-        std::cout << asked->help(asked == &app ? "" : "kbx");
-        return answered(std::cout.flush() ? 0 : 1);
-    }
-    catch (const CLI::CallForVersion& version)
-    {
-        std::cout << version.what() << '\n';
-        return answered(std::cout.flush() ? 0 : 1);
-    }
-    catch (const CLI::ParseError& error)
-    {
-        std::cerr << "kbx: " << whatIsWrong(app, error) << " (kbx --help shows the usage)\n";
-        return answered(2);
-    }
-    return arguments;
 }

@@ -16,6 +16,7 @@ enum class Command
     convert,
     render,
     decode,
+    formats,
 };
 
 // How a model is read, and what is done to it before the command uses it.
@@ -55,12 +56,21 @@ struct Arguments
     Command command = Command::none;
     int exitStatus = 0; // with Command::none
     bool json = false;
+    bool jsonLines = false;
     bool check = false;
     bool normals = false;
     LoadArguments load;
     ViewArguments view;
+    bool builtIn = false; // convert: the built-in model instead of an input
     std::vector<std::string> inputs;
     std::string output;
+
+    // Many files at once.
+    std::string outputDir; // empty: one file
+    std::string to;        // the format of the files in it
+    int jobs = 0;          // how many files at a time; 0: as many as there are processors
+    bool noClobber = false;
+    std::vector<std::string> options; // those that every file gets, as words of a command line
 };
 
 // Parses the arguments. Prints help and version on standard output. For wrong usage it prints a line on standard error

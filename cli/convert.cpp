@@ -1,4 +1,5 @@
 // cli/convert.cpp - a model into another format, chosen by the extension of the name to write
+#include "cli/batch.h"
 #include "cli/commands.h"
 #include "cli/draw.h"
 #include "cli/load.h"
@@ -9,7 +10,6 @@
 #include "export/prop.h"
 #include "export/rkf.h"
 #include "export/stl.h"
-#include "model/ascii.h"
 #include "platform/boxes.h"
 #include "platform/file_names.h"
 #include "shell/scene.h"
@@ -26,10 +26,10 @@ static int writeObj(Mesh* mesh, const std::string& path)
 }
 
 // The preview beside the prop is the picture that the window would show.
-static int writeProp(Mesh* mesh, const std::string& path)
+static int writeProp(Mesh* mesh, bool builtIn, const std::string& path)
 {
     ViewArguments view;
-    int ok = drawModel(mesh, false, view);
+    int ok = drawModel(mesh, builtIn, view);
     if (ok)
     {
         PreviewSource preview = { frameBuffer.picture.bits, view.width, view.height, frameBuffer.pitch * 3 };
@@ -68,30 +68,18 @@ static int writeLux(Mesh* mesh, const std::string& path)
     return ok;
 }
 
-struct Writer
+// Takes the mesh over.
+static int writeFormat(OutputFormat format, Mesh* mesh, bool builtIn, const std::string& path)
 {
-    const char* extension;
-    OutputFormat format;
-    int (*write)(Mesh* mesh, const std::string& path); // takes the mesh over
-};
-
-static const Writer writers[] = { { ".obj", OutputFormat::obj, writeObj },
-                                  { ".pp2", OutputFormat::pp2, writeProp },
-                                  { ".rkf", OutputFormat::rkf, writeRkf },
-                                  { ".lxs", OutputFormat::lxs, writeLux },
-                                  { ".stl", OutputFormat::stl, writeStl } };
-
-static const Writer* writerFor(const std::string& path)
-{
-    std::string extension = path.size() > 4 ? path.substr(path.size() - 4) : "";
-    for (char& c : extension)
-        c = asciiLower(c);
-    for (const Writer& writer : writers)
+    switch (format)
     {
-        if (extension == writer.extension)
-            return &writer;
+    case OutputFormat::obj: return writeObj(mesh, path);
+    case OutputFormat::pp2: return writeProp(mesh, builtIn, path);
+    case OutputFormat::rkf: return writeRkf(mesh, path);
+    case OutputFormat::lxs: return writeLux(mesh, path);
+    case OutputFormat::stl: return writeStl(mesh, path);
     }
-    return nullptr;
+    return 0;
 }
 
 // Leaves only what the filter shows. A filter that shows nothing would otherwise write the whole model.
@@ -119,43 +107,73 @@ static std::string lineOfWritten(const std::vector<std::string>& files, const st
     return line + "\n";
 }
 
-// Writes a model, which it takes over. With --strict nothing is written after a warning.
-static bool writeModel(Mesh* mesh, const Writer* writer, const Arguments& arguments)
+// Whether --no-clobber lets these files be written. Any of a set that is there would be replaced.
+static bool mayWrite(const std::vector<std::string>& files, const std::string& input)
+{
+    for (const std::string& file : files)
+    {
+        if (!wouldReplace(file))
+            continue;
+        explainFailure(input.c_str(), ("not written, because " + file + " is there already (--no-clobber)").c_str());
+        return false;
+    }
+    return true;
+}
+
+// Whether the filter, warnings and files that are there leave a model to be written. Says what does not.
+static bool readyToWrite(Mesh* mesh, OutputFormat format, const Arguments& arguments, const std::string& input)
 {
     const LoadArguments& load = arguments.load;
     const std::string& output = arguments.output;
-    const std::string& input = arguments.inputs.empty() ? "the built-in model" : arguments.inputs[0];
-    Report report = {};
     if (load.filter && !keepShown(mesh, *load.filter, input))
-    {
-        freeMesh(mesh);
         return false;
-    }
-    reportWriting(writer->format, mesh, output, &report);
+    if (arguments.noClobber && !mayWrite(filesOf(format, mesh, output), input))
+        return false;
+    Report report = {};
+    reportWriting(format, mesh, output, &report);
     printWarnings(output, report, load.quiet);
     if (load.strict && hasWarnings(report))
     {
         explainFailure(output.c_str(), notWrittenStrictly);
+        return false;
+    }
+    return true;
+}
+
+// Writes a model, which it takes over. With --strict nothing is written after a warning.
+static bool writeModel(Mesh* mesh, OutputFormat format, const Arguments& arguments)
+{
+    const std::string& output = arguments.output;
+    const std::string input = arguments.builtIn ? "the built-in model" : arguments.inputs[0];
+    if (!readyToWrite(mesh, format, arguments, input))
+    {
         freeMesh(mesh);
         return false;
     }
     // Made before the files are: afterwards the program could not end for lack of memory and leave nothing behind.
-    std::string line = lineOfWritten(filesOf(writer->format, mesh, output), output);
-    bool ok = writer->write(mesh, output) != 0;
-    if (ok && !load.quiet)
+    std::string line = lineOfWritten(filesOf(format, mesh, output), output);
+    bool ok = writeFormat(format, mesh, arguments.builtIn, output) != 0;
+    if (ok && !arguments.load.quiet)
         fputs(line.c_str(), stderr);
     return ok;
 }
 
 int runConvert(const Arguments& arguments)
 {
-    const Writer* writer = writerFor(arguments.output);
-    if (!writer)
+    if (!arguments.outputDir.empty())
+        return runBatch(arguments);
+    OutputFormat format;
+    if (!outputFormatOf(arguments.output, &format))
     {
         fprintf(stderr, "kbx: OUT: expected a name ending in .obj, .pp2, .rkf, .lxs or .stl, not %s\n",
                 arguments.output.c_str());
         return 2;
     }
-    Mesh* mesh = loadForWriting(arguments.inputs[0], arguments.load);
-    return mesh && writeModel(mesh, writer, arguments) ? 0 : 1;
+    if (arguments.noClobber && wouldReplace(arguments.output))
+    {
+        sayKept(arguments.output, arguments.load.quiet);
+        return 0;
+    }
+    Mesh* mesh = arguments.builtIn ? loadTeapot(arguments.load) : loadForWriting(arguments.inputs[0], arguments.load);
+    return mesh && writeModel(mesh, format, arguments) ? 0 : 1;
 }

@@ -33,6 +33,6 @@ int gatherFacts(const Mesh* mesh, Facts* facts);
 // What is wrong with the surface, such as "6 open edges, 1 degenerate face"; empty when it is sound.
 std::string faultsOf(const MeshStatistics& statistics);
 
-// The facts as a JSON object, and the object of a file that failed.
-std::string factsAsJson(const std::string& path, const LoadedModel& model, const Facts& facts);
-std::string errorAsJson(const std::string& path, const std::string& error);
+// The facts as a JSON object, and the object of a file that failed. In one line, or laid out for reading.
+std::string factsAsJson(const std::string& path, const LoadedModel& model, const Facts& facts, bool inOneLine);
+std::string errorAsJson(const std::string& path, const std::string& error, bool inOneLine);

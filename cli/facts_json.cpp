@@ -124,17 +124,17 @@ static Json objectOf(const std::string& path, const LoadedModel& model, const Fa
     };
 }
 
-static std::string textOf(const Json& json)
+static std::string textOf(const Json& json, bool inOneLine)
 {
-    return json.dump(2, ' ', false, Json::error_handler_t::replace);
+    return json.dump(inOneLine ? -1 : 2, ' ', false, Json::error_handler_t::replace);
 }
 
-std::string factsAsJson(const std::string& path, const LoadedModel& model, const Facts& facts)
+std::string factsAsJson(const std::string& path, const LoadedModel& model, const Facts& facts, bool inOneLine)
 {
-    return textOf(objectOf(path, model, facts));
+    return textOf(objectOf(path, model, facts), inOneLine);
 }
 
-std::string errorAsJson(const std::string& path, const std::string& error)
+std::string errorAsJson(const std::string& path, const std::string& error, bool inOneLine)
 {
-    return textOf({ { "file", path }, { "error", error } });
+    return textOf({ { "file", path }, { "error", error } }, inOneLine);
 }

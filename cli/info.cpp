@@ -122,6 +122,19 @@ static void printFacts(Output* out, const std::string& path, const LoadedModel& 
     }
 }
 
+// An answer in a line of its own is printed at once: who reads them need not wait for the last file.
+static void takeAnswer(std::string&& answer, bool inOneLine, Output* out, std::vector<std::string>* answers)
+{
+    if (!inOneLine)
+    {
+        answers->push_back(std::move(answer));
+        return;
+    }
+    put(out, answer.c_str());
+    endLine(out);
+    passOnOutput(out);
+}
+
 // Reads one file and adds its answer. Returns its exit status.
 static int inspect(const std::string& path, const Arguments& arguments, Output* out, std::vector<std::string>* answers)
 {
@@ -134,8 +147,13 @@ static int inspect(const std::string& path, const Arguments& arguments, Output* 
         explainFailure(path.c_str(), model.error.c_str());
         read = false;
     }
-    if (arguments.json)
-        answers->push_back(read ? factsAsJson(path, model, facts) : errorAsJson(path, model.error));
+    if (arguments.json || arguments.jsonLines)
+    {
+        bool inOneLine = arguments.jsonLines;
+        std::string answer =
+            read ? factsAsJson(path, model, facts, inOneLine) : errorAsJson(path, model.error, inOneLine);
+        takeAnswer(std::move(answer), inOneLine, out, answers);
+    }
     else if (read)
     {
         if (out->lines > 0)

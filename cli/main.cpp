@@ -1,6 +1,7 @@
 // cli/main.cpp - kbx, the command line
 #include "cli/arguments.h"
 #include "cli/commands.h"
+#include "cli/formats.h"
 #include "model/memory.h"
 #include "platform/pending_files.h"
 #include "platform/refused_memory.h"
@@ -17,6 +18,7 @@ static int runCommand(const Arguments& arguments)
     case Command::convert: return runConvert(arguments);
     case Command::render: return runRender(arguments);
     case Command::decode: return runDecode(arguments);
+    case Command::formats: return runFormats();
     case Command::none: break;
     }
     return arguments.exitStatus;

@@ -1,16 +1,23 @@
 // cli/output.cpp - formatting text and writing it to standard output in blocks
 #include "cli/output.h"
 
+#include <errno.h>
 #include <stdio.h>
 #include <string.h>
 #include <charconv>
 
 constexpr size_t blockBytes = size_t{ 1 } << 16;
 
+static void noteFailure(Output* out)
+{
+    out->closed |= errno == EPIPE;
+    out->failed = true;
+}
+
 void flushOutput(Output* out)
 {
     if (fwrite(out->pending.data(), 1, out->pending.size(), stdout) != out->pending.size())
-        out->failed = true;
+        noteFailure(out);
     out->pending.clear();
 }
 
@@ -74,12 +81,17 @@ void endLine(Output* out)
         flushOutput(out);
 }
 
-int finishOutput(Output* out)
+void passOnOutput(Output* out)
 {
     flushOutput(out);
     if (fflush(stdout) != 0)
-        out->failed = true;
-    if (out->failed)
+        noteFailure(out);
+}
+
+int finishOutput(Output* out)
+{
+    passOnOutput(out);
+    if (out->failed && !out->closed) // who closes a pipe has read enough
         fputs("kbx: standard output could not be written\n", stderr);
     return !out->failed;
 }

@@ -9,6 +9,7 @@ struct Output
     std::string pending;
     int64_t lines = 0; // ended so far
     bool failed = false;
+    bool closed = false; // because nobody reads any more
 };
 
 // Writes the pending text.
@@ -29,5 +30,9 @@ void putReadableName(Output* out, const char* name);
 // Ends a line, and writes the pending text when it is large enough.
 void endLine(Output* out);
 
-// Writes the rest. Returns 1, or 0 after a line on standard error when any write has failed.
+// Writes the pending text through to whoever reads it.
+void passOnOutput(Output* out);
+
+// Writes the rest. Returns 1, or 0 when any write has failed, after a line on standard error unless the reader of a
+// pipe has closed it.
 int finishOutput(Output* out);

@@ -1,12 +1,21 @@
 // cli/render.cpp - a model into a picture
+#include "cli/batch.h"
 #include "cli/commands.h"
 #include "cli/draw.h"
 #include "cli/load.h"
+#include "cli/written.h"
 #include "shell/picture_file.h"
 #include "shell/scene.h"
 
 int runRender(const Arguments& arguments)
 {
+    if (!arguments.outputDir.empty())
+        return runBatch(arguments);
+    if (arguments.noClobber && wouldReplace(arguments.output))
+    {
+        sayKept(arguments.output, arguments.load.quiet);
+        return 0;
+    }
     const ViewArguments& view = arguments.view;
     bool builtIn = arguments.inputs.empty();
     Mesh* mesh = builtIn ? loadTeapot(arguments.load) : loadForWriting(arguments.inputs[0], arguments.load);

@@ -3,8 +3,11 @@
 
 #include "export/lux.h"
 #include "export/written_names.h"
+#include "model/ascii.h"
+#include "platform/boxes.h"
 #include "platform/file_names.h"
 #include "platform/files.h"
+#include "platform/folders.h"
 
 #include <string.h>
 
@@ -13,10 +16,10 @@ static std::string withExtension(const std::string& path, const char* extension)
     return path.substr(0, path.size() - 4) + extension;
 }
 
-std::vector<std::string> filesOf(OutputFormat format, const Mesh* mesh, const std::string& path)
+static std::vector<std::string> filesOfKind(OutputFormat format, bool withLibrary, const std::string& path)
 {
     std::vector<std::string> files = { path };
-    if (format == OutputFormat::obj && mesh->materialCount > 0)
+    if (format == OutputFormat::obj && withLibrary)
         files.push_back(withExtension(path, ".mtl"));
     if (format == OutputFormat::pp2)
         files.push_back(withExtension(path, ".rsr"));
@@ -24,6 +27,53 @@ std::vector<std::string> filesOf(OutputFormat format, const Mesh* mesh, const st
         return files;
     std::string base = folderOf(path.c_str()) + luxBaseName(path.c_str());
     return { base + ".lxs", base + ".lxo", base + ".lxm", base + "_textures.txt" };
+}
+
+std::vector<std::string> filesOf(OutputFormat format, const Mesh* mesh, const std::string& path)
+{
+    return filesOfKind(format, mesh->materialCount > 0, path);
+}
+
+bool outputFormatOf(const std::string& path, OutputFormat* format)
+{
+    static constexpr struct
+    {
+        const char* extension;
+        OutputFormat format;
+    } known[] = { { ".obj", OutputFormat::obj },
+                  { ".pp2", OutputFormat::pp2 },
+                  { ".rkf", OutputFormat::rkf },
+                  { ".lxs", OutputFormat::lxs },
+                  { ".stl", OutputFormat::stl } };
+    std::string extension = path.size() > 4 ? path.substr(path.size() - 4) : "";
+    for (char& c : extension)
+        c = asciiLower(c);
+    for (const auto& one : known)
+    {
+        if (extension != one.extension)
+            continue;
+        *format = one.format;
+        return true;
+    }
+    return false;
+}
+
+std::vector<std::string> possibleFilesOf(const std::string& path)
+{
+    OutputFormat format;
+    return outputFormatOf(path, &format) ? filesOfKind(format, true, path) : std::vector<std::string>{ path };
+}
+
+void sayKept(const std::string& path, bool quiet)
+{
+    if (!quiet)
+        explainFailure(path.c_str(), "kept, it is there already (--no-clobber)");
+}
+
+bool wouldReplace(const std::string& path)
+{
+    std::string place;
+    return pathExists(path) && findFileTarget(path.c_str(), &place) != targetDirect;
 }
 
 static void noteNames(const char (*names)[nameRoom], int32_t count, const char* breakers, Report* report)

@@ -57,7 +57,7 @@ static std::vector<std::string> wordsOf(const CLI::Option* option)
 static bool takesFile(const CLI::Option* option)
 {
     const std::vector<std::string>& names = option->get_lnames();
-    return !names.empty() && (names[0] == "output" || names[0] == "texture");
+    return !names.empty() && (names[0] == "output" || names[0] == "output-dir" || names[0] == "texture");
 }
 
 static std::string joined(const std::vector<std::string>& words, const char* between)

@@ -20,6 +20,7 @@
 
 static const char* progressCaption; // null: there is no bar
 static int shownSteps = -1;
+static bool lineShown; // the bar or the status line
 static int boxCount;
 static bool outOfMemorySaid, noticesSilent;
 
@@ -31,9 +32,26 @@ static bool barWanted()
 
 static void wipeBar()
 {
-    if (shownSteps >= 0)
+    if (lineShown)
         fputs("\r\033[K", stderr);
+    lineShown = false;
     shownSteps = -1;
+}
+
+void showStatusLine(const char* text)
+{
+    if (!barWanted())
+        return;
+    wipeBar();
+    fputs(text, stderr);
+    fflush(stderr);
+    lineShown = *text != 0;
+}
+
+void printLines(const std::string& lines)
+{
+    wipeBar();
+    fwrite(lines.data(), 1, lines.size(), stderr);
 }
 
 int terminalBoxCount()
@@ -88,6 +106,7 @@ void setProgress(float fraction)
     if (!progressCaption || !barWanted() || steps == shownSteps)
         return;
     shownSteps = steps;
+    lineShown = true;
     static const char full[] = "############################################################################";
     static_assert(sizeof full == progressStepCount + 1);
     int columns = steps / 2; // half the steps of the bar, so that caption and bar fit into 80 columns

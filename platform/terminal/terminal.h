@@ -1,4 +1,5 @@
-// platform/terminal/terminal.h - the arguments of kbx, and the number of message boxes it has shown
+// platform/terminal/terminal.h - the arguments of kbx, what it prints on standard error beside boxes, and how many of
+// those it has shown
 //
 // Linking it also settles what happens when the C++ library gets no memory: the program shows "Out of memory", removes
 // what it was writing, and ends with status 1. Exceptions could not do that: the libraries of the command line are not
@@ -15,6 +16,13 @@ bool saidOutOfMemory();
 
 // From now on, notices are not printed.
 void silenceNotices();
+
+// Shows a line of progress that stays until something else is printed, only when standard error is a terminal. "" wipes
+// the last one.
+void showStatusLine(const char* text);
+
+// Prints lines, which end with a line end each, on standard error.
+void printLines(const std::string& lines);
 
 // Returns the arguments of the program in UTF-8, without its own name, and makes standard output take bytes unchanged.
 std::vector<std::string> prepareTerminal(int argc, char** argv);

@@ -26,7 +26,7 @@ struct Completed
 static const Completed cases[] = {
     { "kbx re", "render" },
     { "kbx --ver", "--version" },
-    { "kbx info --js", "--json" },
+    { "kbx info --che", "--check" },
     { "kbx info mod", "model.obj" },
     { "kbx info --tool weld mod", "model.obj" },
     { "kbx convert --tool fi", "fix-normals" },
@@ -38,6 +38,8 @@ static const Completed cases[] = {
     { "kbx render --texture my", "mypicture.jpg" },
     { "kbx render --output mod", "model.obj" },
     { "kbx render -o mod", "model.obj" },
+    { "kbx convert --to l", "lxs" },
+    { "kbx convert --output-dir mod", "model.obj" },
 };
 
 // No names are offered where no file name is expected.
@@ -197,5 +199,5 @@ TEST_F(Completion, FishOffersTheSame)
         EXPECT_EQ(offered(expected.typed), expected.word) << expected.typed;
     for (const char* line : withoutFiles)
         EXPECT_EQ(offered(line), "") << line;
-    EXPECT_EQ(offered("kbx "), "convert decode dump info render");
+    EXPECT_EQ(offered("kbx "), "convert decode dump formats info render");
 }

@@ -59,7 +59,7 @@ TEST_F(Kbx, WrongUsageNamesCommandsAndRanges)
 {
     for (const char* arguments : { "", "fly", "--fly", "a.obj" })
         EXPECT_EQ(run(arguments).err,
-                  "kbx: expected info, dump, convert, render or decode (kbx --help shows the usage)\n");
+                  "kbx: expected info, dump, convert, render, decode or formats (kbx --help shows the usage)\n");
     EXPECT_EQ(run("dump a.obj b.obj").err, "kbx: dump: 1 file expected, 2 given (kbx --help shows the usage)\n");
     EXPECT_EQ(run("convert a.obj b.obj c.obj d.obj").err,
               "kbx: convert: 2 files expected, 4 given (kbx --help shows the usage)\n");
@@ -378,7 +378,9 @@ TEST_F(Kbx, FacesThatBeginTooFarBackAreNotWrittenAsRkf)
 TEST_F(Kbx, FullDiskIsNeverReportedAsWritten)
 {
     write("a.obj", squareObj);
-    EXPECT_EQ(run("dump a.obj >/dev/full").status, 1);
+    Result full = run("dump a.obj >/dev/full");
+    EXPECT_EQ(full.status, 1);
+    EXPECT_EQ(full.err.rfind("kbx: standard output could not be written\n"), full.err.size() - 42) << full.err;
     EXPECT_EQ(run("info a.obj >/dev/full").status, 1);
     write("x.bmp", "earlier");
     Result result = run("render -o x.bmp", "ulimit -f 100; trap '' XFSZ;");
@@ -398,7 +400,7 @@ TEST_F(Kbx, OutputThatNobodyReadsIsNotReportedAsWritten)
                             .c_str());
     EXPECT_EQ(status, 0);
     EXPECT_EQ(textOf(folder / "status"), "1\n");
-    EXPECT_EQ(textOf(folder / ".err"), "kbx: standard output could not be written\n");
+    EXPECT_EQ(textOf(folder / ".err"), ""); // who closes a pipe has read enough
 }
 
 TEST_F(Kbx, NamesWithBlanksAndOtherLettersAreReadAndWritten)

@@ -52,7 +52,7 @@ protected:
     std::string folder;
 };
 
-static const char* const commands[] = { "info", "dump", "convert", "render", "decode" };
+static const char* const commands[] = { "info", "dump", "convert", "render", "decode", "formats" };
 
 static std::vector<std::string> optionsInHelp(const std::string& help)
 {
@@ -93,7 +93,7 @@ TEST_F(Manual, EveryOptionOfEveryCommandIsInThePageAndTheCompletions)
 TEST_F(Manual, BashCompletesCommandsOptionsAndValues)
 {
     EXPECT_EQ(offered("kbx re"), "render\n");
-    EXPECT_EQ(offered("kbx info --j"), "--json\n");
+    EXPECT_EQ(offered("kbx info --j"), "--json --json-lines\n");
     EXPECT_EQ(offered("kbx render --preset go"), "gold\n");
     EXPECT_EQ(offered("kbx dump --tool weld"), "weld weld-near\n");
     EXPECT_EQ(offered("kbx info mod"), "\n"); // left to the completion of file names

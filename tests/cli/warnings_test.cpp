@@ -98,6 +98,25 @@ TEST_F(KbxWarnings, InfoAsJsonHasTheErrorOfAFileThatFails)
     EXPECT_EQ(answer[1]["error"], "No such file or directory");
 }
 
+TEST_F(KbxWarnings, InfoAsJsonLinesHasAnObjectInEachLine)
+{
+    write("good.off", "OFF\n3 1 0\n0 0 0\n1 0 0\n0 1 0\n3 0 1 2\n");
+    writeDamaged();
+    Result result = run("info --json-lines good.off missing.off bad.obj");
+    EXPECT_EQ(result.status, 1);
+    std::istringstream lines(result.out);
+    std::vector<Json> answers;
+    for (std::string line; std::getline(lines, line);)
+        answers.push_back(Json::parse(line));
+    ASSERT_EQ(answers.size(), 3u);
+    EXPECT_EQ(answers[0], Json::parse(run("info --json good.off").out));
+    EXPECT_EQ(answers[1], Json::parse(run("info --json missing.off").out));
+    EXPECT_EQ(answers[2], Json::parse(run("info --json bad.obj").out));
+    std::string alone = run("info --json-lines good.off").out;
+    EXPECT_EQ(std::count(alone.begin(), alone.end(), '\n'), 1);
+    EXPECT_EQ(run("info --json --json-lines good.off").status, 2);
+}
+
 TEST_F(KbxWarnings, AFileWithNothingLeftSaysWhatWasLeftOut)
 {
     std::string many = "f";
