@@ -24,3 +24,7 @@ void focusMainWindow();
 void focusToolPanel();
 void runAboutBox();
 void destroyMainWindow(); // ends the program
+
+// Enters a file that the user has opened or saved in the desktop's list of recent files, which other programs read,
+// too. A list that cannot be read or written stays as it is, and nothing is said.
+void rememberFile(const char* path);

@@ -87,7 +87,8 @@ void openWaitingFile()
     {
         std::string path;
         path.swap(waitingPath); // while it is opened, another one may be given
-        openGivenFile(path);
+        if (openGivenFile(path) && !isPicture(path))
+            rememberModel();
     }
 }
 

@@ -56,10 +56,18 @@ int openRkfMeshAt(const char* path)
     return 1;
 }
 
+void rememberModel()
+{
+    rememberFile(currentFilePath.c_str());
+}
+
 int openMeshFile()
 {
     std::string path;
-    return chooseModelToOpen(&path) && openMeshAt(path.c_str());
+    if (!chooseModelToOpen(&path) || !openMeshAt(path.c_str()))
+        return 0;
+    rememberModel();
+    return 1;
 }
 
 static void selectMaterialsOf(const Mesh* mesh)
@@ -83,6 +91,7 @@ int readRkfFile()
         return 0;
     }
     showLoadedMesh(mesh, path.c_str());
+    rememberModel();
     selectMaterialsOf(mesh);
     return 1;
 }
@@ -102,6 +111,7 @@ int saveRkfFile()
     if (!mesh || mesh->lineCount != 0 || !RkfFileDialog(mesh, &path, &title, true, false))
         return 0;
     nameModel(title, path);
+    rememberModel();
     showSavedTitle();
     return 1;
 }
@@ -112,6 +122,7 @@ static int exportObjFile(const Mesh* mesh)
     if (!SaveObjFile(mesh, &name, &path))
         return 0;
     nameModel(name, path);
+    rememberModel();
     return 1;
 }
 

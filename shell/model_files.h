@@ -21,6 +21,10 @@ int openMeshInto(Mesh* mesh, const char* path);
 // Opens an RKF file in the same way.
 int openRkfMeshAt(const char* path);
 
+// Enters the current model's file in the desktop's list of recent files: for a file that the user has named, not for
+// one that is read again or found by paging through a folder.
+void rememberModel();
+
 int openMeshFile(); // asks for the file
 int readRkfFile();  // asks, and chooses the model's own materials when it has some
 int readRkfFileAt(const char* path);

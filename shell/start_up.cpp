@@ -64,7 +64,9 @@ int buildScene(const char* path)
     Mesh* mesh = createMesh("object");
     if (!mesh)
         return 0;
-    if (!openMeshInto(mesh, path) && !showBuiltInModel(&hasMaterials))
+    if (openMeshInto(mesh, path))
+        rememberModel();
+    else if (!showBuiltInModel(&hasMaterials))
         return 0;
     choosePreset(&choices, hasMaterials ? presetProp : presetBrass);
     checkMenuItem(ID_PRESET_BRASS + choices.materialPreset, 1);

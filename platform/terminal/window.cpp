@@ -38,6 +38,7 @@ void focusMainWindow() {}
 void focusToolPanel() {}
 void runAboutBox() {}
 void destroyMainWindow() {}
+void rememberFile(const char*) {}
 
 void presentPicture(const Picture*, int32_t, int32_t, int32_t, int32_t) {}
 

@@ -97,3 +97,6 @@ void destroyMainWindow()
 {
     DestroyWindow(mainWindow);
 }
+
+// The dialogs of Windows do this themselves.
+void rememberFile(const char*) {}

@@ -251,6 +251,10 @@ int main(int argumentCount, char** arguments)
 {
     testing::InitGoogleTest(&argumentCount, arguments);
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    std::string home = testing::TempDir() + "kestrelbox-home-XXXXXX";
+    if (!mkdtemp(home.data()))
+        return 1;
+    setenv("XDG_DATA_HOME", home.c_str(), 1); // the user's list of recent files stays as it is
     QApplication application(argumentCount, arguments);
     return RUN_ALL_TESTS();
 }

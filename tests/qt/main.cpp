@@ -19,6 +19,7 @@ int main(int argumentCount, char** arguments)
         return 1;
     if (!getenv("WAYLAND_DISPLAY"))
         setenv("XDG_RUNTIME_DIR", folder.c_str(), 1); // beside a window of the user's
+    setenv("XDG_DATA_HOME", folder.c_str(), 1);       // the user's list of recent files stays as it is
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     return runTestsBeside({ "kestrelbox" }, runAllTests);
 }

@@ -203,6 +203,11 @@ void destroyMainWindow()
     recorded.mainWindowDestroyed = true;
 }
 
+void rememberFile(const char* path)
+{
+    recorded.remembered.emplace_back(path);
+}
+
 int makePicture(Picture* picture, int32_t widthPixels, int32_t rows)
 {
     *picture = {};

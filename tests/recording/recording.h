@@ -60,6 +60,7 @@ struct Recording
     int aboutRuns = 0;
     void (*duringAbout)() = nullptr; // what happens while the box is open
     bool mainWindowDestroyed = false;
+    std::vector<std::string> remembered; // entered in the list of recent files
 
     // picture
     int livePictures = 0;

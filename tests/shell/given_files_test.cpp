@@ -168,6 +168,28 @@ TEST_F(GivenFiles, AGivenFileWaitsForTheLoopAndTheLastOneCounts)
     EXPECT_EQ(currentFileName, "one.obj");
 }
 
+TEST_F(GivenFiles, TheListOfRecentFilesGetsTheModelsThatTheUserNames)
+{
+    std::string one = writeFile("one.obj", triangleObj), two = writeFile("two.obj", lineObj);
+    drop(one);
+    EXPECT_EQ(recorded.remembered, std::vector<std::string>{ one });
+    reloadModel();
+    openNeighbour(1);
+    EXPECT_EQ(currentFilePath, two);
+    drop(picture("bark.jpg", 16));
+    drop(pathOf("missing.obj"));
+    EXPECT_EQ(recorded.remembered.size(), 1u) << "no model that is read again or paged to, no picture, no failure";
+    recorded.dialogAnswers = { one, pathOf("out.obj"), pathOf("out.pp2"), pathOf("out.rkf"), pathOf("out.rkf"), "" };
+    EXPECT_EQ(openMeshFile(), 1);
+    EXPECT_EQ(exportMesh(exportObj), 1);
+    EXPECT_EQ(exportMesh(exportProp), 1);
+    EXPECT_EQ(saveRkfFile(), 1);
+    EXPECT_EQ(readRkfFile(), 1);
+    EXPECT_EQ(openMeshFile(), 0);
+    EXPECT_EQ(recorded.remembered,
+              (std::vector<std::string>{ one, one, pathOf("out.obj"), pathOf("out.rkf"), pathOf("out.rkf") }));
+}
+
 TEST_F(GivenFiles, AMessageOfAnotherStartOpensItsFile)
 {
     std::string path = writeFile("one.obj", triangleObj);

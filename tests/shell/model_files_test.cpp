@@ -86,6 +86,7 @@ TEST_F(ModelFiles, AModelFromTheCommandLineIsTitledAndRememberedLikeAnyOther)
     resetRecording();
     recorded.livePictures = 1; // the frame buffer's, which the end of the test releases
     ASSERT_EQ(buildScene(path.c_str()), 1);
+    EXPECT_EQ(recorded.remembered.size(), 1u);
     EXPECT_EQ(recorded.titles, std::vector<std::string>{ "Kestrelbox: one.obj" });
     EXPECT_EQ(currentFileName, "one.obj");
     EXPECT_EQ(currentFilePath, path);
