@@ -24,10 +24,12 @@ int processorHasAvx2();
 int processorHasAvx512();
 
 // Kernels exist in several versions that give the same bits. A level allows its own version and those of the levels
-// before it; plain versions use no vector instructions of their own.
+// before it; plain versions use no vector instructions of their own, and take one byte at a time where kernelsWords
+// takes eight as a word. Processors other than x86 have the first two.
 enum KernelLevel
 {
     kernelsPlain,
+    kernelsWords,
     kernelsSse,
     kernelsSse2,
     kernelsAvx2,

@@ -8,10 +8,8 @@
 // readable bytes after the end of the text.
 #pragma once
 #include "import/common/characters.h"
-
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
+#include "import/common/digits.h"
+#include "import/common/lanes.h"
 
 constexpr int numberPaddingRoom = 16;
 
@@ -23,51 +21,6 @@ const char* scanInt(const char* at, int32_t* value);
 // Like sscanf(text, "%f %f ...") and "%d %d ...". Return how many were found, at most count.
 int scanFloats(const char* text, float* values, int count);
 int scanInts(const char* text, int32_t* values, int count);
-
-// How many of eight bytes, from the lowest on, are decimal digits. The addition sets the top bit of a byte above '9',
-// the subtraction that of a byte below '0'. Carries only run upward, past the first byte that is not a digit.
-inline int leadingDigits(uint64_t bytes)
-{
-    constexpr uint8_t topBit = 0x80;
-    uint64_t others = ((bytes + eightTimes(topBit - '9' - 1)) | (bytes - eightTimes('0'))) & eightTimes(topBit);
-    return others ? __builtin_ctzll(others) >> 3 : 8;
-}
-
-// Joins two neighbouring numbers in 2 x bits; the more significant one is in the lower half. After multiplying by this
-// factor, the upper half holds the lower number times `scale` plus the upper number.
-constexpr uint64_t pairFactor(uint64_t scale, int bits)
-{
-    return (scale << bits) + 1;
-}
-
-// The value of the lowest 1 to 8 bytes, which are all digits. They move to the top, and neighbours are joined to groups
-// of two, four and eight.
-inline uint32_t digitsValue(uint64_t bytes, int count)
-{
-    bytes <<= 64 - 8 * count;
-    bytes = ((bytes & eightTimes(0x0F)) * pairFactor(10, 8)) >> 8;
-    bytes = ((bytes & 0x00FF00FF00FF00FF) * pairFactor(100, 16)) >> 16;
-    return static_cast<uint32_t>(((bytes & 0x0000FFFF0000FFFF) * pairFactor(10000, 32)) >> 32);
-}
-
-// digitsValue for two numbers of 1 to 8 digits at once, one in each half of a register.
-inline void twoDigitsValues(uint64_t first, int firstCount, uint64_t second, int secondCount, int32_t* firstValue,
-                            int32_t* secondValue)
-{
-#ifdef __SSE2__
-    __m128i bytes = _mm_set_epi64x(static_cast<int64_t>(second << (64 - 8 * secondCount)),
-                                   static_cast<int64_t>(first << (64 - 8 * firstCount)));
-    bytes = _mm_and_si128(bytes, _mm_set1_epi8(0x0F));
-    __m128i twos = _mm_srli_epi16(_mm_mullo_epi16(bytes, _mm_set1_epi16(static_cast<int16_t>(pairFactor(10, 8)))), 8);
-    __m128i fours = _mm_madd_epi16(twos, _mm_set1_epi32(1 << 16 | 100));
-    __m128i eights = _mm_madd_epi16(_mm_packs_epi32(fours, fours), _mm_set1_epi32(1 << 16 | 10000));
-    *firstValue = _mm_cvtsi128_si32(eights);
-    *secondValue = _mm_cvtsi128_si32(_mm_shuffle_epi32(eights, 1));
-#else
-    *firstValue = static_cast<int32_t>(digitsValue(first, firstCount));
-    *secondValue = static_cast<int32_t>(digitsValue(second, secondCount));
-#endif
-}
 
 // 10^0 to 10^22 are exact.
 constexpr double powersOfTen[] = { 1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,

@@ -8,6 +8,7 @@
 // plain ones.
 #pragma once
 #include "import/common/block_source.h"
+#include "import/common/lanes.h"
 #include "import/common/numbers.h"
 #include "import/common/sanitize.h"
 #include "model/mesh.h"
@@ -41,32 +42,6 @@ inline int32_t takePlainLines(BlockSource* source, size_t lineRoom, int32_t most
     return taken;
 }
 
-#ifdef __SSE2__
-
-inline __m128i loadSixteen(const void* at)
-{
-    return _mm_loadu_si128(static_cast<const __m128i*>(at));
-}
-
-inline __m128i loadTwoEights(const void* first, const void* second)
-{
-    return _mm_unpacklo_epi64(_mm_loadl_epi64(static_cast<const __m128i*>(first)),
-                              _mm_loadl_epi64(static_cast<const __m128i*>(second)));
-}
-
-// Bit i: text[i] is not a digit.
-inline uint64_t otherThanDigits(const char* text)
-{
-    uint64_t digits = 0;
-    for (int k = 0; k < 4; ++k)
-    {
-        __m128i fromLowest = _mm_add_epi8(loadSixteen(text + 16 * k), _mm_set1_epi8(-128 - '0' + 256));
-        __m128i isDigit = _mm_cmplt_epi8(fromLowest, _mm_set1_epi8(-128 + 10));
-        digits |= static_cast<uint64_t>(static_cast<uint32_t>(_mm_movemask_epi8(isDigit))) << (16 * k);
-    }
-    return ~digits;
-}
-
 // Removes the lowest bit and gives its offset. Returns false when no bit is left: the line has more than 64 bytes.
 inline bool takeLowest(uint64_t* bits, uint64_t* offset)
 {
@@ -75,42 +50,6 @@ inline bool takeLowest(uint64_t* bits, uint64_t* offset)
     *offset = static_cast<uint32_t>(__builtin_ctzll(*bits));
     *bits &= *bits - 1;
     return true;
-}
-
-// Masks: entry [k] has all bits, or the low four, set in the first k of sixteen bytes.
-struct FirstBytes
-{
-    alignas(16) uint8_t masks[17][16];
-
-    explicit constexpr FirstBytes(uint8_t mask) : masks()
-    {
-        for (size_t k = 0; k <= 16; ++k)
-            for (size_t i = 0; i < k; ++i)
-                masks[k][i] = mask;
-    }
-    __m128i operator[](uint64_t k) const
-    {
-        return _mm_load_si128(reinterpret_cast<const __m128i*>(masks[k]));
-    }
-};
-inline constexpr FirstBytes firstBytes(0xFF), firstNibbles(0x0F);
-
-// From [k] on: the low four bits are set in the last k of eight bytes.
-alignas(16) inline constexpr uint8_t lastNibbles[16] = { 0, 0, 0, 0, 0, 0, 0, 0, 15, 15, 15, 15, 15, 15, 15, 15 };
-
-// Converts sixteen digits, the most significant one first, to the values of groups of four.
-inline __m128i joinFours(__m128i digits)
-{
-    __m128i tenAndOne = _mm_set1_epi16(static_cast<int16_t>(pairFactor(10, 8)));
-    asm("" : "+x"(tenAndOne)); // otherwise GCC replaces the product with four shifts and additions
-    __m128i twos = _mm_srli_epi16(_mm_mullo_epi16(digits, tenAndOne), 8);
-    return _mm_madd_epi16(twos, _mm_set1_epi32(1 << 16 | 100));
-}
-
-// Joins two results of joinFours to the values of groups of eight digits.
-inline __m128i joinEights(__m128i first, __m128i second)
-{
-    return _mm_madd_epi16(_mm_packs_epi32(first, second), _mm_set1_epi32(1 << 16 | 10000));
 }
 
 // A line of numbers that may have signs and points. Every byte that is not a digit must end a number or be a sign.
@@ -136,11 +75,11 @@ inline bool signsAreInPlace(const PlainLine& line)
     return (line.doubled & passed) == line.signs;
 }
 
-// A number as sixteen digits in groups of four, filled up with zeros on the right, and the factor that gives its value.
+// A number as sixteen digits filled up with zeros on the right, and the factor that gives its value.
 struct PlainNumber
 {
-    __m128i fours;
-    const double* scale;
+    SixteenDigits digits;
+    double scale;
 };
 
 // Indexed by the sign and the number of digits before the point.
@@ -168,44 +107,19 @@ inline bool takePlainNumber(PlainLine* line, PlainNumber* number)
     if (digits - 1 >= 16)
         return false;
     line->at = end + 1;
-    const char* first = line->text + start;
-    __m128i withoutPoint = loadSixteen(first + 1);
-    __m128i beforePoint = _mm_and_si128(_mm_xor_si128(loadSixteen(first), withoutPoint), firstBytes[whole]);
-    __m128i text = _mm_xor_si128(beforePoint, withoutPoint);
-    number->fours = joinFours(_mm_and_si128(text, firstNibbles[digits]));
-    number->scale = &plainScales[negative][whole];
+    number->digits = takeSixteen(line->text + start, whole, digits);
+    number->scale = plainScales[negative][whole];
     return true;
 }
 
-// The results are within three units in their last place.
-inline __m128d closeToNumbers(const PlainNumber& first, const PlainNumber& second)
+inline TwoDoubles closeToNumbers(const PlainNumber& first, const PlainNumber& second)
 {
-    __m128i eights = joinEights(first.fours, second.fours);
-    __m128d high = _mm_cvtepi32_pd(_mm_shuffle_epi32(eights, _MM_SHUFFLE(3, 1, 2, 0)));
-    __m128d low = _mm_cvtepi32_pd(_mm_shuffle_epi32(eights, _MM_SHUFFLE(2, 0, 3, 1)));
-    __m128d all = _mm_add_pd(_mm_mul_pd(high, _mm_set1_pd(1e8)), low);
-    return _mm_mul_pd(all, _mm_loadh_pd(_mm_load_sd(first.scale), second.scale));
-}
-
-// nearestFloat and SanitizeFloat for four values. Returns false when one lies too near the middle of two floats, or is
-// too large.
-inline bool coordinatesOf(__m128d first, __m128d second, __m128* values)
-{
-    __m128 nearest = _mm_movelh_ps(_mm_cvtpd_ps(first), _mm_cvtpd_ps(second));
-    // The bits of a double beyond those of a float, moved to the top of a word. The middle of two floats is then the
-    // smallest number.
-    __m128 lowWords = _mm_shuffle_ps(_mm_castpd_ps(first), _mm_castpd_ps(second), _MM_SHUFFLE(2, 0, 2, 0));
-    __m128i fromMiddle = _mm_add_epi32(_mm_slli_epi32(_mm_castps_si128(lowWords), 3), _mm_set1_epi32(4 << 3));
-    __m128i tooClose = _mm_cmplt_epi32(fromMiddle, _mm_set1_epi32(INT32_MIN + (9 << 3)));
-    __m128 magnitude = _mm_andnot_ps(_mm_set1_ps(-0.0f), nearest);
-    __m128 tooLarge = _mm_cmpge_ps(magnitude, _mm_set1_ps(1 << coordinateExponentLimit));
-    *values = _mm_add_ps(nearest, _mm_setzero_ps()); // -0 becomes 0
-    return _mm_movemask_ps(_mm_or_ps(_mm_castsi128_ps(tooClose), tooLarge)) == 0;
+    return closeToNumbers(first.digits, first.scale, second.digits, second.scale);
 }
 
 // Takes three coordinates with single blanks between them; *position repeats the last one. Returns the place after
 // them, or null.
-inline const char* scanPlainPosition(const char* text, __m128* position)
+inline const char* scanPlainPosition(const char* text, FourFloats* position)
 {
     PlainLine line = startPlainLine(text);
     PlainNumber x, y, z;
@@ -216,13 +130,6 @@ inline const char* scanPlainPosition(const char* text, __m128* position)
     return text + line.at - 1;
 }
 
-// Stores the first four words of a vertex: its position and the colour white.
-inline void storeWhiteVertex(MeshVertex* vertex, __m128 position)
-{
-    __m128 colour = _mm_castsi128_ps(_mm_set_epi32(static_cast<int32_t>(opaqueWhite), 0, 0, 0));
-    _mm_storeu_ps(reinterpret_cast<float*>(vertex), _mm_or_ps(position, colour));
-}
-
 // For numbers without sign and point, of up to eight digits each.
 struct PlainDigits
 {
@@ -230,10 +137,9 @@ struct PlainDigits
     uint64_t count;
 };
 
-inline __m128i joinFours(const PlainDigits& first, const PlainDigits& second)
+inline SixteenDigits joinFours(const PlainDigits& first, const PlainDigits& second)
 {
-    __m128i digits = loadTwoEights(first.end - 8, second.end - 8);
-    return joinFours(_mm_and_si128(digits, loadTwoEights(lastNibbles + first.count, lastNibbles + second.count)));
+    return takeTwoEights(first.end, first.count, second.end, second.count);
 }
 
 // A line of such numbers.
@@ -262,7 +168,7 @@ inline bool takePlainDigits(DigitLine* line, PlainDigits* digits)
 
 // Takes three or four whole numbers with single blanks between them; unused corners become noCorner. Returns the place
 // after them, or null.
-inline const char* scanPlainCorners(const char* text, int count, __m128i* corners)
+inline const char* scanPlainCorners(const char* text, int count, FourInts* corners)
 {
     DigitLine line = startDigitLine(text);
     PlainDigits digits[4];
@@ -272,29 +178,7 @@ inline const char* scanPlainCorners(const char* text, int count, __m128i* corner
         if ((k > 0 && text[line.at - 1] != ' ') || !takePlainDigits(&line, &digits[k]))
             return nullptr;
     }
-    __m128i eights = joinEights(joinFours(digits[0], digits[1]), joinFours(digits[2], digits[3]));
-    *corners = count == 4 ? eights : _mm_or_si128(eights, _mm_set_epi32(-1, 0, 0, 0));
+    FourInts eights = joinEights(joinFours(digits[0], digits[1]), joinFours(digits[2], digits[3]));
+    *corners = count == 4 ? eights : withoutFourth(eights);
     return text + line.at - 1;
 }
-
-// Whether the first count of four corners are vertex indices. Scanned numbers are never negative.
-inline bool cornersBelow(__m128i corners, int count, int32_t vertexCount)
-{
-    int below = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmplt_epi32(corners, _mm_set1_epi32(vertexCount))));
-    return (~below & ((1 << count) - 1)) == 0;
-}
-
-// Whether two corners have the same vertex.
-inline bool anyTwoEqual(__m128i corners)
-{
-    __m128i next = _mm_cmpeq_epi32(corners, _mm_shuffle_epi32(corners, _MM_SHUFFLE(0, 3, 2, 1)));
-    __m128i afterNext = _mm_cmpeq_epi32(corners, _mm_shuffle_epi32(corners, _MM_SHUFFLE(1, 0, 3, 2)));
-    return _mm_movemask_epi8(_mm_or_si128(next, afterNext)) != 0;
-}
-
-inline void storeCorners(Corners* corners, __m128i values)
-{
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(corners), values);
-}
-
-#endif

@@ -5,8 +5,6 @@
 #include "import/obj/obj.h"
 #include "platform/processor.h"
 
-#ifdef __SSE2__
-
 #include <algorithm>
 
 // Goes from the byte after the last number to the next line. Returns null when the rest of the line must be examined.
@@ -30,7 +28,7 @@ static const char* skipSpaces(const char* at)
 static const char* takeVertex(const char* at, MeshVertex* vertex)
 {
     at = skipSpaces(at);
-    __m128 position;
+    FourFloats position;
     const char* end = scanPlainPosition(at, &position);
     if (end)
         end = endPlainLine(at, end);
@@ -46,25 +44,25 @@ static const char* takeUv(const char* at, Uv* uv)
     PlainNumber u, v;
     if (!takePlainNumber(&line, &u) || at[line.at - 1] != ' ' || !takePlainNumber(&line, &v) || !signsAreInPlace(line))
         return nullptr;
-    __m128d close = closeToNumbers(u, v);
-    __m128 coordinates;
+    TwoDoubles close = closeToNumbers(u, v);
+    FourFloats coordinates;
     if (!coordinatesOf(close, close, &coordinates))
         return nullptr;
     const char* end = endPlainLine(at, at + line.at - 1);
     if (end)
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(uv), _mm_castps_si128(coordinates));
+        storeTwo(uv, coordinates);
     return end;
 }
 
 // The corners of a triangle or quad, as in the file: 0 for a missing texture coordinate and for missing corners.
 struct PlainFace
 {
-    __m128i vertices, uvs;
+    FourInts vertices, uvs;
     int count;
 };
 
 // Takes "7", "7/3", "7/3/5" or "7//5" and the byte behind it. The last of three numbers, the normal, is not used.
-static bool takeCorner(DigitLine* line, __m128i* fours)
+static bool takeCorner(DigitLine* line, SixteenDigits* digits)
 {
     constexpr uint64_t longest = 28; // three numbers and what separates them
     if (line->at > 64 - longest)
@@ -90,18 +88,18 @@ static bool takeCorner(DigitLine* line, __m128i* fours)
             line->at = end + 1;
         }
     }
-    *fours = joinFours(vertex, uv);
+    *digits = joinFours(vertex, uv);
     return true;
 }
 
 static const char* takeCorners(const char* at, PlainFace* face)
 {
     DigitLine line = startDigitLine(at);
-    __m128i fours[4] = {};
+    SixteenDigits digits[4] = {};
     face->count = 0;
     for (;;)
     {
-        if (face->count == 4 || !takeCorner(&line, &fours[face->count]))
+        if (face->count == 4 || !takeCorner(&line, &digits[face->count]))
             return nullptr;
         ++face->count;
         const char* end = line.text + line.at - 1;
@@ -118,18 +116,8 @@ static const char* takeCorners(const char* at, PlainFace* face)
             break;
         }
     }
-    __m128 first = _mm_castsi128_ps(joinEights(fours[0], fours[1]));
-    __m128 second = _mm_castsi128_ps(joinEights(fours[2], fours[3]));
-    face->vertices = _mm_castps_si128(_mm_shuffle_ps(first, second, _MM_SHUFFLE(2, 0, 2, 0)));
-    face->uvs = _mm_castps_si128(_mm_shuffle_ps(first, second, _MM_SHUFFLE(3, 1, 3, 1)));
+    splitPairs(joinEights(digits[0], digits[1]), joinEights(digits[2], digits[3]), &face->vertices, &face->uvs);
     return face->count >= 3 ? at : nullptr;
-}
-
-// Sets one bit for each of four numbers that is not an index below count.
-static int outOfRange(__m128i indices, int32_t count)
-{
-    __m128i inside = _mm_cmplt_epi32(indices, _mm_set1_epi32(count));
-    return ~_mm_movemask_ps(_mm_castsi128_ps(_mm_andnot_si128(_mm_srai_epi32(indices, 31), inside)));
 }
 
 // Counts the texture indices past the last texture coordinate, which takeFace sets to the first one.
@@ -145,17 +133,14 @@ static const char* takeFace(const char* at, const ObjReader* reader, int32_t slo
     const char* end = takeCorners(skipSpaces(at), &face);
     if (!end)
         return nullptr;
-    __m128i one = _mm_set1_epi32(1);
-    __m128i vertices = _mm_sub_epi32(face.vertices, one), uvs = _mm_sub_epi32(face.uvs, one); // -1: noCorner
+    FourInts vertices = lessOne(face.vertices), uvs = lessOne(face.uvs); // -1: noCorner
     if ((outOfRange(vertices, reader->vertexCount) & ((1 << face.count) - 1)) || anyTwoEqual(vertices))
         return nullptr;
-    __m128i known = _mm_andnot_si128(_mm_srai_epi32(uvs, 31), _mm_cmplt_epi32(uvs, _mm_set1_epi32(reader->uvCount)));
-    __m128i past = _mm_cmpgt_epi32(uvs, _mm_set1_epi32(reader->uvCount - 1));
-    if (int pastMask = _mm_movemask_ps(_mm_castsi128_ps(past)))
-        noteUnknownUvs(reader, at, pastMask);
+    if (int past = pastEnd(uvs, reader->uvCount))
+        noteUnknownUvs(reader, at, past);
     Mesh* mesh = reader->mesh;
     storeCorners(&mesh->faces[slot], vertices);
-    storeCorners(&mesh->faceUvs[slot], _mm_and_si128(uvs, known)); // an unknown index becomes the first one
+    storeCorners(&mesh->faceUvs[slot], knownIndices(uvs, reader->uvCount)); // an unknown index becomes the first one
     mesh->faceAttributes[slot] = reader->attributes;
     return end;
 }
@@ -215,7 +200,7 @@ static int32_t takeFaces(ObjReader* reader, int32_t most)
 
 int32_t takePlainStatements(ObjReader* reader, int32_t most)
 {
-    if (kernelLevel() < kernelsSse2 || ClampTexCoords)
+    if (kernelLevel() < kernelsWords || ClampTexCoords)
         return 0;
     int32_t taken = 0, before;
     do
@@ -227,12 +212,3 @@ int32_t takePlainStatements(ObjReader* reader, int32_t most)
     } while (taken > before);
     return taken;
 }
-
-#else
-
-int32_t takePlainStatements(ObjReader*, int32_t)
-{
-    return 0;
-}
-
-#endif

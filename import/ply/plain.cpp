@@ -36,14 +36,12 @@ static const char* scanThree(const char* at, Number (&numbers)[3], const char* (
 
 static const char* takePosition(PlyReader* reader, const char* line, char lineEnd, MeshVertex* vertex)
 {
-#ifdef __SSE2__
-    __m128 values;
+    FourFloats values;
     if (const char* end = passPlainEnd(line, scanPlainPosition(line, &values), lineEnd))
     {
         storeWhiteVertex(vertex, values);
         return end;
     }
-#endif
     float position[3] = {};
     const char* end = passPlainEnd(line, scanThree(line, position, scanFloatPadded), lineEnd);
     if (!end)
@@ -58,8 +56,7 @@ static const char* takeTriangle(PlyReader* reader, const char* line, char lineEn
 {
     if (line[0] != '3' || line[1] != ' ')
         return nullptr;
-#ifdef __SSE2__
-    __m128i values;
+    FourInts values;
     if (const char* end = passPlainEnd(line, scanPlainCorners(line + 2, 3, &values), lineEnd))
     {
         if (cornersBelow(values, 3, mesh->vertexCount))
@@ -68,7 +65,6 @@ static const char* takeTriangle(PlyReader* reader, const char* line, char lineEn
             notePlyFaces(reader, bytePositionOf(&reader->cursor.blocks, line), 1);
         return end;
     }
-#endif
     int32_t numbers[3];
     const char* end = passPlainEnd(line, scanThree(line + 2, numbers, scanIntPadded), lineEnd);
     if (!end)

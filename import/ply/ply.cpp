@@ -235,7 +235,7 @@ static bool readOneVertex(PlyReader* reader, MeshVertex* out, const PlyElement& 
 
 static bool readVertexInstances(PlyReader* reader, Mesh* mesh, const PlyElement& element)
 {
-    bool plain = reader->format == plyAscii && isPlainVertex(element) && kernelLevel() >= kernelsSse2;
+    bool plain = reader->format == plyAscii && isPlainVertex(element) && kernelLevel() >= kernelsWords;
     for (int32_t done = 0; done < element.count;)
     {
         MeshVertex* out = mesh->vertices + done;
@@ -352,7 +352,7 @@ static FaceLayout layOutFace(const PlyElement& element)
         else
             return {};
     }
-    layout.usual = lists == 1 && kernelLevel() > kernelsPlain;
+    layout.usual = lists == 1 && kernelLevel() >= kernelsWords;
     return layout;
 }
 
@@ -491,7 +491,7 @@ static bool readFaces(PlyReader* reader, Mesh* mesh, const PlyElement& element)
         return false;
     bool isText = reader->format == plyAscii;
     FaceReading reading = { isText ? FaceLayout{} : layOutFace(element), reader->format == plyBigEndian,
-                            isText && isPlainFace(element) && kernelLevel() >= kernelsSse2 };
+                            isText && isPlainFace(element) && kernelLevel() >= kernelsWords };
     for (int32_t done = 0, taken; done < element.count; done += taken)
     {
         if (!takeFastFaces(reader, mesh, reading, element.count - done, &taken))

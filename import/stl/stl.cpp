@@ -3,6 +3,7 @@
 
 #include "import/common/byte_cursor.h"
 #include "import/common/characters.h"
+#include "import/common/lanes.h"
 #include "import/common/sanitize.h"
 #include "import/stl/text.h"
 #include "model/memory.h"
@@ -13,37 +14,11 @@
 
 #include <string.h>
 #include <algorithm>
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
 
 constexpr int64_t progressInterval = 10000; // triangles
 constexpr size_t normalBytes = 12, cornerBytes = 12;
 
 static_assert(stlFacetBytes == normalBytes + 3 * cornerBytes + 2);
-
-// Each number by itself, as in PLY. Returns whether all are good.
-static bool storeCorner(MeshVertex* vertex, const uint8_t* bytes)
-{
-#ifdef __SSE2__
-    // Reads four bytes more, which belong to the next corner or record, or to the padding of the block.
-    __m128i bits = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-    __m128i exponent = _mm_and_si128(_mm_srli_epi32(bits, 23), _mm_set1_epi32(0xFF));
-    __m128i good = _mm_cmplt_epi32(exponent, _mm_set_epi32(0, badFloatExponent, badFloatExponent, badFloatExponent));
-    bool allGood = (_mm_movemask_ps(_mm_castsi128_ps(good)) & 7) == 7;
-    good = _mm_and_si128(good, _mm_cmpgt_epi32(exponent, _mm_setzero_si128()));
-    __m128i colour = _mm_set_epi32(static_cast<int32_t>(opaqueWhite), 0, 0, 0);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(vertex), _mm_or_si128(_mm_and_si128(bits, good), colour));
-    return allGood;
-#else
-    float position[3];
-    memcpy(position, bytes, sizeof position);
-    bool allGood = sanitizeEach(position) == 0;
-    memcpy(vertex->position, position, sizeof position);
-    vertex->colour = opaqueWhite;
-    return allGood;
-#endif
-}
 
 // Grows both arrays. The product then fits in 32 bits, or growing the array fails.
 static bool makeRoom(Mesh* mesh, int64_t triangles)
@@ -74,7 +49,7 @@ static void storeFacets(const ByteCursor* cursor, Mesh* mesh, const uint8_t* at,
     {
         auto vertex = static_cast<uint32_t>(mesh->vertexCount);
         for (uint32_t k = 0; k < 3; ++k)
-            good &= storeCorner(&mesh->vertices[vertex + k], at + normalBytes + k * cornerBytes);
+            good &= storeCheckedVertex(&mesh->vertices[vertex + k], at + normalBytes + k * cornerBytes);
         mesh->faces[mesh->faceCount++] = { vertex, vertex + 1, vertex + 2, noCorner };
         mesh->vertexCount += 3;
     }

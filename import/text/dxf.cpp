@@ -91,7 +91,6 @@ static float readCoordinate(const DxfSource* source)
     return value;
 }
 
-#ifdef __SSE2__
 // Passes a byte that is not a digit and stands where a sign might.
 static void passDoubled(PlainLine* line)
 {
@@ -146,21 +145,13 @@ static bool takePlainCorner(DxfSource* source, DxfFace* face, int corner)
     if (!takeCoordinate(&line, code, &x) || !takeCoordinate(&line, static_cast<uint16_t>(code + 1), &y) ||
         !takeCoordinate(&line, static_cast<uint16_t>(code + 2), &z) || !signsAreInPlace(line))
         return false;
-    __m128 position;
+    FourFloats position;
     if (!coordinatesOf(closeToNumbers(x, y), closeToNumbers(z, z), &position))
         return false;
-    float values[4];
-    _mm_storeu_ps(values, position);
-    memcpy(face->corners[corner], values, sizeof face->corners[corner]);
+    storeThree(face->corners[corner], position);
     readOnFrom(blocks, line.text + line.at);
     return true;
 }
-#else
-static bool takePlainCorner(DxfSource*, DxfFace*, int)
-{
-    return false;
-}
-#endif
 
 // Takes the corners of which nothing has been read, as long as they come in order.
 static void takePlainCorners(DxfSource* source, DxfFace* face)
@@ -383,7 +374,7 @@ static bool readDxf(DxfSource* source, FILE* file, Mesh* mesh, Report* report)
     if (report)
         report->isText = true;
     startBlocks(&source->blocks, file);
-    source->plainLines = kernelLevel() >= kernelsSse2;
+    source->plainLines = kernelLevel() >= kernelsWords;
     DxfWelder welder = {};
     int32_t expected = expectedFaces(source);
     bool ok = growVertices(mesh, expected) && growUvs(mesh, leastGrowth) && growFaces(mesh, expected) &&

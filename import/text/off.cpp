@@ -144,15 +144,13 @@ static int64_t byteOf(const OffSource* source, const char* line)
 
 static const char* takePosition(const OffSource* source, const char* line, MeshVertex* vertex)
 {
-#ifdef __SSE2__
-    __m128 values;
+    FourFloats values;
     const char* plainEnd = scanPlainPosition(line, &values);
     if (plainEnd && isBlankOrLineEnd(*plainEnd))
     {
         storeWhiteVertex(vertex, values);
         return endLine(line, plainEnd);
     }
-#endif
     float position[3];
     const char* end = endLine(line, scanInLine(line, position, 3, scanFloatPadded));
     if (end)
@@ -209,8 +207,7 @@ static const char* takeFace(const OffSource* source, const char* line, Mesh* mes
     if (line[0] < '3' || line[0] > '9' || !isBlank(line[1]))
         return nullptr;
     int corners = line[0] == '3' ? 3 : 4;
-#ifdef __SSE2__
-    __m128i values;
+    FourInts values;
     const char* plainEnd = scanPlainCorners(line + 2, corners, &values);
     if (plainEnd && isBlankOrLineEnd(*plainEnd))
     {
@@ -224,7 +221,6 @@ static const char* takeFace(const OffSource* source, const char* line, Mesh* mes
             return end;
         }
     } // storeFace finds out what is wrong
-#endif
     int32_t numbers[5] = { line[0] - '0', 0, 0, 0, 0 };
     const char* end = endLine(line, scanInLine(line + 1, numbers + 1, corners, scanIntPadded));
     if (end)
@@ -308,7 +304,7 @@ static bool readOff(OffSource* source, FILE* file, Mesh* mesh, Report* report)
         report->isText = true;
     startLines(&source->lines, file);
     source->lineCount = 0;
-    source->plainLines = kernelLevel() >= kernelsSse2;
+    source->plainLines = kernelLevel() >= kernelsWords;
     OffCounts counts = {};
     if (source->lines.blocks.sizeBytes <= 0)
         return failReading(report, -1, "the file is empty");

@@ -1,5 +1,9 @@
-// platform/other/processor.cpp - a processor without feature bits, control word and levels of kernels
+// platform/other/processor.cpp - a processor without feature bits, a control word and vector kernels
 #include "platform/processor.h"
+
+#include <algorithm>
+
+static KernelLevel levelLimit = kernelsAvx512;
 
 uint32_t processorFeatures()
 {

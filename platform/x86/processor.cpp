@@ -42,7 +42,7 @@ static KernelLevel highestLevel()
         return kernelsAvx2;
     if (features & processorSse2)
         return kernelsSse2;
-    return features & processorSse ? kernelsSse : kernelsPlain;
+    return features & processorSse ? kernelsSse : kernelsWords;
 }
 
 KernelLevel kernelLevel()

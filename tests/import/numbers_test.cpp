@@ -61,15 +61,14 @@ static const char* padded(const std::string& text)
     return buffer + plainFrontRoom;
 }
 
-#ifdef __SSE2__
 static Taken byPlainNumber(const char* text)
 {
     PlainLine line = startPlainLine(text);
     PlainNumber number;
-    __m128 values;
+    FourFloats values;
     if (!takePlainNumber(&line, &number) || !signsAreInPlace(line))
         return {};
-    __m128d close = closeToNumbers(number, number);
+    TwoDoubles close = closeToNumbers(number, number);
     if (!coordinatesOf(close, close, &values))
         return {};
     uint32_t bits[4];
@@ -84,9 +83,10 @@ static Taken byPlainDigits(const char* text)
     PlainDigits digits;
     if (!takePlainDigits(&line, &digits))
         return {};
-    __m128i fours = joinFours(digits, digits);
+    SixteenDigits both = joinFours(digits, digits);
+    FourInts eights = joinEights(both, both);
     int32_t values[4];
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(values), joinEights(fours, fours));
+    memcpy(values, &eights, sizeof values);
     EXPECT_TRUE(values[1] == values[0] && values[2] == values[0] && values[3] == values[0]) << text;
     return { 1, static_cast<int>(line.at) - 1, static_cast<uint32_t>(values[0]) };
 }
@@ -105,9 +105,6 @@ static void expectPlainLikeScanf(const std::string& text, Taken number, Taken wh
     plain = byPlainDigits(padded(text));
     ASSERT_TRUE(!plain.found || plain == whole) << '"' << text << '"';
 }
-#else
-static void expectPlainLikeScanf(const std::string&, Taken, Taken) {}
-#endif
 
 static void expectLikeScanf(const std::string& text)
 {
@@ -223,7 +220,6 @@ TEST(Numbers, EveryKindOfFloatComesBackFromItsDigits)
     }
 }
 
-#ifdef __SSE2__
 TEST(PlainNumbers, AreUpToSixteenDigitsWithASignAndAPoint)
 {
     for (const char* text : { "0", "-0", "7", "-1.5", "0.5", "000.000", "1048575.9", "-12345.123456",
@@ -250,7 +246,6 @@ TEST(PlainNumbers, WholeOnesHaveOneToEightDigits)
     for (const char* text : { "", "-1", "+1", "123456789", " 1", "/" })
         EXPECT_EQ(byPlainDigits(padded(text)).found, 0) << text;
 }
-#endif
 
 TEST(Numbers, ListsStopAtTheFirstThatIsNone)
 {

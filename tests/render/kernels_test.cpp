@@ -31,7 +31,7 @@ protected:
 
 static std::string levelName(const testing::TestParamInfo<KernelLevel>& info)
 {
-    return std::array{ "Plain", "Sse", "Sse2", "Avx2", "Avx512" }[static_cast<size_t>(info.param)];
+    return std::array{ "Plain", "Words", "Sse", "Sse2", "Avx2", "Avx512" }[static_cast<size_t>(info.param)];
 }
 
 INSTANTIATE_TEST_SUITE_P(Levels, FastKernels, testing::Values(kernelsSse2, kernelsAvx2, kernelsAvx512), levelName);
