@@ -12,7 +12,9 @@
 #include "model/ascii.h"
 #include "platform/boxes.h"
 #include "platform/file_names.h"
+#include "platform/files.h"
 
+#include <stdio.h>
 #include <string.h>
 
 struct Reader
@@ -79,6 +81,31 @@ int isModelName(const char* path)
     return hasExtension(path) && findReader(path) != nullptr;
 }
 
+// Replaces the reason of a failure when the file is text in an encoding that no reader knows: what the reader has found
+// wrong only follows from that.
+static void explainEncoding(Report* report, const char* path)
+{
+    static constexpr struct
+    {
+        const char* mark;
+        const char* name;
+    } encodings[] = { { "\xFF\xFE", "UTF-16" }, { "\xFE\xFF", "UTF-16" }, { "\xEF\xBB\xBF", "UTF-8" } };
+    char start[3] = {};
+    FILE* file = openFile(path, "rb");
+    if (!file)
+        return;
+    size_t length = fread(start, 1, sizeof start, file);
+    fclose(file);
+    for (const auto& [mark, name] : encodings)
+    {
+        if (length < strlen(mark) || memcmp(start, mark, strlen(mark)) != 0)
+            continue;
+        snprintf(report->failure, sizeof report->failure, "the file begins with the byte order mark of %s", name);
+        report->entriesExplain = false;
+        report->failureByte = 0;
+    }
+}
+
 int readModelFile(Mesh* mesh, const char* path, const ReadOptions& options)
 {
     if (!hasExtension(path))
@@ -86,6 +113,8 @@ int readModelFile(Mesh* mesh, const char* path, const ReadOptions& options)
     if (const Reader* reader = findReader(path))
     {
         int ok = reader->load(mesh, path, options);
+        if (options.report && options.report->failure[0])
+            explainEncoding(options.report, path);
         if (options.report)
             locateReport(options.report, path);
         return ok;

@@ -40,6 +40,9 @@ static int readHeader(FILE* file, RkfHeader* header, Report* report)
     if (needed > sizeBytes)
         failReading(report, 0, "%d vertices and %d faces do not fit in the file", header->vertexCount,
                     header->faceCount);
+    else if (needed < sizeBytes)
+        noteDetail(report, restIgnored, needed, "%d vertices and %d faces are announced", header->vertexCount,
+                   header->faceCount);
     return needed <= sizeBytes;
 }
 

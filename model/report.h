@@ -28,12 +28,14 @@ enum ReportKind : uint8_t
     linesTooLong,
     lineUnended,
     readingEndedEarly,
+    restIgnored,
     // parts of the file
     listsIgnored,
     elementsIgnored,
     entitiesIgnored,
     geometryElsewhere,
     chunksPastParent,
+    chunksTooShort,
     // names and what they lead to
     namesCut,
     groupsPastLimit,

@@ -241,5 +241,8 @@ bool readPlyHeader(PlyReader* reader)
         if (!ok)
             return false;
     }
-    return !tooLong || failHeader(reader, "a line is longer than 4095 bytes");
+    if (tooLong)
+        return failHeader(reader, "a line is longer than 4095 bytes");
+    noteDetail(reader->report, readingEndedEarly, bytePosition(&reader->cursor), "the header has no end_header");
+    return true;
 }

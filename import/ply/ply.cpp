@@ -573,6 +573,16 @@ static bool readBody(PlyReader* reader, Mesh* mesh)
     return true;
 }
 
+// Notes what follows the last element.
+static void noteRest(PlyReader* reader)
+{
+    PlyLine line;
+    if (!reader->report || bytesLeft(&reader->cursor) == 0)
+        return;
+    if (reader->format != plyAscii || nextPlyLine(reader, &line) || bytesLeft(&reader->cursor) > 0)
+        note(reader->report, restIgnored, bytePosition(&reader->cursor));
+}
+
 // Reads an opened file and shows its boxes.
 static bool readPly(PlyReader* reader, Mesh* mesh)
 {
@@ -583,6 +593,8 @@ static bool readPly(PlyReader* reader, Mesh* mesh)
     if (reader->report)
         reader->report->isText = !ok || reader->format == plyAscii;
     ok = ok && readBody(reader, mesh);
+    if (ok)
+        noteRest(reader);
     closeProgress();
     if (ok)
     {

@@ -97,7 +97,10 @@ static bool readFacets(ByteCursor* cursor, FILE* file, Mesh* mesh, Report* repor
     if (announced < 0)
         return failReading(report, -1, "neither text nor as long as the head of a binary file");
     if (wanted > blocks->sizeBytes)
-        return failReading(report, -1, "%lld triangles do not fit in the file", static_cast<long long>(announced));
+        return failReading(report, -1, "the first word is not \"solid\", and %lld triangles do not fit in the file",
+                           static_cast<long long>(announced));
+    if (wanted < blocks->sizeBytes)
+        noteDetail(report, restIgnored, wanted, "%lld triangles are announced", static_cast<long long>(announced));
     return readBinary(cursor, mesh, announced, report);
 }
 

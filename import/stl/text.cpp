@@ -136,12 +136,12 @@ static void catchUp(BlockSource* source, Mesh* mesh, int32_t* normalsDone)
     setProgress(blockFraction(source));
 }
 
-// Counts what a loop lost that ends at a byte. One without any vertex is the rest of a facet.
-static void noteLoop(const Loop& loop, int64_t byte, Report* report)
+// Counts what a loop lost that ends at a byte. The end of a facet finds no vertex after that of its loop.
+static void noteLoop(const Loop& loop, bool endsFacet, int64_t byte, Report* report)
 {
     if (loop.bad)
         note(report, facesBadCorners, byte);
-    else if (loop.count > 0 && loop.count < 3)
+    else if (loop.count < 3 && (loop.count > 0 || !endsFacet))
         note(report, facesTooFewCorners, byte);
     else
         note(report, facesCut, byte, loop.more);
@@ -156,6 +156,7 @@ bool readStlText(BlockSource* source, Mesh* mesh, Report* report)
     if (!growFaces(mesh, static_cast<int32_t>(expected)) || !growVertices(mesh, static_cast<int32_t>(3 * expected)))
         return false;
     Loop loop = {};
+    bool inSolid = true;
     int32_t normalsDone = 0;
     skipLine(source); // the name of the first solid
     for (Word word; nextWord(source, &word);)
@@ -166,7 +167,7 @@ bool readStlText(BlockSource* source, Mesh* mesh, Report* report)
             loop = {};
         else if (isWord(word, "endloop") || isWord(word, "endfacet"))
         {
-            noteLoop(loop, blockPosition(source) - 1, report);
+            noteLoop(loop, isWord(word, "endfacet"), blockPosition(source) - 1, report);
             if (loop.count == 3 && !loop.bad && !addTriangle(mesh, loop))
                 return false;
             loop = {};
@@ -174,8 +175,13 @@ bool readStlText(BlockSource* source, Mesh* mesh, Report* report)
                 catchUp(source, mesh, &normalsDone);
         }
         else if (isWord(word, "solid") || isWord(word, "endsolid"))
+        {
+            inSolid = isWord(word, "solid");
             skipLine(source);
+        }
     }
+    if (inSolid)
+        noteDetail(report, readingEndedEarly, source->sizeBytes, "the file ends inside a solid");
     catchUp(source, mesh, &normalsDone);
     return mesh->faceCount > 0 || failForLackOf(report, "no triangle");
 }

@@ -297,9 +297,12 @@ static void seeName(const DxfSource* source, DxfNames* names)
     { return source->length == strlen(name) && memcmp(source->text, name, source->length) == 0; };
     names->whole |= lineIs(source, "EOF");
     names->zeroBefore = lineIs(source, "0");
-    bool isName = source->length > 0 && ((source->text[0] >= 'A' && source->text[0] <= 'Z') ||
-                                         lineIs(source, "3DSOLID") || lineIs(source, "3DFACE"));
-    if (names->inEntities && isName && std::none_of(std::begin(structure), std::end(structure), isNamed))
+    bool isName =
+        source->length > 0 && ((source->text[0] >= 'A' && source->text[0] <= 'Z') || lineIs(source, "3DSOLID"));
+    static constexpr char shifted[] = "3DFACE after a value of 0"; // a line is missing or too many
+    if (lineIs(source, "3DFACE"))
+        noteName(source->report, entitiesIgnored, bytePosition(source), shifted, sizeof shifted - 1);
+    else if (names->inEntities && isName && std::none_of(std::begin(structure), std::end(structure), isNamed))
         noteName(source->report, entitiesIgnored, bytePosition(source), source->text, source->length);
 }
 
@@ -344,15 +347,14 @@ static bool readEntities(DxfSource* source, Mesh* mesh, DxfWelder* welder)
             continue;
         }
         DxfFace face;
-        int64_t byte = bytePosition(source);
         int cornerTotal = ReadDxfFace(source, &face);
         if (cornerTotal == 0)
             break;
         if (cornerTotal > 0 && !storeFace(mesh, welder, face, cornerTotal))
             return false;
         static constexpr char notPlain[] = "3DFACE that is not plain";
-        if (cornerTotal < 0)
-            noteName(source->report, entitiesIgnored, byte, notPlain, sizeof notPlain - 1);
+        if (cornerTotal < 0) // the line says why
+            noteName(source->report, entitiesIgnored, bytePosition(source), notPlain, sizeof notPlain - 1);
         lineWaits = true;
     }
     if (!names.whole)

@@ -261,11 +261,19 @@ static bool readVertices(OffSource* source, Mesh* mesh, int32_t count)
     return true;
 }
 
+// Notes a line after the last face. The lines in between are blank or comments.
+static void noteRest(OffSource* source, int32_t announced)
+{
+    if (source->report && NextOffLine(source))
+        noteDetail(source->report, restIgnored, lineByte(source), "%d faces are announced", announced);
+}
+
 // A list that is shorter than announced is accepted. So is a file that grows while it is read.
 static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
 {
     int32_t normalsDone = 0; // normals are added run by run, while the faces are in the cache
-    for (int32_t done = 0; done < announced;)
+    int32_t done = 0;
+    while (done < announced)
     {
         int32_t taken = takeLines(source, std::min(announced - done, mesh->faceCapacity - mesh->faceCount),
                                   [source, mesh](const char* line, int32_t) { return takeFace(source, line, mesh); });
@@ -291,6 +299,8 @@ static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
                  lineByte(source));
         ++done;
     }
+    if (done >= announced)
+        noteRest(source, announced);
     addFaceNormals(mesh, normalsDone, mesh->faceCount);
     finishNormals(mesh);
     mesh->liveFaceCount = mesh->faceCount;

@@ -16,6 +16,11 @@ int readChunkHeader(ThreeDsReadContext* context, Chunk* chunk)
     return !context->cursor.bad;
 }
 
+static int64_t notedPastParent(const Report* report)
+{
+    return report ? report->entries[chunksPastParent].count + report->entries[chunksTooShort].count : 0;
+}
+
 int readChildren(ThreeDsReadContext* context, const Chunk& parent, EmptyChild emptyChild,
                  int (*readChild)(ThreeDsReadContext* context, const Chunk& child))
 {
@@ -34,9 +39,12 @@ int readChildren(ThreeDsReadContext* context, const Chunk& parent, EmptyChild em
         if (child.length == 0)
             return failReading(context->report, byte, "a chunk of length 0 in chunk %04X", parent.id);
         note(context->report, chunksPastParent, byte, child.end > parent.end);
+        int64_t pastBefore = notedPastParent(context->report);
         if (!readChild(context, child))
             return failReading(context->report, byte, "chunk %04X of %u bytes does not hold what it should", child.id,
                                child.length);
+        if (bytePosition(&context->cursor) > child.end && notedPastParent(context->report) == pastBefore)
+            note(context->report, chunksTooShort, byte);
         seekBytes(&context->cursor, child.end);
         if (context->cursor.bad)
             return failReading(context->report, byte, "the chunks go back too often, with %04X", child.id);

@@ -407,12 +407,20 @@ static void addPoser(Made* made)
 
 // ----- PLY
 
+// The reader refuses files of less than 256 bytes before it looks at them, so each gets a comment after the format.
+static std::string plyFile(const std::string& text)
+{
+    size_t place = text.find('\n', text.find('\n') + 1) + 1;
+    std::string lineEnd = text.substr(0, place).find('\r') == std::string::npos ? "\n" : "\r\n";
+    return text.substr(0, place) + "comment " + std::string(256, '.') + lineEnd + text.substr(place);
+}
+
 static std::string plyHead(const std::string& format, const std::string& vertices, const std::string& faces,
                            const std::string& list = "uchar int")
 {
-    return "ply\nformat " + format + " 1.0\nelement vertex " + vertices +
-           "\nproperty float x\nproperty float y\nproperty float z\nelement face " + faces + "\nproperty list " + list +
-           " vertex_indices\nend_header\n";
+    return plyFile("ply\nformat " + format + " 1.0\nelement vertex " + vertices +
+                   "\nproperty float x\nproperty float y\nproperty float z\nelement face " + faces +
+                   "\nproperty list " + list + " vertex_indices\nend_header\n");
 }
 
 static void addPlyHeaders(Made* made)
@@ -432,7 +440,7 @@ static void addPlyHeaders(Made* made)
             properties += "property list uchar nothing p" + std::to_string(i) + "\n";
         }
         add(made, "limit", "ply", std::to_string(count) + " elements",
-            "ply\nformat ascii 1.0\n" + elements + "end_header\n");
+            plyFile("ply\nformat ascii 1.0\n" + elements + "end_header\n"));
         add(made, "limit", "ply", std::to_string(count) + " properties",
             "ply\nformat binary_little_endian 1.0\nelement face 100\n" + properties + "end_header\n" +
                 std::string(6400, '\x01'));
@@ -444,9 +452,9 @@ static void addPlyHeaders(Made* made)
     {
         std::string name(static_cast<size_t>(length), 'n');
         add(made, "limit", "ply", "a property name of " + std::to_string(length) + " bytes",
-            "ply\nformat ascii 1.0\nelement vertex 1\nproperty float " + name + "\nend_header\n1\n");
+            plyFile("ply\nformat ascii 1.0\nelement vertex 1\nproperty float " + name + "\nend_header\n1\n"));
         add(made, "limit", "ply", "an element name of " + std::to_string(length) + " bytes",
-            "ply\nformat ascii 1.0\nelement " + name + " 1\nproperty float x\nend_header\n1\n");
+            plyFile("ply\nformat ascii 1.0\nelement " + name + " 1\nproperty float x\nend_header\n1\n"));
         add(made, "limit", "ply", "a comment of " + std::to_string(length) + " bytes",
             "ply\nformat ascii 1.0\ncomment " + name + "\n" + plyHead("ascii", "3", "1").substr(21) + data);
     }
@@ -492,9 +500,9 @@ static void addPly(Made* made)
     addPlyHeaders(made);
     addPlyData(made);
     for (const std::string& sample : plySamples())
-        addTruncations(made, "ply", sample);
-    addForText(made, "ply", plySamples()[2]);
-    addForText(made, "ply", plySamples()[3]);
+        addTruncations(made, "ply", plyFile(sample));
+    addForText(made, "ply", plyFile(plySamples()[2]));
+    addForText(made, "ply", plyFile(plySamples()[3]));
 }
 
 // ----- 3DS

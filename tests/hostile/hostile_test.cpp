@@ -1,5 +1,6 @@
-// tests/hostile/hostile_test.cpp - a file with a known mistake is refused with its message or gives a sound mesh, and
-// takes memory in proportion to its size
+// tests/hostile/hostile_test.cpp - a file with a known mistake is refused with its message or gives a sound mesh, names
+// the cause, and takes memory in proportion to its size
+#include "tests/hostile/causes.h"
 #include "tests/hostile/hostile_files.h"
 
 #include "image/jpeg.h"
@@ -92,6 +93,9 @@ TEST_P(HostileFiles, AModelIsRefusedWithItsMessageOrKeepsItsPromises)
         Report report = {};
         int ok = readHostile(mesh, path, &report);
         EXPECT_EQ(report.failure[0] != 0, ok == 0) << "a reason exactly when it fails: " << report.failure;
+        const ExpectedCauses* expected = expectedCauses(file);
+        ASSERT_NE(expected, nullptr);
+        EXPECT_EQ(unexpectedIn(report, file, *expected), "") << "is no cause of this mistake: " << report.failure;
         EXPECT_LE(recorded.peakBytes, freeBytes + bytesPerFileByte * file.bytes.size());
         for (const RecordedProgress& bar : recorded.progress)
             EXPECT_TRUE(bar.closed);

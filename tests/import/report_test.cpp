@@ -210,6 +210,8 @@ static std::vector<Case> offCases()
         { "OffHugePosition", "off", "OFF\n3 1 0\n0 0 0\n0 1e30 0\n1 1 0\n3 0 1 2\n", valuesZeroed, 1, 4, "" },
         { "OffMissingNumber", "off", "OFF\n3 1 0\n0 0 0\n0 1\n1 1 0\n3 0 1 2\n", numbersMissing, 1, 4, "" },
         { "OffLineTooLong", "off", offSquare + std::string(300, '#') + "\n3 0 1 2\n", linesTooLong, 1, 9, "" },
+        { "OffMoreFacesThanAnnounced", "off", offSquare + "3 0 1 2\n# a remark\n\n3 1 2 3\n", restIgnored, 1, 12,
+          "2 faces" },
         { "OffFewerFacesThanAnnounced", "off", offSquare, readingEndedEarly, 1, 8, "1 of 2" },
     };
 }
@@ -221,8 +223,10 @@ static std::vector<Case> dxfCases()
           entitiesIgnored, 3, 34, "LINE" },
         { "DxfNameAfterAValueOfZero", "dxf", dxf(dxfFace() + "0\nLINE\n8\n0\n0\nARC\n8\n0\n"), entitiesIgnored, 2, 34,
           "ARC" },
-        { "DxfFaceThatIsNotPlain", "dxf", dxf(dxfFace() + dxfFace("5\nAB\n")), entitiesIgnored, 1, 34,
+        { "DxfFaceThatIsNotPlain", "dxf", dxf(dxfFace() + dxfFace("5\nAB\n")), entitiesIgnored, 1, 37,
           "3DFACE that is not plain" },
+        { "DxfFaceAfterAValueOfZero", "dxf", dxf(dxfFace() + "0\n" + dxfFace()), entitiesIgnored, 1, 35,
+          "3DFACE after a value of 0" },
         { "DxfHugePosition", "dxf", dxf(dxfFace("", "5000000")), valuesZeroed, 1, 10, "" },
         { "DxfMissingNumber", "dxf", dxf(dxfFace("", "x")), numbersMissing, 1, 10, "" },
         { "DxfLineTooLong", "dxf", dxf("999\n" + std::string(3000, 'x') + "\n" + dxfFace()), linesTooLong, 1, 6, "" },
@@ -251,6 +255,7 @@ static std::vector<Case> plyCases()
     using namespace ply;
     const std::string body = "0 0 0\n1 0 0\n0 1 0\n", other = "element edge 1\nproperty int vertex1\n";
     const std::string twoLists = plyFaces + "property list uchar float texcoord\n";
+    const std::string plyHeaderOnly = ascii("", "");
     std::string huge = binaryPly(2e6f, 2, false), hugeBig = binaryPly(2e6f, 2, true), bad = binaryPly(1, 7, false);
     return {
         { "PlyCornerPastTheVertices", "ply", ascii(plyVertices + plyFaces, body + "3 0 1 3\n"), facesBadCorners, 1, 14,
@@ -273,6 +278,12 @@ static std::vector<Case> plyCases()
           "\"texcoord\", counts; --ply-list" },
         { "PlyOtherElement", "ply", ascii(plyVertices + other + plyFaces, body + "5\n3 0 1 2\n"), elementsIgnored, 1,
           16, "edge" },
+        { "PlyMoreLinesThanAnnounced", "ply", ascii(plyVertices + plyFaces, body + "3 0 1 2\n\n3 0 1 2\n"), restIgnored,
+          1, 16, "" },
+        { "PlyMoreBytesThanAnnounced", "ply", huge.substr(0, huge.size()) + "x", restIgnored, 1,
+          static_cast<int64_t>(huge.size()), "", valuesZeroed },
+        { "PlyHeaderWithoutItsEnd", "ply", plyHeaderOnly.substr(0, plyHeaderOnly.size() - 11), readingEndedEarly, 1, 3,
+          "end_header" },
         { "PlyNameCut", "ply",
           ascii(plyVertices + "property float " + longName + "\n" + plyFaces, "0 0 0 1\n1 0 0 1\n0 1 0 1\n3 0 1 2\n"),
           namesCut, 1, 8, "" },
@@ -290,6 +301,7 @@ static std::vector<Case> binaryCases()
     for (int i = 0; i < 513; ++i)
         objects += object("o" + std::to_string(i), square + face);
     const std::string map = material("m", chunk(chunkTextureMap, chunk(chunkMapName, text(longName))));
+    const std::string shortSquare = chunk(chunkVertices, bytesOf(uint16_t{ 5 }) + square.substr(8));
     const std::string cutMap = threeDs(square + face, map);
     return {
         { "ThreeDsCornerPastTheVertices", "3ds", threeDs(square + faces({ 0, 1, 2, 0, 1, 4 })), facesBadCorners, 1, 118,
@@ -306,12 +318,19 @@ static std::vector<Case> binaryCases()
         { "ThreeDsObjectsPastTheLimit", "3ds", threeds::file(objects), groupsPastLimit, 1, -2, "" },
         { "ThreeDsTextureNameCut", "3ds", cutMap, namesCut, 1, static_cast<int64_t>(cutMap.find(longName)), "" },
         { "ThreeDsChunkPastItsParent", "3ds", pastParent(), chunksPastParent, 1, 98, "" },
+        { "ThreeDsListPastItsChunk", "3ds", threeds::file(object("o", shortSquare + face)), chunksTooShort, 1, 46, "" },
         { "ThreeDsSectionEndedByAnEmptyChunk", "3ds",
           threeds::file(object("o", square + face) + chunkOfLength(0, 0, "")), readingEndedEarly, 1, 118,
           "chunk 3D3D" },
         { "RkfHugePosition", "rkf", rkfFile(0, rkf::bitsOf(3e6f)), valuesZeroed, 1, 28, "" },
+        { "RkfMoreBytesThanAnnounced", "rkf", rkfFile(0, 0) + "more", restIgnored, 1, 84, "1 faces" },
         { "RkfMaterialMissing", "rkf", rkfFile(4, 0), materialsMissing, 1, -1, "number 4 of 0" },
     };
+}
+
+static std::string stlEnded(const std::string& facets)
+{
+    return facets + "endsolid a\n";
 }
 
 static std::string stlFacet(const std::string& vertices)
@@ -333,13 +352,18 @@ static std::vector<Case> stlCases()
     std::string flat = binary;
     memset(&flat[134 + 12], 0, sizeof corners);
     return {
-        { "StlHugePosition", "stl", solid + stlFacet("vertex 1e9 0 0\nvertex 1 0 0\nvertex 0 1 0\n"), valuesZeroed, 1,
-          11, "" },
-        { "StlBadVertex", "stl", solid + stlFacet("vertex x 0 0\nvertex 1 0 0\nvertex 0 1 0\n"), facesBadCorners, 1, 14,
-          "" },
-        { "StlTooFewVertices", "stl", solid + stlFacet("vertex 1 0 0\nvertex 0 1 0\n"), facesTooFewCorners, 1, 13, "" },
-        { "StlFourVertices", "stl", solid + stlFacet("vertex 0 0 0\nvertex 1 0 0\nvertex 1 1 0\nvertex 0 1 0\n"),
-          facesCut, 1, 15, "" },
+        { "StlHugePosition", "stl", stlEnded(solid + stlFacet("vertex 1e9 0 0\nvertex 1 0 0\nvertex 0 1 0\n")),
+          valuesZeroed, 1, 11, "" },
+        { "StlBadVertex", "stl", stlEnded(solid + stlFacet("vertex x 0 0\nvertex 1 0 0\nvertex 0 1 0\n")),
+          facesBadCorners, 1, 14, "" },
+        { "StlTooFewVertices", "stl", stlEnded(solid + stlFacet("vertex 1 0 0\nvertex 0 1 0\n")), facesTooFewCorners, 1,
+          13, "" },
+        { "StlFourVertices", "stl",
+          stlEnded(solid + stlFacet("vertex 0 0 0\nvertex 1 0 0\nvertex 1 1 0\nvertex 0 1 0\n")), facesCut, 1, 15, "" },
+        { "StlLoopWithoutVertices", "stl", stlEnded(solid + stlFacet("")), facesTooFewCorners, 1, 11, "" },
+        { "StlWithoutItsEnd", "stl", solid + "facet normal 0 0 1\nouter loop\nvertex 0 0", readingEndedEarly, 1, 11,
+          "inside a solid" },
+        { "StlMoreTrianglesThanAnnounced", "stl", binary + std::string(50, 0), restIgnored, 1, 184, "2 triangles" },
         { "StlBinaryHugePosition", "stl", huge, valuesZeroed, 2, 134, "" },
         { "StlWithoutArea", "stl", flat, facesDegenerate, 1, -1, "" },
     };
@@ -436,6 +460,12 @@ TEST_F(Reports, FailuresSayWhy)
     using namespace ply;
     const std::string body = "0 0 0\n1 0 0\n0 1 0\n";
     EXPECT_EQ(failureOf("", "obj"), "the file is empty");
+    EXPECT_EQ(failureOf("\xEF\xBB\xBF" + offSquare, "off"),
+              "the file begins with the byte order mark of UTF-8, line 1");
+    EXPECT_EQ(failureOf(std::string("\xFF\xFEs\0o\0", 6) + std::string(200, 'x'), "stl"),
+              "the file begins with the byte order mark of UTF-16, byte 0");
+    EXPECT_EQ(failureOf(std::string("\xFE\xFF\0v\0 ", 6), "obj"),
+              "the file begins with the byte order mark of UTF-16, line 1");
     EXPECT_EQ(failureOf("f 1 2 3\n", "obj"), "no vertex");
     EXPECT_EQ(failureOf("v 0 0 0\nf 1 1 1\n", "obj"), "no face and no line");
     EXPECT_EQ(failureOf("", "off"), "the file is empty");
@@ -471,7 +501,8 @@ TEST_F(Reports, FailuresSayWhy)
               "the file ends inside chunk 4D4D, byte 18");
     EXPECT_EQ(failureOf("abc", "stl"), "neither text nor as long as the head of a binary file");
     EXPECT_EQ(failureOf("solid a\nendsolid a\n", "stl"), "no triangle");
-    EXPECT_EQ(failureOf(std::string(80, 0) + std::string("\5\0\0\0", 4), "stl"), "5 triangles do not fit in the file");
+    EXPECT_EQ(failureOf(std::string(80, 0) + std::string("\5\0\0\0", 4), "stl"),
+              "the first word is not \"solid\", and 5 triangles do not fit in the file");
     EXPECT_EQ(failureOf("abc", "rkf"), "the file is shorter than its header of 16 bytes");
     EXPECT_EQ(failureOf(rkf::words({ 9, 9, 0, 96 }), "rkf"), "9 vertices and 9 faces do not fit in the file, byte 0");
 }
