@@ -32,10 +32,13 @@ int processorHasAvx512()
 
 KernelLevel kernelLevel()
 {
-    return kernelsPlain;
+    return std::min(levelLimit, kernelsWords);
 }
 
-void limitKernelLevel(KernelLevel) {}
+void limitKernelLevel(KernelLevel highest)
+{
+    levelLimit = highest;
+}
 
 void SetRendererRounding() {}
 
