@@ -45,7 +45,10 @@ int panelBoxChecked(int id)
 void setPanelText(int id, const char* text)
 {
     if (QLabel* label = windowHandles.panelTexts.value(id))
+    {
         label->setText(QString::fromUtf8(text));
+        label->setAccessibleDescription(label->text()); // its accessible name says what is counted
+    }
 }
 
 void clearFilterList()

@@ -12,6 +12,7 @@
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
 #include <QtGui/QWheelEvent>
+#include <math.h>
 
 constexpr int wheelNotch = 120;
 
@@ -49,9 +50,11 @@ static int32_t pixels(const QWidget* widget, double units)
     return static_cast<int32_t>(units * widget->devicePixelRatioF());
 }
 
+// Rounded up: at some scales the display ends within a pixel of the screen, which must have one of the picture, too.
 void DisplayWidget::resizeEvent(QResizeEvent*)
 {
-    displayResized(pixels(this, width()), pixels(this, height()));
+    displayResized(static_cast<int32_t>(ceil(width() * devicePixelRatioF())),
+                   static_cast<int32_t>(ceil(height() * devicePixelRatioF())));
 }
 
 void DisplayWidget::mousePressEvent(QMouseEvent* event)

@@ -53,7 +53,7 @@ void MainWindow::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::WindowStateChange)
         mainWindowSized(isMinimized());
-    else if (event->type() == QEvent::ActivationChange)
+    else if (event->type() == QEvent::ActivationChange && !isMinimized()) // a frame would change the title again
         mainWindowActivated(isActiveWindow());
     QMainWindow::changeEvent(event);
 }

@@ -4,6 +4,7 @@
 #include "shell/panel.h"
 #include "shell/qt/desktop.h"
 
+#include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QGridLayout>
@@ -16,6 +17,7 @@ static QWidget* makeFilterList(int id)
 {
     auto* list = new QComboBox;
     list->setAccessibleName("Group or material");
+    list->view()->setAccessibleName("Groups and materials");
     list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     list->setMinimumContentsLength(14);
     QObject::connect(list, &QComboBox::activated, list, [id] { runPanelCommand(id); });

@@ -433,9 +433,28 @@ static int codeOf(int key)
     return key;
 }
 
+// Waits until the keyboard is back in the window, where it has to come by itself after a box. Only without a display
+// nobody brings it back, because there is no window manager, and a compositor without a screen has no keyboard at all.
+static void waitForKeyboard()
+{
+    onProgramThread(
+        []
+        {
+            if (QGuiApplication::platformName() != "xcb")
+                windowHandles.main->activateWindow();
+        });
+    eventually(
+        []
+        {
+            return askProgram<bool>(
+                [] { return QApplication::focusWidget() || QGuiApplication::platformName() == "wayland"; });
+        });
+}
+
 // To the widget with the focus, as the window system does.
 void pressKey(int key, uint32_t modifiers)
 {
+    waitForKeyboard();
     onProgramThread(
         [=]
         {
@@ -443,7 +462,10 @@ void pressKey(int key, uint32_t modifiers)
             held.setFlag(Qt::ControlModifier, modifiers & withControl);
             held.setFlag(Qt::ShiftModifier, modifiers & withShift);
             QWidget* receiver = QApplication::focusWidget();
-            receiver = receiver ? receiver : windowHandles.main;
+            if (!receiver && QGuiApplication::platformName() == "wayland")
+                receiver = windowHandles.main;
+            if (!receiver)
+                return; // the key is lost
             for (QEvent::Type type : { QEvent::KeyPress, QEvent::KeyRelease })
             {
                 QKeyEvent event(type, codeOf(key), held);
