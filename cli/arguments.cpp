@@ -203,6 +203,9 @@ static void addLoadOptions(CLI::App* command, LoadArguments* load, bool withFilt
         ->add_option("--ply-list", load->plyList,
                      "PLY: the list of a face that has its corners, the last one unless given")
         ->option_text("NAME");
+    command->add_option("--max-size", load->maxSize, "read no file of more than N MiB")
+        ->option_text("N")
+        ->check(CLI::Range(1, 1 << 20));
     command->add_flag("--strict", load->strict, "exit with status 1 after a warning, and write nothing");
     command->add_flag("--quiet", load->quiet, "print no notices and no warnings");
     if (withFilter)

@@ -26,6 +26,7 @@ struct LoadArguments
     std::vector<const MeshTool*> tools; // in the order given
     std::optional<int> filter;          // index in the filter list of the tool panel
     std::string plyList;                // the list of a PLY face that counts; empty: the last one
+    std::optional<int> maxSize;         // MiB of the largest file that is read
     bool strict = false;                // warnings are failures
     bool quiet = false;                 // no warnings and no notices
 };

@@ -7,6 +7,7 @@
 #include "model/ascii.h"
 #include "model/builtin.h"
 #include "platform/boxes.h"
+#include "platform/files.h"
 #include "platform/terminal/terminal.h"
 #include "tools/filter.h"
 
@@ -21,6 +22,17 @@ static bool isRkf(const std::string& path)
     for (size_t i = 0; i < 4; ++i)
         extension[i] = asciiLower(path[path.size() - 4 + i]);
     return strcmp(extension, ".rkf") == 0;
+}
+
+// Whether the file has more than a number of MiB. One that cannot be measured fails when it is read.
+static bool isLargerThan(const std::string& path, int mebibytes)
+{
+    FILE* file = openFile(path.c_str(), "rb");
+    if (!file)
+        return false;
+    bool larger = measureFile(file) > int64_t{ mebibytes } << 20;
+    fclose(file);
+    return larger;
 }
 
 static int readModel(Mesh* mesh, const std::string& path, const ReadOptions& options)
@@ -60,8 +72,11 @@ static Mesh* repair(Mesh* mesh, const LoadArguments& load, std::string* error)
 
 bool loadModel(LoadedModel* model, const std::string& path, const LoadArguments& load)
 {
-    Mesh* mesh = createMesh("prop");
-    if (!mesh)
+    bool tooLarge = load.maxSize && isLargerThan(path, *load.maxSize);
+    Mesh* mesh = tooLarge ? nullptr : createMesh("prop");
+    if (tooLarge)
+        model->error = "larger than " + std::to_string(*load.maxSize) + " MiB, the limit of --max-size";
+    else if (!mesh)
         model->error = "out of memory";
     else if (!readModel(mesh, path,
                         { load.keyframes, load.plyList.empty() ? nullptr : load.plyList.c_str(), &model->report }))

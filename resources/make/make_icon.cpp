@@ -3,7 +3,8 @@
 //   make_icon FOLDER
 //
 // kestrelbox.ico holds the emblem in four sizes: 16, 32 and 48 pixels as bitmaps of 32 bits with a mask, 256 as PNG.
-// kestrelbox.png is the largest alone, for desktops that take icons as files. about.bmp is a bitmap of 24 bits.
+// kestrelbox.png is the largest alone, and kestrelbox-16.png to kestrelbox-128.png are smaller ones, for desktops that
+// take icons as files. about.bmp is a bitmap of 24 bits.
 #include "output.h"
 #include "paint.h"
 #include "png_file.h"
@@ -21,6 +22,7 @@ static uint8_t channelByte(double channel)
 
 constexpr int pngSide = 256;
 constexpr int iconSides[] = { 16, 32, 48, pngSide };
+constexpr int smallPngSides[] = { 16, 32, 48, 128 };
 
 // Red, green, blue, alpha; rows from the top.
 static std::vector<uint8_t> emblemPixels(int side)
@@ -346,6 +348,17 @@ static std::string aboutFile()
     return file;
 }
 
+static bool writeSmallPngs(const char* folder)
+{
+    for (int side : smallPngSides)
+    {
+        std::string png = pngFile(side, side, emblemPixels(side));
+        if (png.empty() || !writeFile(folder, ("kestrelbox-" + std::to_string(side) + ".png").c_str(), png))
+            return false;
+    }
+    return true;
+}
+
 int main(int argumentCount, char** arguments)
 {
     if (argumentCount != 2)
@@ -354,7 +367,8 @@ int main(int argumentCount, char** arguments)
         return 2;
     }
     std::string png = pngFile(pngSide, pngSide, emblemPixels(pngSide));
-    bool ok = !png.empty() && writeFile(arguments[1], "kestrelbox.ico", iconFile(png)) &&
+    bool ok = !png.empty() && writeSmallPngs(arguments[1]) &&
+              writeFile(arguments[1], "kestrelbox.ico", iconFile(png)) &&
               writeFile(arguments[1], "kestrelbox.png", png) && writeFile(arguments[1], "about.bmp", aboutFile());
     return ok ? 0 : 1;
 }

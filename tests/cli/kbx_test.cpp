@@ -43,6 +43,7 @@ TEST_F(Kbx, WrongUsageExitsWithTwoAndSaysWhatWasExpected)
                                    "render --size 9x9 -o x.bmp a.obj",
                                    "render --size 99999x100 -o x.bmp a.obj",
                                    "render --frames 0 -o x.bmp a.obj",
+                                   "render --max-size 0 -o x.bmp a.obj",
                                    "convert a.obj out.fbx",
                                    "convert a.obj obj",
                                    "info --colour a.obj" })
@@ -53,6 +54,24 @@ TEST_F(Kbx, WrongUsageExitsWithTwoAndSaysWhatWasExpected)
         EXPECT_EQ(result.err.rfind("kbx: ", 0), 0u) << arguments << "\n" << result.err;
         EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << arguments;
     }
+}
+
+TEST_F(Kbx, AFileAboveMaxSizeIsNotRead)
+{
+    std::string model = squareObj;
+    model.resize(1 << 20, '\n');
+    write("exact.obj", model);
+    write("larger.obj", model + "\n");
+    EXPECT_EQ(run("render --max-size 1 exact.obj -o exact.png").status, 0);
+    for (const char* command : { "render --max-size 1 larger.obj -o larger.png", "info --max-size 1 larger.obj",
+                                 "convert --max-size 1 larger.obj larger.stl" })
+    {
+        Result result = run(command);
+        EXPECT_EQ(result.status, 1) << command;
+        EXPECT_EQ(result.err, "kbx: larger.obj: larger than 1 MiB, the limit of --max-size\n") << command;
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder / "larger.png"));
+    EXPECT_EQ(run("info --max-size 2 larger.obj").status, 0);
 }
 
 TEST_F(Kbx, WrongUsageNamesCommandsAndRanges)

@@ -130,8 +130,19 @@ static std::string withoutPng(std::string icon)
 
 TEST(Generators, IconIsRebuiltPixelForPixel)
 {
-    std::vector<std::string> files = rebuilt("make_icon", { "kestrelbox.ico", "kestrelbox.png", "about.bmp" });
+    const std::vector<const char*> names = { "kestrelbox.ico",    "kestrelbox.png",    "about.bmp",
+                                             "kestrelbox-16.png", "kestrelbox-32.png", "kestrelbox-48.png",
+                                             "kestrelbox-128.png" };
+    std::vector<std::string> files = rebuilt("make_icon", names);
     EXPECT_TRUE(files[2] == committed("about.bmp"));
+
+    for (size_t i = 3; i < names.size(); ++i)
+    {
+        std::optional<Pixels> small = decodedPng(committed(names[i]));
+        ASSERT_TRUE(small.has_value()) << names[i];
+        EXPECT_EQ(small->width, atoi(names[i] + strlen("kestrelbox-")));
+        EXPECT_TRUE(decodedPng(files[i]) == small) << names[i];
+    }
 
     std::optional<Pixels> png = decodedPng(committed("kestrelbox.png"));
     ASSERT_TRUE(png.has_value());
