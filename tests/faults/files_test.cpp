@@ -97,6 +97,26 @@ TEST_F(FailingFiles, AReadThatFailsAnywhereIsNoHarm)
     }
 }
 
+// The other readers may take what came before as the whole file.
+TEST_F(FailingFiles, AnRkfFileWhoseReadFailsIsRefused)
+{
+    for (const std::string& bytes : rkfSamples())
+    {
+        std::string path = put("a.rkf", bytes);
+        Mesh* whole = createMesh("prop");
+        ASSERT_EQ(loadAny(whole, path.c_str()), 1);
+        freeMesh(whole);
+        for (size_t length = 0; length < bytes.size(); ++length)
+        {
+            fileFaults = { .readableBytes = static_cast<int64_t>(length) };
+            Mesh* mesh = createMesh("prop");
+            EXPECT_EQ(loadAny(mesh, path.c_str()), 0) << length;
+            freeMesh(mesh);
+            fileFaults = {};
+        }
+    }
+}
+
 TEST_F(FailingFiles, APictureWhoseReadFailsKeepsTheOldOne)
 {
     JpegPlan plan;

@@ -103,6 +103,23 @@ TEST(ByteCursor, IsBadOnceItHasTakenEveryByteTwice)
     EXPECT_EQ(rounds, 3);
 }
 
+// A file of two blocks is fetched by half with each move to its other half. Four times the file and 1 MiB are allowed.
+TEST(ByteCursor, IsBadOnceItHasFetchedTheFileTooOften)
+{
+    OpenFile open(std::string(2 * blockRoom, 'x'));
+    auto cursor = std::make_unique<ByteCursor>();
+    startBytes(cursor.get(), open.file);
+    int fetches = 0;
+    for (; !cursor->bad && fetches < 100; ++fetches)
+    {
+        seekBytes(cursor.get(), fetches % 2 * static_cast<int64_t>(blockRoom));
+        if (!cursor->bad)
+            takeNumber<uint8_t>(cursor.get());
+    }
+    // The move after the last fetch that is allowed is still good, the one after the first that is not is bad.
+    EXPECT_EQ(fetches, 4 * 2 + 4 + 2);
+}
+
 TEST(LineView, LinesAreTerminatedInPlaceAndCutAtTheRoom)
 {
     OpenFile open("one\n\nthree and more\nlast");

@@ -223,6 +223,8 @@ static std::vector<Case> dxfCases()
           entitiesIgnored, 3, 34, "LINE" },
         { "DxfNameAfterAValueOfZero", "dxf", dxf(dxfFace() + "0\nLINE\n8\n0\n0\nARC\n8\n0\n"), entitiesIgnored, 2, 34,
           "ARC" },
+        { "DxfTextAfterAZeroThatIsNoName", "dxf", dxf(dxfFace() + "0\naB\n0\nBb\n0\n[A\n0\n@A\n"), entitiesIgnored, 1,
+          36, "Bb" },
         { "DxfFaceThatIsNotPlain", "dxf", dxf(dxfFace() + dxfFace("5\nAB\n")), entitiesIgnored, 1, 37,
           "3DFACE that is not plain" },
         { "DxfFaceAfterAValueOfZero", "dxf", dxf(dxfFace() + "0\n" + dxfFace()), entitiesIgnored, 1, 35,
@@ -483,6 +485,8 @@ TEST_F(Reports, FailuresSayWhy)
     EXPECT_EQ(failureOf(header("utf8", ""), "ply"),
               "header: the format is not ascii, binary_big_endian or binary_little_endian, line 2");
     EXPECT_EQ(failureOf(ascii("property int a\n", ""), "ply"), "header: a property before the first element, line 4");
+    EXPECT_EQ(failureOf(ascii("element other 1\n" + repeated("property int a\n", 65), ""), "ply"),
+              "header: more than 64 properties of an element, line 69");
     EXPECT_EQ(failureOf(ascii(plyVertices + plyFaces, body + "3 0 1\n"), "ply"),
               "a line with too few words for its element, line 14");
     EXPECT_EQ(failureOf(ascii(plyVertices + plyFaces, "0 0 0\n1 0 0\n"), "ply"),

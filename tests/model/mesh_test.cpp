@@ -411,3 +411,15 @@ TEST_F(MeshRecord, AnEmptyListIsLeftAlone)
     fitModelList(&list);
     EXPECT_EQ(list.radius, 3);
 }
+
+TEST(FaceCorners, AreCountedUpToTheFirstAbsentOne)
+{
+    constexpr uint32_t none = noCorner;
+    const Corners faces[] = {
+        { 7, 7, 7, 7 },    { 7, 7, 7, none }, { 7, 7, none, 7 }, { 7, none, 7, 7 },
+        { none, 7, 7, 7 }, { 7, 7, 7, 7 },    { 7, 7, 7, 7 }
+    }; // the face behind a quad does not count
+    const size_t counts[] = { 4, 3, 2, 1, 0, 4, 4 };
+    for (size_t f = 0; f + 1 < std::size(faces); ++f)
+        EXPECT_EQ(usedCorners(faces[f]), counts[f]) << f;
+}

@@ -256,11 +256,13 @@ TEST_F(Shadows, MarksSurviveTheFrameAndDarkenOnlyWhileShadowsAreOn)
     display.drawWhole();
     EXPECT_EQ(display.target.shadowMap[5], 0);
     EXPECT_TRUE(mesh->projected[8].flags & vertexShadowed);
-    uint32_t shadowed = mesh->projected[8].colour;
+    uint32_t shadowed = mesh->projected[8].colour, lit = mesh->projected[0].colour;
+    EXPECT_FALSE(mesh->projected[0].flags & vertexShadowed);
     renderSettings.renderFlags &= ~renderShadows;
     display.drawWhole();
     EXPECT_TRUE(mesh->projected[8].flags & vertexShadowed) << "marks stay as they were";
     EXPECT_GT(mesh->projected[8].colour & 0xFF, shadowed & 0xFF);
+    EXPECT_EQ(mesh->projected[0].colour, lit) << "a vertex that is not marked has the same light with shadows";
 }
 
 TEST_F(Shadows, VerticesOffTheMapNeitherGetNorCastAShadow)

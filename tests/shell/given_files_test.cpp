@@ -47,6 +47,21 @@ protected:
     }
 };
 
+static ptrdiff_t openDescriptors()
+{
+    return std::distance(fs::directory_iterator("/proc/self/fd"), {});
+}
+
+TEST_F(GivenFiles, NoFileStaysOpen)
+{
+    std::string model = writeFile("one.obj", triangleObj), broken = writeFile("two.obj", "x");
+    ptrdiff_t before = openDescriptors();
+    for (const std::string& path : { model, broken, picture("three.jpg", 8), pathOf("none.obj") })
+        drop(path);
+    reloadModel();
+    EXPECT_EQ(openDescriptors(), before);
+}
+
 TEST_F(GivenFiles, AModelOpensAsByTheMenu)
 {
     chooseRenderFlag(&choices, renderWireframe, true);

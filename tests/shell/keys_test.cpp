@@ -173,6 +173,12 @@ TEST_F(Keys, DChangesTheDragModeAndTheTitleSaysWhich)
 
 TEST_F(Keys, AHeldKeyRepeatsOnlyWhereItMoves)
 {
+    std::set<std::string> repeating;
+    for (const KeyCommand& command : keyCommands())
+        if (command.repeats)
+            repeating.insert(command.name);
+    EXPECT_EQ(repeating,
+              (std::set<std::string>{ "Ctrl+Z", "Ctrl+Y", "Ctrl+Shift+Z", "Left", "Right", "Up", "Down", "+", "-" }));
     for (const KeyCommand& command : keyCommands())
     {
         if (command.repeats)

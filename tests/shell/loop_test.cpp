@@ -87,6 +87,19 @@ TEST_F(Loop, ASpinTakesOneStepInEachRefreshOfTheScreen)
     }
 }
 
+// A refresh of 60 a second takes 16 2/3 milliseconds: of three, one is a millisecond shorter.
+TEST_F(Loop, RefreshesKeepThePartsOfAMillisecond)
+{
+    recorded.refreshRate = 60;
+    recorded.tick = 1000;
+    spin();
+    for (uint32_t k = 1; k <= 60; ++k)
+    {
+        recorded.tick += drawDueFrame();
+        EXPECT_EQ(recorded.tick, 1000 + k * 1000 / 60) << k;
+    }
+}
+
 TEST_F(Loop, ASpinIsNotFasterThanItsRefreshes)
 {
     spin();

@@ -42,9 +42,15 @@ TEST_F(Panel, BoxesStartAsTheSwitchesStand)
 
 TEST_F(Panel, ShadowsBoxCountsTheSurfaceSwitchesToo)
 {
-    choices.render.renderFlags = renderRough;
-    initPanel();
-    EXPECT_TRUE(recorded.panelChecks[ID_SHADOWS]);
+    for (uint32_t flag : { renderShadows, renderRough, renderMoon })
+    {
+        choices.render.renderFlags = 0;
+        initPanel();
+        EXPECT_FALSE(recorded.panelChecks[ID_SHADOWS]);
+        choices.render.renderFlags = flag;
+        initPanel();
+        EXPECT_TRUE(recorded.panelChecks[ID_SHADOWS]) << flag;
+    }
 }
 
 TEST_F(Panel, StatisticsShowTheSixCounts)

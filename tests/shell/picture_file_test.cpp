@@ -41,6 +41,46 @@ TEST_F(PictureFile, ADecodedPictureIsABottomUpBitmap)
     }
 }
 
+TEST_F(PictureFile, RowsThatAreDecodedAsTheyAreWrittenMakeTheSameFile)
+{
+    JpegPlan plan;
+    plan.width = 61;
+    plan.height = 47;
+    plan.application = jfifSegment(2, 28, 29);
+    Bytes bytes = buildJpeg(plan);
+    std::string path = folder + "a.jpg";
+    putFile(path, std::string(bytes.begin(), bytes.end()));
+    Image image = {};
+    JpegOutput decoded;
+    ASSERT_EQ(loadTextureFile(path.c_str(), &image, nullptr, &decoded), 1);
+    for (const char* name : { "whole.bmp", "whole.png" })
+    {
+        ASSERT_EQ(writeDecodedPicture((folder + name).c_str(), decoded, image.pixels), 1);
+        JpegFile jpeg;
+        int opened = 0;
+        ASSERT_EQ(openJpegFile(&jpeg, path.c_str(), &opened), 1);
+        EXPECT_EQ(opened, 1);
+        EXPECT_EQ(writeJpegAsPicture((folder + "b" + name).c_str(), &jpeg), 1);
+        EXPECT_EQ(jpeg.file, nullptr) << "the picture may take the place of its file";
+        EXPECT_TRUE(contents(folder + name) == contents(folder + "b" + name)) << name;
+    }
+    free(image.pixels);
+    EXPECT_EQ(recorded.liveBlocks, 0);
+}
+
+TEST_F(PictureFile, ANameWithoutRoomForAnExtensionIsABitmap)
+{
+    const uint32_t pixel = 0;
+    auto before = std::filesystem::current_path();
+    std::filesystem::current_path(folder);
+    for (const char* name : { "a", "png", ".png", "a.PNG" })
+    {
+        EXPECT_EQ(writeDecodedPicture(name, { 1, 1, 0, 1, 1 }, &pixel), 1);
+        EXPECT_EQ(contents(name).substr(0, 2), strlen(name) < 4 ? "BM" : "\x89P") << name;
+    }
+    std::filesystem::current_path(before);
+}
+
 TEST_F(PictureFile, AFailureIsShownWithThePathAndThatOfADumpIsNot)
 {
     const uint32_t pixel = 0;
