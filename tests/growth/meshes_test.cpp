@@ -5,6 +5,7 @@
 #include "export/rkf.h"
 #include "export/stl.h"
 #include "import/obj/obj.h"
+#include "model/mesh_copy.h"
 #include "tests/growth/growth.h"
 #include "tests/growth/work.h"
 #include "tests/recording/recording.h"
@@ -120,6 +121,14 @@ static std::vector<Job> allJobs()
           {
               applyFilter(mesh, 1);
               return 1;
+          } },
+        { "Copy",
+          [](Mesh* mesh)
+          {
+              Mesh* copy = copyMesh(mesh);
+              int same = copy && meshesAreEqual(mesh, copy);
+              freeKeptMesh(copy);
+              return same;
           } },
         { "Coordinates", generateUvs },
         { "WriteObj", [](Mesh* mesh) { return WriteObjFile(mesh, growthFile("obj").c_str(), "growth.obj"); } },

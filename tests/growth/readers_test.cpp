@@ -9,6 +9,7 @@
 
 #include <stdlib.h>
 #include <string.h>
+#include <vector>
 
 // The worst known inputs, of `size` parts.
 struct GrowingInput
@@ -237,6 +238,25 @@ static const GrowingInput inputs[] = {
               all += "material " + std::to_string(i) + "\n{\n}\n";
           return poserProp(all);
       } },
+    { "ObjBadFaces", "obj",
+      [](int size)
+      { return objTriangle + "f 1 2 3\n" + numbered(size, "f 1 1 1\nf 1 2 9\nv 1e9 x 0\nf 1 2 0") + "\n"; } },
+    { "OffBadFaces", "off",
+      [](int size)
+      {
+          return "OFF\n3 " + std::to_string(3 * size + 1) + " 0\n0 0 0\n1 0 0\n0 1 0\n" +
+                 repeat(size, "3 0 0 0\n3 0 1 9\n5 0 1 2 0 1\n") + "3 0 1 2\n";
+      } },
+    { "DxfOtherEntities", "dxf",
+      [](int size)
+      {
+          std::string face = "0\n3DFACE\n8\n0\n";
+          for (int corner = 0; corner < 4; ++corner)
+              for (int axis = 1; axis <= 3; ++axis)
+                  face +=
+                      std::to_string(axis) + std::to_string(corner) + "\n" + std::to_string(corner * axis % 5) + "\n";
+          return "0\nSECTION\n2\nENTITIES\n" + face + numbered(size, "0\nE") + "0\nENDSEC\n0\nEOF\n";
+      } },
     { "DxfOnePlace", "dxf",
       [](int size)
       {
@@ -253,19 +273,22 @@ class ReaderGrowth : public testing::TestWithParam<GrowingInput>
 {
 };
 
-static int readFile(Mesh* mesh, const std::string& path)
+static int readFile(Mesh* mesh, const std::string& path, Report* report)
 {
-    return path.ends_with(".rkf") ? LoadRkfFile(mesh, path.c_str()) : readModelFile(mesh, path.c_str(), ReadOptions{});
+    ReadOptions options;
+    options.report = report;
+    return path.ends_with(".rkf") ? LoadRkfFile(mesh, path.c_str(), report)
+                                  : readModelFile(mesh, path.c_str(), options);
 }
 
-static uint64_t readingWork(const GrowingInput& input, int size)
+static uint64_t readingWork(const GrowingInput& input, int size, Report* report = nullptr)
 {
     std::string path = growthFile(input.extension), bytes = input.make(size);
     putGrowthFile(path, bytes);
     Mesh* mesh = createMesh("prop");
     resetRecording();
     uint64_t before = workDone();
-    EXPECT_EQ(readFile(mesh, path), 1);
+    EXPECT_EQ(readFile(mesh, path, report), 1);
     uint64_t work = workDone() - before;
     EXPECT_LE(recorded.peakBytes, (size_t{ 64 } << 20) + 64 * bytes.size());
     freeMesh(mesh);
@@ -275,6 +298,16 @@ static uint64_t readingWork(const GrowingInput& input, int size)
 TEST_P(ReaderGrowth, IsInProportionToTheFile)
 {
     expectProportionalWork([](int size) { return readingWork(GetParam(), size); });
+}
+
+TEST_P(ReaderGrowth, IsInProportionToTheFileWithAReport)
+{
+    expectProportionalWork(
+        [](int size)
+        {
+            Report report = {};
+            return readingWork(GetParam(), size, &report);
+        });
 }
 
 INSTANTIATE_TEST_SUITE_P(Readers, ReaderGrowth, testing::ValuesIn(inputs),
@@ -325,6 +358,25 @@ TEST_P(PictureGrowth, IsInProportionToTheFile)
             uint64_t work = workDone() - before;
             free(image.pixels);
             return work;
+        });
+}
+
+TEST_P(PictureGrowth, OfSingleRowsIsInProportionToTheFile)
+{
+    expectProportionalWork(
+        [](int size)
+        {
+            std::string bytes = GetParam().make(size);
+            JpegOutput output;
+            uint64_t before = workDone();
+            JpegRows* rows =
+                beginJpegRows(memorySource(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()), &output);
+            EXPECT_NE(rows, nullptr);
+            std::vector<uint32_t> words(static_cast<size_t>(output.width));
+            for (int32_t y = 0; rows && y < output.height; ++y)
+                EXPECT_EQ(nextJpegRow(rows, words.data()), 1);
+            endJpegRows(rows);
+            return workDone() - before;
         });
 }
 
