@@ -355,6 +355,8 @@ void describeUsage(CLI::App* app, Arguments* arguments)
     addLoadOptions(convert, &arguments->load, true);
     addTargetOptions(convert, arguments, FormatUse::modelWritten, ": what --output-dir gets");
     convert->add_flag("--built-in", arguments->builtIn, "write the built-in model; there is no IN then");
+    convert->add_flag("--copy-textures", arguments->copyTextures,
+                      "put the pictures that were found beside OUT, under the names that it has for them");
     addInputs(convert, arguments, "model to read; several with --output-dir");
     addInput(convert, arguments, "OUT", "file to write: .obj, .pp2, .rkf, .lxs or .stl; none with --output-dir");
 

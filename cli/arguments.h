@@ -62,7 +62,8 @@ struct Arguments
     bool normals = false;
     LoadArguments load;
     ViewArguments view;
-    bool builtIn = false; // convert: the built-in model instead of an input
+    bool copyTextures = false; // convert
+    bool builtIn = false;      // convert: the built-in model instead of an input
     std::vector<std::string> inputs;
     std::string output;
 

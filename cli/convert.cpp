@@ -3,6 +3,7 @@
 #include "cli/commands.h"
 #include "cli/draw.h"
 #include "cli/load.h"
+#include "cli/texture_copies.h"
 #include "cli/warnings.h"
 #include "cli/written.h"
 #include "export/lux.h"
@@ -140,19 +141,40 @@ static bool readyToWrite(Mesh* mesh, OutputFormat format, const Arguments& argum
     return true;
 }
 
+// Reads the pictures that --copy-textures asks for into pending files, and adds their names to those of the model.
+static bool prepareTextures(const Mesh* mesh, const ModelTextures& textures, const Arguments& arguments,
+                            std::vector<std::string>* files, std::vector<OutputFile>* pictures)
+{
+    std::vector<TextureCopy> copies;
+    std::string obstacle = planTextureCopies(mesh, textures, arguments.output, *files, &copies);
+    if (!obstacle.empty())
+    {
+        explainFailure(arguments.output.c_str(), ("not written, " + obstacle + " (--copy-textures)").c_str());
+        return false;
+    }
+    for (const TextureCopy& copy : copies)
+        files->push_back(copy.to);
+    return prepareTextureCopies(copies, pictures);
+}
+
 // Writes a model, which it takes over. With --strict nothing is written after a warning.
-static bool writeModel(Mesh* mesh, OutputFormat format, const Arguments& arguments)
+static bool writeModel(Mesh* mesh, OutputFormat format, const ModelTextures& textures, const Arguments& arguments)
 {
     const std::string& output = arguments.output;
     const std::string input = arguments.builtIn ? "the built-in model" : arguments.inputs[0];
-    if (!readyToWrite(mesh, format, arguments, input))
+    std::vector<std::string> files = filesOf(format, mesh, output);
+    std::vector<OutputFile> pictures;
+    if (!readyToWrite(mesh, format, arguments, input) ||
+        (arguments.copyTextures && !prepareTextures(mesh, textures, arguments, &files, &pictures)))
     {
         freeMesh(mesh);
         return false;
     }
     // Made before the files are: afterwards the program could not end for lack of memory and leave nothing behind.
-    std::string line = lineOfWritten(filesOf(format, mesh, output), output);
+    std::string line = lineOfWritten(files, output);
     bool ok = writeFormat(format, mesh, arguments.builtIn, output) != 0;
+    if (!placeTextureCopies(&pictures, ok))
+        ok = false;
     if (ok && !arguments.load.quiet)
         fputs(line.c_str(), stderr);
     return ok;
@@ -174,6 +196,13 @@ int runConvert(const Arguments& arguments)
         sayKept(arguments.output, arguments.load.quiet);
         return 0;
     }
-    Mesh* mesh = arguments.builtIn ? loadTeapot(arguments.load) : loadForWriting(arguments.inputs[0], arguments.load);
-    return mesh && writeModel(mesh, format, arguments) ? 0 : 1;
+    if (arguments.copyTextures && (format == OutputFormat::rkf || format == OutputFormat::stl))
+    {
+        fputs("kbx: --copy-textures: .rkf and .stl files name no pictures\n", stderr);
+        return 2;
+    }
+    ModelTextures textures;
+    Mesh* mesh =
+        arguments.builtIn ? loadTeapot(arguments.load) : loadForWriting(arguments.inputs[0], arguments.load, &textures);
+    return mesh && writeModel(mesh, format, textures, arguments) ? 0 : 1;
 }

@@ -111,11 +111,13 @@ Mesh* loadTeapot(const LoadArguments& load)
     return mesh;
 }
 
-Mesh* loadForWriting(const std::string& path, const LoadArguments& load)
+Mesh* loadForWriting(const std::string& path, const LoadArguments& load, ModelTextures* textures)
 {
     LoadedModel model;
     if (!loadModel(&model, path, load))
         return nullptr;
+    if (textures)
+        *textures = model.textures;
     if (!load.strict || !hasWarnings(model.report))
         return model.mesh;
     explainFailure(path.c_str(), notWrittenStrictly);

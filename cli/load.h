@@ -25,4 +25,5 @@ Mesh* loadTeapot(const LoadArguments& load);
 inline constexpr char notWrittenStrictly[] = "nothing is written after a warning, because of --strict";
 
 // For the commands that write: loads a model whose warnings, with --strict, are a failure. Null when it fails.
-Mesh* loadForWriting(const std::string& path, const LoadArguments& load);
+// Gives the textures that were found, too, where somebody wants them.
+Mesh* loadForWriting(const std::string& path, const LoadArguments& load, ModelTextures* textures = nullptr);
