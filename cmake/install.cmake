@@ -57,7 +57,11 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXE
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+if(CMAKE_CROSSCOMPILING) # the machine that builds has no package list of the other processor; kbx is linked statically
+    set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE arm64)
+else()
+    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+endif()
 set(CPACK_DEBIAN_KBX_PACKAGE_NAME kbx)
 set(CPACK_DEBIAN_KBX_DESCRIPTION "inspect, repair, convert and render 3D polygon models
 kbx reads OBJ, 3DS, DXF, PLY, OFF, STL, Poser and RKF models, repairs them, writes

@@ -53,6 +53,9 @@ void triangleH2V2(uint8_t* out, const uint8_t* in, const uint8_t* near, int16_t*
 void convertYcc(uint32_t* words, const uint8_t* y, const uint8_t* cb, const uint8_t* cr, int32_t n);
 void convertGrey(uint32_t* words, const uint8_t* grey, int32_t n);
 
+// convertYcc for processors on which the compiler may use vectors of its own. No two rows overlap.
+void convertYccWords(uint32_t* words, const uint8_t* y, const uint8_t* cb, const uint8_t* cr, int32_t n);
+
 struct JpegKernels
 {
     decltype(&inverseDct) idct;

@@ -7,6 +7,8 @@ JpegKernels chooseKernels()
 {
     KernelLevel level = kernelLevel();
     JpegKernels kernels = { inverseDct, inverseDctPair, triangleH2, triangleH2V2, convertYcc, convertGrey };
+    if (level >= kernelsWords)
+        kernels.ycc = convertYccWords;
     if (level >= kernelsSse2)
         kernels = { inverseDctSse2,   inverseDctPairSse2, triangleH2Sse2,
                     triangleH2V2Sse2, convertYccSse2,     convertGreySse2 };

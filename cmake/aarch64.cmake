@@ -1,0 +1,18 @@
+# Debian's cross compiler for ARM64 Linux, whose libraries stand in a folder of their own. zlib comes from the folder that
+# scripts/arm64_libraries fills. qemu-user runs the programs.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
+set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64-static -L /usr/aarch64-linux-gnu)
+if(DEFINED ENV{XDG_CACHE_HOME})
+    set(libraries $ENV{XDG_CACHE_HOME}/kestrelbox/arm64)
+else()
+    set(libraries $ENV{HOME}/.cache/kestrelbox/arm64)
+endif()
+set(CMAKE_CXX_FLAGS_INIT "-idirafter ${libraries}/usr/include -idirafter ${libraries}/usr/include/aarch64-linux-gnu")
+set(CMAKE_FIND_ROOT_PATH /usr/aarch64-linux-gnu ${libraries})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
