@@ -27,6 +27,7 @@ constexpr char footerEnd[] =
     "  kbx info *.3ds\n"
     "  kbx convert --tool weld --tool fix-normals scan.ply scan.obj\n"
     "  kbx convert *.3ds --to obj --output-dir converted\n"
+    "  kbx convert scan.ply - --to stl | gzip >scan.stl.gz\n"
     "  kbx render chair.obj --rotate 20,30,0 --shadows -o chair.png\n"
     "  kbx render --preset gold -o teapot.bmp";
 
@@ -199,6 +200,9 @@ static void addLoadOptions(CLI::App* command, LoadArguments* load, bool withFilt
             alternatives(toolNames()) + "; may be repeated, applied in order")
         ->option_text("TOOL")
         ->allow_extra_args(false);
+    addWord(command, "--format", &load->format, formatNames(FormatUse::modelRead), "FORMAT",
+            "read the file as this, whatever its name is: " + alternatives(formatNames(FormatUse::modelRead)) +
+                "; standard input, the file -, needs it");
     command
         ->add_option("--ply-list", load->plyList,
                      "PLY: the list of a face that has its corners, the last one unless given")
@@ -309,6 +313,8 @@ std::vector<std::string> valuesOf(const std::string& option)
         values = toolNames();
         std::sort(values.begin(), values.end());
     }
+    else if (option == "format")
+        values = formatNames(FormatUse::modelRead);
     else if (option == "to")
     {
         values = formatNames(FormatUse::modelWritten);
@@ -353,17 +359,19 @@ void describeUsage(CLI::App* app, Arguments* arguments)
 
     CLI::App* convert = addCommand(app, arguments, Command::convert, "convert", "read a model, repair it, write it");
     addLoadOptions(convert, &arguments->load, true);
-    addTargetOptions(convert, arguments, FormatUse::modelWritten, ": what --output-dir gets");
+    addTargetOptions(convert, arguments, FormatUse::modelWritten, ": what --output-dir or the file - gets");
     convert->add_flag("--built-in", arguments->builtIn, "write the built-in model; there is no IN then");
     convert->add_flag("--copy-textures", arguments->copyTextures,
                       "put the pictures that were found beside OUT, under the names that it has for them");
     addInputs(convert, arguments, "model to read; several with --output-dir");
-    addInput(convert, arguments, "OUT", "file to write: .obj, .pp2, .rkf, .lxs or .stl; none with --output-dir");
+    addInput(convert, arguments, "OUT",
+             "file to write: .obj, .pp2, .rkf, .lxs or .stl; - for standard output; none with --output-dir");
 
     CLI::App* render = addCommand(app, arguments, Command::render, "render", "draw a model into a picture");
     addLoadOptions(render, &arguments->load, true);
     addViewOptions(render, &arguments->view);
-    addTargetOptions(render, arguments, FormatUse::pictureWritten, ": what --output-dir gets, PNG unless given");
+    addTargetOptions(render, arguments, FormatUse::pictureWritten,
+                     ": what --output-dir (PNG unless given) or the file - (BMP unless given) gets");
     addInputs(render, arguments, "model to read, the built-in one when there is none; several with --output-dir");
     render
         ->add_option("-o,--output", arguments->output,

@@ -25,11 +25,18 @@ struct LoadArguments
     bool keyframes = true;
     std::vector<const MeshTool*> tools; // in the order given
     std::optional<int> filter;          // index in the filter list of the tool panel
+    std::string format;                 // how every file is read; empty: as its name says
     std::string plyList;                // the list of a PLY face that counts; empty: the last one
     std::optional<int> maxSize;         // MiB of the largest file that is read
     bool strict = false;                // warnings are failures
     bool quiet = false;                 // no warnings and no notices
 };
+
+// Whether an input is standard input.
+inline bool isStandardInput(const std::string& path)
+{
+    return path == "-";
+}
 
 struct ViewArguments
 {

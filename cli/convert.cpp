@@ -13,6 +13,7 @@
 #include "export/stl.h"
 #include "platform/boxes.h"
 #include "platform/file_names.h"
+#include "platform/files.h"
 #include "shell/scene.h"
 #include "tools/filter.h"
 
@@ -128,6 +129,11 @@ static bool readyToWrite(Mesh* mesh, OutputFormat format, const Arguments& argum
     const std::string& output = arguments.output;
     if (load.filter && !keepShown(mesh, *load.filter, input))
         return false;
+    if (isStandardOutput(output) && filesOf(format, mesh, "file.obj").size() > 1)
+    {
+        explainFailure(input.c_str(), "not written, because its materials need a file of their own (.mtl)");
+        return false;
+    }
     if (arguments.noClobber && !mayWrite(filesOf(format, mesh, output), input))
         return false;
     Report report = {};
@@ -175,7 +181,7 @@ static bool writeModel(Mesh* mesh, OutputFormat format, const ModelTextures& tex
     bool ok = writeFormat(format, mesh, arguments.builtIn, output) != 0;
     if (!placeTextureCopies(&pictures, ok))
         ok = false;
-    if (ok && !arguments.load.quiet)
+    if (ok && !arguments.load.quiet && !isStandardOutput(output))
         fputs(line.c_str(), stderr);
     return ok;
 }
@@ -185,7 +191,8 @@ int runConvert(const Arguments& arguments)
     if (!arguments.outputDir.empty())
         return runBatch(arguments);
     OutputFormat format;
-    if (!outputFormatOf(arguments.output, &format))
+    bool toOutput = isStandardOutput(arguments.output);
+    if (!outputFormatOf(toOutput ? "file." + arguments.to : arguments.output, &format))
     {
         fprintf(stderr, "kbx: OUT: expected a name ending in .obj, .pp2, .rkf, .lxs or .stl, not %s\n",
                 arguments.output.c_str());

@@ -8,11 +8,15 @@
 #include "model/builtin.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
+#include "platform/standard_input.h"
 #include "platform/terminal/terminal.h"
 #include "tools/filter.h"
 
+#include <errno.h>
 #include <stdio.h>
 #include <string.h>
+
+constexpr int64_t standardInputLimit = int64_t{ 4 } << 30; // bytes
 
 static bool isRkf(const std::string& path)
 {
@@ -37,7 +41,7 @@ static bool isLargerThan(const std::string& path, int mebibytes)
 
 static int readModel(Mesh* mesh, const std::string& path, const ReadOptions& options)
 {
-    if (isRkf(path))
+    if (options.format ? strcmp(options.format, "rkf") == 0 : isRkf(path))
         return LoadRkfFile(mesh, path.c_str(), options.report);
     return readModelFile(mesh, path.c_str(), options);
 }
@@ -70,18 +74,35 @@ static Mesh* repair(Mesh* mesh, const LoadArguments& load, std::string* error)
     return mesh;
 }
 
-bool loadModel(LoadedModel* model, const std::string& path, const LoadArguments& load)
+// The path to read: that of a copy for standard input. Returns false when there is none, with the cause in *error.
+static bool findInput(const std::string& path, std::string* actual, std::string* error)
 {
-    bool tooLarge = load.maxSize && isLargerThan(path, *load.maxSize);
+    *actual = path;
+    if (!isStandardInput(path))
+        return true;
+    if (!keepStandardInput(standardInputLimit, actual))
+    {
+        *error = errno == EFBIG ? "more than 4 GiB on standard input" : strerror(errno);
+        return false;
+    }
+    showPathAs(*actual, "-");
+    return true;
+}
+
+static void readAndRepair(LoadedModel* model, const std::string& path, const std::string& actual,
+                          const LoadArguments& load)
+{
+    const char* format = load.format.empty() ? nullptr : load.format.c_str();
+    const char* plyList = load.plyList.empty() ? nullptr : load.plyList.c_str();
+    bool tooLarge = load.maxSize && isLargerThan(actual, *load.maxSize);
     Mesh* mesh = tooLarge ? nullptr : createMesh("prop");
     if (tooLarge)
         model->error = "larger than " + std::to_string(*load.maxSize) + " MiB, the limit of --max-size";
     else if (!mesh)
         model->error = "out of memory";
-    else if (!readModel(mesh, path,
-                        { load.keyframes, load.plyList.empty() ? nullptr : load.plyList.c_str(), &model->report }))
+    else if (!readModel(mesh, actual, { load.keyframes, plyList, &model->report, format }))
     {
-        model->error = causeOf(model->report, path);
+        model->error = causeOf(model->report, actual);
         freeMesh(mesh);
     }
     else
@@ -90,6 +111,14 @@ bool loadModel(LoadedModel* model, const std::string& path, const LoadArguments&
         printWarnings(path, model->report, load.quiet);
         model->mesh = repair(mesh, load, &model->error);
     }
+}
+
+bool loadModel(LoadedModel* model, const std::string& path, const LoadArguments& load)
+{
+    std::string actual;
+    if (findInput(path, &actual, &model->error))
+        readAndRepair(model, path, actual, load);
+    dropStandardInput();
     if (!model->mesh)
         explainFailure(path.c_str(), model->error.c_str());
     return model->mesh != nullptr;

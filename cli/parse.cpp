@@ -49,6 +49,18 @@ static std::string checkMany(const Arguments& arguments)
     return "";
 }
 
+// --to says what standard output gets; a file's own name says it elsewhere.
+static std::string checkTarget(const Arguments& arguments, bool converts)
+{
+    if (arguments.output != "-")
+        return arguments.to.empty() ? "" : "--to is for --output-dir and for standard output";
+    if (converts && arguments.to.empty())
+        return "--to is required for standard output";
+    if (arguments.to == "pp2" || arguments.to == "lxs")
+        return "a set of files does not go to standard output; expected --to obj, stl or rkf";
+    return "";
+}
+
 // The same for a call for one file. Sets the output of convert, the last of its files.
 static std::string checkOne(const CLI::App* command, Arguments* arguments)
 {
@@ -68,14 +80,28 @@ static std::string checkOne(const CLI::App* command, Arguments* arguments)
         return converts ? "OUT is required" : "--output is required";
     if (arguments->jobs > 0)
         return "--jobs is for --output-dir";
-    return arguments->to.empty() ? "" : "--to is for --output-dir";
+    return checkTarget(*arguments, converts);
+}
+
+// What is wrong with standard input among the files.
+static std::string checkInput(const Arguments& arguments)
+{
+    auto count = std::count_if(arguments.inputs.begin(), arguments.inputs.end(), isStandardInput);
+    if (count > 0 && !arguments.outputDir.empty())
+        return "standard input has no name for a file of --output-dir";
+    if (count > 1)
+        return "standard input can be read once only";
+    return count == 1 && arguments.load.format.empty() ? "--format is required for standard input" : "";
 }
 
 static std::string checkFiles(const CLI::App* command, Arguments* arguments)
 {
+    if (arguments->command == Command::info || arguments->command == Command::dump)
+        return checkInput(*arguments);
     if (arguments->command != Command::convert && arguments->command != Command::render)
         return "";
-    return arguments->outputDir.empty() ? checkOne(command, arguments) : checkMany(*arguments);
+    std::string wrong = arguments->outputDir.empty() ? checkOne(command, arguments) : checkMany(*arguments);
+    return wrong.empty() ? checkInput(*arguments) : wrong;
 }
 
 // The options that were given, as words of a command line, but for those about many files and their answer.

@@ -21,8 +21,8 @@ int runRender(const Arguments& arguments)
     Mesh* mesh = builtIn ? loadTeapot(arguments.load) : loadForWriting(arguments.inputs[0], arguments.load);
     if (!mesh)
         return 1;
-    int ok =
-        drawModel(mesh, builtIn, view) && writePicture(arguments.output.c_str(), &frameBuffer, view.width, view.height);
+    auto write = arguments.to == "png" ? writePictureAsPng : writePicture;
+    int ok = drawModel(mesh, builtIn, view) && write(arguments.output.c_str(), &frameBuffer, view.width, view.height);
     releaseDrawing();
     return ok ? 0 : 1;
 }

@@ -73,7 +73,7 @@ void sayKept(const std::string& path, bool quiet)
 bool wouldReplace(const std::string& path)
 {
     std::string place;
-    return pathExists(path) && findFileTarget(path.c_str(), &place) != targetDirect;
+    return !isStandardOutput(path) && pathExists(path) && findFileTarget(path.c_str(), &place) != targetDirect;
 }
 
 static void noteNames(const char (*names)[nameRoom], int32_t count, const char* breakers, Report* report)

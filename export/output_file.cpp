@@ -13,6 +13,8 @@ static int reportFailure(const OutputFile* output, const char* what, int reason)
 {
     if (reason == ENOMEM)
         noteRefusedMemory();
+    if (reason == EPIPE && isStandardOutput(output->target)) // who closes a pipe has read enough
+        return 0;
     messageBox(output->target.c_str(), what, iconStop);
     if (reason != 0)
         explainFailure(output->target.c_str(), strerror(reason));

@@ -3,7 +3,8 @@
 // The bytes go to a pending file (platform/pending_files.h), which replaces the target when all of them are written.
 // Until then, and when anything fails, an earlier file of that name stays as it was. The files of a set replace their
 // targets only when every one of them is whole. A symbolic link is followed: the file it leads to is replaced. A device
-// or a pipe takes the bytes directly. A file without the permission to write is not replaced.
+// or a pipe takes the bytes directly, and so does standard output, which is the target "-". A file without the
+// permission to write is not replaced.
 //
 // Every failure is shown in a message box with the path and explained with its cause.
 #pragma once

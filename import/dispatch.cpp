@@ -61,7 +61,7 @@ static bool hasExtension(const char* path)
     return length >= 5 && path[length - 4] == '.';
 }
 
-// The reader for a path with an extension; null when there is none.
+// The reader for what ends in an extension, which has three characters; null when there is none.
 static const Reader* findReader(const char* path)
 {
     size_t length = strlen(path);
@@ -108,9 +108,9 @@ static void explainEncoding(Report* report, const char* path)
 
 int readModelFile(Mesh* mesh, const char* path, const ReadOptions& options)
 {
-    if (!hasExtension(path))
+    if (!options.format && !hasExtension(path))
         return failReading(options.report, -1, "the name has no extension that says how to read it");
-    if (const Reader* reader = findReader(path))
+    if (const Reader* reader = findReader(options.format ? options.format : path))
     {
         int ok = reader->load(mesh, path, options);
         if (options.report && options.report->failure[0])

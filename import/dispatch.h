@@ -9,6 +9,7 @@ struct ReadOptions
     bool keyframes3ds = true;      // the 3DS reader moves each object by its keyframer pivot
     const char* plyList = nullptr; // the list of a PLY face that has its corners; null: the last list of each face
     Report* report = nullptr;      // receives what was left out or changed; null: nobody wants to know
+    const char* format = nullptr;  // the extension that says how to read, such as "obj"; null: that of the path
 };
 
 // Whether readModelFile has a reader for a path: its length and its extension, whatever stands at it.

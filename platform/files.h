@@ -10,7 +10,7 @@
 #include <vector>
 
 // fopen for a UTF-8 path. Null when the file does not open, for a folder, and for reading from a device, which may
-// never end. errno then has the cause.
+// never end. errno then has the cause. For writing, "-" is standard output.
 FILE* openFile(const char* path, const char* mode);
 
 // Returns 1 when the path, with links followed, leads to a regular file, and 0 for a folder, a device, a pipe or
@@ -47,6 +47,12 @@ enum FileTarget
     targetDirect,      // a device or a pipe: written to directly, never replaced
     targetRefused      // a folder, or a file without the permission to write
 };
+
+// Whether a path to write is standard output.
+inline bool isStandardOutput(const std::string& path)
+{
+    return path == "-";
+}
 
 // Finds out what is at a path, and gives the path of the file itself, with links followed. Refuses an empty path.
 FileTarget findFileTarget(const char* path, std::string* actual);

@@ -49,6 +49,12 @@ int writePicture(const char* path, const FrameBuffer* target, int32_t width, int
     return writeByName(path, &picture);
 }
 
+int writePictureAsPng(const char* path, const FrameBuffer* target, int32_t width, int32_t height)
+{
+    BmpPicture picture = { width, height, true, 0, 0, fillFrameRow, target };
+    return WritePngFile(path, &picture);
+}
+
 // Words 0x00RRGGBB to blue, green and red bytes. Four pixels make twelve bytes.
 static void packPixels(uint8_t* bytes, const uint32_t* words, int32_t count)
 {

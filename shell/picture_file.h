@@ -10,6 +10,9 @@
 // Returns 1, or 0 as WriteBmpFile or WritePngFile does.
 int writePicture(const char* path, const FrameBuffer* target, int32_t width, int32_t height);
 
+// The same as a PNG file whatever its name is, such as standard output.
+int writePictureAsPng(const char* path, const FrameBuffer* target, int32_t width, int32_t height);
+
 // Writes the pixels that the decoder made of a picture, with the density that its file names in dots per centimetre.
 // Returns 1, or 0 as WriteBmpFile or WritePngFile does.
 int writeDecodedPicture(const char* path, const JpegOutput& decoded, const uint32_t* pixels);

@@ -32,10 +32,17 @@ static void letLongWritesFail()
     done = true;
 }
 
+static FILE* openStandardOutput(const char* mode)
+{
+    int copy = dup(STDOUT_FILENO);
+    return copy < 0 ? nullptr : fdopen(copy, mode);
+}
+
 FILE* openFile(const char* path, const char* mode)
 {
     letLongWritesFail();
-    FILE* file = fopen(path, mode);
+    bool toOutput = *mode == 'w' && isStandardOutput(path);
+    FILE* file = toOutput ? openStandardOutput(mode) : fopen(path, mode);
     if (!file && errno == ENOMEM)
         noteRefusedMemory();
     struct stat facts;
@@ -168,6 +175,9 @@ static std::string actualPath(const char* path)
 FileTarget findFileTarget(const char* path, std::string* actual)
 {
     struct stat facts;
+    *actual = path;
+    if (isStandardOutput(path))
+        return targetDirect;
     bool there = stat(path, &facts) == 0;
     bool isFile = there && S_ISREG(facts.st_mode), isFolder = there && S_ISDIR(facts.st_mode);
     bool direct = there && !isFile && !isFolder;

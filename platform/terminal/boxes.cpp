@@ -22,6 +22,8 @@ static const char* progressCaption; // null: there is no bar
 static int shownSteps = -1;
 static bool lineShown; // the bar or the status line
 static int boxCount;
+static std::string renamedPath;
+static const char* shownName;
 static bool outOfMemorySaid, noticesSilent;
 
 static bool barWanted()
@@ -69,8 +71,21 @@ void silenceNotices()
     noticesSilent = true;
 }
 
+void showPathAs(const std::string& path, const char* name)
+{
+    renamedPath = path;
+    shownName = name;
+}
+
+static const char* shown(const char* text)
+{
+    return text && !renamedPath.empty() && renamedPath == text ? shownName : text;
+}
+
 void messageBox(const char* text, const char* caption, BoxIcon)
 {
+    text = shown(text);
+    caption = shown(caption);
     wipeBar();
     ++boxCount;
     outOfMemorySaid |= strcmp(text, "Out of memory") == 0;

@@ -24,5 +24,8 @@ void showStatusLine(const char* text);
 // Prints lines, which end with a line end each, on standard error.
 void printLines(const std::string& lines);
 
+// From now on, boxes show a name in place of a path, such as that of a copy.
+void showPathAs(const std::string& path, const char* name);
+
 // Returns the arguments of the program in UTF-8, without its own name, and makes standard output take bytes unchanged.
 std::vector<std::string> prepareTerminal(int argc, char** argv);

@@ -60,8 +60,19 @@ static HANDLE handleOf(FILE* file)
     return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)));
 }
 
+static FILE* openStandardOutput()
+{
+    int copy = _dup(1);
+    if (copy < 0)
+        return nullptr;
+    _setmode(copy, _O_BINARY);
+    return _fdopen(copy, "wb");
+}
+
 FILE* openFile(const char* path, const char* mode)
 {
+    if (*mode == 'w' && isStandardOutput(path))
+        return openStandardOutput();
     std::wstring wide = widePath(path);
     DWORD facts = GetFileAttributesW(wide.c_str());
     if (facts != INVALID_FILE_ATTRIBUTES && (facts & FILE_ATTRIBUTE_DIRECTORY))
@@ -143,6 +154,8 @@ FileTarget findFileTarget(const char* path, std::string* actual)
     *actual = path;
     if (*path == 0)
         return targetRefused;
+    if (isStandardOutput(path))
+        return targetDirect;
     std::wstring wide = widePath(path);
     DWORD facts = GetFileAttributesW(wide.c_str());
     if (facts != INVALID_FILE_ATTRIBUTES && (facts & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)))

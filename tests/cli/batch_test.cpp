@@ -243,7 +243,7 @@ TEST_F(KbxBatch, WrongUsageSaysWhatIsMissing)
              Case{ "convert --built-in a.off --to stl --output-dir out",
                    "--output-dir and --built-in exclude each other" },
              Case{ "convert a.off b.stl --jobs 2", "--jobs is for --output-dir" },
-             Case{ "convert a.off b.stl --to stl", "--to is for --output-dir" },
+             Case{ "convert a.off b.stl --to stl", "--to is for --output-dir and for standard output" },
              Case{ "convert a.off --to 3ds --output-dir out", "--to: expected obj, stl, pp2, rkf or lxs, not 3ds" },
              Case{ "render a.off --to stl --output-dir out", "--to: expected png or bmp, not stl" },
              Case{ "render", "--output is required" },
