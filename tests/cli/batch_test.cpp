@@ -77,8 +77,7 @@ TEST_F(KbxBatch, LinesStayInTheOrderOfTheFiles)
         { "convert", "slow.off", "a.off", "b.off", "c.off", "--to", "stl", "--output-dir", "out", "--jobs", "2" });
     EXPECT_TRUE(waitUntil([&] { return fs::exists(folder / "out/c.stl"); }));
     EXPECT_EQ(textOf(folder / ".err"), "");
-    servePipe("slow.off");
-    EXPECT_EQ(endOf(id), 1);
+    EXPECT_EQ(servePipesUntilEnd(id, { "slow.off" }), 1);
     std::string err = textOf(folder / ".err");
     EXPECT_EQ(err.substr(err.find("kbx: wrote")), "kbx: wrote out/a.stl\nkbx: wrote out/b.stl\nkbx: wrote out/c.stl\n"
                                                   "kbx: 4 files: 3 written, 1 failed\n");
@@ -100,9 +99,7 @@ TEST_F(KbxBatch, SoManyFilesRunAtATime)
         EXPECT_TRUE(waitUntil([&] { return childrenOf(id).size() == jobs; }));
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         EXPECT_EQ(childrenOf(id).size(), jobs);
-        for (size_t i = 4; i < words.size(); ++i)
-            servePipe(words[i]);
-        EXPECT_EQ(endOf(id), 1);
+        EXPECT_EQ(servePipesUntilEnd(id, { words.begin() + 4, words.end() }), 1);
         EXPECT_TRUE(textOf(folder / ".err").ends_with("kbx: 5 files: 0 written, 5 failed\n"));
     }
     for (const char* jobs : { "0", "-1", "65", "x", "''" })

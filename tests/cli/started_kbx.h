@@ -73,11 +73,25 @@ protected:
         ASSERT_EQ(mkfifo((folder / name).c_str(), 0600), 0);
     }
 
-    // Lets the one who waits for a pipe go on, with nothing to read.
-    void servePipe(const std::string& name) const
+    // Lets those who wait for pipes go on with nothing to read, each as often as it opens one, until the program ends.
+    // Returns how it ended.
+    int servePipesUntilEnd(pid_t id, const std::vector<std::string>& names) const
     {
-        int pipe = open((folder / name).c_str(), O_WRONLY);
-        EXPECT_GE(pipe, 0);
-        close(pipe);
+        siginfo_t facts = {};
+        waitUntil(
+            [&]
+            {
+                for (const std::string& name : names)
+                {
+                    int pipe = open((folder / name).c_str(), O_WRONLY | O_NONBLOCK);
+                    if (pipe >= 0)
+                        close(pipe);
+                }
+                return waitid(P_PID, static_cast<id_t>(id), &facts, WEXITED | WNOWAIT | WNOHANG) == 0 &&
+                       facts.si_pid == id;
+            });
+        if (facts.si_pid != id)
+            kill(id, SIGKILL);
+        return endOf(id);
     }
 };
