@@ -197,7 +197,7 @@ static void addLoadOptions(CLI::App* command, LoadArguments* load, bool withFilt
                     load->tools.push_back(tool);
                 }
             },
-            alternatives(toolNames()) + "; may be repeated, applied in order")
+            alternatives(toolNames()) + "; may be repeated, applied in order; none unless given")
         ->option_text("TOOL")
         ->allow_extra_args(false);
     addWord(command, "--format", &load->format, formatNames(FormatUse::modelRead), "FORMAT",
@@ -216,26 +216,29 @@ static void addLoadOptions(CLI::App* command, LoadArguments* load, bool withFilt
         command
             ->add_option(
                 "--filter", load->filter,
-                "show only this entry of the list: 0 all, from 1 on the groups, 'All Materials', the materials")
+                "show only this entry of the list, 0 unless given: 0 all, from 1 on the groups, then 'All Materials', "
+                "then the materials")
             ->option_text("N")
             ->check(CLI::NonNegativeNumber);
 }
 
 static void addViewOptions(CLI::App* command, ViewArguments* view)
 {
-    addParsed(command, "--preset", "NAME|0..10",
-              "front material: brass, wood, pewter, silver, gold, green, chalk, brick, crystal, white or prop-material",
-              [view](const std::string& text)
-              {
-                  int32_t index;
-                  bool ok = parseChoice(text, presetNames, &index);
-                  if (ok)
-                      view->preset = index;
-                  return ok;
-              });
-    command->add_option("--texture", view->texture, "wood, metal, pattern, or a JPEG file")
+    addParsed(
+        command, "--preset", "NAME|0..10",
+        "front material: brass, wood, pewter, silver, gold, green, chalk, brick, crystal, white or prop-material; "
+        "unless given, prop-material for a file and brass for the built-in model",
+        [view](const std::string& text)
+        {
+            int32_t index;
+            bool ok = parseChoice(text, presetNames, &index);
+            if (ok)
+                view->preset = index;
+            return ok;
+        });
+    command->add_option("--texture", view->texture, "wood, metal, pattern, or a JPEG file; none unless given")
         ->option_text("NAME|FILE.jpg");
-    addParsed(command, "--lights", "1,2,3|none", "the lights that are on",
+    addParsed(command, "--lights", "1,2,3|none", "the lights that are on, 1 unless given",
               [view](const std::string& text) { return parseLights(text, &view->lightMask); });
     command->add_flag("--shadows", view->shadows, "shadows of light 1");
     addOffSwitch(command, "--no-vertex-color", &view->vertexColour, "leave the vertices' own colours out");
@@ -244,9 +247,9 @@ static void addViewOptions(CLI::App* command, ViewArguments* view)
     command->add_flag("--rough", view->rough, "grainy surface");
     command->add_flag("--metallic", view->metallic, "reflections of a studio");
     command->add_flag("--moon", view->moon, "lunar shading");
-    addParsed(command, "--background", "grey1|grey2|black", "what lies behind the model",
+    addParsed(command, "--background", "grey1|grey2|black", "what lies behind the model, grey1 unless given",
               [view](const std::string& text) { return parseChoice(text, backgroundNames, &view->background); });
-    addParsed(command, "--rotate", "X,Y,Z", "degrees about the screen's axes, X first",
+    addParsed(command, "--rotate", "X,Y,Z", "degrees about the screen's axes, X first; 0,0,0 unless given",
               [view](const std::string& text) { return parseNumbers(text, &view->rotateDegrees); });
     addParsed(command, "--view", "M00,...,M22", "the rotation itself, row by row",
               [view](const std::string& text)
@@ -257,11 +260,13 @@ static void addViewOptions(CLI::App* command, ViewArguments* view)
                       view->view = rows;
                   return ok;
               });
-    addParsed(command, "--zoom", "Z>=1", "magnification",
+    addParsed(command, "--zoom", "Z>=1", "magnification, 1 unless given",
               [view](const std::string& text) { return parseNumber(text, &view->zoom) && view->zoom >= 1; });
     addParsed(command, "--size", "WxH, each 10..16384", "pixels, 620x520 unless given",
               [view](const std::string& text) { return parseSize(text, view); });
-    command->add_option("--frames", view->frames, "draw N frames, turning one degree before each but the first")
+    command
+        ->add_option("--frames", view->frames,
+                     "draw N frames, turning one degree before each but the first; 1 unless given")
         ->option_text("N")
         ->check(CLI::Range(1, 1000000));
 }
@@ -289,6 +294,15 @@ static CLI::App* addCommand(CLI::App* app, Arguments* arguments, Command command
     added->set_help_flag("-h,--help", "this help");
     added->final_callback([=] { arguments->command = command; });
     return added;
+}
+
+// The end of a command's help. Set for every command, because it would inherit that of the program.
+static void addExamples(CLI::App* command, const std::vector<std::string>& lines)
+{
+    std::string footer = "Examples:";
+    for (const std::string& line : lines)
+        footer += "\n  kbx " + command->get_name() + (line.empty() ? "" : " " + line);
+    command->footer(footer);
 }
 
 static CLI::Option* addInput(CLI::App* command, Arguments* arguments, const char* name, const char* help)
@@ -334,6 +348,21 @@ std::vector<std::string> valuesOf(const std::string& option)
     return values;
 }
 
+static void addSmallCommands(CLI::App* app, Arguments* arguments)
+{
+    CLI::App* decode = addCommand(app, arguments, Command::decode, "decode", "decode a JPEG file into a picture");
+    addInput(decode, arguments, "IN", "JPEG file to read")->required();
+    decode->add_option("OUT", arguments->output, "picture to write: PNG when the name ends in .png, else BMP")
+        ->option_text(" ")
+        ->required();
+
+    addExamples(decode, { "wood.jpg wood.png" });
+
+    CLI::App* formats =
+        addCommand(app, arguments, Command::formats, "formats", "the formats that are read and written");
+    addExamples(formats, { "" });
+}
+
 void describeUsage(CLI::App* app, Arguments* arguments)
 {
     app->name("kbx");
@@ -351,11 +380,13 @@ void describeUsage(CLI::App* app, Arguments* arguments)
     info->add_flag("--check", arguments->check, "exit with status 3 when a surface is not sound, and say why");
     addLoadOptions(info, &arguments->load, true);
     info->add_option("FILE", arguments->inputs, "models to read")->option_text(" ")->required();
+    addExamples(info, { "chair.obj", "--json *.3ds", "--check --tool weld part.stl" });
 
     CLI::App* dump = addCommand(app, arguments, Command::dump, "dump", "the whole mesh as text");
     addLoadOptions(dump, &arguments->load, true);
     dump->add_flag("--normals", arguments->normals, "with vertex normals and face planes");
     addInput(dump, arguments, "FILE", "model to read")->required();
+    addExamples(dump, { "chair.obj", "--tool weld --normals scan.ply", "--filter 2 chair.obj" });
 
     CLI::App* convert = addCommand(app, arguments, Command::convert, "convert", "read a model, repair it, write it");
     addLoadOptions(convert, &arguments->load, true);
@@ -366,6 +397,9 @@ void describeUsage(CLI::App* app, Arguments* arguments)
     addInputs(convert, arguments, "model to read; several with --output-dir");
     addInput(convert, arguments, "OUT",
              "file to write: .obj, .pp2, .rkf, .lxs or .stl; - for standard output; none with --output-dir");
+    addExamples(convert,
+                { "--tool weld --tool fix-normals scan.ply scan.obj", "--copy-textures chair.obj out/chair.lxs",
+                  "*.3ds --to obj --output-dir converted", "--filter 2 chair.obj seat.obj" });
 
     CLI::App* render = addCommand(app, arguments, Command::render, "render", "draw a model into a picture");
     addLoadOptions(render, &arguments->load, true);
@@ -377,14 +411,9 @@ void describeUsage(CLI::App* app, Arguments* arguments)
         ->add_option("-o,--output", arguments->output,
                      "picture to write, unless there is --output-dir: PNG when the name ends in .png, else BMP")
         ->option_text("OUT");
+    addExamples(render, { "chair.obj --rotate 20,30,0 --shadows -o chair.png", "--preset gold -o teapot.bmp",
+                          "*.obj --size 200x150 --output-dir thumbnails" });
 
-    CLI::App* decode = addCommand(app, arguments, Command::decode, "decode", "decode a JPEG file into a picture");
-    addInput(decode, arguments, "IN", "JPEG file to read")->required();
-    decode->add_option("OUT", arguments->output, "picture to write: PNG when the name ends in .png, else BMP")
-        ->option_text(" ")
-        ->required();
-
-    addCommand(app, arguments, Command::formats, "formats", "the formats that are read and written");
-
+    addSmallCommands(app, arguments);
     app->footer(makeFooter()); // after adding the commands, which would inherit it
 }
