@@ -20,9 +20,7 @@ static bool fillFrameRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
     const FrameBuffer* target = static_cast<const FrameBuffer*>(picture->source);
     size_t strideBytes = static_cast<size_t>(target->pitch) * 3;
     size_t fromTop = static_cast<size_t>(picture->height - 1 - row);
-    size_t pixelBytes = static_cast<size_t>(picture->width) * 3;
-    memcpy(bytes, target->picture.bits + fromTop * strideBytes, pixelBytes);
-    memset(bytes + pixelBytes, 0, bmpRowBytes(picture->width) - pixelBytes); // not what a larger display has left there
+    memcpy(bytes, target->picture.bits + fromTop * strideBytes, bmpRowBytes(picture->width));
     return true;
 }
 
