@@ -26,10 +26,15 @@ static std::string placeOf(const std::string& folder, std::string name)
     return folder + name;
 }
 
+static std::filesystem::path pathOf(const std::string& name)
+{
+    return std::u8string(name.begin(), name.end());
+}
+
 static bool sameFile(const std::string& a, const std::string& b)
 {
     std::error_code error;
-    return std::filesystem::equivalent(std::filesystem::u8path(a), std::filesystem::u8path(b), error) && !error;
+    return std::filesystem::equivalent(pathOf(a), pathOf(b), error) && !error;
 }
 
 static bool sameBytes(const std::string& a, const std::string& b)

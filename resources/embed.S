@@ -7,4 +7,3 @@ embed metal, "metal.jpg"
 embed pattern, "pattern.jpg"
 embed reflect, "reflect.jpg"
 
-.section .note.GNU-stack, "", %progbits

@@ -4,4 +4,3 @@
 embed about, "about.bmp"
 embed icon, "kestrelbox.png"
 
-.section .note.GNU-stack, "", %progbits

@@ -1,0 +1,84 @@
+// files.js - files that come in by a dialog, a drop or the clipboard, and files that go out as downloads
+import { zipSync } from "./fflate.js";
+
+/** @typedef {import("./messages").GivenFile} GivenFile */
+/** @typedef {import("./messages").SavedFile} SavedFile */
+
+const modelEndings = [".obj", ".3ds", ".dxf", ".ply", ".pp2", ".hr2", ".cr2", ".off", ".rkf", ".stl"];
+const companions = [".mtl", ".jpg", ".jpeg"];
+
+/** @param {string} path @param {string[]} endings */
+const endsWithOne = (path, endings) => endings.some((ending) => path.toLowerCase().endsWith(ending));
+
+// The file that is meant by several: the first model, else the first file. Those of a folder come in people's order.
+/** @param {GivenFile[]} files @param {string[]} [endings] */
+export function meantFile(files, endings = modelEndings) {
+    const paths = files.map(({ path }) => path);
+    if (paths.some((path) => path.includes("/"))) paths.sort(new Intl.Collator(undefined, { numeric: true }).compare);
+    return paths.find((path) => endsWithOne(path, endings)) ?? paths[0];
+}
+
+/** @param {Iterable<File>} files @returns {GivenFile[]} */
+export const givenFiles = (files) => [...files].map((file) => ({ path: file.webkitRelativePath || file.name, file }));
+
+/** @param {FileSystemEntry} entry @returns {Promise<GivenFile[]>} */
+async function filesOfEntry(entry) {
+    const path = entry.fullPath.replace(/^\//, "");
+    if (entry.isFile) {
+        const file = await new Promise((resolve, reject) =>
+            /** @type {FileSystemFileEntry} */ (entry).file(resolve, reject),
+        );
+        return [{ path, file }];
+    }
+    const reader = /** @type {FileSystemDirectoryEntry} */ (entry).createReader();
+    const files = [];
+    for (;;) {
+        /** @type {FileSystemEntry[]} */
+        const entries = await new Promise((resolve, reject) => reader.readEntries(resolve, reject));
+        if (entries.length === 0) return files;
+        for (const child of entries) files.push(...(await filesOfEntry(child)));
+    }
+}
+
+// All files of a drop, those in its folders, too.
+/** @param {DataTransfer} transfer @returns {Promise<GivenFile[]>} */
+export async function droppedFiles(transfer) {
+    const entries = [...transfer.items].map((item) => item.webkitGetAsEntry()).filter((entry) => entry !== null);
+    if (entries.length === 0) return givenFiles(transfer.files);
+    return (await Promise.all(entries.map(filesOfEntry))).flat();
+}
+
+// Asks the user for files. Several may be chosen, so that a model's library and pictures can come with it.
+/** @param {string} pattern as "*.obj;*.3ds" @returns {Promise<GivenFile[]>} none: cancelled */
+export function askForFiles(pattern) {
+    const input = document.createElement("input");
+    const endings = pattern.toLowerCase().replaceAll("*", "").split(";");
+    input.type = "file";
+    input.multiple = true;
+    input.accept = [...endings, ...(endings.includes(".obj") ? companions : [])].join(",");
+    return new Promise((resolve) => {
+        input.addEventListener("change", () => resolve(givenFiles(input.files ?? [])));
+        input.addEventListener("cancel", () => resolve([]));
+        input.click();
+    });
+}
+
+/** @param {string} name @param {BlobPart} bytes */
+function download(name, bytes) {
+    const link = document.createElement("a");
+    link.href = URL.createObjectURL(new Blob([bytes], { type: "application/octet-stream" }));
+    link.download = name;
+    link.click();
+    setTimeout(() => URL.revokeObjectURL(link.href), 60000);
+}
+
+// One file as it is, a set of files in one archive.
+/** @param {SavedFile[]} files */
+export function downloadFiles(files) {
+    if (files.length === 1) {
+        download(files[0].name, /** @type {BlobPart} */ (files[0].bytes));
+        return;
+    }
+    const archive = zipSync(Object.fromEntries(files.map(({ name, bytes }) => [name, bytes])));
+    download(files[0].name.replace(/\.[^.]*$/, "") + ".zip", /** @type {BlobPart} */ (archive));
+}

@@ -1,0 +1,244 @@
+// page.js - the page: the program's menus, panel and display, and the files that come and go
+import { Boxes } from "./boxes.js";
+import { Display } from "./display.js";
+import { askForFiles, downloadFiles, droppedFiles, givenFiles, meantFile } from "./files.js";
+import { element, Menus } from "./menus.js";
+import { Panel } from "./panel.js";
+import { Program } from "./program.js";
+
+/** @typedef {import("./messages").Command} Command */
+/** @typedef {import("./messages").GivenFile} GivenFile */
+
+const withControl = 1;
+const withShift = 2;
+
+/** The codes of shell/keys.h. @type {{ [name: string]: number }} */
+const namedKeys = {
+    Escape: 0x100,
+    Home: 0x101,
+    PageUp: 0x102,
+    PageDown: 0x103,
+    ArrowLeft: 0x104,
+    ArrowRight: 0x105,
+    ArrowUp: 0x106,
+    ArrowDown: 0x107,
+    F5: 0x108,
+    "=": 0x2b,
+    _: 0x2d,
+};
+
+/** @param {string} id */
+const place = (id) => /** @type {HTMLElement} */ (document.getElementById(id));
+
+/** @type {Program} */
+let program;
+/** @type {Menus} */
+let menus;
+/** @type {Panel} */
+let panel;
+/** @type {import("./messages").KeyRow[]} */
+let keys = [];
+/** @type {Command | null} */
+let command = null; // the last one, which may ask for a file
+/** @typedef {{ files: GivenFile[], path: string }} Opening */
+/** @type {Opening | null} */
+let opening = null; // the files that were given last
+/** @type {Opening | null} */
+let shown = null; // those of the model that is shown; none for the built-in one
+let ended = false;
+let copying = false;
+
+const boxes = new Boxes((open) => program.send({ do: "rest", on: open }), stopReading);
+
+// ---- what the user does ----
+
+/** @param {Command} next */
+function run(next) {
+    command = next;
+    return program.send(next);
+}
+
+/** @param {GivenFile[]} files */
+async function openFiles(files) {
+    if (files.length === 0) return;
+    opening = { files, path: meantFile(files) };
+    await program.send({ do: "open", ...opening });
+}
+
+// The program has asked for a file; the same command runs again with the answer.
+/** @param {string} pattern */
+async function answerWithFiles(pattern) {
+    const asked = command;
+    const files = await askForFiles(pattern);
+    if (!asked || files.length === 0) return;
+    const path = meantFile(files, pattern.toLowerCase().replaceAll("*", "").split(";"));
+    opening = { files, path };
+    run({ ...asked, answer: opening });
+}
+
+/** @param {string} caption @param {string} proposed */
+async function answerWithName(caption, proposed) {
+    const asked = command;
+    const name = (await boxes.askName(caption || "Save", proposed)).replace(/[/\\]/g, "_");
+    if (asked && name) run({ ...asked, answer: { name } });
+}
+
+/** @param {KeyboardEvent} event */
+function takeKey(event) {
+    const target = /** @type {HTMLElement} */ (event.target);
+    if (event.altKey || event.metaKey || target.closest("dialog, select, [role=menu]")) return;
+    const key = namedKeys[event.key] ?? (event.key.length === 1 ? event.key.toUpperCase().charCodeAt(0) : 0);
+    const modifiers = (event.ctrlKey ? withControl : 0) + (event.shiftKey ? withShift : 0);
+    const known = keys.some(
+        (row) => row.key === key && (event.ctrlKey ? row.modifiers === modifiers : row.modifiers === 0),
+    );
+    if (!known) return;
+    event.preventDefault();
+    run({ do: "key", key, modifiers, repeated: event.repeat });
+}
+
+// ---- what the program says ----
+
+function showAbout() {
+    const picture = element("img", { src: "about.bmp", alt: "The program's picture" });
+    const text = element("p", {}, "Looks at 3D polygon models\nand prepares them for use elsewhere.");
+    boxes.ask(boxes.dialog("About Kestrelbox", [picture, text], [["ok", "OK"]]));
+}
+
+function flash() {
+    place("display").animate([{ opacity: 0.6 }, { opacity: 1 }], 150);
+}
+
+/** @param {{ pixels: Uint8Array, width: number, height: number }} picture */
+async function copyPicture({ pixels, width, height }) {
+    copying = true;
+    const canvas = document.createElement("canvas");
+    canvas.width = width;
+    canvas.height = height;
+    const data = new ImageData(new Uint8ClampedArray(/** @type {ArrayBuffer} */ (pixels.buffer)), width, height);
+    canvas.getContext("2d")?.putImageData(data, 0, 0);
+    /** @type {Promise<Blob>} */
+    const blob = new Promise((resolve) => canvas.toBlob((made) => resolve(/** @type {Blob} */ (made))));
+    await navigator.clipboard.write([new ClipboardItem({ "image/png": blob })]).catch(() => {
+        boxes.message("The clipboard cannot be written", "Error", true);
+    });
+    copying = false;
+}
+
+function endProgram() {
+    ended = true;
+    program.end();
+    place("display").replaceChildren(
+        element("p", { class: "ended" }, "The program has ended. Reload the page to start it again."),
+    );
+}
+
+/** @param {string} text */
+async function showFault(text) {
+    if (ended) return;
+    ended = true;
+    program.end();
+    const again = await boxes.confirm("Kestrelbox", `The program has stopped: ${text}`, "Start anew", "Close");
+    if (again) await startProgram();
+}
+
+/** @type {{ [what: string]: (said: any) => void }} */
+const heard = {
+    tables: ({ text }) => makeControls(JSON.parse(text)),
+    title({ text }) {
+        document.title = text;
+        place("title").textContent = text;
+    },
+    "focus-display": () => place("display").focus(),
+    "ask-open": ({ text }) => answerWithFiles(text.split("\n")[2]),
+    "ask-save": ({ text }) => answerWithName(text.split("\n")[0], text.split("\n")[3]),
+    opened() {
+        shown = opening;
+    },
+    saved: ({ files }) => downloadFiles(files),
+    copy: copyPicture,
+    about: showAbout,
+    beep: flash,
+    end: endProgram,
+    fault: ({ text }) => showFault(text),
+};
+
+/** @param {any} said */
+function hear(said) {
+    heard[said.what]?.(said);
+    menus?.hear(said);
+    panel?.hear(said);
+    boxes.hear(said);
+}
+
+/** @param {import("./messages").Tables} tables */
+function makeControls(tables) {
+    keys = tables.keys;
+    menus = new Menus(place("menus"), tables.menus, (id) => run({ do: "menu", id }));
+    panel = new Panel(place("panel"), tables.panel, (id, value) => program.send({ do: "panel", id, value }));
+}
+
+// ---- start ----
+
+async function startProgram() {
+    ended = false;
+    program = new Program(hear);
+    opening = shown;
+    await program.start(place("display"));
+}
+
+// A reader cannot be interrupted: the program starts anew, with the model that was shown.
+async function stopReading() {
+    program.end();
+    boxes.hear({ what: "progress-close", id: 0, value: 0, text: "" });
+    await startProgram();
+    if (shown) await program.send({ do: "open", ...shown });
+}
+
+// A model may be named in the page's address. It has to lie on the page's own server.
+async function openAddressed() {
+    const address = new URLSearchParams(location.search).get("model");
+    if (!address) return;
+    const response = await fetch(address).catch(() => null);
+    if (!response?.ok) {
+        boxes.message("Error: failed to open", address, true);
+        return;
+    }
+    const name = decodeURIComponent(new URL(address, location.href).pathname.split("/").pop() || "model");
+    await openFiles([{ path: name, file: await response.blob() }]);
+}
+
+function listen() {
+    document.addEventListener("keydown", takeKey);
+    document.addEventListener("visibilitychange", () =>
+        program.send({ do: "show", visible: document.visibilityState === "visible" }),
+    );
+    document.addEventListener("dragover", (event) => event.preventDefault());
+    document.addEventListener("drop", async (event) => {
+        event.preventDefault();
+        if (event.dataTransfer) await openFiles(await droppedFiles(event.dataTransfer));
+    });
+    document.addEventListener("paste", (event) => openFiles(givenFiles(event.clipboardData?.files ?? [])));
+    for (const id of ["choose-files", "choose-folder"]) {
+        const input = /** @type {HTMLInputElement} */ (place(id));
+        input.addEventListener("change", async () => {
+            await openFiles(givenFiles(input.files ?? []));
+            input.value = "";
+        });
+    }
+}
+
+// For scripts on this page, such as those of the tests.
+Object.assign(window, {
+    kestrelbox: {
+        breakProgram: () => program.worker.postMessage({ do: "nothing", number: 0 }),
+        isIdle: () => program.isIdle() && !copying,
+        state: () => program.state(),
+    },
+});
+
+listen();
+await startProgram();
+new Display(place("display"), () => program);
+await openAddressed();
+navigator.serviceWorker?.register("./service-worker.js").catch(() => {});

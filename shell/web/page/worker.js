@@ -1,0 +1,216 @@
+// worker.js - the program: messages of the page become calls of shell/web/program.cpp
+//
+// The page sends { do, ... }. What the program has to say goes back as { what, id, value, text }, in its order, and every
+// message is answered by { what: "done" } when the program has drawn what it asked for.
+import createProgram from "./core.js";
+
+/** @typedef {import("./messages").Request} Request */
+/** @typedef {import("./messages").GivenFile} GivenFile */
+
+const outputFolder = "/out";
+
+/** @type {import("./messages").Core} */
+let core;
+/** @type {OffscreenCanvas} */
+let canvas;
+/** @type {OffscreenCanvasRenderingContext2D} */
+let context;
+let nextFrame = 0;
+let resting = false; // a box is open on the page
+let mounts = 0;
+
+/** @param {object} message @param {Transferable[]} [transfer] */
+function post(message, transfer = []) {
+    self.postMessage(message, { transfer });
+}
+
+const host = {
+    /** @param {string} what @param {number} id @param {number} value @param {string} text */
+    tell: (what, id, value, text) => post({ what, id, value, text }),
+
+    /** @param {Uint8Array} pixels @param {number} x @param {number} y @param {number} width @param {number} height */
+    show(pixels, x, y, width, height) {
+        const memory = /** @type {ArrayBuffer} */ (pixels.buffer);
+        const clamped = new Uint8ClampedArray(memory, pixels.byteOffset, pixels.length);
+        context.putImageData(new ImageData(clamped, width, height), x, y);
+    },
+
+    /** @param {Uint8Array} pixels @param {number} width @param {number} height */
+    copy: (pixels, width, height) => post({ what: "copy", pixels, width, height }, [pixels.buffer]),
+};
+
+function draw() {
+    clearTimeout(nextFrame);
+    const wait = core._drawIfDue();
+    if (wait >= 0 && !resting) nextFrame = setTimeout(draw, wait);
+}
+
+// ---- files ----
+
+/** @param {string} path */
+const folderOf = (path) => path.slice(0, path.lastIndexOf("/"));
+
+// Puts files where the program finds them, without reading them: each is a link to the browser's file, so that what the
+// program writes beside a model has a place, too. Returns their folder.
+/** @param {GivenFile[]} files */
+function give(files) {
+    const { FS } = core;
+    const source = `/in/${++mounts}`;
+    const folder = `/files/${mounts}`;
+    FS.mkdirTree(source);
+    FS.mkdirTree(folder);
+    FS.mount(core.WORKERFS, { blobs: files.map(({ path, file }) => ({ name: path, data: file })) }, source);
+    for (const { path } of files) {
+        FS.mkdirTree(folderOf(`${folder}/${path}`));
+        FS.symlink(`${source}/${path}`, `${folder}/${path}`);
+    }
+    return folder;
+}
+
+/** @param {string} folder @returns {string[]} */
+const namesIn = (folder) =>
+    core.FS.readdir(folder).filter((/** @type {string} */ name) => name !== "." && name !== "..");
+
+// All paths below a folder that are neither folders nor links.
+/** @param {string} folder @returns {string[]} */
+function writtenBelow(folder) {
+    const { FS } = core;
+    return namesIn(folder).flatMap((name) => {
+        const path = `${folder}/${name}`;
+        const { mode } = FS.lstat(path);
+        if (FS.isDir(mode)) return writtenBelow(path);
+        return FS.isFile(mode) ? [path] : [];
+    });
+}
+
+/** @param {string} folder */
+function removeBelow(folder) {
+    const { FS } = core;
+    for (const name of namesIn(folder)) {
+        const path = `${folder}/${name}`;
+        if (FS.isDir(FS.lstat(path).mode)) {
+            removeBelow(path);
+            FS.rmdir(path);
+        } else FS.unlink(path);
+    }
+}
+
+// Takes away the files of earlier openings, but for those of the model that is shown, and tells the page when that is the
+// one that was given last.
+function forgetOldFiles() {
+    const { FS } = core;
+    const shown = core.UTF8ToString(core._pathOfModel());
+    if (shown.startsWith(`/files/${mounts}/`)) post({ what: "opened" });
+    for (const name of namesIn("/files")) {
+        const folder = `/files/${name}`;
+        if (shown.startsWith(`${folder}/`)) continue;
+        removeBelow(folder);
+        FS.rmdir(folder);
+        FS.unmount(`/in/${name}`);
+        FS.rmdir(`/in/${name}`);
+    }
+}
+
+// Sends the page what the program has written. A set of files goes together.
+function deliver() {
+    const { FS } = core;
+    const besides = writtenBelow("/files");
+    const paths = [...writtenBelow(outputFolder), ...besides];
+    if (paths.length === 0) return;
+    const files = paths.map((path) => ({ name: path.slice(path.lastIndexOf("/") + 1), bytes: FS.readFile(path) }));
+    for (const path of besides) FS.unlink(path);
+    post({ what: "saved", files }, [...new Set(files.map(({ bytes }) => bytes.buffer))]);
+}
+
+// ---- the page's messages ----
+
+// Runs a command with the answer to its dialog: the path of an opened file, or that under which a file is saved.
+/** @param {import("./messages").Answer | undefined} answer @param {(path: string) => void} run */
+function runWith(answer, run) {
+    if (answer && "name" in answer) {
+        removeBelow(outputFolder);
+        run(`${outputFolder}/${answer.name}`);
+        deliver();
+    } else if (answer) {
+        run(`${give(answer.files)}/${answer.path}`);
+        forgetOldFiles();
+    } else run("");
+}
+
+/** @param {string} text @param {(pointer: number) => void} use */
+function withText(text, use) {
+    const bytes = new TextEncoder().encode(text);
+    const pointer = core._malloc(bytes.length + 1) >>> 0;
+    core.HEAPU8.set(bytes, pointer);
+    core.HEAPU8[pointer + bytes.length] = 0;
+    use(pointer);
+    core._free(pointer);
+}
+
+/** @param {number} width @param {number} height */
+function sizeCanvas(width, height) {
+    canvas.width = width;
+    canvas.height = height;
+}
+
+/** @type {{ [name: string]: (request: any) => void }} */
+const actions = {
+    menu: ({ id, answer }) => runWith(answer, (path) => withText(path, (text) => core._runMenu(id, text))),
+    key: ({ key, modifiers, repeated, answer }) =>
+        runWith(answer, (path) => withText(path, (text) => core._pressKey(key, modifiers, repeated ? 1 : 0, text))),
+    panel({ id, value }) {
+        core._runPanel(id, value);
+        deliver();
+    },
+    open({ files, path }) {
+        withText(`${give(files)}/${path}`, core._openPath);
+        forgetOldFiles();
+    },
+    leftButton: ({ code, x, y }) => core._leftButton(code, x, y),
+    rightButton: ({ code, y }) => core._rightButton(code, y),
+    move: ({ left, right, x, y }) => core._movePointer(left ? 1 : 0, right ? 1 : 0, x, y),
+    endDrags: () => core._letGo(),
+    wheel: ({ notches }) => core._turnWheel(notches),
+    resize({ width, height }) {
+        sizeCanvas(width, height);
+        core._resizeDisplay(width, height);
+    },
+    rest({ on }) {
+        resting = on;
+    },
+    state: () => core._describeState(),
+    show: ({ visible }) => core._showPage(visible ? 1 : 0),
+};
+
+/** @param {{ canvas: OffscreenCanvas, width: number, height: number, refreshRate: number }} request */
+async function start(request) {
+    canvas = request.canvas;
+    context = /** @type {OffscreenCanvasRenderingContext2D} */ (canvas.getContext("2d", { alpha: false }));
+    sizeCanvas(request.width, request.height);
+    core = await createProgram({ host });
+    for (const folder of ["/in", "/files", outputFolder]) core.FS.mkdir(folder);
+    core.FS.chdir(outputFolder);
+    core._describeControls();
+    core._beginProgram(request.width, request.height, request.refreshRate);
+}
+
+/** @param {Request} request */
+async function handle(request) {
+    if (request.do === "start") await start(request);
+    else actions[request.do](request);
+    draw();
+    post({ what: "done", id: request.number });
+}
+
+let handled = Promise.resolve();
+
+/** @param {MessageEvent<Request>} event */
+self.onmessage = ({ data }) => {
+    handled = handled.then(() => handle(data));
+};
+
+// A fault ends the program, and the page says so.
+self.onunhandledrejection = (event) => {
+    event.preventDefault();
+    post({ what: "fault", id: 0, value: 0, text: String(event.reason) });
+};
