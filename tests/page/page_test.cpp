@@ -1,0 +1,143 @@
+// tests/page/page_test.cpp - what only a page does: the network, fingers, narrow and fine screens, faults
+#include "resources/ids.h"
+#include "tests/page/bridge.h"
+#include "tests/window/driver.h"
+
+#include <gtest/gtest.h>
+#include <filesystem>
+#include <fstream>
+
+namespace fs = std::filesystem;
+
+static std::string titleBegin()
+{
+    return windowTitle().substr(0, windowTitle().find(" - "));
+}
+
+TEST(Page, AsksTheServerForNothingAfterItHasLoaded)
+{
+    askBridge("whenKept");
+    auto before = askBridge("requests").size();
+    command(ID_TEXTURE_METAL);
+    pressPanel(ID_METALLIC);
+    pressPanel(ID_METALLIC);
+    pressPanel(ID_TEXTURED);
+    boxAfter(ID_ABOUT);
+    command(ID_TEXTURE_WOOD);
+    pressPanel(ID_TEXTURED);
+    EXPECT_EQ(askBridge("requests").size(), before);
+}
+
+TEST(Page, WorksWithoutANetworkAfterTheFirstVisit)
+{
+    askBridge("whenKept");
+    askBridge("cutNetwork", { { "cut", true } });
+    askBridge("reload");
+    EXPECT_EQ(panelText(ID_FACE_COUNT), "4096");
+    EXPECT_EQ(titleBegin(), "Kestrelbox: teapot");
+    askBridge("cutNetwork", { { "cut", false } });
+}
+
+TEST(Page, ItsSecurityPolicyNamesNoOtherHost)
+{
+    std::string policy = askBridge("policy");
+    EXPECT_NE(policy.find("default-src 'none'"), std::string::npos) << policy;
+    EXPECT_EQ(policy.find("http"), std::string::npos) << policy;
+    EXPECT_EQ(policy.find("unsafe-inline"), std::string::npos) << policy;
+}
+
+TEST(Page, TwoFingersZoomAndOneTurns)
+{
+    command(ID_RESET_VIEW);
+    askBridge("pinch", { { "from", 60 }, { "to", 120 } });
+    auto state = askBridge("state");
+    EXPECT_NEAR(state["zoom"].get<double>(), 2.0, 0.02);
+    command(ID_RESET_VIEW);
+    askBridge("touchDrag", { { "fromX", 250 }, { "toX", 350 }, { "y", 300 } });
+    EXPECT_LT(askBridge("state")["rotation"][0].get<double>(), 0.99);
+    command(ID_RESET_VIEW);
+}
+
+TEST(Page, MenusWorkByKeysAlone)
+{
+    askBridge("keys",
+              { { "names", { "focus:#menus button", "ArrowRight", "ArrowRight", "ArrowRight", "ArrowDown", "g" } } });
+    EXPECT_TRUE(menuTicked(ID_PRESET_GOLD));
+    askBridge("keys", { { "names", { "focus:#menus button", "m", "ArrowDown", "ArrowUp", "Enter" } } });
+    EXPECT_TRUE(menuTicked(ID_PRESET_BRASS));
+    askBridge("keys", { { "names", { "focus:#menus button", "ArrowDown", "Escape" } } });
+    EXPECT_EQ(askBridge("openMenus").get<int>(), 0);
+}
+
+TEST(Page, EveryControlHasANameAndIsReachedByTheKeyboard)
+{
+    EXPECT_EQ(askBridge("nameless").get<std::vector<std::string>>(), std::vector<std::string>{});
+    auto reached = askBridge("tabThrough").get<std::vector<std::string>>();
+    for (int id : { ID_BY_GROUP, ID_SHADOWS, ID_ROUGH, ID_WELD, ID_LUX_EXPORT })
+        EXPECT_NE(std::find(reached.begin(), reached.end(), std::to_string(id)), reached.end()) << id;
+    for (const char* place : { "display", "choose-files", "choose-folder" })
+        EXPECT_NE(std::find(reached.begin(), reached.end(), place), reached.end()) << place;
+}
+
+TEST(Page, FitsAScreenOf360Pixels)
+{
+    Shown wide = shownPicture();
+    askBridge("viewport", { { "width", 360 }, { "height", 740 } });
+    EXPECT_LE(askBridge("scrollWidth").get<int>(), 360);
+    EXPECT_EQ(shownPicture().width, 360);
+    askBridge("viewport", nlohmann::json::object());
+    EXPECT_EQ(shownPicture().width, wide.width);
+}
+
+TEST(Page, HasAPixelOfThePictureForEachOfAFineScreen)
+{
+    for (double scale : { 1.5, 2.0 }) // the display may begin and end between two units
+    {
+        auto fine = askBridge("fineScreen", { { "scale", scale } });
+        ASSERT_GT(fine.value("clientWidth", 0), 100);
+        EXPECT_NEAR(fine.value("width", 0), fine.value("clientWidth", 0) * scale, 1.5);
+        EXPECT_NEAR(fine.value("height", 0), fine.value("clientHeight", 0) * scale, 1.5);
+    }
+}
+
+TEST(Page, FollowsTheDarkTheme)
+{
+    std::string light = askBridge("background", { { "theme", "light" } });
+    std::string dark = askBridge("background", { { "theme", "dark" } });
+    EXPECT_NE(light, dark);
+}
+
+TEST(Page, AFolderBringsTheLibraryOfItsModel)
+{
+    fs::path folder = fs::temp_directory_path() / "page-folder";
+    fs::remove_all(folder);
+    fs::create_directories(folder / "parts");
+    std::ofstream(folder / "parts" / "a.mtl") << "newmtl red\nKd 1 0 0\n";
+    std::ofstream(folder / "b.obj") << "mtllib parts/a.mtl\nusemtl red\nv 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
+    askBridge("folder", { { "path", folder.string() } });
+    EXPECT_EQ(titleBegin(), "Kestrelbox: b.obj");
+    EXPECT_EQ(panelText(ID_MATERIAL_COUNT), "1");
+    fs::remove_all(folder);
+}
+
+TEST(Page, AModelOfTheServerOpensByTheAddress)
+{
+    askBridge("visit", { { "search", "?model=icon.png" } });
+    auto box = askBridge("readBox");
+    EXPECT_EQ(box["text"], "Not supported file format");
+    askBridge("closeBox", { { "folder", "." } });
+    askBridge("visit", { { "search", "?model=none.obj" } });
+    EXPECT_EQ(askBridge("readBox")["text"], "Error: failed to open");
+    askBridge("closeBox", { { "folder", "." } });
+}
+
+TEST(Page, AFaultOfTheProgramIsShownAndItStartsAnew)
+{
+    askBridge("breakProgram");
+    auto box = askBridge("readBox");
+    EXPECT_EQ(box["text"].get<std::string>().rfind("The program has stopped: ", 0), 0u) << box["text"];
+    askBridge("closeBox", { { "folder", "." } });
+    askBridge("whenReady");
+    EXPECT_EQ(panelText(ID_FACE_COUNT), "4096");
+    EXPECT_EQ(titleBegin(), "Kestrelbox: teapot");
+}
