@@ -77,6 +77,16 @@ TEST(Generators, MenuAndPanelAreRebuiltFromTheTable)
     EXPECT_EQ(files[1], committed("panel.rc"));
 }
 
+TEST(Generators, ExamplesAreRebuiltBitForBitAndUseTheProgramsTextures)
+{
+    const std::vector<const char*> names = { "chair.obj", "chair.mtl", "scan.ply", "scene.3ds" };
+    std::vector<std::string> files = rebuilt("make_examples", names);
+    for (size_t i = 0; i < names.size(); ++i)
+        EXPECT_TRUE(files[i] == fileBytes(RESOURCES "/../examples/" + std::string(names[i]))) << names[i];
+    for (const char* name : { "wood.jpg", "metal.jpg" })
+        EXPECT_TRUE(fileBytes(RESOURCES "/../examples/" + std::string(name)) == committed(name)) << name;
+}
+
 TEST(Generators, TexturesAreRebuiltPixelForPixel)
 {
 #ifdef HAVE_JPEG
