@@ -578,10 +578,10 @@ TEST_F(Window, CopiesThePicture)
 {
     open("a.obj", square);
     pressKey('C', withControl);
+    EXPECT_TRUE(titleNames("a.obj - picture copied")) << windowTitle(); // which stays for two seconds only
     Shown copied = clipboardPicture(), expected = rendered("a.obj");
     EXPECT_EQ(copied.width, expected.width);
     EXPECT_TRUE(copied.bytes == expected.bytes);
-    EXPECT_TRUE(titleNames("a.obj - picture copied")) << windowTitle();
 }
 
 static size_t blocksInUse()
