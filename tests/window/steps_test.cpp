@@ -426,6 +426,16 @@ TEST_F(Window, FailedLoadKeepsTheModelAndSaysWhy)
     EXPECT_EQ(panelText(ID_VERT_COUNT), "4");
 }
 
+// The rows of a bitmap without their padding, which is what lies to the right of the display.
+static std::vector<std::string> pixelRows(const std::string& bitmap, int width)
+{
+    size_t rowBytes = (static_cast<size_t>(width) * 3 + 3) / 4 * 4;
+    std::vector<std::string> rows;
+    for (size_t at = 54; at + rowBytes <= bitmap.size(); at += rowBytes)
+        rows.push_back(bitmap.substr(at, static_cast<size_t>(width) * 3));
+    return rows;
+}
+
 TEST_F(Window, FilesEqualThoseOfTheCommandLine)
 {
     write("a.mtl", "newmtl red\nKd 1 0 0\n");
@@ -452,17 +462,7 @@ TEST_F(Window, FilesEqualThoseOfTheCommandLine)
     Shown drawn = drawnSize();
     EXPECT_EQ(bytesOf("out.bmp").size(), 54 + static_cast<size_t>((drawn.width * 3 + 3) / 4 * 4 * drawn.height));
     expectPicture("a.obj");
-    EXPECT_TRUE(bytesOf("out.bmp") == bytesOf("expected.bmp"));
-}
-
-// The rows of a bitmap without their padding, which is what lies to the right of the display.
-static std::vector<std::string> pixelRows(const std::string& bitmap, int width)
-{
-    size_t rowBytes = (static_cast<size_t>(width) * 3 + 3) / 4 * 4;
-    std::vector<std::string> rows;
-    for (size_t at = 54; at + rowBytes <= bitmap.size(); at += rowBytes)
-        rows.push_back(bitmap.substr(at, static_cast<size_t>(width) * 3));
-    return rows;
+    EXPECT_TRUE(pixelRows(bytesOf("out.bmp"), drawn.width) == pixelRows(bytesOf("expected.bmp"), drawn.width));
 }
 
 TEST_F(Window, ASavedPictureOfAnyWidthIsThatOfTheCommandLine)
