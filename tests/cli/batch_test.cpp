@@ -111,10 +111,10 @@ TEST_F(KbxBatch, AFileThatCrashesIsOneThatFailed)
     makePipe("bad.off");
     pid_t id = start({ "convert", "bad.off", "a.off", "b.off", "--to=stl", "--output-dir=out", "--jobs=1" });
     ASSERT_TRUE(waitUntil([&] { return childrenOf(id).size() == 1; }));
-    kill(childrenOf(id)[0], SIGSEGV);
+    kill(childrenOf(id)[0], SIGABRT); // which the sanitizers leave alone
     EXPECT_EQ(endOf(id), 1);
     EXPECT_EQ(textOf(folder / ".err"),
-              "kbx: bad.off: ended by signal 11 (Segmentation fault)\nkbx: wrote out/a.stl\nkbx: wrote out/b.stl\n"
+              "kbx: bad.off: ended by signal 6 (Aborted)\nkbx: wrote out/a.stl\nkbx: wrote out/b.stl\n"
               "kbx: 3 files: 2 written, 1 failed\n");
 }
 
