@@ -1,6 +1,6 @@
 // platform/qt/recent_files.cpp - the list of recent files that the programs of a desktop share
 //
-// The list is $XDG_DATA_HOME/recently-used.xbel, in the form of the Desktop Bookmark Specification of freedesktop.org.
+// The list is $XDG_DATA_HOME/recently-used.xbel, in the form that freedesktop.org describes for desktop bookmarks.
 // Every program adds to it, so what others have entered is copied, and a list that cannot be read is left as it is.
 #include "platform/controls.h"
 
