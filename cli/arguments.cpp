@@ -181,6 +181,11 @@ static void addOffSwitch(CLI::App* command, const char* name, bool* value, const
         name, [value] { *value = false; }, help);
 }
 
+static CLI::Option* addVerbose(CLI::App* command, LoadArguments* load)
+{
+    return command->add_flag("--verbose", load->verbose, "print the time and the memory of each step");
+}
+
 static void addLoadOptions(CLI::App* command, LoadArguments* load, bool withFilter)
 {
     addOffSwitch(command, "--no-keyframes", &load->keyframes, "3DS: leave the objects where their vertices stand");
@@ -211,7 +216,8 @@ static void addLoadOptions(CLI::App* command, LoadArguments* load, bool withFilt
         ->option_text("N")
         ->check(CLI::Range(1, 1 << 20));
     command->add_flag("--strict", load->strict, "exit with status 1 after a warning, and write nothing");
-    command->add_flag("--quiet", load->quiet, "print no notices and no warnings");
+    CLI::Option* quiet = command->add_flag("--quiet", load->quiet, "print no notices and no warnings");
+    addVerbose(command, load)->excludes(quiet);
     if (withFilter)
         command
             ->add_option(
@@ -355,7 +361,7 @@ static void addSmallCommands(CLI::App* app, Arguments* arguments)
     decode->add_option("OUT", arguments->output, "picture to write: PNG when the name ends in .png, else BMP")
         ->option_text(" ")
         ->required();
-
+    addVerbose(decode, &arguments->load);
     addExamples(decode, { "wood.jpg wood.png" });
 
     CLI::App* formats =

@@ -30,6 +30,7 @@ struct LoadArguments
     std::optional<int> maxSize;         // MiB of the largest file that is read
     bool strict = false;                // warnings are failures
     bool quiet = false;                 // no warnings and no notices
+    bool verbose = false;               // the time and memory of each step
 };
 
 // Whether an input is standard input.

@@ -3,6 +3,7 @@
 #include "cli/commands.h"
 #include "cli/draw.h"
 #include "cli/load.h"
+#include "cli/steps.h"
 #include "cli/texture_copies.h"
 #include "cli/warnings.h"
 #include "cli/written.h"
@@ -167,7 +168,8 @@ static bool prepareTextures(const Mesh* mesh, const ModelTextures& textures, con
 static bool writeModel(Mesh* mesh, OutputFormat format, const ModelTextures& textures, const Arguments& arguments)
 {
     const std::string& output = arguments.output;
-    const std::string input = arguments.builtIn ? "the built-in model" : arguments.inputs[0];
+    const std::string input = arguments.builtIn ? builtInName : arguments.inputs[0];
+    Step step = { arguments.load.verbose };
     std::vector<std::string> files = filesOf(format, mesh, output);
     std::vector<OutputFile> pictures;
     if (!readyToWrite(mesh, format, arguments, input) ||
@@ -176,11 +178,15 @@ static bool writeModel(Mesh* mesh, OutputFormat format, const ModelTextures& tex
         freeMesh(mesh);
         return false;
     }
+    if (arguments.copyTextures)
+        endStep(&step, input, "pictures copied");
     // Made before the files are: afterwards the program could not end for lack of memory and leave nothing behind.
     std::string line = lineOfWritten(files, output);
     bool ok = writeFormat(format, mesh, arguments.builtIn, output) != 0;
     if (!placeTextureCopies(&pictures, ok))
         ok = false;
+    if (ok)
+        endStep(&step, input, "written");
     if (ok && !arguments.load.quiet && !isStandardOutput(output))
         fputs(line.c_str(), stderr);
     return ok;

@@ -1,5 +1,6 @@
 // cli/decode.cpp - a JPEG file into a picture, by the decoder that textures go through
 #include "cli/commands.h"
+#include "cli/steps.h"
 #include "cli/warnings.h"
 #include "image/textures.h"
 #include "platform/boxes.h"
@@ -45,5 +46,9 @@ int runDecode(const Arguments& arguments)
     int opened = 0;
     std::string actual;
     bool direct = findFileTarget(target, &actual) == targetDirect;
-    return (direct ? writeWholePicture : writeRowByRow)(path, target, &opened) ? 0 : 1;
+    Step step = { arguments.load.verbose };
+    if (!(direct ? writeWholePicture : writeRowByRow)(path, target, &opened))
+        return 1;
+    endStep(&step, path, "decoded and written");
+    return 0;
 }

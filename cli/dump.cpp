@@ -2,6 +2,7 @@
 #include "cli/commands.h"
 #include "cli/load.h"
 #include "cli/output.h"
+#include "cli/steps.h"
 
 static void putFloats(Output* out, const float* values, int count)
 {
@@ -132,11 +133,15 @@ int runDump(const Arguments& arguments)
     Mesh* mesh = loadForWriting(arguments.inputs[0], arguments.load);
     if (!mesh)
         return 1;
+    Step step = { arguments.load.verbose };
     Output out;
     dumpHead(&out, mesh);
     dumpVertices(&out, mesh, arguments.normals);
     dumpFaces(&out, mesh, arguments.normals);
     dumpNames(&out, mesh);
     freeMesh(mesh);
-    return finishOutput(&out) ? 0 : 1;
+    if (!finishOutput(&out))
+        return 1;
+    endStep(&step, arguments.inputs[0], "printed");
+    return 0;
 }

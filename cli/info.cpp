@@ -2,6 +2,7 @@
 #include "cli/commands.h"
 #include "cli/facts.h"
 #include "cli/output.h"
+#include "cli/steps.h"
 #include "cli/warnings.h"
 #include "platform/boxes.h"
 
@@ -141,12 +142,15 @@ static int inspect(const std::string& path, const Arguments& arguments, Output* 
     LoadedModel model;
     Facts facts;
     bool read = loadModel(&model, path, arguments.load);
+    Step step = { arguments.load.verbose };
     if (read && !gatherFacts(model.mesh, &facts))
     {
         model.error = "out of memory";
         explainFailure(path.c_str(), model.error.c_str());
         read = false;
     }
+    if (read)
+        endStep(&step, path, "measured");
     if (arguments.json || arguments.jsonLines)
     {
         bool inOneLine = arguments.jsonLines;

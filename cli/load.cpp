@@ -1,6 +1,7 @@
 // cli/load.cpp - reading a model, running the tools and applying the filter
 #include "cli/load.h"
 
+#include "cli/steps.h"
 #include "cli/warnings.h"
 #include "import/dispatch.h"
 #include "import/rkf.h"
@@ -48,22 +49,24 @@ static int readModel(Mesh* mesh, const std::string& path, const ReadOptions& opt
 
 // Returns the tool that shows a message box, or null when all are done. A tool that finds nothing to do has not failed,
 // whatever it returns.
-static const MeshTool* runTools(Mesh* mesh, const std::vector<const MeshTool*>& tools)
+static const MeshTool* runTools(Mesh* mesh, const std::string& path, const LoadArguments& load)
 {
-    for (const MeshTool* tool : tools)
+    Step step = { load.verbose };
+    for (const MeshTool* tool : load.tools)
     {
         int boxesBefore = terminalBoxCount();
         tool->run(mesh);
         if (terminalBoxCount() != boxesBefore)
             return tool;
+        endStep(&step, path, tool->name);
     }
     return nullptr;
 }
 
 // Runs the tools, then applies the filter. Frees the mesh and returns null when a tool fails; *error then says which.
-static Mesh* repair(Mesh* mesh, const LoadArguments& load, std::string* error)
+static Mesh* repair(Mesh* mesh, const std::string& path, const LoadArguments& load, std::string* error)
 {
-    if (const MeshTool* failed = runTools(mesh, load.tools))
+    if (const MeshTool* failed = runTools(mesh, path, load))
     {
         *error = std::string("the tool ") + failed->name + " failed";
         freeMesh(mesh);
@@ -95,6 +98,7 @@ static void readAndRepair(LoadedModel* model, const std::string& path, const std
     const char* format = load.format.empty() ? nullptr : load.format.c_str();
     const char* plyList = load.plyList.empty() ? nullptr : load.plyList.c_str();
     bool tooLarge = load.maxSize && isLargerThan(actual, *load.maxSize);
+    Step step = { load.verbose };
     Mesh* mesh = tooLarge ? nullptr : createMesh("prop");
     if (tooLarge)
         model->error = "larger than " + std::to_string(*load.maxSize) + " MiB, the limit of --max-size";
@@ -107,17 +111,24 @@ static void readAndRepair(LoadedModel* model, const std::string& path, const std
     }
     else
     {
+        endStep(&step, path, "read");
         model->textures = findTextures(mesh, path, &model->report);
+        endStep(&step, path, "textures looked for");
         printWarnings(path, model->report, load.quiet);
-        model->mesh = repair(mesh, load, &model->error);
+        model->mesh = repair(mesh, path, load, &model->error);
     }
 }
 
 bool loadModel(LoadedModel* model, const std::string& path, const LoadArguments& load)
 {
     std::string actual;
+    Step step = { load.verbose };
     if (findInput(path, &actual, &model->error))
+    {
+        if (isStandardInput(path))
+            endStep(&step, path, "kept in a file");
         readAndRepair(model, path, actual, load);
+    }
     dropStandardInput();
     if (!model->mesh)
         explainFailure(path.c_str(), model->error.c_str());
@@ -127,6 +138,7 @@ bool loadModel(LoadedModel* model, const std::string& path, const LoadArguments&
 Mesh* loadTeapot(const LoadArguments& load)
 {
     int hasMaterials = 0;
+    Step step = { load.verbose };
     Mesh* mesh = createMesh("teapot");
     if (!mesh || !loadBuiltInModel(mesh, &hasMaterials))
     {
@@ -134,9 +146,10 @@ Mesh* loadTeapot(const LoadArguments& load)
         return nullptr;
     }
     std::string error;
-    mesh = repair(mesh, load, &error);
+    endStep(&step, builtInName, "read");
+    mesh = repair(mesh, builtInName, load, &error);
     if (!mesh)
-        explainFailure("the built-in model", error.c_str());
+        explainFailure(builtInName, error.c_str());
     return mesh;
 }
 

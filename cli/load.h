@@ -19,6 +19,9 @@ struct LoadedModel
 // which are no failure here.
 bool loadModel(LoadedModel* model, const std::string& path, const LoadArguments& load);
 
+// What the lines about the built-in model call it.
+inline constexpr char builtInName[] = "the built-in model";
+
 // The built-in model, treated in the same way. Null when it fails.
 Mesh* loadTeapot(const LoadArguments& load);
 

@@ -3,6 +3,7 @@
 #include "cli/commands.h"
 #include "cli/draw.h"
 #include "cli/load.h"
+#include "cli/steps.h"
 #include "cli/written.h"
 #include "shell/picture_file.h"
 #include "shell/scene.h"
@@ -21,8 +22,15 @@ int runRender(const Arguments& arguments)
     Mesh* mesh = builtIn ? loadTeapot(arguments.load) : loadForWriting(arguments.inputs[0], arguments.load);
     if (!mesh)
         return 1;
+    const std::string name = builtIn ? builtInName : arguments.inputs[0];
+    Step step = { arguments.load.verbose };
     auto write = arguments.to == "png" ? writePictureAsPng : writePicture;
-    int ok = drawModel(mesh, builtIn, view) && write(arguments.output.c_str(), &frameBuffer, view.width, view.height);
+    int ok = drawModel(mesh, builtIn, view);
+    if (ok)
+        endStep(&step, name, "drawn");
+    ok = ok && write(arguments.output.c_str(), &frameBuffer, view.width, view.height);
+    if (ok)
+        endStep(&step, name, "written");
     releaseDrawing();
     return ok ? 0 : 1;
 }
