@@ -117,7 +117,11 @@ static std::vector<std::string> optionsGiven(const CLI::App* command)
             continue;
         bool takesValue = option->get_items_expected_max() > 0;
         for (const std::string& value : option->results())
-            words.push_back(takesValue ? name + "=" + value : name);
+        {
+            words.push_back(name);
+            if (takesValue)
+                words.back().append("=").append(value);
+        }
     }
     return words;
 }

@@ -15,7 +15,11 @@ std::vector<Target> targetsOf(const Arguments& arguments)
     std::string extension = "." + (arguments.to.empty() ? "png" : arguments.to);
     std::vector<Target> targets;
     for (const std::string& input : arguments.inputs)
-        targets.push_back({ input, folder + withoutExtension(fileNameOf(input.c_str())) + extension });
+    {
+        std::string output = folder;
+        output.append(withoutExtension(fileNameOf(input.c_str()))).append(extension);
+        targets.push_back({ input, output });
+    }
     return targets;
 }
 
