@@ -1,10 +1,11 @@
 // cli/decode.cpp - a JPEG file into a picture, by the decoder that textures go through
 #include "cli/commands.h"
 #include "cli/steps.h"
-#include "cli/warnings.h"
+#include "facts/warnings.h"
 #include "image/textures.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
+#include "platform/terminal/terminal.h"
 #include "shell/picture_file.h"
 
 #include <stdio.h>
@@ -17,7 +18,7 @@ static bool writeWholePicture(const char* path, const char* target, int* opened)
     JpegOutput described;
     if (!loadTextureFile(path, &image, opened, &described))
     {
-        explainFailure(path, causeOfImage(path, *opened).c_str());
+        explainFailure(path, causeOfImage(path, *opened, saidOutOfMemory()).c_str());
         return false;
     }
     bool ok = writeDecodedPicture(target, described, image.pixels) != 0;
@@ -30,12 +31,12 @@ static bool writeRowByRow(const char* path, const char* target, int* opened)
     JpegFile jpeg;
     if (!openJpegFile(&jpeg, path, opened))
     {
-        explainFailure(path, causeOfImage(path, *opened).c_str());
+        explainFailure(path, causeOfImage(path, *opened, saidOutOfMemory()).c_str());
         return false;
     }
     bool ok = writeJpegAsPicture(target, &jpeg) != 0;
     if (jpeg.failed)
-        explainFailure(path, causeOfImage(path, *opened).c_str());
+        explainFailure(path, causeOfImage(path, *opened, saidOutOfMemory()).c_str());
     closeJpegFile(&jpeg);
     return ok;
 }

@@ -1,10 +1,11 @@
 // cli/draw.cpp - the choices of the window, made by options, and the frames drawn with them
 #include "cli/draw.h"
 
-#include "cli/warnings.h"
+#include "facts/warnings.h"
 #include "image/textures.h"
 #include "model/memory.h"
 #include "platform/boxes.h"
+#include "platform/terminal/terminal.h"
 #include "shell/choices.h"
 #include "shell/scene.h"
 
@@ -22,7 +23,7 @@ static int32_t loadTexture(const std::string& name)
     int ok = slot < textureUser ? loadTextureResource(image, builtInTextures[slot])
                                 : loadTextureFile(name.c_str(), image, &opened);
     if (!ok && slot == textureUser)
-        explainFailure(name.c_str(), causeOfImage(name, opened).c_str());
+        explainFailure(name.c_str(), causeOfImage(name, opened, saidOutOfMemory()).c_str());
     return ok ? slot : -1;
 }
 

@@ -1,9 +1,10 @@
 // cli/info.cpp - kbx info: what is in a model, as text and as JSON
 #include "cli/commands.h"
-#include "cli/facts.h"
+#include "cli/load.h"
 #include "cli/output.h"
 #include "cli/steps.h"
-#include "cli/warnings.h"
+#include "facts/facts.h"
+#include "facts/warnings.h"
 #include "platform/boxes.h"
 
 #include <stdio.h>

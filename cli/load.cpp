@@ -2,7 +2,7 @@
 #include "cli/load.h"
 
 #include "cli/steps.h"
-#include "cli/warnings.h"
+#include "facts/warnings.h"
 #include "import/dispatch.h"
 #include "import/rkf.h"
 #include "model/ascii.h"
@@ -106,7 +106,7 @@ static void readAndRepair(LoadedModel* model, const std::string& path, const std
         model->error = "out of memory";
     else if (!readModel(mesh, actual, { load.keyframes, plyList, &model->report, format }))
     {
-        model->error = causeOf(model->report, actual);
+        model->error = causeOf(model->report, actual, saidOutOfMemory());
         freeMesh(mesh);
     }
     else

@@ -1,18 +1,7 @@
 // cli/load.h - loading a model for a command, with its tools and its filter
 #pragma once
 #include "cli/arguments.h"
-#include "cli/textures.h"
-#include "model/mesh.h"
-#include "model/report.h"
-
-// A model, what reading it left out, and where its textures are.
-struct LoadedModel
-{
-    Mesh* mesh = nullptr; // the caller frees it; null when the model failed
-    Report report = {};
-    ModelTextures textures;
-    std::string error; // why there is no mesh
-};
+#include "facts/facts.h"
 
 // Reads a file by its extension (.rkf included), runs the tools in order, then applies the filter. Returns whether
 // there is a mesh; otherwise the file and the reason are on standard error. What was left out is printed as warnings,

@@ -3,8 +3,8 @@
 // Each picture that was found gets the name that the written file has for it, from the folder of that file on. The
 // copies are pending files until the model is written, so that a failure leaves none of them.
 #pragma once
-#include "cli/textures.h"
 #include "export/output_file.h"
+#include "facts/textures.h"
 
 #include <string>
 #include <vector>

@@ -3,18 +3,11 @@
 
 #include "fuzz/memory_files.h"
 #include "model/memory.h"
-#include "platform/terminal/terminal.h"
 #include "tests/check_mesh.h"
 #include "tests/recording/recording.h"
 
 #include <stdio.h>
 #include <stdlib.h>
-
-// The words of a report ask what the terminal has shown; there is none here.
-bool saidOutOfMemory()
-{
-    return false;
-}
 
 void beginInput()
 {

@@ -1,7 +1,7 @@
 // fuzz/reader_fuzz.cpp - gives a reader any bytes: it refuses them with a reason, or makes a sound mesh; and its report
 // fits the file
 #include READER_HEADER
-#include "cli/warnings.h"
+#include "facts/warnings.h"
 #include "fuzz/fuzzing.h"
 #include "fuzz/memory_files.h"
 #include "import/common/report_lines.h"
@@ -61,7 +61,7 @@ static void checkReport(Report* report, bool ok, const char* path, size_t size)
         checkPlace(entry.firstByte, entry.firstLine, static_cast<int64_t>(size));
         expect(!warningText(*report, static_cast<ReportKind>(i)).empty(), "a kind without words");
     }
-    expect(ok || !causeOf(*report, path).empty(), "a failure without words");
+    expect(ok || !causeOf(*report, path, false).empty(), "a failure without words");
 }
 
 static void compareWithoutReport(const Mesh* mesh, bool ok, const char* path)

@@ -1,5 +1,5 @@
-// cli/facts.cpp - counting faces by kind, group and material, and naming faults
-#include "cli/facts.h"
+// facts/facts.cpp - counting faces by kind, group and material, and naming faults
+#include "facts/facts.h"
 
 static void addCounts(FaceCounts* counts, const FaceCounts& more)
 {

@@ -1,6 +1,6 @@
-// cli/facts_json.cpp - the facts about a model as JSON
-#include "cli/facts.h"
-#include "cli/warnings.h"
+// facts/facts_json.cpp - the facts about a model as JSON
+#include "facts/facts.h"
+#include "facts/warnings.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,10 +1,19 @@
-// cli/facts.h - what kbx info says about a model
+// facts/facts.h - what there is to say about a model, as kbx info and the page's views do
 #pragma once
-#include "cli/load.h"
+#include "facts/textures.h"
 #include "tools/statistics.h"
 
 #include <string>
 #include <vector>
+
+// A model, what reading it left out, and where its textures are.
+struct LoadedModel
+{
+    Mesh* mesh = nullptr; // the caller frees it; null when the model failed
+    Report report = {};
+    ModelTextures textures;
+    std::string error; // why there is no mesh
+};
 
 struct FaceCounts
 {

@@ -1,5 +1,5 @@
-// cli/textures.cpp - looking for the texture files of a model
-#include "cli/textures.h"
+// facts/textures.cpp - looking for the texture files of a model
+#include "facts/textures.h"
 
 #include "import/common/paths.h"
 #include "platform/files.h"

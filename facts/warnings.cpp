@@ -1,10 +1,9 @@
-// cli/warnings.cpp - the words of warnings and causes
-#include "cli/warnings.h"
+// facts/warnings.cpp - the words of warnings and causes
+#include "facts/warnings.h"
 
 #include "image/jpeg.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
-#include "platform/terminal/terminal.h"
 
 #include <errno.h>
 #include <string.h>
@@ -96,7 +95,7 @@ static std::string explanation(const Report& report)
     return text;
 }
 
-static std::string causeInSystem(const std::string& path)
+static std::string causeInSystem(const std::string& path, bool outOfMemory)
 {
     errno = 0;
     FILE* file = openFile(path.c_str(), "rb");
@@ -107,22 +106,22 @@ static std::string causeInSystem(const std::string& path)
     fclose(file);
     if (failed && reason)
         return strerror(reason);
-    return saidOutOfMemory() ? "out of memory" : "the file cannot be read";
+    return outOfMemory ? "out of memory" : "the file cannot be read";
 }
 
-std::string causeOfImage(const std::string& path, int opened)
+std::string causeOfImage(const std::string& path, int opened, bool outOfMemory)
 {
     if (!opened)
-        return causeInSystem(path);
-    if (saidOutOfMemory())
+        return causeInSystem(path, outOfMemory);
+    if (outOfMemory)
         return "out of memory";
     return progressiveRefused ? "a progressive JPEG file" : "not a JPEG file that can be decoded";
 }
 
-std::string causeOf(const Report& report, const std::string& path)
+std::string causeOf(const Report& report, const std::string& path, bool outOfMemory)
 {
     if (!report.failure[0])
-        return causeInSystem(path);
+        return causeInSystem(path, outOfMemory);
     std::string text = report.failure;
     if (report.entriesExplain)
         append(&text, ": ", explanation(report));

@@ -1,4 +1,4 @@
-// cli/warnings.h - what a report says, in words for people
+// facts/warnings.h - what a report says, in words for people
 #pragma once
 #include "model/report.h"
 
@@ -12,8 +12,8 @@ void printWarnings(const std::string& path, const Report& report, bool quiet);
 
 bool hasWarnings(const Report& report);
 
-// Why a JPEG file was not read that opened or did not.
-std::string causeOfImage(const std::string& path, int opened);
+// Why a JPEG file was not read that opened or did not. outOfMemory: "Out of memory" has been said.
+std::string causeOfImage(const std::string& path, int opened, bool outOfMemory);
 
 // Why a file was not read: the reader's reason where it opened, otherwise that of the operating system.
-std::string causeOf(const Report& report, const std::string& path);
+std::string causeOf(const Report& report, const std::string& path, bool outOfMemory);
