@@ -22,11 +22,17 @@ int loadTextureResource(Image* image, const char* name)
     return decodeJpegMemory(resource.bytes, resource.size, image);
 }
 
-void loadBuiltInTextures()
+void needTexture(const Image* image)
 {
+    if (!image || image->pixels)
+        return;
     for (int slot = 0; slot < textureUser; ++slot)
-        loadTextureResource(&TextureSlots[slot], builtInTextures[slot]);
-    loadTextureResource(&ReflectionImage, "reflect");
+    {
+        if (image == &TextureSlots[slot])
+            loadTextureResource(&TextureSlots[slot], builtInTextures[slot]);
+    }
+    if (image == &ReflectionImage)
+        loadTextureResource(&ReflectionImage, "reflect");
 }
 
 // The decoder keeps the data of a file in memory and searches all of it for markers. A sparse file can be much larger

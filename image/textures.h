@@ -18,8 +18,9 @@ extern Image ReflectionImage;
 // image cleared. An unknown name leaves the image as it was.
 int loadTextureResource(Image* image, const char* name);
 
-// Loads the three embedded textures and the reflection image. A file that fails leaves its slot empty.
-void loadBuiltInTextures();
+// Decodes a built-in image that nobody has shown yet. One that cannot be decoded stays empty. The user's texture and
+// null stay as they are.
+void needTexture(const Image* image);
 
 // Decodes a JPEG file into the image and frees the old pixels. Returns 1; or 0, with the image as it was: without a
 // message when the file cannot be opened, with one when it is larger than textureFileLimit or cannot be decoded.

@@ -29,6 +29,8 @@ void chooseMetallic(Choices* chosen, bool on)
 {
     setFlag(chosen, renderMetallic, on);
     chosen->render.currentTexture = on ? &ReflectionImage : &TextureSlots[chosen->textureIndex];
+    if (on)
+        needTexture(chosen->render.currentTexture);
     ApplyPreset(&chosen->render, on ? presetWhite : chosen->materialPreset, presetBrick);
 }
 
@@ -56,7 +58,10 @@ void chooseRenderFlag(Choices* chosen, uint32_t flag, bool on)
 {
     setFlag(chosen, flag, on);
     if (flag == renderTextured && on)
+    {
         setFlag(chosen, renderWireframe, false);
+        needTexture(chosen->render.currentTexture);
+    }
 }
 
 void chooseKeyframes3ds(Choices* chosen, bool on)

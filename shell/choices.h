@@ -1,7 +1,8 @@
 // shell/choices.h - what the user has chosen, and how each choice changes it
 //
-// The functions change the record they are given and nothing else: they touch no menu, no panel and no window. The
-// menu, the tool panel and the command line choose through them, so that a choice means the same everywhere.
+// The functions change the record they are given, and decode a built-in image when it is shown for the first time. They
+// touch no menu, no panel and no window. The menu, the tool panel and the command line choose through them, so that a
+// choice means the same everywhere.
 #pragma once
 #include "render/materials.h"
 #include "render/settings.h"

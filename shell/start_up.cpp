@@ -57,7 +57,6 @@ static int showBuiltInModel(int* hasMaterials)
 int buildScene(const char* path)
 {
     startSwitches();
-    loadBuiltInTextures();
     choices.render.currentTexture = &TextureSlots[textureWood];
     checkMenuItem(ID_TEXTURE_WOOD, 1);
     int hasMaterials = 1; // what is said of every file, also of one that brings none

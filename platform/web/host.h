@@ -1,5 +1,6 @@
 // platform/web/host.h - what the program asks of the page around it; platform/web/host.js has the functions
 #pragma once
+#include <stddef.h>
 #include <stdint.h>
 
 extern "C"
@@ -13,4 +14,8 @@ extern "C"
 
     // Hands the page a picture for the clipboard, in the same form.
     void copyPixels(const uint8_t* pixels, int width, int height);
+
+    // Reads a file that lies beside the module. Returns its bytes, which the caller frees, and their number; or null
+    // when it cannot be had or there is no memory.
+    uint8_t* readPageFile(const char* name, size_t* size);
 }

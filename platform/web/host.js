@@ -12,4 +12,27 @@ mergeInto(LibraryManager.library, {
         pixels >>>= 0;
         Module.host.copy(HEAPU8.slice(pixels, pixels + 4 * width * height), width, height);
     },
+    // The program cannot go on without the file, so it waits here, unless the worker has fetched it ahead.
+    readPageFile: function (name, size) {
+        const file = UTF8ToString(name);
+        let bytes = Module.filesAhead && Module.filesAhead[file];
+        if (!bytes) {
+            const request = new XMLHttpRequest();
+            request.open("GET", scriptDirectory + file, false);
+            request.responseType = "arraybuffer";
+            try {
+                request.send();
+            } catch (refused) {
+                return 0;
+            }
+            if (request.status !== 200) return 0;
+            bytes = new Uint8Array(request.response);
+        }
+        const pointer = _malloc(bytes.length) >>> 0;
+        if (pointer === 0) return 0;
+        if (Module.filesAhead) delete Module.filesAhead[file];
+        HEAPU8.set(bytes, pointer);
+        HEAPU32[size >>> 2] = bytes.length;
+        return pointer;
+    },
 });

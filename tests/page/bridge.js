@@ -7,6 +7,7 @@ import http from "node:http";
 import os from "node:os";
 import path from "node:path";
 import readline from "node:readline";
+import { gzipSync } from "node:zlib";
 
 const [, , pageFolder, modules] = process.argv;
 const { default: puppeteer } = await import(path.join(modules, "puppeteer-core/lib/esm/puppeteer/puppeteer-core.js"));
@@ -315,6 +316,14 @@ const functions = {
         await page.screenshot({ path: name });
     },
     requests: () => requests,
+
+    // What was asked for until the first picture was there; the page asks for its service worker next. Bytes as gzip -9.
+    firstLoad() {
+        const names = [...new Set(requests.slice(0, requests.indexOf("/service-worker.js")))];
+        const compressed = (name) => gzipSync(fs.readFileSync(path.join(pageFolder, name)), { level: 9 }).length;
+        const files = names.filter((name) => fs.existsSync(path.join(pageFolder, name)));
+        return { names, bytes: files.map(compressed).reduce((sum, bytes) => sum + bytes, 0) };
+    },
 
     // The service worker has kept the page's files.
     whenKept: () => page.evaluate(() => navigator.serviceWorker.ready.then(() => undefined)),

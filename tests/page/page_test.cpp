@@ -14,6 +14,16 @@ static std::string titleBegin()
     return windowTitle().substr(0, windowTitle().find(" - "));
 }
 
+TEST(Page, TheFirstPictureTakesFewBytes)
+{
+    constexpr size_t firstLoadLimit = 350000; // compressed, for networks of phones
+    auto load = askBridge("firstLoad");
+    auto names = load["names"].get<std::vector<std::string>>();
+    EXPECT_NE(std::find(names.begin(), names.end(), "/core.wasm"), names.end());
+    EXPECT_LE(load["bytes"].get<size_t>(), firstLoadLimit) << load;
+    EXPECT_GT(load["bytes"].get<size_t>(), firstLoadLimit / 3) << load;
+}
+
 TEST(Page, AsksTheServerForNothingAfterItHasLoaded)
 {
     askBridge("whenKept");
@@ -35,6 +45,18 @@ TEST(Page, WorksWithoutANetworkAfterTheFirstVisit)
     askBridge("reload");
     EXPECT_EQ(panelText(ID_FACE_COUNT), "4096");
     EXPECT_EQ(titleBegin(), "Kestrelbox: teapot");
+    Shown plain = shownPicture();
+    command(ID_TEXTURE_PATTERN);
+    Shown textured = shownPicture();
+    pressPanel(ID_METALLIC);
+    Shown metallic = shownPicture();
+    pressPanel(ID_METALLIC);
+    pressPanel(ID_TEXTURED);
+    Shown untextured = shownPicture(); // with the same materials
+    EXPECT_NE(textured.bytes, untextured.bytes);
+    EXPECT_NE(metallic.bytes, untextured.bytes);
+    command(ID_PRESET_BRASS);
+    EXPECT_EQ(shownPicture().bytes, plain.bytes);
     askBridge("cutNetwork", { { "cut", false } });
 }
 
@@ -140,4 +162,8 @@ TEST(Page, AFaultOfTheProgramIsShownAndItStartsAnew)
     askBridge("whenReady");
     EXPECT_EQ(panelText(ID_FACE_COUNT), "4096");
     EXPECT_EQ(titleBegin(), "Kestrelbox: teapot");
+    command(ID_TEXTURE_METAL); // nothing was fetched ahead for this start
+    Shown textured = shownPicture();
+    pressPanel(ID_TEXTURED);
+    EXPECT_NE(shownPicture().bytes, textured.bytes);
 }

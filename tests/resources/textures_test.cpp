@@ -50,10 +50,18 @@ TEST_F(BuiltInTextures, LoadByNameInAnyCase)
     EXPECT_TRUE(recorded.boxes.empty());
 }
 
-TEST_F(BuiltInTextures, StartUpFillsTheSlotsButTheUsers)
+TEST_F(BuiltInTextures, EachIsDecodedWhenItIsNeededFirst)
 {
-    loadBuiltInTextures();
+    needTexture(nullptr);
+    needTexture(&TextureSlots[textureUser]);
+    needTexture(&TextureSlots[textureWood]);
     expectImage(TextureSlots[textureWood], builtIns[0]);
+    EXPECT_EQ(TextureSlots[textureMetal].pixels, nullptr);
+    const uint32_t* pixels = TextureSlots[textureWood].pixels;
+    for (const Image* image :
+         { &TextureSlots[textureWood], &TextureSlots[textureMetal], &TextureSlots[texturePattern], &ReflectionImage })
+        needTexture(image);
+    EXPECT_EQ(TextureSlots[textureWood].pixels, pixels);
     expectImage(TextureSlots[textureMetal], builtIns[1]);
     expectImage(TextureSlots[texturePattern], builtIns[2]);
     expectImage(ReflectionImage, builtIns[3]);

@@ -59,6 +59,22 @@ TEST_F(Choosing, ATextureSwitchesTexturedOnAndWireframeOff)
     EXPECT_TRUE(looksLike(chosen.render.front, presetBrass));
 }
 
+TEST_F(Choosing, ABuiltInImageIsDecodedWhenItIsShownFirst)
+{
+    freeTextures();
+    chosen.render.currentTexture = &TextureSlots[textureWood];
+    chooseRenderFlag(&chosen, renderShadows, true);
+    EXPECT_EQ(TextureSlots[textureWood].pixels, nullptr);
+    chooseRenderFlag(&chosen, renderTextured, true);
+    EXPECT_NE(TextureSlots[textureWood].pixels, nullptr);
+    showTexture(&chosen, texturePattern);
+    EXPECT_NE(TextureSlots[texturePattern].pixels, nullptr);
+    EXPECT_EQ(ReflectionImage.pixels, nullptr);
+    chooseMetallic(&chosen, true);
+    EXPECT_NE(ReflectionImage.pixels, nullptr);
+    freeTextures();
+}
+
 TEST_F(Choosing, AChosenTextureComesOnAWhiteFrontAndABrickBack)
 {
     chooseTexture(&chosen, textureMetal);

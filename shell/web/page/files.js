@@ -1,5 +1,4 @@
 // files.js - files that come in by a dialog, a drop or the clipboard, and files that go out as downloads
-import { zipSync } from "./fflate.js";
 
 /** @typedef {import("./messages").GivenFile} GivenFile */
 /** @typedef {import("./messages").SavedFile} SavedFile */
@@ -74,11 +73,12 @@ function download(name, bytes) {
 
 // One file as it is, a set of files in one archive.
 /** @param {SavedFile[]} files */
-export function downloadFiles(files) {
+export async function downloadFiles(files) {
     if (files.length === 1) {
         download(files[0].name, /** @type {BlobPart} */ (files[0].bytes));
         return;
     }
+    const { zipSync } = await import("./fflate.js"); // not part of the first load
     const archive = zipSync(Object.fromEntries(files.map(({ name, bytes }) => [name, bytes])));
     download(files[0].name.replace(/\.[^.]*$/, "") + ".zip", /** @type {BlobPart} */ (archive));
 }

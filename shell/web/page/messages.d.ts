@@ -24,6 +24,7 @@ export type Action =
     | { do: "resize"; width: number; height: number }
     | { do: "rest"; on: boolean }
     | { do: "state" }
+    | { do: "fetchAhead" }
     | { do: "show"; visible: boolean }
     | { do: "start"; canvas: OffscreenCanvas; width: number; height: number; refreshRate: number };
 
@@ -82,6 +83,7 @@ export interface Core {
     HEAPU8: Uint8Array;
     FS: any;
     WORKERFS: object;
+    filesAhead: { [name: string]: Uint8Array };
     UTF8ToString(pointer: number): string;
     _malloc(bytes: number): number;
     _free(pointer: number): void;

@@ -208,6 +208,12 @@ async function openAddressed() {
     await openFiles([{ path: name, file: await response.blob() }]);
 }
 
+// What the first picture does not need: the service worker, and the pictures that the program puts on models.
+async function keepPage() {
+    await navigator.serviceWorker?.register("./service-worker.js").catch(() => {});
+    await program.send({ do: "fetchAhead" });
+}
+
 function listen() {
     document.addEventListener("keydown", takeKey);
     document.addEventListener("visibilitychange", () =>
@@ -241,4 +247,4 @@ listen();
 await startProgram();
 new Display(place("display"), () => program);
 await openAddressed();
-navigator.serviceWorker?.register("./service-worker.js").catch(() => {});
+await keepPage();

@@ -39,6 +39,15 @@ const host = {
     copy: (pixels, width, height) => post({ what: "copy", pixels, width, height }, [pixels.buffer]),
 };
 
+// Fetches the pictures that the program puts on models, while it goes on. One that does not come is asked for again when
+// the program needs it.
+async function fetchAhead() {
+    for (const name of ["wood.jpg", "metal.jpg", "pattern.jpg", "reflect.jpg"]) {
+        const response = await fetch(new URL(name, import.meta.url)).catch(() => null);
+        if (response?.ok) core.filesAhead[name] = new Uint8Array(await response.arrayBuffer());
+    }
+}
+
 function draw() {
     clearTimeout(nextFrame);
     const wait = core._drawIfDue();
@@ -187,7 +196,7 @@ async function start(request) {
     canvas = request.canvas;
     context = /** @type {OffscreenCanvasRenderingContext2D} */ (canvas.getContext("2d", { alpha: false }));
     sizeCanvas(request.width, request.height);
-    core = await createProgram({ host });
+    core = await createProgram({ host, filesAhead: {} });
     for (const folder of ["/in", "/files", outputFolder]) core.FS.mkdir(folder);
     core.FS.chdir(outputFolder);
     core._describeControls();
@@ -197,9 +206,11 @@ async function start(request) {
 /** @param {Request} request */
 async function handle(request) {
     if (request.do === "start") await start(request);
-    else actions[request.do](request);
+    else if (request.do !== "fetchAhead") actions[request.do](request);
     draw();
-    post({ what: "done", id: request.number });
+    const done = () => post({ what: "done", id: request.number });
+    if (request.do === "fetchAhead") fetchAhead().then(done);
+    else done();
 }
 
 let handled = Promise.resolve();
