@@ -26,7 +26,7 @@ static MemoryEntry* takeEntry()
     return entry ? entry : &memoryTable.entries[memoryTable.highWater++];
 }
 
-void* tableAlloc(size_t size)
+static void* enterBlock(size_t size, void* (*allocate)(size_t sizeBytes))
 {
     if (size == 0)
         return nullptr;
@@ -36,16 +36,16 @@ void* tableAlloc(size_t size)
         return nullptr;
     }
     MemoryEntry* entry = takeEntry();
-    entry->address = allocatePages(size);
+    entry->address = allocate(size);
     if (entry->address)
         entry->size = size;
     return entry->address;
 }
 
-void* tableRealloc(void* pointer, size_t size)
+static void* resizeBlock(void* pointer, size_t size, void* (*allocate)(size_t sizeBytes))
 {
     if (!pointer)
-        return tableAlloc(size);
+        return enterBlock(size, allocate);
     MemoryEntry* entry = findEntry(pointer);
     if (!entry)
         return nullptr;
@@ -55,13 +55,28 @@ void* tableRealloc(void* pointer, size_t size)
         entry->address = nullptr;
         return nullptr;
     }
-    void* grown = allocatePages(size);
+    void* grown = allocate(size);
     if (!grown)
         return nullptr;
     memcpy(grown, pointer, size < entry->size ? size : entry->size);
     releasePages(pointer);
     *entry = { grown, size };
     return grown;
+}
+
+void* tableAlloc(size_t size)
+{
+    return enterBlock(size, allocatePages);
+}
+
+void* tableRealloc(void* pointer, size_t size)
+{
+    return resizeBlock(pointer, size, allocatePages);
+}
+
+void* tableReallocUncleared(void* pointer, size_t size)
+{
+    return resizeBlock(pointer, size, allocateUnclearedPages);
 }
 
 void tableFree(void* pointer)

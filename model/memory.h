@@ -33,6 +33,9 @@ void* tableAlloc(size_t size);
 // operating system refuses, the result is null and nothing changes.
 void* tableRealloc(void* pointer, size_t size);
 
+// tableRealloc for an array that is written before it is read: the bytes past the old ones have any content.
+void* tableReallocUncleared(void* pointer, size_t size);
+
 // Releases the block. Null and unknown addresses are ignored.
 void tableFree(void* pointer);
 

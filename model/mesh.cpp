@@ -70,9 +70,10 @@ void freeMesh(Mesh* mesh)
 
 // Reallocates one array to a new capacity. Returns 1, or 0 with the array as it was.
 template <typename T>
-static int growArray(T*& array, int32_t capacity)
+static int growArray(T*& array, int32_t capacity, bool cleared = true)
 {
-    auto* grown = static_cast<T*>(tableRealloc(array, blockSize(capacity, sizeof(T))));
+    auto* resize = cleared ? tableRealloc : tableReallocUncleared;
+    auto* grown = static_cast<T*>(resize(array, blockSize(capacity, sizeof(T))));
     if (!grown)
         return 0;
     array = grown;
@@ -84,12 +85,12 @@ static int addCapacity(int32_t* capacity, int32_t n)
     return n > 0 && !__builtin_add_overflow(*capacity, n, capacity);
 }
 
-int growVertices(Mesh* mesh, int32_t n)
+int growVertices(Mesh* mesh, int32_t n, GrownContent content)
 {
     if (n == 0)
         return 1;
     int32_t capacity = mesh->vertices ? mesh->vertexCapacity : 0;
-    if (!addCapacity(&capacity, n) || !growArray(mesh->vertices, capacity))
+    if (!addCapacity(&capacity, n) || !growArray(mesh->vertices, capacity, content == grownCleared))
         return reportOutOfMemory();
     if (!growArray(mesh->projected, capacity))
     {
@@ -100,26 +101,27 @@ int growVertices(Mesh* mesh, int32_t n)
     return 1;
 }
 
-int growUvs(Mesh* mesh, int32_t n)
+int growUvs(Mesh* mesh, int32_t n, GrownContent content)
 {
     if (n == 0)
         return 1;
     int32_t capacity = mesh->uvs ? mesh->uvCapacity : 0;
-    if (!addCapacity(&capacity, n) || !growArray(mesh->uvs, capacity))
+    if (!addCapacity(&capacity, n) || !growArray(mesh->uvs, capacity, content == grownCleared))
         return reportOutOfMemory();
     mesh->uvCapacity = capacity;
     return 1;
 }
 
-int growFaces(Mesh* mesh, int32_t n)
+int growFaces(Mesh* mesh, int32_t n, GrownContent content)
 {
     if (n == 0)
         return 1;
     int32_t capacity = mesh->faces ? mesh->faceCapacity : 0;
     if (!addCapacity(&capacity, n))
         return reportOutOfMemory();
-    if (!growArray(mesh->faces, capacity) || !growArray(mesh->faceUvs, capacity) ||
-        !growArray(mesh->faceAttributes, capacity) || !growArray(mesh->facePlanes, capacity))
+    bool corners = content == grownCleared, uvs = content != grownUncleared; // which are cleared
+    if (!growArray(mesh->faces, capacity, corners) || !growArray(mesh->faceUvs, capacity, uvs) ||
+        !growArray(mesh->faceAttributes, capacity, uvs) || !growArray(mesh->facePlanes, capacity, corners))
         return reportOutOfMemory();
     mesh->faceCapacity = capacity;
     return 1;

@@ -175,11 +175,27 @@ Mesh* createMesh(const char* name);
 // Frees the arrays and the record. Null is ignored.
 void freeMesh(Mesh* mesh);
 
+// What the new records of an array hold. Readers of large files ask for uncleared ones, because clearing them takes as
+// long as filling them. They write every word of a record that they count; computeNormals writes the planes.
+enum GrownContent
+{
+    grownCleared,          // zeros
+    grownCornersUncleared, // of faces: anything in corners and planes, zeros in texture indices and attributes
+    grownUncleared         // anything
+};
+
 // Add n to a capacity and keep the contents; n = 0 does nothing. Return 1, or 0 after "Out of memory", also for a
 // negative n or a capacity past 2^31 - 1. The mesh is then only good for freeMesh.
-int growVertices(Mesh* mesh, int32_t n);
-int growUvs(Mesh* mesh, int32_t n);
-int growFaces(Mesh* mesh, int32_t n);
+int growVertices(Mesh* mesh, int32_t n, GrownContent content = grownCleared);
+int growUvs(Mesh* mesh, int32_t n, GrownContent content = grownCleared);
+int growFaces(Mesh* mesh, int32_t n, GrownContent content = grownCleared);
+
+// Clears the words of an uncleared vertex that no file gives. computeNormals and the like expect them to be 0.
+inline void clearNormal(MeshVertex* vertex)
+{
+    vertex->normal[0] = vertex->normal[1] = vertex->normal[2] = 0;
+    vertex->spare = 0;
+}
 
 // Computes bounds, centre and radius of the vertices in use. Returns 1, or 0 with nothing changed when there are none.
 int computeBounds(Mesh* mesh);

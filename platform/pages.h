@@ -11,5 +11,10 @@ void* allocatePages(size_t sizeBytes);
 // The same for a block that is used from end to end at once, for which large pages pay from smaller sizes on.
 void* allocateWorkPages(size_t sizeBytes);
 
-// Releases a block of either function. Null is ignored.
+// The same with any content, for a block that is written before it is read. It may have pages that a released block of
+// this function has left: they need neither be touched for the first time nor cleared, which takes longer than filling
+// them.
+void* allocateUnclearedPages(size_t sizeBytes);
+
+// Releases a block of these functions. Null is ignored.
 void releasePages(void* block);

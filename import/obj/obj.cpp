@@ -131,11 +131,13 @@ static Outcome readVertex(ObjReader* reader, const char* text)
     if (!endObjStatement(&reader->source, stop))
         return readingEnds;
     Mesh* mesh = reader->mesh;
-    if (!growVertices(mesh, growthFor(mesh->vertexCapacity, int64_t{ reader->vertexCount } + 1, leastGrowth)))
+    if (!growVertices(mesh, growthFor(mesh->vertexCapacity, int64_t{ reader->vertexCount } + 1, leastGrowth),
+                      grownUncleared))
         return readingFails;
     MeshVertex* vertex = &mesh->vertices[reader->vertexCount++];
     memcpy(vertex->position, position, sizeof position);
     vertex->colour = opaqueWhite;
+    clearNormal(vertex);
     return readingContinues;
 }
 
@@ -159,7 +161,7 @@ static Outcome readUv(ObjReader* reader, const char* text)
         uv[1] = clampUnit(uv[1]);
     }
     Mesh* mesh = reader->mesh;
-    if (!growUvs(mesh, growthFor(mesh->uvCapacity, int64_t{ reader->uvCount } + 1, leastGrowth)))
+    if (!growUvs(mesh, growthFor(mesh->uvCapacity, int64_t{ reader->uvCount } + 1, leastGrowth), grownUncleared))
         return readingFails;
     mesh->uvs[reader->uvCount++] = { uv[0], uv[1] };
     return readingContinues;
@@ -175,10 +177,11 @@ static bool makeFaceRoom(ObjReader* reader, int32_t records)
         if (expected == 0)
             expected = int64_t{ 2 } * reader->vertexCount + reader->vertexCount / 2;
         expected = std::clamp<int64_t>(expected, leastGrowth, INT32_MAX);
-        if (!growFaces(mesh, static_cast<int32_t>(expected)))
+        if (!growFaces(mesh, static_cast<int32_t>(expected), grownUncleared))
             return false;
     }
-    return growFaces(mesh, growthFor(mesh->faceCapacity, int64_t{ reader->faceCount } + records, leastGrowth));
+    return growFaces(mesh, growthFor(mesh->faceCapacity, int64_t{ reader->faceCount } + records, leastGrowth),
+                     grownUncleared);
 }
 
 static Outcome readCorners(ObjReader* reader, const char* text, int kind)
@@ -292,8 +295,8 @@ static bool readGeometry(ObjReader* reader)
 {
     Mesh* mesh = reader->mesh;
     return estimateObj(&reader->source.blocks, &reader->estimate) &&
-           growVertices(mesh, std::max(leastGrowth, reader->estimate.vertices)) &&
-           growUvs(mesh, std::max(leastGrowth, reader->estimate.uvs)) && readStatements(reader);
+           growVertices(mesh, std::max(leastGrowth, reader->estimate.vertices), grownUncleared) &&
+           growUvs(mesh, std::max(leastGrowth, reader->estimate.uvs), grownUncleared) && readStatements(reader);
 }
 
 static void readLibrary(const ObjReader* reader, const char* path)
@@ -315,9 +318,10 @@ static int finishMesh(const ObjReader* reader, const char* path)
     mesh->faceCount = reader->faceCount;
     mesh->materialCount = reader->materials.count;
     mesh->groupCount = reader->groups.count;
-    computeNormals(mesh);
+    addFaceNormals(mesh, 0, mesh->faceCount);
+    finishNormals(mesh);
     computeBounds(mesh);
-    if (mesh->uvCount == 0 && !resetUvs(mesh))
+    if (mesh->uvCount == 0 && !addPlaceholderUv(mesh)) // all texture indices are 0 then
         return 0;
     readLibrary(reader, path);
     return 1;

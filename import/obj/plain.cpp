@@ -32,8 +32,10 @@ static const char* takeVertex(const char* at, MeshVertex* vertex)
     const char* end = scanPlainPosition(at, &position);
     if (end)
         end = endPlainLine(at, end);
-    if (end)
-        storeWhiteVertex(vertex, position);
+    if (!end)
+        return nullptr;
+    storeWhiteVertex(vertex, position);
+    clearNormal(vertex);
     return end;
 }
 

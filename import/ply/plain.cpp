@@ -40,6 +40,7 @@ static const char* takePosition(PlyReader* reader, const char* line, char lineEn
     if (const char* end = passPlainEnd(line, scanPlainPosition(line, &values), lineEnd))
     {
         storeWhiteVertex(vertex, values);
+        clearNormal(vertex);
         return end;
     }
     float position[3] = {};
@@ -49,6 +50,7 @@ static const char* takePosition(PlyReader* reader, const char* line, char lineEn
     note(reader->report, valuesZeroed, bytePositionOf(&reader->cursor.blocks, line), sanitizeEach(position));
     memcpy(vertex->position, position, sizeof position);
     vertex->colour = opaqueWhite;
+    clearNormal(vertex);
     return end;
 }
 

@@ -118,6 +118,7 @@ static void storeVertex(MeshVertex* out, const PlyVertex& vertex)
 {
     memcpy(out->position, vertex.position, sizeof out->position);
     out->colour = packColour(vertex.colour);
+    clearNormal(out);
 }
 
 // What a run of vertex records lost.
@@ -162,6 +163,7 @@ static RecordFaults decodePositions(MeshVertex* out, const uint8_t* at, int64_t 
             out[i].position[axis] = bitCast<float>(sanitizedBits(bits));
         }
         out[i].colour = opaqueWhite;
+        clearNormal(&out[i]);
     }
     return faults;
 }
@@ -264,7 +266,7 @@ static bool readVertices(PlyReader* reader, Mesh* mesh, PlyElement* element)
         vertexColoursPresent = 1;
     if (!plyCountPossible(reader, *element))
         return failCount(reader, *element);
-    if (!growVertices(mesh, element->count))
+    if (!growVertices(mesh, element->count, grownUncleared))
         return false;
     mesh->vertexCount = element->count;
     VertexLayout layout = reader->format != plyAscii ? layOutVertex(*element) : VertexLayout{};
@@ -273,13 +275,14 @@ static bool readVertices(PlyReader* reader, Mesh* mesh, PlyElement* element)
 
 static bool makeFaceRoom(Mesh* mesh, int32_t records)
 {
-    return growFaces(mesh, growthFor(mesh->faceCapacity, int64_t{ mesh->faceCount } + records, spareFaces));
+    return growFaces(mesh, growthFor(mesh->faceCapacity, int64_t{ mesh->faceCount } + records, spareFaces),
+                     grownCornersUncleared);
 }
 
 static bool startFaces(Mesh* mesh, int64_t count)
 {
     count += spareFaces;
-    return growFaces(mesh, static_cast<int32_t>(count < INT32_MAX ? count : INT32_MAX));
+    return growFaces(mesh, static_cast<int32_t>(count < INT32_MAX ? count : INT32_MAX), grownCornersUncleared);
 }
 
 void notePlyFaces(PlyReader* reader, int64_t byte, int64_t count)
@@ -311,7 +314,7 @@ static bool storeListFace(PlyReader* reader, Mesh* mesh, int64_t byte)
     return true;
 }
 
-// Face slots after faceCount are zero, so only the corners are written.
+// Only the corners are written: texture indices and attributes of new face slots are zero.
 static void storeTriangle(PlyReader* reader, Mesh* mesh, uint32_t a, uint32_t b, uint32_t c)
 {
     auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
@@ -372,7 +375,7 @@ static void noteFacesOfSize(PlyReader* reader, const Mesh* mesh, const uint8_t* 
 }
 
 // Takes faces with the given number of corners as long as they follow and lie whole in the block. Returns how many;
-// there is room for `most`. Face slots after faceCount are zero, so only the corners are written.
+// there is room for `most`. Only the corners are written, as in storeTriangle.
 template <size_t corners, bool swap>
 static int32_t takeFacesOfSize(PlyReader* reader, Mesh* mesh, const FaceLayout& layout, int32_t most)
 {

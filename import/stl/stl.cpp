@@ -24,8 +24,8 @@ static_assert(stlFacetBytes == normalBytes + 3 * cornerBytes + 2);
 static bool makeRoom(Mesh* mesh, int64_t triangles)
 {
     int64_t vertices = std::min<int64_t>(3 * triangles, INT32_MAX);
-    return growVertices(mesh, static_cast<int32_t>(vertices)) &&
-           growFaces(mesh, static_cast<int32_t>(std::min<int64_t>(triangles, INT32_MAX)));
+    return growVertices(mesh, static_cast<int32_t>(vertices), grownUncleared) &&
+           growFaces(mesh, static_cast<int32_t>(std::min<int64_t>(triangles, INT32_MAX)), grownCornersUncleared);
 }
 
 // Counts the bad numbers of a run of facets. They are looked for once more, so that the run itself need not stop.
@@ -49,7 +49,10 @@ static void storeFacets(const ByteCursor* cursor, Mesh* mesh, const uint8_t* at,
     {
         auto vertex = static_cast<uint32_t>(mesh->vertexCount);
         for (uint32_t k = 0; k < 3; ++k)
+        {
             good &= storeCheckedVertex(&mesh->vertices[vertex + k], at + normalBytes + k * cornerBytes);
+            clearNormal(&mesh->vertices[vertex + k]);
+        }
         mesh->faces[mesh->faceCount++] = { vertex, vertex + 1, vertex + 2, noCorner };
         mesh->vertexCount += 3;
     }

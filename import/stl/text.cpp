@@ -103,8 +103,8 @@ struct Loop
 static bool addTriangle(Mesh* mesh, const Loop& loop)
 {
     int64_t faces = int64_t{ mesh->faceCount } + 1;
-    if (!growFaces(mesh, growthFor(mesh->faceCapacity, faces, leastGrowth)) ||
-        !growVertices(mesh, growthFor(mesh->vertexCapacity, 3 * faces, 3 * leastGrowth)))
+    if (!growFaces(mesh, growthFor(mesh->faceCapacity, faces, leastGrowth), grownCornersUncleared) ||
+        !growVertices(mesh, growthFor(mesh->vertexCapacity, 3 * faces, 3 * leastGrowth), grownUncleared))
         return false;
     auto first = static_cast<uint32_t>(mesh->vertexCount);
     for (const float(&corner)[3] : loop.corners)
@@ -112,6 +112,7 @@ static bool addTriangle(Mesh* mesh, const Loop& loop)
         MeshVertex* vertex = &mesh->vertices[mesh->vertexCount++];
         memcpy(vertex->position, corner, sizeof corner);
         vertex->colour = opaqueWhite;
+        clearNormal(vertex);
     }
     mesh->faces[mesh->faceCount++] = { first, first + 1, first + 2, noCorner };
     return true;
@@ -153,7 +154,8 @@ bool readStlText(BlockSource* source, Mesh* mesh, Report* report)
         report->isText = true;
 
     int64_t expected = std::clamp<int64_t>(source->sizeBytes / usualFacetBytes, leastGrowth, INT32_MAX / 3);
-    if (!growFaces(mesh, static_cast<int32_t>(expected)) || !growVertices(mesh, static_cast<int32_t>(3 * expected)))
+    if (!growFaces(mesh, static_cast<int32_t>(expected), grownCornersUncleared) ||
+        !growVertices(mesh, static_cast<int32_t>(3 * expected), grownUncleared))
         return false;
     Loop loop = {};
     bool inSolid = true;

@@ -246,10 +246,11 @@ int32_t WeldDxfVertex(DxfWelder* welder, Mesh* mesh, float x, float y, float z)
     if (*place)
         return *place - 1;
     int32_t index = mesh->vertexCount;
-    if (!growVertices(mesh, growthFor(mesh->vertexCapacity, int64_t{ index } + 1, leastGrowth)))
+    if (!growVertices(mesh, growthFor(mesh->vertexCapacity, int64_t{ index } + 1, leastGrowth), grownUncleared))
         return -1;
     memcpy(mesh->vertices[index].position, position, sizeof position);
     mesh->vertices[index].colour = opaqueWhite;
+    clearNormal(&mesh->vertices[index]);
     *place = ++mesh->vertexCount;
     return index;
 }
@@ -262,7 +263,7 @@ void freeDxfWelder(DxfWelder* welder)
 
 static bool storeFace(Mesh* mesh, DxfWelder* welder, const DxfFace& face, int cornerTotal)
 {
-    if (!growFaces(mesh, growthFor(mesh->faceCapacity, int64_t{ mesh->faceCount } + 1, leastGrowth)))
+    if (!growFaces(mesh, growthFor(mesh->faceCapacity, int64_t{ mesh->faceCount } + 1, leastGrowth), grownUncleared))
         return false;
     Corners corners = { noCorner, noCorner, noCorner, noCorner }, coords = {};
     for (int k = 0; k < cornerTotal; ++k)
@@ -379,8 +380,8 @@ static bool readDxf(DxfSource* source, FILE* file, Mesh* mesh, Report* report)
     source->plainLines = kernelLevel() >= kernelsWords;
     DxfWelder welder = {};
     int32_t expected = expectedFaces(source);
-    bool ok = growVertices(mesh, expected) && growUvs(mesh, leastGrowth) && growFaces(mesh, expected) &&
-              readEntities(source, mesh, &welder);
+    bool ok = growVertices(mesh, expected, grownUncleared) && growUvs(mesh, leastGrowth) &&
+              growFaces(mesh, expected, grownUncleared) && readEntities(source, mesh, &welder);
     freeDxfWelder(&welder);
     return ok;
 }
@@ -408,7 +409,8 @@ int LoadDxfFile(Mesh* mesh, const char* path, Report* report)
         messageBox("Error: failed to open, only 3DFACE supported", path, iconStop);
         return 0;
     }
-    computeNormals(mesh);
+    addFaceNormals(mesh, 0, mesh->faceCount);
+    finishNormals(mesh);
     computeBounds(mesh);
     return generateUvs(mesh) ? 1 : failUnreadable();
 }

@@ -88,8 +88,8 @@ static bool readHeader(OffSource* source, Mesh* mesh, OffCounts* counts)
     if (counts->vertices < 1 || counts->vertices > left / shortestVertexBytes)
         return failReading(source->report, lineByte(source), "%d vertices announced, with %lld bytes left",
                            counts->vertices, static_cast<long long>(left - 1));
-    return growVertices(mesh, roomFor(counts->vertices, counts->vertices)) &&
-           growFaces(mesh, roomFor(counts->faces, left / shortestFaceBytes));
+    return growVertices(mesh, roomFor(counts->vertices, counts->vertices), grownUncleared) &&
+           growFaces(mesh, roomFor(counts->faces, left / shortestFaceBytes), grownCornersUncleared);
 }
 
 // byte: a position in the vertex's line
@@ -99,6 +99,7 @@ static void storeVertex(const OffSource* source, int64_t byte, MeshVertex* verte
         note(source->report, valuesZeroed, byte);
     memcpy(vertex->position, position, sizeof position);
     vertex->colour = opaqueWhite;
+    clearNormal(vertex);
 }
 
 // A line without three good numbers still gives a vertex, so that the later vertices keep their numbers.
@@ -149,6 +150,7 @@ static const char* takePosition(const OffSource* source, const char* line, MeshV
     if (plainEnd && isBlankOrLineEnd(*plainEnd))
     {
         storeWhiteVertex(vertex, values);
+        clearNormal(vertex);
         return endLine(line, plainEnd);
     }
     float position[3];

@@ -31,6 +31,7 @@ static int64_t decodeVertices(MeshVertex* out, const uint8_t* at, int64_t count)
         bad += !sanitizeTogether(position);
         memcpy(out[i].position, position, sizeof position);
         out[i].colour = opaqueWhite;
+        clearNormal(&out[i]);
     }
     return bad;
 }
@@ -41,8 +42,10 @@ static int readVertices(ThreeDsReadContext* context)
     ByteCursor* cursor = &context->cursor;
     context->vertexBase = mesh->vertexCount;
     int32_t wanted = takeListCount(cursor, vertexBytes);
-    if (wanted < 0 || !growVertices(mesh, growthFor(mesh->vertexCapacity, int64_t{ mesh->vertexCount } + wanted,
-                                                    bytesLeft(cursor) / fileBytesPerVertex)))
+    if (wanted < 0 || !growVertices(mesh,
+                                    growthFor(mesh->vertexCapacity, int64_t{ mesh->vertexCount } + wanted,
+                                              bytesLeft(cursor) / fileBytesPerVertex),
+                                    grownUncleared))
         return 0;
     for (int64_t count; wanted > 0; wanted -= static_cast<int32_t>(count))
     {
@@ -62,8 +65,10 @@ static int readMappingCoords(ThreeDsReadContext* context)
     ByteCursor* cursor = &context->cursor;
     context->uvBase = mesh->uvCount;
     int32_t wanted = takeListCount(cursor, uvBytes);
-    if (wanted < 0 || !growUvs(mesh, growthFor(mesh->uvCapacity, int64_t{ mesh->uvCount } + wanted,
-                                               bytesLeft(cursor) / fileBytesPerVertex)))
+    if (wanted < 0 ||
+        !growUvs(mesh,
+                 growthFor(mesh->uvCapacity, int64_t{ mesh->uvCount } + wanted, bytesLeft(cursor) / fileBytesPerVertex),
+                 grownUncleared))
         return 0;
     for (int64_t count; wanted > 0; wanted -= static_cast<int32_t>(count))
     {
@@ -98,8 +103,8 @@ static void readMatrix(ThreeDsReadContext* context)
     lastRow[3] = 1;
 }
 
-// Drops a face with a corner index past the object's last vertex, or with two equal corners. Face slots after faceCount
-// are zero, so texture indices are written only where the object has coordinates for all corners.
+// Drops a face with a corner index past the object's last vertex, or with two equal corners. Texture
+// indices of new face slots are zero, so they are written only where the object has coordinates for all corners.
 static void decodeFaces(ThreeDsReadContext* context, const uint8_t* at, int64_t count)
 {
     Mesh* mesh = context->mesh;
@@ -174,8 +179,10 @@ static int readFaces(ThreeDsReadContext* context, const Chunk& chunk)
     Mesh* mesh = context->mesh;
     ByteCursor* cursor = &context->cursor;
     int32_t wanted = takeListCount(cursor, faceBytes);
-    if (wanted < 0 || !growFaces(mesh, growthFor(mesh->faceCapacity, int64_t{ mesh->faceCount } + wanted,
-                                                 bytesLeft(cursor) / fileBytesPerFace)))
+    if (wanted < 0 || !growFaces(mesh,
+                                 growthFor(mesh->faceCapacity, int64_t{ mesh->faceCount } + wanted,
+                                           bytesLeft(cursor) / fileBytesPerFace),
+                                 grownCornersUncleared))
         return 0;
     context->firstFace = mesh->faceCount;
     for (int64_t count; wanted > 0; wanted -= static_cast<int32_t>(count))

@@ -11,15 +11,21 @@
 
 constexpr size_t page = 4096;
 
-void* allocatePages(size_t sizeBytes)
+void* allocateUnclearedPages(size_t sizeBytes)
 {
     if (sizeBytes == 0 || sizeBytes > SIZE_MAX / 2)
         return nullptr;
     void* block = aligned_alloc(page, (sizeBytes + page - 1) / page * page);
+    if (!block)
+        noteRefusedMemory();
+    return block;
+}
+
+void* allocatePages(size_t sizeBytes)
+{
+    void* block = allocateUnclearedPages(sizeBytes);
     if (block)
         memset(block, 0, sizeBytes);
-    else
-        noteRefusedMemory();
     return block;
 }
 

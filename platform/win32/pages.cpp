@@ -13,6 +13,11 @@ void* allocateWorkPages(size_t sizeBytes)
     return allocatePages(sizeBytes);
 }
 
+void* allocateUnclearedPages(size_t sizeBytes)
+{
+    return allocatePages(sizeBytes);
+}
+
 void releasePages(void* block)
 {
     if (block)

@@ -159,6 +159,29 @@ TEST_F(MeshRecord, GrowingFacesTwiceAddsUpAndKeepsTheFirst)
     mesh->faceAttributes[19] = 0; // all four reach as far
 }
 
+// The recording platform marks what is not cleared.
+TEST_F(MeshRecord, UnclearedArraysKeepTheirContentsToo)
+{
+    ASSERT_TRUE(growVertices(mesh, 2, grownUncleared) && growUvs(mesh, 2, grownUncleared) &&
+                growFaces(mesh, 2, grownCornersUncleared));
+    EXPECT_NE(mesh->vertices[1].spare, 0u);
+    EXPECT_NE(mesh->uvs[1].u, 0);
+    EXPECT_NE(mesh->faces[1][3], 0u);
+    EXPECT_NE(mesh->facePlanes[1].distance, 0);
+    EXPECT_EQ(mesh->projected[1].flags | mesh->faceUvs[1][3] | mesh->faceAttributes[1], 0u);
+    mesh->vertices[1].spare = 1;
+    mesh->uvs[1] = { 2, 3 };
+    mesh->faces[1] = { 4, 5, 6, 7 };
+    mesh->faceUvs[1] = { 8, 9, 10, 11 };
+    ASSERT_TRUE(growVertices(mesh, 2, grownUncleared) && growUvs(mesh, 2) && growFaces(mesh, 2, grownUncleared));
+    EXPECT_EQ(mesh->vertices[1].spare, 1u);
+    EXPECT_EQ(mesh->uvs[1].v, 3);
+    EXPECT_EQ(mesh->uvs[3].u, 0);
+    EXPECT_EQ(mesh->faces[1], (Corners{ 4, 5, 6, 7 }));
+    EXPECT_EQ(mesh->faceUvs[1], (Corners{ 8, 9, 10, 11 }));
+    EXPECT_NE(mesh->faceUvs[3][0] & mesh->faceAttributes[3], 0u);
+}
+
 TEST_F(MeshRecord, GrowingVerticesKeepsBothArraysAlike)
 {
     ASSERT_EQ(growVertices(mesh, 3), 1);

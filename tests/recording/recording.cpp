@@ -12,6 +12,7 @@
 
 #include <stdlib.h>
 #include <string.h>
+#include <algorithm>
 
 Recording recorded;
 
@@ -286,6 +287,16 @@ void* allocatePages(size_t sizeBytes)
 void* allocateWorkPages(size_t sizeBytes)
 {
     return allocatePages(sizeBytes);
+}
+
+// The first bytes are not 0, so that a reader that relies on them is noticed.
+void* allocateUnclearedPages(size_t sizeBytes)
+{
+    constexpr size_t markedRoom = 4096; // more would take most of a fuzzer's time
+    void* block = allocatePages(sizeBytes);
+    if (block)
+        memset(block, 0xA5, std::min(sizeBytes, markedRoom));
+    return block;
 }
 
 void releasePages(void* block)
