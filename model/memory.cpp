@@ -113,7 +113,7 @@ void* workAlloc(size_t size)
 {
     if (size == 0)
         return nullptr;
-    void* block = allocateWorkPages(size);
+    void* block = allocatePages(size);
     if (!block)
         reportOutOfMemory();
     return block;

@@ -27,7 +27,7 @@ static bool copyArray(T*& array, int32_t count, int32_t capacity)
     if (!from)
         return true;
     size_t sizeBytes = blockSize(capacity, sizeof(T));
-    array = static_cast<T*>(count > 0 ? allocateWorkPages(sizeBytes) : allocatePages(sizeBytes));
+    array = static_cast<T*>(count > 0 ? allocateUnclearedPages(sizeBytes) : allocatePages(sizeBytes));
     if (!array)
         return false;
     if (count > 0)

@@ -8,9 +8,6 @@
 // sizeBytes of zero-filled, read-write memory that starts at a page boundary; null when refused or sizeBytes is 0.
 void* allocatePages(size_t sizeBytes);
 
-// The same for a block that is used from end to end at once, for which large pages pay from smaller sizes on.
-void* allocateWorkPages(size_t sizeBytes);
-
 // The same with any content, for a block that is written before it is read. It may have pages that a released block of
 // this function has left: they need neither be touched for the first time nor cleared, which takes longer than filling
 // them.

@@ -18,7 +18,8 @@
 
 int32_t ClampTexCoords = 0;
 
-constexpr int32_t leastGrowth = 65536;
+// Records. An array of the larger number has huge pages, which take too long for a small file.
+constexpr int32_t smallLeastGrowth = 1024, largeLeastGrowth = 65536;
 constexpr int32_t progressStep = 10000; // statements
 
 enum Outcome
@@ -131,7 +132,7 @@ static Outcome readVertex(ObjReader* reader, const char* text)
     if (!endObjStatement(&reader->source, stop))
         return readingEnds;
     Mesh* mesh = reader->mesh;
-    if (!growVertices(mesh, growthFor(mesh->vertexCapacity, int64_t{ reader->vertexCount } + 1, leastGrowth),
+    if (!growVertices(mesh, growthFor(mesh->vertexCapacity, int64_t{ reader->vertexCount } + 1, reader->leastGrowth),
                       grownUncleared))
         return readingFails;
     MeshVertex* vertex = &mesh->vertices[reader->vertexCount++];
@@ -161,7 +162,8 @@ static Outcome readUv(ObjReader* reader, const char* text)
         uv[1] = clampUnit(uv[1]);
     }
     Mesh* mesh = reader->mesh;
-    if (!growUvs(mesh, growthFor(mesh->uvCapacity, int64_t{ reader->uvCount } + 1, leastGrowth), grownUncleared))
+    if (!growUvs(mesh, growthFor(mesh->uvCapacity, int64_t{ reader->uvCount } + 1, reader->leastGrowth),
+                 grownUncleared))
         return readingFails;
     mesh->uvs[reader->uvCount++] = { uv[0], uv[1] };
     return readingContinues;
@@ -176,11 +178,11 @@ static bool makeFaceRoom(ObjReader* reader, int32_t records)
         int64_t expected = reader->estimate.faces;
         if (expected == 0)
             expected = int64_t{ 2 } * reader->vertexCount + reader->vertexCount / 2;
-        expected = std::clamp<int64_t>(expected, leastGrowth, INT32_MAX);
+        expected = std::clamp<int64_t>(expected, reader->leastGrowth, INT32_MAX);
         if (!growFaces(mesh, static_cast<int32_t>(expected), grownUncleared))
             return false;
     }
-    return growFaces(mesh, growthFor(mesh->faceCapacity, int64_t{ reader->faceCount } + records, leastGrowth),
+    return growFaces(mesh, growthFor(mesh->faceCapacity, int64_t{ reader->faceCount } + records, reader->leastGrowth),
                      grownUncleared);
 }
 
@@ -294,9 +296,11 @@ static bool readStatements(ObjReader* reader)
 static bool readGeometry(ObjReader* reader)
 {
     Mesh* mesh = reader->mesh;
+    int64_t possible = reader->source.blocks.sizeBytes / 16; // few statements are shorter
+    reader->leastGrowth = static_cast<int32_t>(std::clamp<int64_t>(possible, smallLeastGrowth, largeLeastGrowth));
     return estimateObj(&reader->source.blocks, &reader->estimate) &&
-           growVertices(mesh, std::max(leastGrowth, reader->estimate.vertices), grownUncleared) &&
-           growUvs(mesh, std::max(leastGrowth, reader->estimate.uvs), grownUncleared) && readStatements(reader);
+           growVertices(mesh, std::max(reader->leastGrowth, reader->estimate.vertices), grownUncleared) &&
+           growUvs(mesh, std::max(reader->leastGrowth, reader->estimate.uvs), grownUncleared) && readStatements(reader);
 }
 
 static void readLibrary(const ObjReader* reader, const char* path)

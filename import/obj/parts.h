@@ -67,6 +67,7 @@ struct ObjReader
 {
     Mesh* mesh;
     ObjEstimate estimate;
+    int32_t leastGrowth; // of an array, in records
     int32_t vertexCount, uvCount, faceCount, polygonCount, lineCount;
     uint32_t attributes; // of the next face: current material and group
     NameTable groups, materials;

@@ -29,11 +29,6 @@ void* allocatePages(size_t sizeBytes)
     return block;
 }
 
-void* allocateWorkPages(size_t sizeBytes)
-{
-    return allocatePages(sizeBytes);
-}
-
 void releasePages(void* block)
 {
     free(block);

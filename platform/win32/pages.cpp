@@ -8,11 +8,6 @@ void* allocatePages(size_t sizeBytes)
     return sizeBytes ? VirtualAlloc(nullptr, sizeBytes, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE) : nullptr;
 }
 
-void* allocateWorkPages(size_t sizeBytes)
-{
-    return allocatePages(sizeBytes);
-}
-
 void* allocateUnclearedPages(size_t sizeBytes)
 {
     return allocatePages(sizeBytes);

@@ -284,11 +284,6 @@ void* allocatePages(size_t sizeBytes)
     return block;
 }
 
-void* allocateWorkPages(size_t sizeBytes)
-{
-    return allocatePages(sizeBytes);
-}
-
 // The first bytes are not 0, so that a reader that relies on them is noticed.
 void* allocateUnclearedPages(size_t sizeBytes)
 {
