@@ -181,9 +181,12 @@ static void addOffSwitch(CLI::App* command, const char* name, bool* value, const
         name, [value] { *value = false; }, help);
 }
 
-static CLI::Option* addVerbose(CLI::App* command, LoadArguments* load)
+// The options about what is printed on standard error.
+static void addLineOptions(CLI::App* command, LoadArguments* load)
 {
-    return command->add_flag("--verbose", load->verbose, "print the time and the memory of each step");
+    command->add_flag("--strict", load->strict, "exit with status 1 after a warning, and write nothing");
+    CLI::Option* quiet = command->add_flag("--quiet", load->quiet, "print no notices and no warnings");
+    command->add_flag("--verbose", load->verbose, "print the time and the memory of each step")->excludes(quiet);
 }
 
 static void addLoadOptions(CLI::App* command, LoadArguments* load, bool withFilter)
@@ -215,9 +218,7 @@ static void addLoadOptions(CLI::App* command, LoadArguments* load, bool withFilt
     command->add_option("--max-size", load->maxSize, "read no file of more than N MiB")
         ->option_text("N")
         ->check(CLI::Range(1, 1 << 20));
-    command->add_flag("--strict", load->strict, "exit with status 1 after a warning, and write nothing");
-    CLI::Option* quiet = command->add_flag("--quiet", load->quiet, "print no notices and no warnings");
-    addVerbose(command, load)->excludes(quiet);
+    addLineOptions(command, load);
     if (withFilter)
         command
             ->add_option(
@@ -361,7 +362,7 @@ static void addSmallCommands(CLI::App* app, Arguments* arguments)
     decode->add_option("OUT", arguments->output, "picture to write: PNG when the name ends in .png, else BMP")
         ->option_text(" ")
         ->required();
-    addVerbose(decode, &arguments->load);
+    addLineOptions(decode, &arguments->load);
     addExamples(decode, { "wood.jpg wood.png" });
 
     CLI::App* formats =

@@ -32,7 +32,7 @@ static int writeObj(Mesh* mesh, const std::string& path)
 static int writeProp(Mesh* mesh, bool builtIn, const std::string& path)
 {
     ViewArguments view;
-    int ok = drawModel(mesh, builtIn, view);
+    int ok = drawModel(mesh, builtIn, view, {});
     if (ok)
     {
         PreviewSource preview = { frameBuffer.picture.bits, view.width, view.height, frameBuffer.pitch * 3 };

@@ -1,6 +1,7 @@
 // cli/draw.cpp - the choices of the window, made by options, and the frames drawn with them
 #include "cli/draw.h"
 
+#include "cli/load.h"
 #include "facts/warnings.h"
 #include "image/textures.h"
 #include "model/memory.h"
@@ -12,18 +13,26 @@
 #include <stdio.h>
 #include <chrono>
 
+// Loads a JPEG file into the user's slot. Its warnings are those of a model.
+static bool loadUserPicture(const std::string& path, const LoadArguments& load)
+{
+    Report report = {};
+    bool read = loadTextureFile(path.c_str(), &TextureSlots[textureUser], nullptr, nullptr, &report) != 0;
+    printWarnings(path, report, load.quiet);
+    bool refused = read && load.strict && hasWarnings(report);
+    if (!read || refused)
+        explainFailure(path.c_str(), refused ? notWrittenStrictly : causeOf(report, path, saidOutOfMemory()).c_str());
+    return read && !refused;
+}
+
 // Loads a built-in texture or a JPEG file into its slot. Returns the slot, or -1 after a message.
-static int32_t loadTexture(const std::string& name)
+static int32_t loadTexture(const std::string& name, const LoadArguments& load)
 {
     int32_t slot = 0;
     while (slot < textureUser && name != builtInTextures[slot])
         ++slot;
-    Image* image = &TextureSlots[slot];
-    int opened = 1;
-    int ok = slot < textureUser ? loadTextureResource(image, builtInTextures[slot])
-                                : loadTextureFile(name.c_str(), image, &opened);
-    if (!ok && slot == textureUser)
-        explainFailure(name.c_str(), causeOfImage(name, opened, saidOutOfMemory()).c_str());
+    bool ok = slot < textureUser ? loadTextureResource(&TextureSlots[slot], builtInTextures[slot]) != 0
+                                 : loadUserPicture(name, load);
     return ok ? slot : -1;
 }
 
@@ -38,13 +47,13 @@ static void chooseFlags(Choices* chosen, const ViewArguments& view)
 }
 
 // The flags come last, because choosing a texture or a preset switches wireframe off.
-static int choose(Choices* chosen, const ViewArguments& view, bool builtIn)
+static int choose(Choices* chosen, const ViewArguments& view, const LoadArguments& load, bool builtIn)
 {
     chooseBackground(chosen, view.background);
     choosePreset(chosen, builtIn ? presetBrass : presetProp);
     if (view.texture)
     {
-        int32_t slot = loadTexture(*view.texture);
+        int32_t slot = loadTexture(*view.texture, load);
         if (slot < 0)
             return 0;
         chooseTexture(chosen, slot);
@@ -98,11 +107,11 @@ static void drawFrames(const RenderSettings* settings, FrameState* state, int32_
             ms > 0 ? static_cast<double>(polygons) / ms : 0.0);
 }
 
-int drawModel(Mesh* mesh, bool builtIn, const ViewArguments& view)
+int drawModel(Mesh* mesh, bool builtIn, const ViewArguments& view, const LoadArguments& load)
 {
     installMesh(&modelList, mesh);
     Choices chosen = startChoices;
-    if (!choose(&chosen, view, builtIn))
+    if (!choose(&chosen, view, load, builtIn))
         return 0;
     FrameState state = startFrameState;
     state.displayWidth = view.width;

@@ -25,7 +25,7 @@ int runRender(const Arguments& arguments)
     const std::string name = builtIn ? builtInName : arguments.inputs[0];
     Step step = { arguments.load.verbose };
     auto write = arguments.to == "png" ? writePictureAsPng : writePicture;
-    int ok = drawModel(mesh, builtIn, view);
+    int ok = drawModel(mesh, builtIn, view, arguments.load);
     if (ok)
         endStep(&step, name, "drawn");
     ok = ok && write(arguments.output.c_str(), &frameBuffer, view.width, view.height);

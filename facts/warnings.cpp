@@ -1,9 +1,9 @@
 // facts/warnings.cpp - the words of warnings and causes
 #include "facts/warnings.h"
 
-#include "image/jpeg.h"
 #include "platform/boxes.h"
 #include "platform/files.h"
+#include "platform/refused_memory.h"
 
 #include <errno.h>
 #include <string.h>
@@ -55,16 +55,6 @@ std::string warningText(const Report& report, ReportKind kind)
     return more.empty() ? text : text + " (" + more + ")";
 }
 
-bool hasWarnings(const Report& report)
-{
-    for (const ReportEntry& entry : report.entries)
-    {
-        if (entry.count > 0)
-            return true;
-    }
-    return false;
-}
-
 void printWarnings(const std::string& path, const Report& report, bool quiet)
 {
     for (int kind = 0; kind < reportKindCount && !quiet; ++kind)
@@ -106,16 +96,7 @@ static std::string causeInSystem(const std::string& path, bool outOfMemory)
     fclose(file);
     if (failed && reason)
         return strerror(reason);
-    return outOfMemory ? "out of memory" : "the file cannot be read";
-}
-
-std::string causeOfImage(const std::string& path, int opened, bool outOfMemory)
-{
-    if (!opened)
-        return causeInSystem(path, outOfMemory);
-    if (outOfMemory)
-        return "out of memory";
-    return progressiveRefused ? "a progressive JPEG file" : "not a JPEG file that can be decoded";
+    return outOfMemory || refusedMemoryUnreported() ? "out of memory" : "the file cannot be read";
 }
 
 std::string causeOf(const Report& report, const std::string& path, bool outOfMemory)

@@ -10,10 +10,5 @@ std::string warningText(const Report& report, ReportKind kind);
 // Prints a line on standard error for each kind that happened: kbx: FILE: warning: TEXT. Prints nothing when quiet.
 void printWarnings(const std::string& path, const Report& report, bool quiet);
 
-bool hasWarnings(const Report& report);
-
-// Why a JPEG file was not read that opened or did not. outOfMemory: "Out of memory" has been said.
-std::string causeOfImage(const std::string& path, int opened, bool outOfMemory);
-
 // Why a file was not read: the reader's reason where it opened, otherwise that of the operating system.
 std::string causeOf(const Report& report, const std::string& path, bool outOfMemory);

@@ -21,6 +21,7 @@ int progressiveRefused;
 const JpegHeap jpegSystemHeap = { allocateZeroed, allocateLarge };
 
 constexpr int32_t groupsPerImcuRow = 8;
+constexpr int32_t endOfImageMarker = 0xD9;
 
 // What a header may announce. A byte of entropy-coded data makes up to 455 pixels: a block takes at least two bits, and
 // at most 1024 pixels share 9 blocks. The data of a larger image ends early. The decoder makes it all the same up to
@@ -39,7 +40,8 @@ static bool holdsPixels(JpegState* state)
     int64_t pixels = int64_t{ state->width } * state->height;
     int64_t fileBytes = state->source.totalBytes > 0 ? state->source.totalBytes : 0;
     if (pixels > alwaysPixelLimit && pixels / pixelsPerByteLimit > fileBytes)
-        return false;
+        return failReading(state->report, -1, "%d x %d pixels announced, too many for the size of the file",
+                           state->width, state->height);
     int64_t mcuRows = state->scanCount == 1 ? state->scan[0]->heightBlocks : state->imcuRows;
     return pixels <= uncheckedPixelLimit + fileBytes * uncheckedPixelsPerByte ||
            scanDecodes(state, mcuRows * state->mcusPerRow);
@@ -106,7 +108,7 @@ static bool setUpScan(JpegState* state)
         component->lastRowBlocks = restDown ? restDown : component->v;
         int32_t blocks = component->h * component->v;
         if (state->mcuBlocks + blocks > mcuBlockLimit)
-            return false;
+            return failReading(state->report, -1, "more than %d blocks in a unit of the scan", mcuBlockLimit);
         while (blocks-- > 0)
             state->blockOwner[state->mcuBlocks++] = i;
     }
@@ -116,7 +118,7 @@ static bool setUpScan(JpegState* state)
 static bool copyQuantTable(JpegState* state, Component* component)
 {
     if (component->quantIndex >= tableLimit || !state->quantTables[component->quantIndex])
-        return false;
+        return failReading(state->report, -1, "quantisation table %d is missing", component->quantIndex);
     component->quant = static_cast<QuantTable*>(poolAlloc(state, sizeof(QuantTable)));
     if (!component->quant)
         return false;
@@ -136,10 +138,17 @@ static HuffmanTable* makeLookup(JpegState* state, bool isDc, int32_t number)
     const StoredHuffman* stored = nullptr;
     if (number < tableLimit)
         stored = isDc ? state->dcTables[number] : state->acTables[number];
+    const char* kind = isDc ? "DC" : "AC";
     if (!stored)
+    {
+        failReading(state->report, -1, "Huffman table %s %d is missing", kind, number);
         return nullptr;
+    }
     auto* table = static_cast<HuffmanTable*>(poolAlloc(state, sizeof(HuffmanTable)));
-    return table && buildHuffmanTable(isDc, *stored, table) ? table : nullptr;
+    if (!table || buildHuffmanTable(isDc, *stored, table))
+        return table;
+    failReading(state->report, -1, "Huffman table %s %d has impossible codes", kind, number);
+    return nullptr;
 }
 
 static bool setUpScanTables(JpegState* state)
@@ -157,17 +166,27 @@ static bool setUpScanTables(JpegState* state)
     return true;
 }
 
-// Arithmetic coding is refused before progressive coding: progressiveRefused promises that the rest could be decoded.
-static bool startDecompression(JpegState* state)
+// Whether the decoder takes this kind of file. Arithmetic coding is refused before progressive coding:
+// progressiveRefused promises that the rest could be decoded.
+static bool takesKind(JpegState* state)
 {
     state->colourSpace = fileColourSpace(*state);
-    if (!colourFits(*state) || !selectUpsamplers(state) || state->arithmetic)
+    if (!colourFits(*state))
+        return failReading(state->report, -1, "%d components, which are no colours", state->componentCount);
+    if (!selectUpsamplers(state))
+        return failReading(state->report, -1, "sampling factors that do not divide the largest ones");
+    if (state->arithmetic)
+        return failReading(state->report, -1, "an arithmetic-coded JPEG file");
+    if (!state->progressive)
+        return true;
+    progressiveRefused = 1;
+    return failReading(state->report, -1, "a progressive JPEG file");
+}
+
+static bool startDecompression(JpegState* state)
+{
+    if (!takesKind(state))
         return false;
-    if (state->progressive)
-    {
-        progressiveRefused = 1;
-        return false;
-    }
     for (int32_t i = 0; i < state->componentCount; ++i)
         if (!allocateRows(state, &state->components[i]))
             return false;
@@ -269,6 +288,22 @@ static bool decodeUpTo(JpegState* state, int32_t imcuRow)
     return true;
 }
 
+// What the last row leaves: data that no row has used, or no end marker.
+static void reportEnd(JpegState* state)
+{
+    if (state->insufficientData)
+        return; // reported when it was noticed
+    int64_t place = bytesRead(state->source);
+    int32_t marker = state->pendingMarker;
+    if (marker == 0)
+        noteDetail(state->report, readingEndedEarly, place, "the end marker is missing");
+    else if (marker != endOfImageMarker)
+        noteDetail(state->report, restIgnored, place, "marker FF %02X follows the picture's last block",
+                   static_cast<unsigned>(marker));
+    else if (unreadBytes(*state) > 0)
+        noteDetail(state->report, restIgnored, place, "image data behind the picture's last block");
+}
+
 static bool produceRow(JpegState* state, int32_t y, uint32_t* words)
 {
     int32_t group = y / state->maxV;
@@ -281,11 +316,14 @@ static bool produceRow(JpegState* state, int32_t y, uint32_t* words)
     for (int32_t i = 0; i < state->componentCount; ++i)
         rows[i] = upsampledRow(*state, &state->components[i], y);
     convertRow(*state, words, rows);
+    if (y == state->height - 1)
+        reportEnd(state);
     return true;
 }
 
-static void beginDecode(JpegState* state, const JpegSource& source, const JpegHeap& heap)
+static void beginDecode(JpegState* state, const JpegSource& source, const JpegHeap& heap, Report* report)
 {
+    state->report = report;
     state->source = source;
     state->heap = heap;
     state->kernels = chooseKernels();
@@ -309,10 +347,10 @@ static bool decodeImage(JpegState* state, Image* image)
     return true;
 }
 
-int decodeJpeg(const JpegSource& source, Image* image, JpegOutput* output, const JpegHeap& heap)
+int decodeJpeg(const JpegSource& source, Image* image, JpegOutput* output, const JpegHeap& heap, Report* report)
 {
     JpegState state = {};
-    beginDecode(&state, source, heap);
+    beginDecode(&state, source, heap, report);
     *image = {};
     bool ok = decodeImage(&state, image);
     if (output)
@@ -332,12 +370,12 @@ struct JpegRows
     int32_t nextRow;
 };
 
-JpegRows* beginJpegRows(const JpegSource& source, JpegOutput* output, const JpegHeap& heap)
+JpegRows* beginJpegRows(const JpegSource& source, JpegOutput* output, const JpegHeap& heap, Report* report)
 {
     auto* rows = static_cast<JpegRows*>(heap.zeroed(1, sizeof(JpegRows)));
     if (!rows)
         return nullptr;
-    beginDecode(&rows->state, source, heap);
+    beginDecode(&rows->state, source, heap, report);
     bool ok = readHeaders(&rows->state) && startDecompression(&rows->state);
     if (output)
         *output = outputOf(rows->state);
@@ -359,13 +397,13 @@ void endJpegRows(JpegRows* rows)
     free(rows);
 }
 
-int decodeJpegMemory(const uint8_t* bytes, size_t size, Image* image, JpegOutput* output)
+int decodeJpegMemory(const uint8_t* bytes, size_t size, Image* image, JpegOutput* output, Report* report)
 {
-    return decodeJpeg(memorySource(bytes, size), image, output);
+    return decodeJpeg(memorySource(bytes, size), image, output, jpegSystemHeap, report);
 }
 
-int decodeJpegFile(FILE* file, Image* image, JpegOutput* output)
+int decodeJpegFile(FILE* file, Image* image, JpegOutput* output, Report* report)
 {
     uint8_t buffer[fileBufferRoom];
-    return decodeJpeg(fileSource(file, buffer), image, output);
+    return decodeJpeg(fileSource(file, buffer), image, output, jpegSystemHeap, report);
 }

@@ -332,6 +332,31 @@ static bool endsScan(int32_t marker)
     return marker >= 0xC0 && (marker < 0xD0 || marker > 0xD7);
 }
 
+int64_t unreadBytes(const JpegState& state)
+{
+    const Segment& segment = state.segment;
+    if (!segment.open || state.insufficientData)
+        return 0;
+    int64_t bitsUsed = (state.reader.next - segment.bytes) * int64_t{ 8 } - state.reader.held;
+    return static_cast<int64_t>(segment.size) - (bitsUsed + 7) / 8;
+}
+
+static void noteDamage(JpegState* state, const char* what)
+{
+    if (!state->isTrial)
+        noteDetail(state->report, pictureDamaged, bytesRead(state->source), "%s", what);
+}
+
+// The data of a segment has ended before its blocks.
+static void noteMissing(JpegState* state)
+{
+    if (!endsScan(state->pendingMarker))
+        noteDamage(state, "data is missing before a restart marker");
+    else if (!state->isTrial)
+        noteDetail(state->report, readingEndedEarly, bytesRead(state->source),
+                   "the image data ends before the picture");
+}
+
 // Takes the restart marker that is due, or resynchronises: of the cycle of eight, the next two stay pending until they
 // are due, the last two are skipped, and the others count as the one that is due. Any other marker from C0 on ends the
 // data.
@@ -339,6 +364,10 @@ static void readRestartMarker(JpegState* state)
 {
     if (state->pendingMarker == 0)
         state->pendingMarker = findMarker(&state->source);
+    if (!endsScan(state->pendingMarker) && state->pendingMarker != 0xD0 + state->nextRestart)
+        noteDamage(state, "a restart marker is missing or out of order");
+    else if (unreadBytes(*state) > 0)
+        noteDamage(state, "data is left over before a restart marker");
     for (;;)
     {
         int32_t code = state->pendingMarker;
@@ -413,6 +442,10 @@ bool decodeMcu(JpegState* state)
         else
             for (int32_t b = 0; b < state->mcuBlocks && ok; ++b)
                 ok = decodeBlockExact(state, b);
+        if (!ok)
+            failReading(state->report, bytesRead(state->source), "the file ends inside its image data");
+        if (state->insufficientData)
+            noteMissing(state);
     }
     --state->restartsLeft;
     return ok;
@@ -430,9 +463,11 @@ bool scanDecodes(JpegState* state, int64_t mcuCount)
         return false;
     if (endsScan(state->pendingMarker))
         return true; // all MCUs that are missing count as 0
+    state->isTrial = true;
     for (int64_t mcu = 0; mcu < mcuCount; ++mcu)
         if (!decodeMcu(state))
             return false;
+    state->isTrial = false;
     resetScan(state);
     return returnTo(&state->source, start);
 }

@@ -15,6 +15,9 @@ bool scanDecodes(JpegState* state, int64_t mcuCount);
 // Whether every MCU from here on has no more than zeros: the data has ended, and no restart can follow.
 bool dataHasEnded(const JpegState& state);
 
+// How many bytes of the current segment nobody has read; 0 where its data has ended too early.
+int64_t unreadBytes(const JpegState& state);
+
 // Decodes the next MCU into state->blocks and state->lastIndex, after a restart where one is due. Returns false when
 // the source ends where more bytes are needed, or without memory.
 bool decodeMcu(JpegState* state);

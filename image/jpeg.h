@@ -8,6 +8,7 @@
 // Source: ITU-T T.81 (ISO/IEC 10918-1), sequential mode with Huffman coding; JFIF 1.02 for the colours
 #pragma once
 #include "model/image.h"
+#include "model/report.h"
 
 #include <stddef.h>
 #include <stdint.h>
@@ -55,18 +56,20 @@ extern int progressiveRefused;
 // In:     a source at its first byte; output may be null
 // Out:    image, whatever was in it: pixels in a new block from malloc, which the caller frees; output
 // Errors: returns 0 and shows nothing; the image is then cleared and nothing is left to free
+// Report: may be null; why the file is refused, or what of its data is missing, damaged or left over
 //
 // An image whose entropy-coded data stops at a marker is complete all the same: all coefficients that are missing count
 // as 0. A source that ends there without a marker fails.
 int decodeJpeg(const JpegSource& source, Image* image, JpegOutput* output = nullptr,
-               const JpegHeap& heap = jpegSystemHeap);
+               const JpegHeap& heap = jpegSystemHeap, Report* report = nullptr);
 
 // A decode that gives its rows one after the other, so that nobody needs memory for the whole image.
 struct JpegRows;
 
 // Reads everything up to the first row. Returns null and shows nothing where decodeJpeg fails before it decodes a row.
-// output may be null.
-JpegRows* beginJpegRows(const JpegSource& source, JpegOutput* output, const JpegHeap& heap = jpegSystemHeap);
+// output and report may be null. The report must outlive the decode, and is complete after the last row.
+JpegRows* beginJpegRows(const JpegSource& source, JpegOutput* output, const JpegHeap& heap = jpegSystemHeap,
+                        Report* report = nullptr);
 
 // Decodes the next row from the top into words 0x00RRGGBB, as many as the image is wide. There are as many rows as the
 // image is high. Returns 1, or 0 where decodeJpeg fails.
@@ -75,5 +78,6 @@ int nextJpegRow(JpegRows* rows, uint32_t* words);
 void endJpegRows(JpegRows* rows); // null is allowed
 
 // decodeJpeg of a block of memory, and of a file, which stays open.
-int decodeJpegMemory(const uint8_t* bytes, size_t size, Image* image, JpegOutput* output = nullptr);
-int decodeJpegFile(FILE* file, Image* image, JpegOutput* output = nullptr);
+int decodeJpegMemory(const uint8_t* bytes, size_t size, Image* image, JpegOutput* output = nullptr,
+                     Report* report = nullptr);
+int decodeJpegFile(FILE* file, Image* image, JpegOutput* output = nullptr, Report* report = nullptr);

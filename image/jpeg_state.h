@@ -7,6 +7,7 @@
 #include "image/huffman.h"
 #include "image/jpeg.h"
 #include "image/kernels.h"
+#include "model/report.h"
 
 constexpr int32_t sideLimit = 65500; // pixels
 constexpr int32_t scanComponentLimit = 4;
@@ -86,6 +87,8 @@ struct JpegState
     PoolLink* pool; // the newest block (pool.h)
     JpegKernels kernels;
     bool exactReader; // use the exact bit reader for every segment
+    Report* report;   // null: nobody asks what is wrong
+    bool isTrial;     // the data is decoded to see whether it can be; what is wrong is reported the next time
 
     // the frame
     bool sofSeen;

@@ -26,6 +26,19 @@ bool refillSource(JpegSource* source)
     return got > 0;
 }
 
+bool hasRunOut(const JpegSource& source)
+{
+    return source.next >= endOfImage && source.next <= endOfImage + sizeof endOfImage;
+}
+
+int64_t bytesRead(const JpegSource& source)
+{
+    if (hasRunOut(source))
+        return source.totalBytes;
+    int64_t taken = source.file ? filePosition(source.file) : source.totalBytes;
+    return taken - static_cast<int64_t>(source.bytesLeft);
+}
+
 SourcePlace placeOf(const JpegSource& source)
 {
     SourcePlace place = { source.next, source.bytesLeft, 0, {} };
@@ -77,15 +90,17 @@ bool skipBytes(JpegSource* source, int32_t n)
     return true;
 }
 
-int32_t findMarker(JpegSource* source)
+int32_t findMarker(JpegSource* source, int64_t* skipped)
 {
-    for (;;)
+    for (int64_t other = 0;;)
     {
         while (readByte(source) != 0xFF)
-            ;
+            ++other;
         int32_t code = readByte(source);
         while (code == 0xFF)
             code = readByte(source);
+        if (skipped)
+            *skipped = other;
         if (code != 0)
             return code;
     }

@@ -9,11 +9,18 @@ bool refillSource(JpegSource* source);
 int32_t readByte(JpegSource* source);
 int32_t readWord(JpegSource* source);
 
+// How many bytes of the file or block have been read.
+int64_t bytesRead(const JpegSource& source);
+
+// Whether somebody has asked for more bytes than there are.
+bool hasRunOut(const JpegSource& source);
+
 // Skips n bytes; n below 1 is none. Returns false when the source ends first.
 bool skipBytes(JpegSource* source, int32_t n);
 
-// Reads up to and with the next marker and returns its code; fill bytes and stuffed zeros are skipped.
-int32_t findMarker(JpegSource* source);
+// Reads up to and with the next marker and returns its code; fill bytes and stuffed zeros are skipped. *skipped, where
+// given, gets how many other bytes came before it.
+int32_t findMarker(JpegSource* source, int64_t* skipped = nullptr);
 
 // The place of the next byte, to read from there again.
 struct SourcePlace

@@ -37,10 +37,10 @@ void needTexture(const Image* image)
 
 // The decoder keeps the data of a file in memory and searches all of it for markers. A sparse file can be much larger
 // than the disk, so a file that no picture needs is refused by its size alone.
-static bool isTooLarge(FILE* file)
+static bool isTooLarge(FILE* file, Report* report)
 {
     progressiveRefused = 0;
-    return measureFile(file) > textureFileLimit;
+    return measureFile(file) > textureFileLimit && !failReading(report, -1, "a file of more than 256 MiB");
 }
 
 static int refuseFile()
@@ -57,13 +57,13 @@ static FILE* openTextureFile(const char* path, int* opened)
     return file;
 }
 
-int loadTextureFile(const char* path, Image* image, int* opened, JpegOutput* output)
+int loadTextureFile(const char* path, Image* image, int* opened, JpegOutput* output, Report* report)
 {
     FILE* file = openTextureFile(path, opened);
     if (!file)
         return 0;
     Image fresh = {};
-    int ok = !isTooLarge(file) && decodeJpegFile(file, &fresh, output);
+    int ok = !isTooLarge(file, report) && decodeJpegFile(file, &fresh, output, report);
     fclose(file);
     if (!ok)
         return refuseFile();
@@ -72,14 +72,15 @@ int loadTextureFile(const char* path, Image* image, int* opened, JpegOutput* out
     return 1;
 }
 
-int openJpegFile(JpegFile* jpeg, const char* path, int* opened)
+int openJpegFile(JpegFile* jpeg, const char* path, int* opened, Report* report)
 {
     *jpeg = {};
+    jpeg->report = report;
     jpeg->file = openTextureFile(path, opened);
     if (!jpeg->file)
         return 0;
-    if (!isTooLarge(jpeg->file))
-        jpeg->rows = beginJpegRows(fileSource(jpeg->file, jpeg->buffer), &jpeg->image);
+    if (!isTooLarge(jpeg->file, report))
+        jpeg->rows = beginJpegRows(fileSource(jpeg->file, jpeg->buffer), &jpeg->image, jpegSystemHeap, report);
     if (jpeg->rows)
         return 1;
     closeJpegFile(jpeg);

@@ -24,8 +24,10 @@ void needTexture(const Image* image);
 
 // Decodes a JPEG file into the image and frees the old pixels. Returns 1; or 0, with the image as it was: without a
 // message when the file cannot be opened, with one when it is larger than textureFileLimit or cannot be decoded.
-// *opened, where given, tells the two apart; *output gets what the file says beside its pixels.
-int loadTextureFile(const char* path, Image* image, int* opened = nullptr, JpegOutput* output = nullptr);
+// *opened, where given, tells the two apart; *output gets what the file says beside its pixels. *report, where given,
+// gets the reason, or what of the data is missing or damaged.
+int loadTextureFile(const char* path, Image* image, int* opened = nullptr, JpegOutput* output = nullptr,
+                    Report* report = nullptr);
 
 // A JPEG file whose rows are decoded as they are wanted.
 struct JpegFile
@@ -34,12 +36,14 @@ struct JpegFile
     JpegRows* rows;   // null: refused, or closed
     JpegOutput image; // what the file says
     bool failed;      // its data ended before its last row
+    Report* report;   // may be null
+    bool strict;      // the owner sets it: a picture with a warning is not written
     uint8_t buffer[fileBufferRoom];
 };
 
 // Opens a file and decodes up to its first row. Returns 1; or 0, with nothing left to close and the messages and
-// *opened of loadTextureFile.
-int openJpegFile(JpegFile* jpeg, const char* path, int* opened);
+// *opened of loadTextureFile. The report, which may be null, gets the same and must outlive the file.
+int openJpegFile(JpegFile* jpeg, const char* path, int* opened, Report* report = nullptr);
 
 // Decodes the next row, as nextJpegRow does. Returns 1, or 0 after the message of loadTextureFile.
 int readJpegRow(JpegFile* jpeg, uint32_t* words);

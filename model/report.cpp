@@ -43,6 +43,7 @@ static constexpr KindTexts kindTexts[] = {
     { librariesIgnored, "librariesIgnored", "material libraries passed over, only the last one is read" },
     { libraryMissing, "libraryMissing", "material library not read" },
     { texturesMissing, "texturesMissing", "textures missing" },
+    { pictureDamaged, "pictureDamaged", "damaged parts of the picture" },
     { resultUnreadable, "resultUnreadable", "the written file could not be read again" },
     { namesChanged, "namesChanged", "names changed for the format" },
     { filesReplaced, "filesReplaced", "files replaced" },
@@ -67,6 +68,16 @@ const char* reportKey(ReportKind kind)
 const char* reportText(ReportKind kind)
 {
     return kindTexts[kind].text;
+}
+
+bool hasWarnings(const Report& report)
+{
+    for (const ReportEntry& entry : report.entries)
+    {
+        if (entry.count > 0)
+            return true;
+    }
+    return false;
 }
 
 void addToReport(Report* report, ReportKind kind, int64_t byte, int64_t count)

@@ -44,6 +44,8 @@ enum ReportKind : uint8_t
     librariesIgnored,
     libraryMissing,
     texturesMissing,
+    // pictures
+    pictureDamaged,
     // written files
     resultUnreadable,
     namesChanged,
@@ -88,6 +90,9 @@ struct Report
     int64_t failureByte; // as in ReportEntry
     int64_t failureLine;
 };
+
+// Whether anything has been counted.
+bool hasWarnings(const Report& report);
 
 // Count something that happened at a byte of the file, -1 when the place is not known.
 void addToReport(Report* report, ReportKind kind, int64_t byte, int64_t count);

@@ -112,9 +112,11 @@ static bool fillNextRow(uint8_t* bytes, int32_t row, const BmpPicture* picture)
     if (!readJpegRow(source->jpeg, source->words))
         return false;
     packPixels(bytes, source->words, picture->width);
-    if (row == 0)
-        closeJpegFile(source->jpeg);
-    return true;
+    if (row > 0)
+        return true;
+    const JpegFile& jpeg = *source->jpeg;
+    closeJpegFile(source->jpeg);
+    return !jpeg.strict || !hasWarnings(*jpeg.report);
 }
 
 int writeJpegAsPicture(const char* path, JpegFile* jpeg)

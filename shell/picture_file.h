@@ -19,7 +19,8 @@ int writeDecodedPicture(const char* path, const JpegOutput& decoded, const uint3
 
 // Writes the picture of an open JPEG file as its rows are decoded, so that it takes little memory whatever its size.
 // The path must not lead to a device or a pipe. The JPEG file is closed when the picture is whole, which may take its
-// place. Returns 1; or 0 as WriteBmpFile or WritePngFile does, after the message of readJpegRow, or without memory.
+// place. Returns 1; or 0 as WriteBmpFile or WritePngFile does, after the message of readJpegRow, without memory, or
+// where the file is read strictly and its report has a warning.
 int writeJpegAsPicture(const char* path, JpegFile* jpeg);
 
 // "Save Image": asks for a file and writes the picture into it. Returns 1 when the file is written; 0 when the user

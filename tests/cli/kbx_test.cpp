@@ -331,7 +331,7 @@ TEST_F(Kbx, TextureFileThatIsNonePictureFails)
     Result result = run("render --texture bad.jpg -o x.bmp");
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "message: Error reading Jpeg file [error]\n"
-                          "kbx: bad.jpg: not a JPEG file that can be decoded\n");
+                          "kbx: bad.jpg: it does not begin with FF D8, as JPEG files do\n");
     EXPECT_FALSE(fs::exists(folder / "x.bmp"));
 }
 

@@ -124,8 +124,14 @@ TEST_P(HostilePictures, APictureIsRefusedOrWhole)
     {
         SCOPED_TRACE(file.kind + ": " + file.detail);
         Image image = {};
-        int ok = decodeJpegMemory(reinterpret_cast<const uint8_t*>(file.bytes.data()), file.bytes.size(), &image);
+        Report report = {};
+        int ok = decodeJpegMemory(reinterpret_cast<const uint8_t*>(file.bytes.data()), file.bytes.size(), &image,
+                                  nullptr, &report);
         EXPECT_EQ(ok != 0, image.pixels != nullptr);
+        EXPECT_EQ(report.failure[0] != 0, ok == 0) << "a reason exactly when it fails: " << report.failure;
+        const ExpectedCauses* expected = expectedCauses(file);
+        ASSERT_NE(expected, nullptr);
+        EXPECT_EQ(unexpectedIn(report, file, *expected), "") << "is no cause of this mistake: " << report.failure;
         if (ok)
         {
             EXPECT_GE(image.width, 1);
