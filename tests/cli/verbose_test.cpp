@@ -87,7 +87,9 @@ TEST_F(KbxVerbose, AStepThatFailsHasNoLine)
 
 TEST_F(KbxVerbose, TheTimeIsThatOfTheStep)
 {
-    std::string slow = "{ sleep 0.2; cat a.off; } | '" TEST_PROGRAMS "/kbx' info --verbose --format off - >.out 2>.err";
+    // More than a pipe holds comes before the wait, so the step has begun by then.
+    std::string slow = "{ cat a.off; yes '#' | head -c 300000; sleep 0.2; echo; } | '" TEST_PROGRAMS
+                       "/kbx' info --verbose --format off - >.out 2>.err";
     ASSERT_EQ(system(("cd '" + folder.string() + "' && " + slow).c_str()), 0);
     std::vector<StepLine> steps = stepsIn(textOf(folder / ".err"));
     ASSERT_EQ(steps.size(), 4u);
