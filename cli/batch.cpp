@@ -4,6 +4,7 @@
 // that brings its process down leaves the others alone.
 #include "cli/batch.h"
 
+#include "cli/copy_collisions.h"
 #include "cli/jobs.h"
 #include "cli/targets.h"
 #include "cli/written.h"
@@ -77,6 +78,8 @@ int runBatch(const Arguments& arguments)
 {
     std::vector<Target> targets = targetsOf(arguments);
     std::vector<std::string> collisions = collisionsOf(targets, arguments.outputDir);
+    if (collisions.empty() && arguments.copyTextures)
+        collisions = copyCollisionsOf(targets, arguments);
     for (const std::string& line : collisions)
         printLines("kbx: " + line + "\n");
     if (!collisions.empty())

@@ -11,9 +11,8 @@
 #include <algorithm>
 #include <filesystem>
 
-// The path of a name below the output's folder; empty when it leads out of it. A ':' separates folders or drives in
-// names of other operating systems.
-static std::string placeOf(const std::string& folder, std::string name)
+// A ':' separates folders or drives in names of other operating systems.
+std::string placeOfPicture(const std::string& folder, std::string name)
 {
     std::replace(name.begin(), name.end(), '\\', '/');
     if (name.empty() || name[0] == '/' || name.back() == '/' || name.find(':') != std::string::npos)
@@ -55,6 +54,11 @@ static bool sameBytes(const std::string& a, const std::string& b)
     return same;
 }
 
+bool samePicture(const std::string& a, const std::string& b)
+{
+    return sameFile(a, b) || sameBytes(a, b);
+}
+
 // Adds a copy unless it is there. Returns what stands in the way.
 static std::string addCopy(const TextureCopy& copy, const std::vector<std::string>& outputFiles,
                            std::vector<TextureCopy>* copies)
@@ -71,7 +75,7 @@ static std::string addCopy(const TextureCopy& copy, const std::vector<std::strin
             return copy.from + " would be " + copy.to + ", which the model needs";
     }
     if (pathExists(copy.to))
-        return sameFile(copy.from, copy.to) || sameBytes(copy.from, copy.to)
+        return samePicture(copy.from, copy.to)
                    ? ""
                    : copy.to + " is there already, and is another picture than " + copy.from;
     copies->push_back(copy);
@@ -91,7 +95,7 @@ std::string planTextureCopies(const Mesh* mesh, const ModelTextures& textures, c
         {
             if (found->path.empty())
                 continue;
-            std::string to = placeOf(folder, name);
+            std::string to = placeOfPicture(folder, name);
             if (to.empty())
                 return "the name \"" + std::string(name) + "\" of a picture leads out of the folder of " + output;
             std::string obstacle = addCopy({ found->path, to }, outputFiles, copies);

@@ -14,6 +14,12 @@ struct TextureCopy
     std::string from, to;
 };
 
+// The path of a picture's name in the folder of an output, with a '/' at its end; empty when the name leads out of it.
+std::string placeOfPicture(const std::string& folder, std::string name);
+
+// Whether both are files, and one file or two with the same bytes.
+bool samePicture(const std::string& a, const std::string& b);
+
 // The copies of a model's pictures for a file to write; each target once, and none for a picture that lies at its
 // target or is there already with the same bytes. Returns what stands in the way, empty when nothing does: a name that
 // leads out of the output's folder, or one that means another file, too.

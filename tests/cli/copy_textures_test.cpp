@@ -119,3 +119,71 @@ TEST_F(KbxCopyTextures, ManyModelsMayShareAPicture)
     EXPECT_EQ(textOf(folder / "out/wood.jpg"), "wood");
     EXPECT_TRUE(fs::exists(folder / "out/other.obj"));
 }
+
+class KbxCopyTexturesOfMany : public KbxCopyTextures
+{
+protected:
+    // A model in a folder of its own, whose texture has the name and the bytes.
+    void writeModelIn(const std::string& name, const std::string& texture, const std::string& bytes)
+    {
+        std::string library = "mtllib " + name + ".mtl\n", square = squareObj;
+        fs::create_directories(folder / name);
+        write(name + "/" + name + ".obj", library + square.substr(square.find('\n') + 1));
+        write(name + "/" + name + ".mtl", "newmtl red\nmap_Kd " + texture + "\n");
+        write(name + "/" + texture, bytes);
+    }
+
+    Result convertAll(const std::string& options = "")
+    {
+        return run("convert --copy-textures " + options + " a/a.obj b/b.obj --to obj --output-dir many");
+    }
+};
+
+TEST_F(KbxCopyTexturesOfMany, TwoPicturesOfOneNameAreRefusedBeforeAnythingIsWritten)
+{
+    writeModelIn("a", "wood.jpg", "oak");
+    writeModelIn("b", "wood.jpg", "ash");
+    for (const char* options : { "", "--jobs 1", "--quiet", "--strict --tool weld" })
+    {
+        Result result = convertAll(options);
+        EXPECT_EQ(result.status, 2) << options;
+        EXPECT_EQ(result.err, "kbx: a/a.obj and b/b.obj would both write many/wood.jpg (--copy-textures)\n");
+        EXPECT_FALSE(fs::exists(folder / "many"));
+    }
+    EXPECT_EQ(run("convert a/a.obj b/b.obj --to obj --output-dir many").status, 0);
+}
+
+TEST_F(KbxCopyTexturesOfMany, APictureInThePlaceOfAnotherModelsFileIsRefused)
+{
+    writeModelIn("a", "b.mtl", "a picture");
+    writeModelIn("b", "wood.jpg", "ash");
+    Result result = convertAll();
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "kbx: b/b.obj and a/a.obj would both write many/b.mtl (--copy-textures)\n");
+    EXPECT_FALSE(fs::exists(folder / "many"));
+}
+
+TEST_F(KbxCopyTexturesOfMany, EqualPicturesAreCopiedOnce)
+{
+    writeModelIn("a", "wood.jpg", "oak");
+    writeModelIn("b", "wood.jpg", "oak");
+    Result result = convertAll("--jobs 1");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "kbx: wrote many/a.obj, many/a.mtl, many/wood.jpg\n"
+                          "kbx: wrote many/b.obj, many/b.mtl\n"
+                          "kbx: 2 files: 2 written, 0 failed\n");
+    EXPECT_EQ(textOf(folder / "many/wood.jpg"), "oak");
+}
+
+TEST_F(KbxCopyTexturesOfMany, AnInputThatFailsSaysSoOnce)
+{
+    writeModelIn("a", "wood.jpg", "oak");
+    fs::create_directory(folder / "b");
+    write("b/b.obj", "no model\n");
+    Result result = convertAll();
+    EXPECT_EQ(result.status, 1);
+    size_t first = result.err.find("kbx: b/b.obj: ");
+    ASSERT_NE(first, std::string::npos) << result.err;
+    EXPECT_EQ(result.err.find("kbx: b/b.obj: ", first + 1), std::string::npos) << result.err;
+    EXPECT_EQ(textOf(folder / "many/wood.jpg"), "oak");
+}
