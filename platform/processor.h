@@ -25,11 +25,13 @@ int processorHasAvx512();
 
 // Kernels exist in several versions that give the same bits. A level allows its own version and those of the levels
 // before it; plain versions use no vector instructions of their own, and take one byte at a time where kernelsWords
-// takes eight as a word. Processors other than x86 have the first two.
+// takes eight as a word. Processors other than x86 have the first three; kernelsLanes
+// takes four numbers at a time, in the vector types of the compiler.
 enum KernelLevel
 {
     kernelsPlain,
     kernelsWords,
+    kernelsLanes, // on processors other than x86 only
     kernelsSse,
     kernelsSse2,
     kernelsAvx2,

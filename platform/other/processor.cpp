@@ -1,4 +1,4 @@
-// platform/other/processor.cpp - a processor without feature bits, a control word and vector kernels
+// platform/other/processor.cpp - a processor without feature bits and a control word
 #include "platform/processor.h"
 
 #include <algorithm>
@@ -32,7 +32,7 @@ int processorHasAvx512()
 
 KernelLevel kernelLevel()
 {
-    return std::min(levelLimit, kernelsWords);
+    return std::min(levelLimit, kernelsLanes);
 }
 
 void limitKernelLevel(KernelLevel highest)

@@ -1,5 +1,7 @@
-// render/other/kernels.cpp - the plain kernels, for processors without fast ones
-#include "render/kernels.h"
+// render/other/kernels.cpp - choosing kernels on processors that have no folder of their own
+#include "render/other/kernels.h"
+
+#include "platform/processor.h"
 
 RasterKernels rasterKernels()
 {
@@ -8,12 +10,13 @@ RasterKernels rasterKernels()
 
 VertexKernels vertexKernels()
 {
-    return { projectVertices, projectVerticesToLight, classifyFaceRange };
+    auto* project = kernelLevel() >= kernelsLanes ? projectVerticesLanes : projectVertices;
+    return { project, projectVerticesToLight, classifyFaceRange };
 }
 
 FaceBlockSorter faceSorter()
 {
-    return nullptr;
+    return kernelLevel() >= kernelsLanes ? sortFaceBlockLanes : nullptr;
 }
 
 CellExpander cellExpander()

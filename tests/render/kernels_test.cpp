@@ -31,10 +31,18 @@ protected:
 
 static std::string levelName(const testing::TestParamInfo<KernelLevel>& info)
 {
-    return std::array{ "Plain", "Words", "Sse", "Sse2", "Avx2", "Avx512" }[static_cast<size_t>(info.param)];
+    return std::array{ "Plain", "Words", "Lanes", "Sse", "Sse2", "Avx2", "Avx512" }[static_cast<size_t>(info.param)];
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, FastKernels, testing::Values(kernelsSse2, kernelsAvx2, kernelsAvx512), levelName);
+// The levels that have kernels of their own here; only x86 needs any features.
+static std::vector<KernelLevel> fastLevels()
+{
+    if (neededFeatures() == 0)
+        return { kernelsLanes };
+    return { kernelsSse2, kernelsAvx2, kernelsAvx512 };
+}
+
+INSTANTIATE_TEST_SUITE_P(Levels, FastKernels, testing::ValuesIn(fastLevels()), levelName);
 
 TEST_P(FastKernels, FillersEqualThePlainOnes)
 {

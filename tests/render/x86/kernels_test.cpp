@@ -15,7 +15,7 @@ class Kernels : public RenderTest
 
 TEST_F(Kernels, FollowTheLevel)
 {
-    for (KernelLevel level : { kernelsPlain, kernelsWords, kernelsSse })
+    for (KernelLevel level : { kernelsPlain, kernelsWords, kernelsLanes, kernelsSse })
     {
         limitKernelLevel(level);
         EXPECT_EQ(rasterKernels().setUp, setUpTriangle);
