@@ -1,5 +1,4 @@
-// bench/obj_bench.cpp - reading a large OBJ file of about 100 MB and a small one, compared with a packaged reader where
-// it is installed
+// bench/obj_bench.cpp - reading OBJ files of 10 kB to 100 MB, compared with a packaged reader where it is installed
 #include "import/obj/obj.h"
 #include "model/normals.h"
 
@@ -17,14 +16,14 @@
 
 constexpr int groups = 32;
 
-// A bumpy sphere of rows x columns quads cut into triangles. Its rows are distributed over 32 groups; the lines are v,
-// vt and f v/vt.
+// A bumpy sphere of rows x columns quads cut into triangles. Its rows are distributed over 32 groups, and over four
+// materials if there are any; the lines are v, vt and f v/vt.
 struct ObjInput
 {
     std::string path;
     int64_t bytes = 0;
 
-    ObjInput(int rows, int columns)
+    ObjInput(int rows, int columns, bool materials = false)
     {
         path = std::filesystem::temp_directory_path() /
                ("kestrelbox-bench-" + std::to_string(getpid()) + "-" + std::to_string(rows) + ".obj");
@@ -40,6 +39,8 @@ struct ObjInput
         {
             if (r * groups / rows != (r - 1) * groups / rows || r == 0)
                 fprintf(file, "g part%d\n", r * groups / rows);
+            if (materials && r % 2 == 0)
+                fprintf(file, "usemtl paint%d\n", r / 2 % 4);
             for (int c = 0; c < columns; ++c)
             {
                 int a = r * (columns + 1) + c + 1, b = a + columns + 1;
@@ -130,6 +131,19 @@ static void smallObj(benchmark::State& state)
 }
 BENCHMARK(smallObj)->UseManualTime()->Unit(benchmark::kMillisecond);
 
+// With groups and materials: 10 kB, 1 MB and 10 MB.
+static const ObjInput& groupedInput(int64_t kilobytes)
+{
+    static const ObjInput small(8, 12, true), middle(80, 100, true), large(250, 320, true);
+    return kilobytes == 10 ? small : kilobytes == 1000 ? middle : large;
+}
+
+static void groupedObj(benchmark::State& state)
+{
+    readObj(state, groupedInput(state.range(0)));
+}
+BENCHMARK(groupedObj)->Arg(10)->Arg(1000)->Arg(10000)->UseManualTime()->Unit(benchmark::kMillisecond);
+
 #ifdef BENCH_TINYOBJLOADER
 static void readByPeer(benchmark::State& state, const ObjInput& input)
 {
@@ -158,4 +172,10 @@ static void smallObjTinyobjloader(benchmark::State& state)
     readByPeer(state, smallInput());
 }
 BENCHMARK(smallObjTinyobjloader)->Unit(benchmark::kMillisecond);
+
+static void groupedObjTinyobjloader(benchmark::State& state)
+{
+    readByPeer(state, groupedInput(state.range(0)));
+}
+BENCHMARK(groupedObjTinyobjloader)->Arg(10)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 #endif

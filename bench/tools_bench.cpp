@@ -1,4 +1,5 @@
-// bench/tools_bench.cpp - the mesh tools on meshes of ten thousand to a million faces, and on deliberately hard meshes
+// bench/tools_bench.cpp - the mesh tools on meshes of ten thousand to ten million faces, and on deliberately hard
+// meshes
 #include "model/memory.h"
 #include "model/normals.h"
 #include "tools/duplicates.h"
@@ -15,6 +16,11 @@
 #include <unistd.h>
 #include <algorithm>
 #include <random>
+#include <vector>
+
+#ifdef BENCH_MESHOPTIMIZER
+#include <meshoptimizer.h>
+#endif
 
 static Mesh* emptyMesh(int64_t vertexCount, int64_t faceCount)
 {
@@ -231,3 +237,36 @@ TOOL_BENCH(WeldNearOneSpot, spotMesh, weldClose, true);
 TOOL_BENCH(EdgesOneSum, oneSum, edgeTableOnly, false);
 TOOL_BENCH(StatisticsOneSum, oneSum, statisticsOnly, false);
 TOOL_BENCH(DupFacesOneSum, oneSum, removeDuplicateFaces, false);
+
+// Once each: making such a mesh takes longer than the tool.
+#define LARGE_BENCH(name) BENCHMARK(name)->Arg(10000000)->Iterations(1)->Unit(benchmark::kMillisecond)
+LARGE_BENCH(FixNormals);
+LARGE_BENCH(Quad);
+LARGE_BENCH(Tri);
+LARGE_BENCH(DupFaces);
+LARGE_BENCH(Split);
+LARGE_BENCH(Weld);
+
+#ifdef BENCH_MESHOPTIMIZER
+// The same as our tool without its normals: equal positions are found, and vertices and corners are renumbered.
+static void weldMeshoptimizer(benchmark::State& state)
+{
+    Mesh* mesh = soup(state.range(0));
+    auto count = static_cast<size_t>(mesh->vertexCount);
+    std::vector<float> positions;
+    for (size_t i = 0; i < count; ++i)
+        positions.insert(positions.end(), mesh->vertices[i].position, mesh->vertices[i].position + 3);
+    std::vector<unsigned> remap(count), indices(count);
+    std::vector<MeshVertex> vertices(count);
+    for (auto _ : state)
+    {
+        size_t unique = meshopt_generateVertexRemap(remap.data(), nullptr, count, positions.data(), count, 12);
+        meshopt_remapVertexBuffer(vertices.data(), mesh->vertices, count, sizeof(MeshVertex), remap.data());
+        meshopt_remapIndexBuffer(indices.data(), nullptr, count, remap.data());
+        benchmark::DoNotOptimize(unique);
+        benchmark::DoNotOptimize(indices.data());
+    }
+    freeMesh(mesh);
+}
+BENCHMARK(weldMeshoptimizer)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+#endif
