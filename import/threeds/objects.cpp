@@ -103,8 +103,8 @@ static void readMatrix(ThreeDsReadContext* context)
     lastRow[3] = 1;
 }
 
-// Drops a face with a corner index past the object's last vertex, or with two equal corners. Texture
-// indices of new face slots are zero, so they are written only where the object has coordinates for all corners.
+// Drops a face with a corner index past the object's last vertex, or with two equal corners. Texture indices are 0
+// where the object lacks coordinates for a corner.
 static void decodeFaces(ThreeDsReadContext* context, const uint8_t* at, int64_t count)
 {
     Mesh* mesh = context->mesh;
@@ -129,10 +129,9 @@ static void decodeFaces(ThreeDsReadContext* context, const uint8_t* at, int64_t 
         }
         faces[face] = { vertexBase + a, vertexBase + b, vertexBase + c, noCorner };
         mesh->faceAttributes[face] = attributes;
-        if (a < uvCount && b < uvCount && c < uvCount)
-            faceUvs[face] = { uvBase + a, uvBase + b, uvBase + c, 0 };
-        else
-            partlyMapped += uvCount > 0;
+        bool mapped = a < uvCount && b < uvCount && c < uvCount;
+        faceUvs[face] = mapped ? Corners{ uvBase + a, uvBase + b, uvBase + c, 0 } : Corners{};
+        partlyMapped += !mapped && uvCount > 0;
         ++face;
     }
     mesh->faceCount = face;
@@ -182,7 +181,7 @@ static int readFaces(ThreeDsReadContext* context, const Chunk& chunk)
     if (wanted < 0 || !growFaces(mesh,
                                  growthFor(mesh->faceCapacity, int64_t{ mesh->faceCount } + wanted,
                                            bytesLeft(cursor) / fileBytesPerFace),
-                                 grownCornersUncleared))
+                                 grownUncleared))
         return 0;
     context->firstFace = mesh->faceCount;
     for (int64_t count; wanted > 0; wanted -= static_cast<int32_t>(count))
