@@ -1,7 +1,8 @@
 // cli/output.cpp - formatting text and writing it to standard output in blocks
 #include "cli/output.h"
 
-#include <errno.h>
+#include "platform/files.h"
+
 #include <stdio.h>
 #include <string.h>
 #include <charconv>
@@ -10,7 +11,7 @@ constexpr size_t blockBytes = size_t{ 1 } << 16;
 
 static void noteFailure(Output* out)
 {
-    out->closed |= errno == EPIPE;
+    out->closed |= causeOfFailure() == EPIPE;
     out->failed = true;
 }
 

@@ -65,11 +65,11 @@ static bool finishOutput(OutputFile* output)
 
 int closeOutput(OutputFile* output, bool written)
 {
-    int reason = written ? 0 : errno;
+    int reason = written ? 0 : causeOfFailure();
     errno = reason;
     bool whole = finishOutput(output) && written;
     if (reason == 0)
-        reason = errno;
+        reason = causeOfFailure();
     output->file = nullptr;
     if (whole)
         return 1;

@@ -4,6 +4,7 @@
 #include "platform/files.h"
 #include "platform/pending_files.h"
 
+#include <errno.h>
 #include <stdlib.h>
 #include <string.h>
 #include <strings.h>
@@ -94,6 +95,11 @@ FILE* openFile(const char* path, const char* mode)
     if (found == files.end())
         return nullptr;
     return fopencookie(new OpenStream{ &found->second, 0 }, mode, { readSome, writeSome, seek, closeStream });
+}
+
+int causeOfFailure()
+{
+    return errno;
 }
 
 int isPlainFile(const char* path)

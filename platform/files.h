@@ -29,6 +29,9 @@ int64_t measureFile(FILE* file);
 int64_t filePosition(FILE* file);
 int seekFile(FILE* file, int64_t position);
 
+// errno of a call that has just failed, where EPIPE means everywhere that nobody reads the pipe any more.
+int causeOfFailure();
+
 struct FolderListings; // platform/folder_listings.h
 
 // Looks in a folder ("" is the current one) for a file whose name is the given one in any case of its ASCII letters.

@@ -82,6 +82,11 @@ static bool isMadeUp(const char* path)
     return false;
 }
 
+int causeOfFailure()
+{
+    return errno;
+}
+
 int isPlainFile(const char* path)
 {
     struct stat facts;

@@ -5,6 +5,7 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <io.h>
+#include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <windows.h>
@@ -84,6 +85,14 @@ FILE* openFile(const char* path, const char* mode)
         return nullptr;
     }
     return file;
+}
+
+// The C library has no name of its own for a pipe that is being closed.
+int causeOfFailure()
+{
+    unsigned long own = _doserrno;
+    bool closed = own == ERROR_BROKEN_PIPE || own == ERROR_NO_DATA || own == ERROR_PIPE_NOT_CONNECTED;
+    return errno == EINVAL && closed ? EPIPE : errno;
 }
 
 int isPlainFile(const char* path)

@@ -87,6 +87,11 @@ FILE* openFile(const char* path, const char* mode)
     return withFaults(fopen(path, mode), mode);
 }
 
+int causeOfFailure()
+{
+    return errno;
+}
+
 int isPlainFile(const char* path)
 {
     std::error_code unknown;
