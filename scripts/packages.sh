@@ -4,7 +4,7 @@
 
 packages_to_build="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev zlib1g-dev libjpeg62-turbo-dev libpng-dev"
 packages_for_window="qt6-base-dev qt6-wayland"
-packages_to_test="libgtest-dev libgmock-dev googletest libbenchmark-dev clang libclang-rt-14-dev clang-format clang-tidy libjpeg-turbo-progs shared-mime-info libglib2.0-bin zsh fish xvfb xauth openbox xdotool wmctrl x11-utils weston desktop-file-utils appstream lintian locales jq parallel"
+packages_to_test="libgtest-dev libgmock-dev googletest libbenchmark-dev clang libclang-rt-14-dev clang-format clang-tidy libjpeg-turbo-progs shared-mime-info libglib2.0-bin zsh fish xvfb xauth openbox xdotool wmctrl x11-utils weston desktop-file-utils appstream lintian locales jq parallel admesh"
 packages_for_arm64="g++-aarch64-linux-gnu qemu-user-static googletest"
 packages_for_windows="g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 wine debootstrap xvfb xauth zip"
 packages_for_page="emscripten binutils-source chromium"
