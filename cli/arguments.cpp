@@ -4,7 +4,6 @@
 #include "cli/usage.h"
 #include "image/textures.h"
 #include "platform/processes.h"
-#include "render/frame_buffer.h"
 
 #include <CLI/CLI.hpp>
 #include <math.h>
@@ -13,10 +12,6 @@
 #include <string.h>
 #include <algorithm>
 #include <iostream>
-
-static const char* const presetNames[] = { "brass", "wood",  "pewter",  "silver", "gold",         "green",
-                                           "chalk", "brick", "crystal", "white",  "prop material" };
-static const char* const backgroundNames[] = { "grey1", "grey2", "black" };
 
 constexpr char footerEnd[] =
     "\n"
@@ -60,84 +55,6 @@ static std::vector<std::string> toolNames()
     std::transform(std::begin(meshTools), std::end(meshTools), names.begin(),
                    [](const MeshTool& tool) { return tool.name; });
     return names;
-}
-
-static std::vector<std::string> splitAtCommas(const std::string& text)
-{
-    std::vector<std::string> parts(1);
-    for (char c : text)
-    {
-        if (c == ',')
-            parts.emplace_back();
-        else
-            parts.back() += c;
-    }
-    return parts;
-}
-
-static bool parseNumber(const std::string& text, float* value)
-{
-    char* end = nullptr;
-    *value = strtof(text.c_str(), &end);
-    return !text.empty() && *end == 0 && isfinite(*value);
-}
-
-template <size_t N>
-static bool parseNumbers(const std::string& text, std::array<float, N>* values)
-{
-    std::vector<std::string> parts = splitAtCommas(text);
-    if (parts.size() != N)
-        return false;
-    for (size_t i = 0; i < N; ++i)
-    {
-        if (!parseNumber(parts[i], &(*values)[i]))
-            return false;
-    }
-    return true;
-}
-
-static bool parseSize(const std::string& text, ViewArguments* view)
-{
-    int width = 0, height = 0, used = 0;
-    if (text.size() > 20 || sscanf(text.c_str(), "%9dx%9d%n", &width, &height, &used) != 2 ||
-        static_cast<size_t>(used) != text.size())
-        return false;
-    if (std::min(width, height) < displaySideLeast || std::max(width, height) > displaySideLimit)
-        return false;
-    view->width = width;
-    view->height = height;
-    return true;
-}
-
-static bool parseLights(const std::string& text, uint32_t* mask)
-{
-    *mask = 0;
-    if (text == "none")
-        return true;
-    for (const std::string& part : splitAtCommas(text))
-    {
-        if (part.size() != 1 || part[0] < '1' || part[0] > '3')
-            return false;
-        *mask |= 1u << (part[0] - '1');
-    }
-    return true;
-}
-
-// Takes a name of a list, in any letter case and with '-' for a blank, or an index into the list.
-template <size_t N>
-static bool parseChoice(const std::string& text, const char* const (&names)[N], int32_t* index)
-{
-    std::string wanted = CLI::detail::to_lower(text);
-    std::replace(wanted.begin(), wanted.end(), '-', ' ');
-    for (size_t i = 0; i < N; ++i)
-    {
-        if (wanted == names[i] || text == std::to_string(i))
-        {
-            *index = static_cast<int32_t>(i);
-            return true;
-        }
-    }
-    return false;
 }
 
 // Adds an option whose text is parsed by one of the functions above. Where that fails, the user reads what was
@@ -229,48 +146,19 @@ static void addLoadOptions(CLI::App* command, LoadArguments* load, bool withFilt
             ->check(CLI::NonNegativeNumber);
 }
 
+// The options of shell/view_options.h: switches, words of which any text will do, and texts that are parsed.
 static void addViewOptions(CLI::App* command, ViewArguments* view)
 {
-    addParsed(
-        command, "--preset", "NAME|0..10",
-        "front material: brass, wood, pewter, silver, gold, green, chalk, brick, crystal, white or prop-material; "
-        "unless given, prop-material for a file and brass for the built-in model",
-        [view](const std::string& text)
-        {
-            int32_t index;
-            bool ok = parseChoice(text, presetNames, &index);
-            if (ok)
-                view->preset = index;
-            return ok;
-        });
-    command->add_option("--texture", view->texture, "wood, metal, pattern, or a JPEG file; none unless given")
-        ->option_text("NAME|FILE.jpg");
-    addParsed(command, "--lights", "1,2,3|none", "the lights that are on, 1 unless given",
-              [view](const std::string& text) { return parseLights(text, &view->lightMask); });
-    command->add_flag("--shadows", view->shadows, "shadows of light 1");
-    addOffSwitch(command, "--no-vertex-color", &view->vertexColour, "leave the vertices' own colours out");
-    addOffSwitch(command, "--no-backcull", &view->backCulled, "draw faces turned away, too");
-    command->add_flag("--wireframe", view->wireframe, "outlines instead of surfaces");
-    command->add_flag("--rough", view->rough, "grainy surface");
-    command->add_flag("--metallic", view->metallic, "reflections of a studio");
-    command->add_flag("--moon", view->moon, "lunar shading");
-    addParsed(command, "--background", "grey1|grey2|black", "what lies behind the model, grey1 unless given",
-              [view](const std::string& text) { return parseChoice(text, backgroundNames, &view->background); });
-    addParsed(command, "--rotate", "X,Y,Z", "degrees about the screen's axes, X first; 0,0,0 unless given",
-              [view](const std::string& text) { return parseNumbers(text, &view->rotateDegrees); });
-    addParsed(command, "--view", "M00,...,M22", "the rotation itself, row by row",
-              [view](const std::string& text)
-              {
-                  std::array<float, 9> rows;
-                  bool ok = parseNumbers(text, &rows);
-                  if (ok)
-                      view->view = rows;
-                  return ok;
-              });
-    addParsed(command, "--zoom", "Z>=1", "magnification, 1 unless given",
-              [view](const std::string& text) { return parseNumber(text, &view->zoom) && view->zoom >= 1; });
-    addParsed(command, "--size", "WxH, each 10..16384", "pixels, 620x520 unless given",
-              [view](const std::string& text) { return parseSize(text, view); });
+    for (const ViewOption& option : viewOptions)
+    {
+        std::string name = std::string("--") + option.name;
+        auto set = [view, &option](const std::string& text) { return option.set(view, text); };
+        if (option.values)
+            addParsed(command, name, option.values, option.help, set);
+        else
+            command->add_flag_callback(
+                name, [set] { set(""); }, option.help);
+    }
     command
         ->add_option("--frames", view->frames,
                      "draw N frames, turning one degree before each but the first; 1 unless given")

@@ -1,9 +1,9 @@
 // cli/arguments.h - the command line of kbx as a record
 #pragma once
+#include "shell/view_options.h"
 #include "tools/tools.h"
 
 #include <stdint.h>
-#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -38,27 +38,6 @@ inline bool isStandardInput(const std::string& path)
 {
     return path == "-";
 }
-
-struct ViewArguments
-{
-    std::optional<int32_t> preset;
-    std::optional<std::string> texture; // wood, metal, pattern, or a JPEG file
-    uint32_t lightMask = 1;
-    bool shadows = false;
-    bool vertexColour = true;
-    bool backCulled = true;
-    bool wireframe = false;
-    bool rough = false;
-    bool metallic = false;
-    bool moon = false;
-    int32_t background = 0;
-    std::array<float, 3> rotateDegrees = { 0, 0, 0 }; // about the axes of the screen, x first
-    std::optional<std::array<float, 9>> view;         // the rotation, row by row
-    float zoom = 1;
-    int32_t width = 620;
-    int32_t height = 520;
-    std::optional<int32_t> frames; // how many to draw; when given, their speed is reported
-};
 
 struct Arguments
 {

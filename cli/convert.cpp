@@ -6,11 +6,6 @@
 #include "cli/steps.h"
 #include "cli/texture_copies.h"
 #include "cli/written.h"
-#include "export/lux.h"
-#include "export/obj.h"
-#include "export/prop.h"
-#include "export/rkf.h"
-#include "export/stl.h"
 #include "facts/warnings.h"
 #include "platform/boxes.h"
 #include "platform/file_names.h"
@@ -21,13 +16,6 @@
 #include <stdio.h>
 #include <string.h>
 
-static int writeObj(Mesh* mesh, const std::string& path)
-{
-    int ok = WriteObjFile(mesh, path.c_str(), fileNameOf(path.c_str()));
-    freeMesh(mesh);
-    return ok;
-}
-
 // The preview beside the prop is the picture that the window would show.
 static int writeProp(Mesh* mesh, bool builtIn, const std::string& path)
 {
@@ -36,53 +24,23 @@ static int writeProp(Mesh* mesh, bool builtIn, const std::string& path)
     if (ok)
     {
         PreviewSource preview = { frameBuffer.picture.bits, view.width, view.height, frameBuffer.pitch * 3 };
-        ok = WritePropFile(mesh, path.c_str(), &preview);
+        ok = writeModelAs(OutputFormat::pp2, mesh, path, &preview);
     }
     releaseDrawing();
-    return ok;
-}
-
-static int writeRkf(Mesh* mesh, const std::string& path)
-{
-    const char* obstacle = mesh->lineCount != 0 ? "the format carries no lines"
-                           : !rkfCanHold(mesh)  ? "the format has no room for a face that begins behind vertex 1048576"
-                                                : nullptr;
-    if (obstacle)
-        explainFailure(path.c_str(), obstacle);
-    int ok = !obstacle && WriteRkfFile(mesh, path.c_str(), false);
-    freeMesh(mesh);
-    return ok;
-}
-
-static int writeStl(Mesh* mesh, const std::string& path)
-{
-    bool empty = stlTriangles(mesh) == 0;
-    if (empty)
-        explainFailure(path.c_str(), "the model has no faces");
-    int ok = !empty && WriteStlFile(mesh, path.c_str());
-    freeMesh(mesh);
-    return ok;
-}
-
-static int writeLux(Mesh* mesh, const std::string& path)
-{
-    int ok = WriteLuxFiles(mesh, path.c_str());
-    freeMesh(mesh);
     return ok;
 }
 
 // Takes the mesh over.
 static int writeFormat(OutputFormat format, Mesh* mesh, bool builtIn, const std::string& path)
 {
-    switch (format)
-    {
-    case OutputFormat::obj: return writeObj(mesh, path);
-    case OutputFormat::pp2: return writeProp(mesh, builtIn, path);
-    case OutputFormat::rkf: return writeRkf(mesh, path);
-    case OutputFormat::lxs: return writeLux(mesh, path);
-    case OutputFormat::stl: return writeStl(mesh, path);
-    }
-    return 0;
+    if (format == OutputFormat::pp2)
+        return writeProp(mesh, builtIn, path);
+    const char* obstacle = obstacleToWriting(format, mesh);
+    if (obstacle)
+        explainFailure(path.c_str(), obstacle);
+    int ok = !obstacle && writeModelAs(format, mesh, path, nullptr);
+    freeMesh(mesh);
+    return ok;
 }
 
 // Leaves only what the filter shows. A filter that shows nothing would otherwise write the whole model.

@@ -7,7 +7,6 @@
 #include "model/memory.h"
 #include "platform/boxes.h"
 #include "platform/terminal/terminal.h"
-#include "shell/choices.h"
 #include "shell/scene.h"
 
 #include <stdio.h>
@@ -28,65 +27,22 @@ static bool loadUserPicture(const std::string& path, const LoadArguments& load)
 // Loads a built-in texture or a JPEG file into its slot. Returns the slot, or -1 after a message.
 static int32_t loadTexture(const std::string& name, const LoadArguments& load)
 {
-    int32_t slot = 0;
-    while (slot < textureUser && name != builtInTextures[slot])
-        ++slot;
+    int32_t slot = textureSlotOf(name);
     bool ok = slot < textureUser ? loadTextureResource(&TextureSlots[slot], builtInTextures[slot]) != 0
                                  : loadUserPicture(name, load);
     return ok ? slot : -1;
 }
 
-static void chooseFlags(Choices* chosen, const ViewArguments& view)
-{
-    chooseRenderFlag(chosen, renderBackCulled, view.backCulled);
-    chooseRenderFlag(chosen, renderVertexColour, view.vertexColour);
-    chooseRenderFlag(chosen, renderWireframe, view.wireframe);
-    chooseRenderFlag(chosen, renderShadows, view.shadows);
-    chooseRenderFlag(chosen, renderRough, view.rough);
-    chooseRenderFlag(chosen, renderMoon, view.moon);
-}
-
-// The flags come last, because choosing a texture or a preset switches wireframe off.
+// Loads the images that the options ask for, and makes the choices.
 static int choose(Choices* chosen, const ViewArguments& view, const LoadArguments& load, bool builtIn)
 {
-    chooseBackground(chosen, view.background);
-    choosePreset(chosen, builtIn ? presetBrass : presetProp);
-    if (view.texture)
-    {
-        int32_t slot = loadTexture(*view.texture, load);
-        if (slot < 0)
-            return 0;
-        chooseTexture(chosen, slot);
-    }
-    if (view.metallic)
-    {
-        if (!loadTextureResource(&ReflectionImage, "reflect"))
-            return 0;
-        chooseMetallic(chosen, true);
-    }
-    if (view.preset)
-        choosePreset(chosen, *view.preset);
-    for (int32_t light = 0; light < lightCount; ++light)
-        chooseLight(chosen, light, view.lightMask & (1u << light));
-    chooseFlags(chosen, view);
+    int32_t slot = view.texture ? loadTexture(*view.texture, load) : -1;
+    if (view.texture && slot < 0)
+        return 0;
+    if (view.metallic && !loadTextureResource(&ReflectionImage, "reflect"))
+        return 0;
+    chooseByOptions(chosen, view, builtIn, slot);
     return 1;
-}
-
-static ViewState viewOf(const ViewArguments& arguments)
-{
-    ViewState view = startView;
-    if (arguments.view)
-    {
-        for (size_t i = 0; i < 9; ++i)
-            view.rotation.m[i / 3 * 4 + i % 3] = (*arguments.view)[i];
-    }
-    const auto& degrees = arguments.rotateDegrees;
-    Matrix turn;
-    rotationAboutScreenAxes(&turn, degrees[0], degrees[1], degrees[2]);
-    multiplyMatrices(&view.rotation, &turn, &view.rotation);
-    rotationAboutScreenAxes(&view.step, 0, 1, 0);
-    view.zoom = arguments.zoom;
-    return view;
 }
 
 // Each frame but the first turns the model by one degree first, as it turns after a flick of the mouse.
@@ -116,7 +72,7 @@ int drawModel(Mesh* mesh, bool builtIn, const ViewArguments& view, const LoadArg
     FrameState state = startFrameState;
     state.displayWidth = view.width;
     state.displayHeight = view.height;
-    state.view = viewOf(view);
+    state.view = viewByOptions(view);
     if (!createFrameBuffer(&frameBuffer, view.width, view.height))
         return reportOutOfMemory();
     drawFrames(&chosen.render, &state, view.frames.value_or(1), view.frames.has_value());

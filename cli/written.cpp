@@ -3,7 +3,6 @@
 
 #include "export/lux.h"
 #include "export/written_names.h"
-#include "model/ascii.h"
 #include "platform/boxes.h"
 #include "platform/file_names.h"
 #include "platform/files.h"
@@ -32,30 +31,6 @@ static std::vector<std::string> filesOfKind(OutputFormat format, bool withLibrar
 std::vector<std::string> filesOf(OutputFormat format, const Mesh* mesh, const std::string& path)
 {
     return filesOfKind(format, mesh->materialCount > 0, path);
-}
-
-bool outputFormatOf(const std::string& path, OutputFormat* format)
-{
-    static constexpr struct
-    {
-        const char* extension;
-        OutputFormat format;
-    } known[] = { { ".obj", OutputFormat::obj },
-                  { ".pp2", OutputFormat::pp2 },
-                  { ".rkf", OutputFormat::rkf },
-                  { ".lxs", OutputFormat::lxs },
-                  { ".stl", OutputFormat::stl } };
-    std::string extension = path.size() > 4 ? path.substr(path.size() - 4) : "";
-    for (char& c : extension)
-        c = asciiLower(c);
-    for (const auto& one : known)
-    {
-        if (extension != one.extension)
-            continue;
-        *format = one.format;
-        return true;
-    }
-    return false;
 }
 
 std::vector<std::string> possibleFilesOf(const std::string& path)

@@ -2,21 +2,10 @@
 #pragma once
 #include "model/mesh.h"
 #include "model/report.h"
+#include "shell/written_formats.h"
 
 #include <string>
 #include <vector>
-
-enum class OutputFormat
-{
-    obj,
-    pp2,
-    rkf,
-    lxs,
-    stl
-};
-
-// The format that the extension of a name to write stands for, in any letter case. Returns whether there is one.
-bool outputFormatOf(const std::string& path, OutputFormat* format);
 
 // The files that the writer of a format writes for a model, the one that was asked for first.
 std::vector<std::string> filesOf(OutputFormat format, const Mesh* mesh, const std::string& path);
