@@ -4,7 +4,9 @@
 // program goes on: no answer changes what it does next.
 #include "platform/boxes.h"
 #include "platform/web/host.h"
+#include "platform/web/page_state.h"
 
+#include <string.h>
 #include <string>
 
 static int shownSteps;
@@ -12,6 +14,8 @@ static int shownSteps;
 // The page gets both texts in one, the caption first.
 void messageBox(const char* text, const char* caption, BoxIcon icon)
 {
+    ++pageState.boxCount;
+    pageState.outOfMemory |= strcmp(text, "Out of memory") == 0;
     std::string texts = caption ? caption : "Error";
     texts += '\n';
     texts += text;

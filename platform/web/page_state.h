@@ -9,6 +9,8 @@ struct PageState
     int selectedEntry;             // of the filter list
     std::string chosenPath;        // the answer to the next file dialog; empty: cancelled
     int refreshRate;               // of the screen, in frames a second; 0: unknown
+    int boxCount;                  // message boxes so far
+    bool outOfMemory;              // one of them was "Out of memory"; whoever asks clears it before
 };
 
 extern PageState pageState;

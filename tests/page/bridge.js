@@ -7,6 +7,7 @@ import http from "node:http";
 import os from "node:os";
 import path from "node:path";
 import readline from "node:readline";
+import { viewFunctions } from "./views.js";
 import { gzipSync } from "node:zlib";
 
 const [, , pageFolder, modules] = process.argv;
@@ -19,7 +20,8 @@ const requests = []; // the addresses that the page has asked for
 
 const server = http.createServer((request, response) => {
     const name = new URL(request.url, "http://page").pathname.replace(/\/$/, "/index.html");
-    const file = path.join(pageFolder, name);
+    const isExample = name.startsWith("/examples/");
+    const file = path.join(isExample ? path.join(import.meta.url.slice(7), "../../..") : pageFolder, name);
     requests.push(name);
     if (!fs.existsSync(file)) {
         response.writeHead(404).end();
@@ -342,7 +344,8 @@ const functions = {
         await page.waitForSelector("dialog[open] .buttons", { timeout: waitLimitMs });
         return { text: await text("dialog[open] p"), caption: await text("dialog[open] h2") };
     },
-    breakProgram: () => page.evaluate(() => window.kestrelbox.breakProgram()),
+    breakProgram: () =>
+        page.evaluate(() => window.kestrelbox.program().worker.postMessage({ do: "nothing", number: 0 })),
 
     async pinch({ from, to }) {
         const touch = (type, points) => devtools.send("Input.dispatchTouchEvent", { type, touchPoints: points });
@@ -439,6 +442,10 @@ const functions = {
     },
     faults: () => faults,
 };
+Object.assign(
+    functions,
+    viewFunctions(() => puppeteer.launch(launchOptions), path.join(pageFolder, "../view")),
+);
 
 await start();
 process.stdout.write("{}\n");

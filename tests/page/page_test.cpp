@@ -153,6 +153,13 @@ TEST(Page, AModelOfTheServerOpensByTheAddress)
     askBridge("closeBox", { { "folder", "." } });
 }
 
+TEST(Page, TheModelOfTheAddressBringsTheLibraryBesideIt)
+{
+    askBridge("visit", { { "search", "?model=examples/chair.obj" } });
+    EXPECT_EQ(titleBegin(), "Kestrelbox: chair.obj");
+    EXPECT_EQ(panelText(ID_MATERIAL_COUNT), "2");
+}
+
 TEST(Page, AFaultOfTheProgramIsShownAndItStartsAnew)
 {
     askBridge("breakProgram");

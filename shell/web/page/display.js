@@ -5,7 +5,7 @@ const wheelNotch = 100; // pixels of the browsers' wheel events
 const linesOfNotch = 3;
 const zoomOfNotch = 1.1;
 
-/** @typedef {import("./program.js").Program} Program */
+/** @typedef {{ send(action: import("./messages").Action): Promise<any> }} Program */
 /** @typedef {{ x: number, y: number }} Point */
 
 export class Display {

@@ -1,24 +1,10 @@
 // files.js - files that come in by a dialog, a drop or the clipboard, and files that go out as downloads
+import { givenFiles } from "./given.js";
 
 /** @typedef {import("./messages").GivenFile} GivenFile */
 /** @typedef {import("./messages").SavedFile} SavedFile */
 
-const modelEndings = [".obj", ".3ds", ".dxf", ".ply", ".pp2", ".hr2", ".cr2", ".off", ".rkf", ".stl"];
 const companions = [".mtl", ".jpg", ".jpeg"];
-
-/** @param {string} path @param {string[]} endings */
-const endsWithOne = (path, endings) => endings.some((ending) => path.toLowerCase().endsWith(ending));
-
-// The file that is meant by several: the first model, else the first file. Those of a folder come in people's order.
-/** @param {GivenFile[]} files @param {string[]} [endings] */
-export function meantFile(files, endings = modelEndings) {
-    const paths = files.map(({ path }) => path);
-    if (paths.some((path) => path.includes("/"))) paths.sort(new Intl.Collator(undefined, { numeric: true }).compare);
-    return paths.find((path) => endsWithOne(path, endings)) ?? paths[0];
-}
-
-/** @param {Iterable<File>} files @returns {GivenFile[]} */
-export const givenFiles = (files) => [...files].map((file) => ({ path: file.webkitRelativePath || file.name, file }));
 
 /** @param {FileSystemEntry} entry @returns {Promise<GivenFile[]>} */
 async function filesOfEntry(entry) {

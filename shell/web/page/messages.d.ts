@@ -15,7 +15,8 @@ export type Command =
 export type Action =
     | Command
     | { do: "panel"; id: number; value: number }
-    | { do: "open"; files: GivenFile[]; path: string }
+    | { do: "open"; files: GivenFile[]; path: string; address?: string }
+    | ViewAction
     | { do: "leftButton"; code: number; x: number; y: number }
     | { do: "rightButton"; code: number; y: number }
     | { do: "move"; left: boolean; right: boolean; x: number; y: number }
@@ -27,6 +28,26 @@ export type Action =
     | { do: "fetchAhead" }
     | { do: "show"; visible: boolean }
     | { do: "start"; canvas: OffscreenCanvas; width: number; height: number; refreshRate: number };
+
+// What a view asks for besides. Its actions return a ViewAnswer.
+export type ViewAction =
+    | { do: "openView"; files: GivenFile[]; path: string; address?: string; options: ViewOptions } // no path: built in
+    | { do: "look"; options: ViewOptions; turned: boolean }
+    | { do: "tool"; name: string }
+    | { do: "save"; name: string };
+
+export interface ViewOptions {
+    options: [string, string][]; // name and value
+    texture?: { path: string; file?: Blob }; // for the option "texture" that names a file; no file: as before
+}
+
+export interface ViewAnswer {
+    error?: string;
+    notice: string;
+    refused: string[]; // options that cannot be followed, and why
+    facts?: string; // JSON, where they may have changed
+    files: SavedFile[];
+}
 
 export type Request = Action & { number: number };
 
@@ -103,4 +124,12 @@ export interface Core {
     _letGo(): void;
     _turnWheel(notches: number): void;
     _showPage(visible: number): void;
+    _beginView(width: number, height: number, refreshRate: number): number;
+    _clearOptions(): void;
+    _giveOption(name: number, text: number): void;
+    _applyOptions(turned: number): void;
+    _openInView(path: number): number;
+    _describeModel(): void;
+    _runToolInView(name: number): number;
+    _saveInView(path: number): number;
 }

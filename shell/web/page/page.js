@@ -1,7 +1,8 @@
 // page.js - the page: the program's menus, panel and display, and the files that come and go
 import { Boxes } from "./boxes.js";
 import { Display } from "./display.js";
-import { askForFiles, downloadFiles, droppedFiles, givenFiles, meantFile } from "./files.js";
+import { askForFiles, downloadFiles, droppedFiles } from "./files.js";
+import { givenFiles, meantFile } from "./given.js";
 import { element, Menus } from "./menus.js";
 import { Panel } from "./panel.js";
 import { Program } from "./program.js";
@@ -40,7 +41,7 @@ let panel;
 let keys = [];
 /** @type {Command | null} */
 let command = null; // the last one, which may ask for a file
-/** @typedef {{ files: GivenFile[], path: string }} Opening */
+/** @typedef {{ files: GivenFile[], path: string, address?: string }} Opening */
 /** @type {Opening | null} */
 let opening = null; // the files that were given last
 /** @type {Opening | null} */
@@ -58,10 +59,10 @@ function run(next) {
     return program.send(next);
 }
 
-/** @param {GivenFile[]} files */
-async function openFiles(files) {
+/** @param {GivenFile[]} files @param {string} [address] of a model that was fetched */
+async function openFiles(files, address) {
     if (files.length === 0) return;
-    opening = { files, path: meantFile(files) };
+    opening = { files, path: meantFile(files), address };
     await program.send({ do: "open", ...opening });
 }
 
@@ -182,7 +183,7 @@ function makeControls(tables) {
 
 async function startProgram() {
     ended = false;
-    program = new Program(hear);
+    program = new Program(hear, new Worker(new URL("./worker.js", import.meta.url), { type: "module" }));
     opening = shown;
     await program.start(place("display"));
 }
@@ -205,7 +206,7 @@ async function openAddressed() {
         return;
     }
     const name = decodeURIComponent(new URL(address, location.href).pathname.split("/").pop() || "model");
-    await openFiles([{ path: name, file: await response.blob() }]);
+    await openFiles([{ path: name, file: await response.blob() }], new URL(address, location.href).href);
 }
 
 // What the first picture does not need: the service worker, and the pictures that the program puts on models.
@@ -234,10 +235,10 @@ function listen() {
     }
 }
 
-// For scripts on this page, such as those of the tests.
+// For scripts on this page: the program that runs now, whether it has done everything that it was asked for, and its state.
 Object.assign(window, {
     kestrelbox: {
-        breakProgram: () => program.worker.postMessage({ do: "nothing", number: 0 }),
+        program: () => program,
         isIdle: () => program.isIdle() && !copying,
         state: () => program.state(),
     },

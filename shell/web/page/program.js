@@ -31,17 +31,17 @@ function pixelSize(element) {
 }
 
 export class Program {
-    /** @param {(said: any) => void} hear what the program says, in its order */
-    constructor(hear) {
+    /** @param {(said: any) => void} hear what the program says, in its order @param {Worker} worker */
+    constructor(hear, worker) {
         this.hear = hear;
         this.count = 0;
         this.stateText = "{}";
         this.ended = false;
         /** @type {object[] | null} */
         this.unsent = []; // what is to be sent after the start; null since then
-        /** @type {Map<number, () => void>} */
+        /** @type {Map<number, (result?: any) => void>} */
         this.waiting = new Map();
-        this.worker = new Worker(new URL("./worker.js", import.meta.url), { type: "module" });
+        this.worker = worker;
         this.worker.onmessage = ({ data }) => this.receive(data);
         this.worker.onerror = (event) =>
             hear({ what: "fault", text: event.message || "The program could not be loaded" });
@@ -63,8 +63,8 @@ export class Program {
         await this.done(number);
     }
 
-    // Sends an action. The promise is kept when the program has done it and has drawn.
-    /** @param {Action} action @returns {Promise<void>} */
+    // Sends an action. The promise is kept, with the action's result, when the program has done it and has drawn.
+    /** @param {Action} action @returns {Promise<any>} */
     send(action) {
         const message = { ...action, number: ++this.count };
         if (this.ended) return Promise.resolve();
@@ -73,7 +73,7 @@ export class Program {
         return this.done(message.number);
     }
 
-    /** @param {number} number @returns {Promise<void>} */
+    /** @param {number} number @returns {Promise<any>} */
     done(number) {
         return new Promise((resolve) => this.waiting.set(number, resolve));
     }
@@ -88,7 +88,7 @@ export class Program {
             this.hear(said);
             return;
         }
-        this.waiting.get(said.id)?.();
+        this.waiting.get(said.id)?.(said.result);
         this.waiting.delete(said.id);
     }
 

@@ -2,15 +2,17 @@
 //
 // The page sends { do, ... }. What the program has to say goes back as { what, id, value, text }, in its order, and every
 // message is answered by { what: "done" } when the program has drawn what it asked for.
+import { forgetAddress, lookBeside, setAddress, wasFetched } from "./beside.js";
 import createProgram from "./core.js";
 
 /** @typedef {import("./messages").Request} Request */
 /** @typedef {import("./messages").GivenFile} GivenFile */
+/** @typedef {{ width: number, height: number, refreshRate: number }} Sizes */
 
-const outputFolder = "/out";
+export const outputFolder = "/out";
 
 /** @type {import("./messages").Core} */
-let core;
+export let core;
 /** @type {OffscreenCanvas} */
 let canvas;
 /** @type {OffscreenCanvasRenderingContext2D} */
@@ -24,7 +26,7 @@ function post(message, transfer = []) {
     self.postMessage(message, { transfer });
 }
 
-const host = {
+export const host = {
     /** @param {string} what @param {number} id @param {number} value @param {string} text */
     tell: (what, id, value, text) => post({ what, id, value, text }),
 
@@ -48,7 +50,7 @@ async function fetchAhead() {
     }
 }
 
-function draw() {
+export function draw() {
     clearTimeout(nextFrame);
     const wait = core._drawIfDue();
     if (wait >= 0 && !resting) nextFrame = setTimeout(draw, wait);
@@ -61,8 +63,8 @@ const folderOf = (path) => path.slice(0, path.lastIndexOf("/"));
 
 // Puts files where the program finds them, without reading them: each is a link to the browser's file, so that what the
 // program writes beside a model has a place, too. Returns their folder.
-/** @param {GivenFile[]} files */
-function give(files) {
+/** @param {GivenFile[]} files @param {string} [address] where the model lies, for files that are beside it */
+export function give(files, address) {
     const { FS } = core;
     const source = `/in/${++mounts}`;
     const folder = `/files/${mounts}`;
@@ -73,6 +75,7 @@ function give(files) {
         FS.mkdirTree(folderOf(`${folder}/${path}`));
         FS.symlink(`${source}/${path}`, `${folder}/${path}`);
     }
+    if (address) setAddress(folder, address);
     return folder;
 }
 
@@ -80,20 +83,20 @@ function give(files) {
 const namesIn = (folder) =>
     core.FS.readdir(folder).filter((/** @type {string} */ name) => name !== "." && name !== "..");
 
-// All paths below a folder that are neither folders nor links.
+// All paths below a folder that are neither folders nor links nor fetched.
 /** @param {string} folder @returns {string[]} */
-function writtenBelow(folder) {
+export function writtenBelow(folder) {
     const { FS } = core;
     return namesIn(folder).flatMap((name) => {
         const path = `${folder}/${name}`;
         const { mode } = FS.lstat(path);
         if (FS.isDir(mode)) return writtenBelow(path);
-        return FS.isFile(mode) ? [path] : [];
+        return FS.isFile(mode) && !wasFetched(path) ? [path] : [];
     });
 }
 
 /** @param {string} folder */
-function removeBelow(folder) {
+export function removeBelow(folder) {
     const { FS } = core;
     for (const name of namesIn(folder)) {
         const path = `${folder}/${name}`;
@@ -106,7 +109,7 @@ function removeBelow(folder) {
 
 // Takes away the files of earlier openings, but for those of the model that is shown, and tells the page when that is the
 // one that was given last.
-function forgetOldFiles() {
+export function forgetOldFiles() {
     const { FS } = core;
     const shown = core.UTF8ToString(core._pathOfModel());
     if (shown.startsWith(`/files/${mounts}/`)) post({ what: "opened" });
@@ -115,6 +118,7 @@ function forgetOldFiles() {
         if (shown.startsWith(`${folder}/`)) continue;
         removeBelow(folder);
         FS.rmdir(folder);
+        forgetAddress(folder);
         FS.unmount(`/in/${name}`);
         FS.rmdir(`/in/${name}`);
     }
@@ -147,7 +151,7 @@ function runWith(answer, run) {
 }
 
 /** @param {string} text @param {(pointer: number) => void} use */
-function withText(text, use) {
+export function withText(text, use) {
     const bytes = new TextEncoder().encode(text);
     const pointer = core._malloc(bytes.length + 1) >>> 0;
     core.HEAPU8.set(bytes, pointer);
@@ -162,8 +166,8 @@ function sizeCanvas(width, height) {
     canvas.height = height;
 }
 
-/** @type {{ [name: string]: (request: any) => void }} */
-const actions = {
+/** What an action returns goes back with the answer. @type {{ [name: string]: (request: any) => any }} */
+export const actions = {
     menu: ({ id, answer }) => runWith(answer, (path) => withText(path, (text) => core._runMenu(id, text))),
     key: ({ key, modifiers, repeated, answer }) =>
         runWith(answer, (path) => withText(path, (text) => core._pressKey(key, modifiers, repeated ? 1 : 0, text))),
@@ -171,8 +175,8 @@ const actions = {
         core._runPanel(id, value);
         deliver();
     },
-    open({ files, path }) {
-        withText(`${give(files)}/${path}`, core._openPath);
+    open({ files, path, address }) {
+        withText(`${give(files, address)}/${path}`, core._openPath);
         forgetOldFiles();
     },
     leftButton: ({ code, x, y }) => core._leftButton(code, x, y),
@@ -191,7 +195,15 @@ const actions = {
     show: ({ visible }) => core._showPage(visible ? 1 : 0),
 };
 
-/** @param {{ canvas: OffscreenCanvas, width: number, height: number, refreshRate: number }} request */
+/** How the program begins. @type {{ begin(request: Sizes): void }} */
+export const starting = {
+    begin({ width, height, refreshRate }) {
+        core._describeControls();
+        core._beginProgram(width, height, refreshRate);
+    },
+};
+
+/** @param {Sizes & { canvas: OffscreenCanvas }} request */
 async function start(request) {
     canvas = request.canvas;
     context = /** @type {OffscreenCanvasRenderingContext2D} */ (canvas.getContext("2d", { alpha: false }));
@@ -199,16 +211,16 @@ async function start(request) {
     core = await createProgram({ host, filesAhead: {} });
     for (const folder of ["/in", "/files", outputFolder]) core.FS.mkdir(folder);
     core.FS.chdir(outputFolder);
-    core._describeControls();
-    core._beginProgram(request.width, request.height, request.refreshRate);
+    lookBeside(core.FS);
+    starting.begin(request);
 }
 
 /** @param {Request} request */
 async function handle(request) {
     if (request.do === "start") await start(request);
-    else if (request.do !== "fetchAhead") actions[request.do](request);
+    const result = ["start", "fetchAhead"].includes(request.do) ? undefined : await actions[request.do](request);
     draw();
-    const done = () => post({ what: "done", id: request.number });
+    const done = () => post({ what: "done", id: request.number, result });
     if (request.do === "fetchAhead") fetchAhead().then(done);
     else done();
 }
