@@ -21,11 +21,25 @@ static bool isSkipped(const uint8_t* bytes, size_t size)
     return sum % largeEvery != 0;
 }
 
-// Whether the rows of a file are those of its image; without an image, whether one of them fails.
+// Whether what the report says lies in the file, and a file that is refused has a reason.
+static bool reportFits(const Report& report, bool refused, size_t size)
+{
+    auto fileBytes = static_cast<int64_t>(size);
+    for (const ReportEntry& entry : report.entries)
+    {
+        if (entry.count > 0 && entry.firstByte > fileBytes)
+            return false;
+    }
+    return refused ? report.failure[0] && report.failureByte <= fileBytes : !report.failure[0];
+}
+
+// Whether the rows of a file are those of its image, which was decoded without a report; without an image, whether one
+// of them fails.
 static bool rowsAre(const Image& image, const uint8_t* bytes, size_t size)
 {
     JpegOutput output;
-    JpegRows* rows = beginJpegRows(memorySource(bytes, size), &output);
+    Report report = {};
+    JpegRows* rows = beginJpegRows(memorySource(bytes, size), &output, jpegSystemHeap, &report);
     bool ok = rows != nullptr, same = ok && output.width == image.width && output.height == image.height;
     std::vector<uint32_t> words(ok ? static_cast<size_t>(output.width) : 0);
     for (int32_t y = 0; ok && y < output.height; ++y)
@@ -36,7 +50,7 @@ static bool rowsAre(const Image& image, const uint8_t* bytes, size_t size)
                       words.size() * sizeof(uint32_t)) == 0;
     }
     endJpegRows(rows);
-    return image.pixels ? same : !ok;
+    return (image.pixels ? same : !ok) && reportFits(report, !ok, size);
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
