@@ -45,6 +45,7 @@ async function fetchFile(address) {
     return { path: name, file: await response.blob() };
 }
 
+/** @implements {import("./types").KestrelboxView} */
 export class KestrelboxView extends HTMLElement {
     static observedAttributes = ["src", "aria-label", ...optionNames];
 
@@ -174,6 +175,7 @@ export class KestrelboxView extends HTMLElement {
     // Sends an action after all earlier ones, and takes its answer.
     /** @param {import("./messages").ViewAction | Promise<import("./messages").ViewAction>} action */
     #ask(action) {
+        Promise.resolve(action).catch(() => undefined); // it may fail before its turn has come
         const answered = this.#last.then(async () => {
             const request = await action;
             /** @type {ViewAnswer | undefined} */
