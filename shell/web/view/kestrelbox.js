@@ -5,6 +5,7 @@ import { Program } from "./program.js";
 
 /** @typedef {import("./messages").GivenFile} GivenFile */
 /** @typedef {import("./messages").ViewAnswer} ViewAnswer */
+/** @typedef {import("./types").KestrelboxView} Published */
 /** @typedef {import("./messages").ViewOptions} ViewOptions */
 /** @typedef {{ files: GivenFile[], path: string, address?: string }} Opening no path: the built-in model */
 
@@ -45,7 +46,7 @@ async function fetchFile(address) {
     return { path: name, file: await response.blob() };
 }
 
-/** @implements {import("./types").KestrelboxView} */
+/** @implements {Published} */
 export class KestrelboxView extends HTMLElement {
     static observedAttributes = ["src", "aria-label", ...optionNames];
 
