@@ -6,7 +6,7 @@
 #include "cli/steps.h"
 #include "cli/texture_copies.h"
 #include "cli/written.h"
-#include "facts/warnings.h"
+#include "cli/facts/warnings.h"
 #include "platform/boxes.h"
 #include "platform/file_names.h"
 #include "platform/files.h"

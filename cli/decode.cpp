@@ -2,7 +2,7 @@
 #include "cli/commands.h"
 #include "cli/load.h"
 #include "cli/steps.h"
-#include "facts/warnings.h"
+#include "cli/facts/warnings.h"
 #include "image/textures.h"
 #include "platform/boxes.h"
 #include "platform/files.h"

@@ -2,7 +2,7 @@
 #include "cli/draw.h"
 
 #include "cli/load.h"
-#include "facts/warnings.h"
+#include "cli/facts/warnings.h"
 #include "image/textures.h"
 #include "model/memory.h"
 #include "platform/boxes.h"

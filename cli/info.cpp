@@ -3,8 +3,8 @@
 #include "cli/load.h"
 #include "cli/output.h"
 #include "cli/steps.h"
-#include "facts/facts.h"
-#include "facts/warnings.h"
+#include "cli/facts/facts.h"
+#include "cli/facts/warnings.h"
 #include "platform/boxes.h"
 
 #include <stdio.h>

@@ -2,7 +2,7 @@
 #include "cli/load.h"
 
 #include "cli/steps.h"
-#include "facts/warnings.h"
+#include "cli/facts/warnings.h"
 #include "import/dispatch.h"
 #include "import/rkf.h"
 #include "model/ascii.h"

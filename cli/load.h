@@ -1,7 +1,7 @@
 // cli/load.h - loading a model for a command, with its tools and its filter
 #pragma once
 #include "cli/arguments.h"
-#include "facts/facts.h"
+#include "cli/facts/facts.h"
 
 // Reads a file by its extension (.rkf included), runs the tools in order, then applies the filter. Returns whether
 // there is a mesh; otherwise the file and the reason are on standard error. What was left out is printed as warnings,

@@ -4,7 +4,7 @@
 // copies are pending files until the model is written, so that a failure leaves none of them.
 #pragma once
 #include "export/output_file.h"
-#include "facts/textures.h"
+#include "cli/facts/textures.h"
 
 #include <string>
 #include <vector>

@@ -14,11 +14,13 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
 endif()
 
 function(offer_headers target scope)
-    get_filename_component(folder ${CMAKE_CURRENT_SOURCE_DIR} NAME)
-    set(links ${PROJECT_BINARY_DIR}/include/${folder})
-    file(MAKE_DIRECTORY ${links})
-    file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR} ${links}/${folder} SYMBOLIC)
-    target_include_directories(${target} ${scope} ${links})
+    file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+    string(REPLACE "/" "_" name ${folder})
+    set(link ${PROJECT_BINARY_DIR}/include/${name}/${folder})
+    get_filename_component(parent ${link} DIRECTORY)
+    file(MAKE_DIRECTORY ${parent})
+    file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR} ${link} SYMBOLIC)
+    target_include_directories(${target} ${scope} ${PROJECT_BINARY_DIR}/include/${name})
 endfunction()
 
 function(layer target)

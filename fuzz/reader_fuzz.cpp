@@ -1,7 +1,7 @@
 // fuzz/reader_fuzz.cpp - gives a reader any bytes: it refuses them with a reason, or makes a sound mesh; and its report
 // fits the file
 #include READER_HEADER
-#include "facts/warnings.h"
+#include "cli/facts/warnings.h"
 #include "fuzz/fuzzing.h"
 #include "fuzz/memory_files.h"
 #include "import/common/report_lines.h"

@@ -3,8 +3,8 @@
 // A view has no menu, no panel and no dialogs. It reads, draws and writes by the options of kbx, given one by one, so
 // that it shows, says and writes what kbx does. Texts are UTF-8. Functions that can fail return 1, or 0 after telling
 // the page the "cause". Of an option that cannot be followed the page is told "refused".
-#include "facts/facts.h"
-#include "facts/warnings.h"
+#include "cli/facts/facts.h"
+#include "cli/facts/warnings.h"
 #include "image/textures.h"
 #include "import/dispatch.h"
 #include "import/rkf.h"

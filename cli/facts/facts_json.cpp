@@ -1,6 +1,6 @@
-// facts/facts_json.cpp - the facts about a model as JSON
-#include "facts/facts.h"
-#include "facts/warnings.h"
+// cli/facts/facts_json.cpp - the facts about a model as JSON
+#include "cli/facts/facts.h"
+#include "cli/facts/warnings.h"
 
 #include <nlohmann/json.hpp>
 

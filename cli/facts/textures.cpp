@@ -1,5 +1,5 @@
-// facts/textures.cpp - looking for the texture files of a model
-#include "facts/textures.h"
+// cli/facts/textures.cpp - looking for the texture files of a model
+#include "cli/facts/textures.h"
 
 #include "import/common/paths.h"
 #include "platform/files.h"

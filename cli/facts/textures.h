@@ -1,4 +1,4 @@
-// facts/textures.h - the texture files that a model names
+// cli/facts/textures.h - the texture files that a model names
 #pragma once
 #include "model/mesh.h"
 #include "model/report.h"

@@ -1,6 +1,6 @@
-// facts/facts.h - what there is to say about a model, as kbx info and the page's views do
+// cli/facts/facts.h - what there is to say about a model, as kbx info and the page's views do
 #pragma once
-#include "facts/textures.h"
+#include "cli/facts/textures.h"
 #include "tools/statistics.h"
 
 #include <string>

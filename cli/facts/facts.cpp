@@ -1,5 +1,5 @@
-// facts/facts.cpp - counting faces by kind, group and material, and naming faults
-#include "facts/facts.h"
+// cli/facts/facts.cpp - counting faces by kind, group and material, and naming faults
+#include "cli/facts/facts.h"
 
 static void addCounts(FaceCounts* counts, const FaceCounts& more)
 {

@@ -1,5 +1,5 @@
-// facts/warnings.cpp - the words of warnings and causes
-#include "facts/warnings.h"
+// cli/facts/warnings.cpp - the words of warnings and causes
+#include "cli/facts/warnings.h"
 
 #include "platform/boxes.h"
 #include "platform/files.h"

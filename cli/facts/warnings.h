@@ -1,4 +1,4 @@
-// facts/warnings.h - what a report says, in words for people
+// cli/facts/warnings.h - what a report says, in words for people
 #pragma once
 #include "model/report.h"
 
