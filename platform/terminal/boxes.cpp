@@ -28,8 +28,12 @@ static bool outOfMemorySaid, noticesSilent;
 
 static bool barWanted()
 {
+#ifdef __EMSCRIPTEN__
+    return false; // its C library takes every standard error for a terminal
+#else
     static const bool isTerminal = isatty(fileno(stderr)) != 0;
     return isTerminal;
+#endif
 }
 
 static void wipeBar()

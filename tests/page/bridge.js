@@ -17,6 +17,16 @@ const { unzipSync } = await import(path.join(modules, "fflate/esm/index.mjs"));
 const waitLimitMs = 20000;
 const types = { ".html": "text/html", ".js": "text/javascript", ".css": "text/css", ".wasm": "application/wasm" };
 const requests = []; // the addresses that the page has asked for
+let memoryLimit = 0; // bytes that the program may have of the browser; 0: any number
+
+// Goes before the worker's own lines when there is a limit.
+const limitMemory = (bytes) => `
+const grow = WebAssembly.Memory.prototype.grow;
+WebAssembly.Memory.prototype.grow = function (pages) {
+    if (this.buffer.byteLength + pages * 65536 > ${bytes}) throw new RangeError("the test's limit");
+    return grow.call(this, pages);
+};
+`;
 
 const server = http.createServer((request, response) => {
     const name = new URL(request.url, "http://page").pathname.replace(/\/$/, "/index.html");
@@ -28,6 +38,7 @@ const server = http.createServer((request, response) => {
         return;
     }
     response.writeHead(200, { "content-type": types[path.extname(file)] ?? "application/octet-stream" });
+    if (memoryLimit && name === "/worker.js") response.write(limitMemory(memoryLimit));
     fs.createReadStream(file).pipe(response);
 });
 await new Promise((resolve) => server.listen(0, "127.0.0.1", resolve));
@@ -275,7 +286,7 @@ const functions = {
         for (const name of held.reverse()) await page.keyboard.up(name);
         await settle();
     },
-    async drop({ paths }) {
+    async drop({ paths, waits = true }) {
         const input = await page.evaluateHandle(() => {
             const field = document.createElement("input");
             field.type = "file";
@@ -289,7 +300,7 @@ const functions = {
             document.dispatchEvent(new DragEvent("drop", { dataTransfer: transfer, cancelable: true }));
         });
         await page.evaluate(() => new Promise((resolve) => setTimeout(resolve, 50)));
-        await settle();
+        if (waits) await settle();
     },
     enlarge,
     shown: () => readPixels("#display canvas"),
@@ -441,6 +452,59 @@ const functions = {
         await settle();
     },
     faults: () => faults,
+
+    // Closes the boxes that are open, one after another. Returns the text and the caption of each.
+    closeBoxes: () =>
+        page.evaluate(async () => {
+            const boxes = [];
+            for (;;) {
+                await new Promise((resolve) => setTimeout(resolve)); // the next box opens after the last
+                const box = document.querySelector("dialog[open]:not(#progress)");
+                if (!box) return boxes;
+                boxes.push([box.querySelector("p").textContent, box.querySelector("h2")?.textContent ?? ""]);
+                box.querySelector("button").click();
+            }
+        }),
+
+    // Drops a file on the page, which reads it. Returns the boxes that it shows, and closes them.
+    async boxesOf({ name, bytes }) {
+        await page.evaluate(
+            async (fileName, base64) => {
+                const contents = Uint8Array.from(atob(base64), (letter) => letter.charCodeAt(0));
+                const transfer = new DataTransfer();
+                transfer.items.add(new File([contents], fileName));
+                document.dispatchEvent(new DragEvent("drop", { dataTransfer: transfer, cancelable: true }));
+                await new Promise((resolve) => setTimeout(resolve));
+            },
+            name,
+            bytes,
+        );
+        await settle();
+        return functions.closeBoxes();
+    },
+
+    // Starts the page again with so much memory; the worker that the browser has kept does not come then.
+    async limitMemory({ bytes }) {
+        memoryLimit = bytes;
+        await page.setBypassServiceWorker(bytes !== 0);
+        await page.reload();
+        await whenReady();
+    },
+
+    // Drops a large file, and stops its reading when the bar has moved. Returns how far it was.
+    async stopReading({ path: file }) {
+        await functions.drop({ paths: [file], waits: false });
+        const bar = await page.waitForFunction(
+            () => {
+                const shown = document.querySelector("#progress[open] progress");
+                return shown?.value > 0 ? shown.value / shown.max : 0;
+            },
+            { timeout: waitLimitMs, polling: 5 },
+        );
+        await page.click("#progress button");
+        await whenReady();
+        return bar.jsonValue();
+    },
 };
 Object.assign(
     functions,
