@@ -458,7 +458,7 @@ const functions = {
         page.evaluate(async () => {
             const boxes = [];
             for (;;) {
-                await new Promise((resolve) => setTimeout(resolve)); // the next box opens after the last
+                await new Promise((resolve) => setTimeout(resolve, boxes.length && 40)); // the next opens after the last
                 const box = document.querySelector("dialog[open]:not(#progress)");
                 if (!box) return boxes;
                 boxes.push([box.querySelector("p").textContent, box.querySelector("h2")?.textContent ?? ""]);
@@ -487,7 +487,7 @@ const functions = {
     async limitMemory({ bytes }) {
         memoryLimit = bytes;
         await page.setBypassServiceWorker(bytes !== 0);
-        await page.reload();
+        await page.goto(address);
         await whenReady();
     },
 

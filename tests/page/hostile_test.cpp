@@ -92,7 +92,7 @@ TEST(Page, SaysOfDamagedFilesWhatTheCommandLineSays)
     EXPECT_GT(classes.size(), 50u);
     EXPECT_GT(refused, 20);
     fs::remove_all(testFolder());
-    askBridge("reload");
+    askBridge("visit", { { "search", "" } });
 }
 
 // A file of zeros, which take no place on the disk.
@@ -131,5 +131,5 @@ TEST(Page, ALargeFileShowsItsProgressAndCanBeStopped)
     command(ID_PRESET_GOLD);
     EXPECT_TRUE(menuTicked(ID_PRESET_GOLD));
     fs::remove_all(testFolder());
-    askBridge("reload");
+    askBridge("visit", { { "search", "" } });
 }

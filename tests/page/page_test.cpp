@@ -173,5 +173,5 @@ TEST(Page, AFaultOfTheProgramIsShownAndItStartsAnew)
     Shown textured = shownPicture();
     pressPanel(ID_TEXTURED);
     EXPECT_NE(shownPicture().bytes, textured.bytes);
-    askBridge("reload"); // the next tests expect the choices of the start
+    askBridge("visit", { { "search", "" } }); // the next tests expect the choices of the start
 }
