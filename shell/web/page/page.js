@@ -48,6 +48,7 @@ let opening = null; // the files that were given last
 let shown = null; // those of the model that is shown; none for the built-in one
 let ended = false;
 let copying = false;
+let begun = false; // the start, with the model of the address, is over
 
 const boxes = new Boxes((open) => program.send({ do: "rest", on: open }), stopReading);
 
@@ -239,7 +240,7 @@ function listen() {
 Object.assign(window, {
     kestrelbox: {
         program: () => program,
-        isIdle: () => program.isIdle() && !copying,
+        isIdle: () => begun && program.isIdle() && !copying,
         state: () => program.state(),
     },
 });
@@ -249,3 +250,4 @@ await startProgram();
 new Display(place("display"), () => program);
 await openAddressed();
 await keepPage();
+begun = true;
