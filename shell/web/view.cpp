@@ -132,28 +132,25 @@ static void refuseValue(const char* name, const char* values, const std::string&
     refuse(std::string(name) + ": expected " + values + ", not " + text);
 }
 
+template <typename Options, typename Record>
+static void setAmong(const Options& options, Record* record, const std::string& name, const std::string& text)
+{
+    for (const auto& option : options)
+    {
+        if (name != option.name)
+            continue;
+        Record changed = *record;
+        if (option.set(&changed, text))
+            *record = changed;
+        else
+            refuseValue(option.name, option.values, text);
+    }
+}
+
 static void setOption(const std::string& name, const std::string& text)
 {
-    for (const ViewOption& option : viewOptions)
-    {
-        ViewArguments changed = view.look;
-        if (name != option.name)
-            continue;
-        if (option.set(&changed, text))
-            view.look = changed;
-        else
-            refuseValue(option.name, option.values, text);
-    }
-    for (const ReadOption& option : readOptions)
-    {
-        ReadArguments changed = view.read;
-        if (name != option.name)
-            continue;
-        if (option.set(&changed, text))
-            view.read = changed;
-        else
-            refuseValue(option.name, option.values, text);
-    }
+    setAmong(viewOptions, &view.look, name, text);
+    setAmong(readOptions, &view.read, name, text);
 }
 
 // ---- what is shown ----
