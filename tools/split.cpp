@@ -9,46 +9,37 @@
 
 constexpr uint32_t lastPiece = 127; // shared by all pieces after pieces 0 to 126
 constexpr uint32_t noPiece = 0;     // pieces are stored as piece + 1
+constexpr uint32_t facesAhead = 16; // how far ahead the queue's faces are prefetched
 
 using FacesOfVertex = std::array<uint32_t, 8>; // faces + 1; 0: free, after all others
 
 struct Pieces
 {
     FacesOfVertex* facesOf; // per vertex
-    uint32_t* vertexPiece;  // per vertex, in the same block
+    uint32_t* vertexPiece;  // per vertex
     uint32_t* facePiece;    // per face slot
-    uint32_t* waiting;      // a stack of faces; every face is pushed at most once, so it cannot overflow
-    uint32_t waitingCount;
+    uint32_t* waiting;      // a queue of faces; every face enters it at most once, so it cannot overflow
+    uint32_t waitingCount;  // faces that have entered it since the present piece began
     uint32_t nextPiece;
     uint32_t extraGroups; // 1 when some pieces share the last group
     bool hasLines;
 };
 
-static void freePieces(Pieces* pieces)
-{
-    workFree(pieces->waiting);
-    workFree(pieces->facePiece);
-    workFree(pieces->facesOf);
-}
-
-// Each block has one element more than needed, because workAlloc gives no block of size 0.
+// The arrays share one block. It has one entry more than needed for each, because workAlloc gives no block of size 0.
+// Returns 0 after "Out of memory".
 static int makePieces(Pieces* pieces, const Mesh* mesh)
 {
     *pieces = {};
     int64_t vertexEntries = int64_t{ mesh->vertexCount } + 1, faceEntries = int64_t{ mesh->faceCount } + 1;
-    pieces->facesOf =
-        static_cast<FacesOfVertex*>(workAlloc(blockSize(vertexEntries, sizeof(FacesOfVertex) + sizeof(uint32_t))));
-    if (pieces->facesOf)
-        pieces->facePiece = static_cast<uint32_t*>(workAlloc(blockSize(faceEntries, sizeof(uint32_t))));
-    if (pieces->facePiece)
-        pieces->waiting = static_cast<uint32_t*>(workAlloc(blockSize(faceEntries, sizeof(uint32_t))));
-    if (pieces->waiting)
-    {
-        pieces->vertexPiece = reinterpret_cast<uint32_t*>(pieces->facesOf + vertexEntries);
-        return 1;
-    }
-    freePieces(pieces);
-    return 0;
+    constexpr int64_t vertexWords = sizeof(FacesOfVertex) / sizeof(uint32_t) + 1, faceWords = 2;
+    void* block = workAlloc(blockSize(vertexEntries * vertexWords + faceEntries * faceWords, sizeof(uint32_t)));
+    if (!block)
+        return 0;
+    pieces->facesOf = static_cast<FacesOfVertex*>(block);
+    pieces->vertexPiece = reinterpret_cast<uint32_t*>(pieces->facesOf + vertexEntries);
+    pieces->facePiece = pieces->vertexPiece + vertexEntries;
+    pieces->waiting = pieces->facePiece + faceEntries;
+    return 1;
 }
 
 // How many corners connect a face to others. None do when it is deleted, a record of a polyline or has a corner index
@@ -118,21 +109,31 @@ static void reachVertex(Pieces* pieces, uint32_t vertex, uint32_t piece)
     }
 }
 
+// Reaches the corners of a face that no piece has yet.
+static void reachCorners(Pieces* pieces, const Corners& corners, size_t count, uint32_t piece)
+{
+    for (size_t k = 0; k < count; ++k)
+    {
+        if (pieces->vertexPiece[corners[k]] == noPiece)
+            reachVertex(pieces, corners[k], piece);
+    }
+}
+
+// Goes breadth first: the faces of a front lie in few places of the arrays, and the next front needs the same places,
+// so they are still in the cache. The faces of the queue connect to others, since a vertex has only such faces.
 static void spreadPiece(Pieces* pieces, const Mesh* mesh, uint32_t first)
 {
-    uint32_t piece = choosePiece(pieces, mesh->faces[first], connectingCorners(mesh, first));
+    size_t count = connectingCorners(mesh, first);
+    uint32_t piece = choosePiece(pieces, mesh->faces[first], count);
     pieces->facePiece[first] = piece;
-    pieces->waiting[pieces->waitingCount++] = first;
-    while (pieces->waitingCount > 0)
+    pieces->waitingCount = 0;
+    reachCorners(pieces, mesh->faces[first], count, piece);
+    for (uint32_t taken = 0; taken < pieces->waitingCount; ++taken)
     {
-        uint32_t face = pieces->waiting[--pieces->waitingCount];
-        const Corners& corners = mesh->faces[face];
-        size_t count = connectingCorners(mesh, face);
-        for (size_t k = 0; k < count; ++k)
-        {
-            if (pieces->vertexPiece[corners[k]] == noPiece)
-                reachVertex(pieces, corners[k], piece);
-        }
+        if (taken + facesAhead < pieces->waitingCount)
+            __builtin_prefetch(&mesh->faces[pieces->waiting[taken + facesAhead]]);
+        const Corners& corners = mesh->faces[pieces->waiting[taken]];
+        reachCorners(pieces, corners, usedCorners(corners), piece);
     }
 }
 
@@ -168,7 +169,7 @@ int splitMesh(Mesh* mesh)
     bool several = pieces.nextPiece >= 2;
     if (several)
         regroup(mesh, pieces);
-    freePieces(&pieces);
+    workFree(pieces.facesOf);
     showNotice(several ? "    Mesh spitted" : "  Nothing to do");
     return 1;
 }

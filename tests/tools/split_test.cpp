@@ -169,20 +169,20 @@ TEST_F(Split, AFaceBetweenTwoCrowdedVerticesChangesNeitherPiece)
         EXPECT_EQ(faceGroup(mesh->faceAttributes[f]), f < 8 || f == 16 ? 0u : 1u) << f;
 }
 
-TEST_F(Split, EveryRefusedAllocationLeavesTheMeshAsItWas)
+TEST_F(Split, ARefusedAllocationLeavesTheMeshAsItWas)
 {
     MeshPointer mesh = cubes(2, true);
     MeshState before = stateOf(mesh.get());
     int blocks = recorded.liveBlocks;
-    for (int n = 1; n <= 3; ++n)
-    {
-        resetRecording();
-        recorded.refuseOnly = n;
-        EXPECT_EQ(splitMesh(mesh.get()), 0);
-        EXPECT_EQ(recorded.boxes, (Boxes{ outOfMemoryBox }));
-        EXPECT_EQ(recorded.liveBlocks, blocks);
-        expectEqualStates(stateOf(mesh.get()), before, static_cast<unsigned>(n));
-    }
+    resetRecording();
+    recorded.refuseOnly = 1;
+    EXPECT_EQ(splitMesh(mesh.get()), 0);
+    EXPECT_EQ(recorded.boxes, (Boxes{ outOfMemoryBox }));
+    EXPECT_EQ(recorded.liveBlocks, blocks);
+    expectEqualStates(stateOf(mesh.get()), before, 0);
+    resetRecording();
+    recorded.refuseOnly = 2;
+    EXPECT_EQ(splitMesh(mesh.get()), 1); // there is no second
 }
 
 TEST_F(Split, RandomMeshesAreSplitLikeTheLiteralVersion)
