@@ -30,9 +30,8 @@ extern "C"
     }
 
     // Builds the scene and draws the first frame. Returns 1, or 0 after a message box.
-    EMSCRIPTEN_KEEPALIVE int beginProgram(int width, int height, int refreshRate)
+    EMSCRIPTEN_KEEPALIVE int beginProgram(int width, int height)
     {
-        pageState.refreshRate = refreshRate;
         frameState.displayWidth = width;
         frameState.displayHeight = height;
         if (!buildScene(""))
@@ -116,6 +115,12 @@ extern "C"
     EMSCRIPTEN_KEEPALIVE void letGo()
     {
         endDrags();
+    }
+
+    // Frames a second; 0: unknown.
+    EMSCRIPTEN_KEEPALIVE void setRefreshRate(int rate)
+    {
+        pageState.refreshRate = rate;
     }
 
     EMSCRIPTEN_KEEPALIVE void showPage(int visible)

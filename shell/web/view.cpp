@@ -359,9 +359,8 @@ static int writeModel(OutputFormat format, const char* path)
 extern "C"
 {
     // In place of beginProgram: there is no model yet.
-    EMSCRIPTEN_KEEPALIVE int beginView(int width, int height, int refreshRate)
+    EMSCRIPTEN_KEEPALIVE int beginView(int width, int height)
     {
-        pageState.refreshRate = refreshRate;
         frameState.displayWidth = std::max(width, displaySideLeast);
         frameState.displayHeight = std::max(height, displaySideLeast);
         choices = startChoices;

@@ -18,6 +18,7 @@ const waitLimitMs = 20000;
 const types = { ".html": "text/html", ".js": "text/javascript", ".css": "text/css", ".wasm": "application/wasm" };
 const requests = []; // the addresses that the page has asked for
 let memoryLimit = 0; // bytes that the program may have of the browser; 0: any number
+let moduleType = types[".wasm"]; // what the server says that the program's module is
 
 // Goes before the worker's own lines when there is a limit.
 const limitMemory = (bytes) => `
@@ -37,7 +38,8 @@ const server = http.createServer((request, response) => {
         response.writeHead(404).end();
         return;
     }
-    response.writeHead(200, { "content-type": types[path.extname(file)] ?? "application/octet-stream" });
+    const type = name.endsWith(".wasm") ? moduleType : types[path.extname(file)];
+    response.writeHead(200, { "content-type": type ?? "application/octet-stream" });
     if (memoryLimit && name === "/worker.js") response.write(limitMemory(memoryLimit));
     fs.createReadStream(file).pipe(response);
 });
@@ -70,8 +72,16 @@ const panelControl = (id) => `#panel [data-id="${id}"]`;
 
 // Waits until the program has done everything that it was asked to, and has drawn.
 async function settle() {
-    await page.waitForFunction(() => window.kestrelbox?.isIdle(), { timeout: waitLimitMs, polling: 5 });
-    await page.evaluate(() => window.kestrelbox.state());
+    const settled = await page.evaluate(async (limitMs) => {
+        const end = Date.now() + limitMs;
+        while (!window.kestrelbox?.isIdle()) {
+            if (Date.now() > end) return false;
+            await new Promise((resolve) => setTimeout(resolve, 1));
+        }
+        await window.kestrelbox.state();
+        return true;
+    }, waitLimitMs);
+    if (!settled) throw new Error("the page does not come to rest");
 }
 
 async function whenReady() {
@@ -481,6 +491,33 @@ const functions = {
         );
         await settle();
         return functions.closeBoxes();
+    },
+
+    // Starts the page on a screen that shows no frames and where no time passes that is worth mentioning.
+    async startWithoutFrames() {
+        const { identifier } = await page.evaluateOnNewDocument(() => {
+            const { setTimeout: later } = window;
+            window.requestAnimationFrame = () => 0;
+            window.setTimeout = (call, ms = 0, ...rest) => (ms < 100 ? later(call, ms, ...rest) : 0);
+        });
+        await page.goto(address);
+        await whenReady();
+        await page.removeScriptToEvaluateOnNewDocument(identifier);
+    },
+
+    // Starts the page from a server that says something else of the program's module.
+    async serveModuleAs({ type }) {
+        moduleType = type ?? types[".wasm"];
+        await page.setBypassServiceWorker(type !== null);
+        await page.goto(address);
+        await whenReady();
+    },
+
+    // The bytes that the scripts of the page and of its worker have.
+    async scriptMemory() {
+        const sessions = [devtools, ...page.workers().map(({ client }) => client)];
+        const uses = await Promise.all(sessions.map((session) => session.send("Runtime.getHeapUsage")));
+        return uses.map(({ usedSize }) => usedSize).reduce((sum, bytes) => sum + bytes, 0);
     },
 
     // Starts the page again with so much memory; the worker that the browser has kept does not come then.

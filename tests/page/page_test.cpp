@@ -24,6 +24,30 @@ TEST(Page, TheFirstPictureTakesFewBytes)
     EXPECT_GT(load["bytes"].get<size_t>(), firstLoadLimit / 3) << load;
 }
 
+TEST(Page, TheFirstPictureDoesNotWaitForFramesOfTheScreen)
+{
+    Shown usual = shownPicture();
+    askBridge("startWithoutFrames");
+    EXPECT_EQ(panelText(ID_FACE_COUNT), "4096");
+    EXPECT_EQ(shownPicture().bytes, usual.bytes);
+    askBridge("visit", { { "search", "" } });
+}
+
+TEST(Page, StartsFromAServerThatDoesNotKnowWebAssembly)
+{
+    askBridge("serveModuleAs", { { "type", "application/octet-stream" } });
+    EXPECT_EQ(panelText(ID_FACE_COUNT), "4096");
+    askBridge("serveModuleAs", { { "type", nullptr } });
+}
+
+TEST(Page, NeedsLittleMemoryForTheBuiltInModel)
+{
+    constexpr size_t memoryLimit = 60000000;
+    size_t scripts = askBridge("scriptMemory").get<size_t>();
+    EXPECT_GT(scripts, size_t{ 500000 }); // those of both are there
+    EXPECT_LE(scripts + residentBytes(), memoryLimit);
+}
+
 TEST(Page, AsksTheServerForNothingAfterItHasLoaded)
 {
     askBridge("whenKept");

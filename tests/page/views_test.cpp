@@ -304,6 +304,14 @@ TEST_F(View, TwoOnAPageDoNotDisturbEachOther)
     EXPECT_EQ(pictureOf("a"), before);
 }
 
+TEST_F(View, LoadsTheProgramOnceForAllViewsOfAPage)
+{
+    add("a", Json::object());
+    add("b", Json::object());
+    Json requests = askBridge("viewRequests");
+    EXPECT_EQ(std::count(requests.begin(), requests.end(), "/view/core.wasm"), 1) << requests;
+}
+
 TEST_F(View, GivesItsMemoryBackWhenItIsRemoved)
 {
     int before = askBridge("viewWorkers");

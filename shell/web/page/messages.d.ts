@@ -27,7 +27,8 @@ export type Action =
     | { do: "state" }
     | { do: "fetchAhead" }
     | { do: "show"; visible: boolean }
-    | { do: "start"; canvas: OffscreenCanvas; width: number; height: number; refreshRate: number };
+    | { do: "refreshRate"; rate: number } // of the screen; 0: unknown
+    | { do: "start"; canvas: OffscreenCanvas; core: WebAssembly.Module | null; width: number; height: number };
 
 // What a view asks for besides. Its actions return a ViewAnswer.
 export type ViewAction =
@@ -110,7 +111,7 @@ export interface Core {
     _free(pointer: number): void;
     _describeControls(): void;
     _describeState(): void;
-    _beginProgram(width: number, height: number, refreshRate: number): number;
+    _beginProgram(width: number, height: number): number;
     _drawIfDue(): number;
     _resizeDisplay(width: number, height: number): void;
     _runMenu(id: number, path: number): void;
@@ -124,7 +125,8 @@ export interface Core {
     _letGo(): void;
     _turnWheel(notches: number): void;
     _showPage(visible: number): void;
-    _beginView(width: number, height: number, refreshRate: number): number;
+    _setRefreshRate(rate: number): void;
+    _beginView(width: number, height: number): number;
     _clearOptions(): void;
     _giveOption(name: number, text: number): void;
     _applyOptions(turned: number): void;

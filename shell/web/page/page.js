@@ -1,6 +1,7 @@
 // page.js - the page: the program's menus, panel and display, and the files that come and go
 import { Boxes } from "./boxes.js";
 import { Display } from "./display.js";
+import { takeWorker } from "./early.js";
 import { askForFiles, downloadFiles, droppedFiles } from "./files.js";
 import { givenFiles, meantFile } from "./given.js";
 import { element, Menus } from "./menus.js";
@@ -184,7 +185,7 @@ function makeControls(tables) {
 
 async function startProgram() {
     ended = false;
-    program = new Program(hear, new Worker(new URL("./worker.js", import.meta.url), { type: "module" }));
+    program = new Program(hear, takeWorker());
     opening = shown;
     await program.start(place("display"));
 }

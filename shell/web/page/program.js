@@ -1,11 +1,10 @@
 // program.js - the program in its worker, as the page sees it
+import { compiledCore } from "./compiled.js";
 
 /** @typedef {import("./messages").Action} Action */
 /** @typedef {import("./messages").Said} Said */
 
-const usualRefreshRate = 60;
-
-// How often the screen is refreshed, from the times of some frames; a page that is not shown gets none.
+// How often the screen is refreshed, from the times of some frames; 0 for a page that is not shown and gets none.
 /** @returns {Promise<number>} */
 function measureRefreshRate() {
     const frames = 8;
@@ -17,7 +16,7 @@ function measureRefreshRate() {
             if (times.push(time) <= frames) requestAnimationFrame(count);
             else resolve(Math.round((1000 * frames) / Math.max(1, times[frames] - times[0])));
         };
-        setTimeout(() => resolve(usualRefreshRate), 400);
+        setTimeout(() => resolve(0), 400);
         requestAnimationFrame(count);
     });
 }
@@ -53,14 +52,13 @@ export class Program {
         const canvas = document.createElement("canvas");
         place.replaceChildren(canvas);
         const offscreen = canvas.transferControlToOffscreen();
-        const refreshRate = await measureRefreshRate();
         const number = ++this.count;
-        this.worker.postMessage({ do: "start", canvas: offscreen, refreshRate, number, ...pixelSize(place) }, [
-            offscreen,
-        ]);
+        const core = await compiledCore();
+        this.worker.postMessage({ do: "start", canvas: offscreen, core, number, ...pixelSize(place) }, [offscreen]);
         for (const message of this.unsent ?? []) this.worker.postMessage(message);
         this.unsent = null;
         await this.done(number);
+        measureRefreshRate().then((rate) => this.send({ do: "refreshRate", rate })); // only a spin needs it
     }
 
     // Sends an action. The promise is kept, with the action's result, when the program has done it and has drawn.

@@ -7,7 +7,7 @@ import createProgram from "./core.js";
 
 /** @typedef {import("./messages").Request} Request */
 /** @typedef {import("./messages").GivenFile} GivenFile */
-/** @typedef {{ width: number, height: number, refreshRate: number }} Sizes */
+/** @typedef {{ width: number, height: number }} Sizes */
 
 export const outputFolder = "/out";
 
@@ -193,22 +193,37 @@ export const actions = {
     },
     state: () => core._describeState(),
     show: ({ visible }) => core._showPage(visible ? 1 : 0),
+    refreshRate: ({ rate }) => core._setRefreshRate(rate),
 };
 
 /** How the program begins. @type {{ begin(request: Sizes): void }} */
 export const starting = {
-    begin({ width, height, refreshRate }) {
+    begin({ width, height }) {
         core._describeControls();
-        core._beginProgram(width, height, refreshRate);
+        core._beginProgram(width, height);
     },
 };
 
-/** @param {Sizes & { canvas: OffscreenCanvas }} request */
+// How emscripten's part gets the module that the page has compiled.
+/** @param {WebAssembly.Module} module */
+function instantiate(module) {
+    /** @param {WebAssembly.Imports} imports @param {(instance: WebAssembly.Instance) => void} receive */
+    return (imports, receive) => {
+        WebAssembly.instantiate(module, imports).then(receive);
+        return {};
+    };
+}
+
+/** @param {Sizes & { canvas: OffscreenCanvas, core: WebAssembly.Module | null }} request */
 async function start(request) {
     canvas = request.canvas;
     context = /** @type {OffscreenCanvasRenderingContext2D} */ (canvas.getContext("2d", { alpha: false }));
     sizeCanvas(request.width, request.height);
-    core = await createProgram({ host, filesAhead: {} });
+    core = await createProgram({
+        host,
+        filesAhead: {},
+        ...(request.core && { instantiateWasm: instantiate(request.core) }),
+    });
     for (const folder of ["/in", "/files", outputFolder]) core.FS.mkdir(folder);
     core.FS.chdir(outputFolder);
     lookBeside(core.FS);

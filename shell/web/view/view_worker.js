@@ -19,8 +19,8 @@ host.tell = (what, id, value, text) => {
     else if (passedOn.has(what)) tell(what, id, value, text);
 };
 
-starting.begin = ({ width, height, refreshRate }) => {
-    core._beginView(width, height, refreshRate);
+starting.begin = ({ width, height }) => {
+    core._beginView(width, height);
 };
 
 /** @param {string} text @param {(pointer: number) => number} use @returns {number} */
