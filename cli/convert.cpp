@@ -173,7 +173,8 @@ int runConvert(const Arguments& arguments)
         return 2;
     }
     ModelTextures textures;
-    Mesh* mesh =
-        arguments.builtIn ? loadTeapot(arguments.load) : loadForWriting(arguments.inputs[0], arguments.load, &textures);
+    Mesh* mesh = arguments.builtIn
+                     ? loadTeapot(arguments.load)
+                     : loadForWriting(arguments.inputs[0], arguments.load, needsNormals(format), &textures);
     return mesh && writeModel(mesh, format, textures, arguments) ? 0 : 1;
 }

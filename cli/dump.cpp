@@ -130,7 +130,7 @@ static void dumpNames(Output* out, const Mesh* mesh)
 
 int runDump(const Arguments& arguments)
 {
-    Mesh* mesh = loadForWriting(arguments.inputs[0], arguments.load);
+    Mesh* mesh = loadForWriting(arguments.inputs[0], arguments.load, arguments.normals);
     if (!mesh)
         return 1;
     Step step = { arguments.load.verbose };

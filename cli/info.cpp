@@ -142,7 +142,7 @@ static int inspect(const std::string& path, const Arguments& arguments, Output* 
 {
     LoadedModel model;
     Facts facts;
-    bool read = loadModel(&model, path, arguments.load);
+    bool read = loadModel(&model, path, arguments.load, false);
     Step step = { arguments.load.verbose };
     if (read && !gatherFacts(model.mesh, &facts))
     {

@@ -43,7 +43,7 @@ static bool isLargerThan(const std::string& path, int mebibytes)
 static int readModel(Mesh* mesh, const std::string& path, const ReadOptions& options)
 {
     if (options.format ? strcmp(options.format, "rkf") == 0 : isRkf(path))
-        return LoadRkfFile(mesh, path.c_str(), options.report);
+        return LoadRkfFile(mesh, path.c_str(), options.report, options.normals);
     return readModelFile(mesh, path.c_str(), options);
 }
 
@@ -93,7 +93,7 @@ static bool findInput(const std::string& path, std::string* actual, std::string*
 }
 
 static void readAndRepair(LoadedModel* model, const std::string& path, const std::string& actual,
-                          const LoadArguments& load)
+                          const LoadArguments& load, bool normals)
 {
     const char* format = load.format.empty() ? nullptr : load.format.c_str();
     const char* plyList = load.plyList.empty() ? nullptr : load.plyList.c_str();
@@ -104,7 +104,7 @@ static void readAndRepair(LoadedModel* model, const std::string& path, const std
         model->error = "larger than " + std::to_string(*load.maxSize) + " MiB, the limit of --max-size";
     else if (!mesh)
         model->error = "out of memory";
-    else if (!readModel(mesh, actual, { load.keyframes, plyList, &model->report, format }))
+    else if (!readModel(mesh, actual, { load.keyframes, plyList, &model->report, format, normals }))
     {
         model->error = causeOf(model->report, actual, saidOutOfMemory());
         freeMesh(mesh);
@@ -119,7 +119,7 @@ static void readAndRepair(LoadedModel* model, const std::string& path, const std
     }
 }
 
-bool loadModel(LoadedModel* model, const std::string& path, const LoadArguments& load)
+bool loadModel(LoadedModel* model, const std::string& path, const LoadArguments& load, bool normals)
 {
     std::string actual;
     Step step = { load.verbose };
@@ -127,7 +127,7 @@ bool loadModel(LoadedModel* model, const std::string& path, const LoadArguments&
     {
         if (isStandardInput(path))
             endStep(&step, path, "kept in a file");
-        readAndRepair(model, path, actual, load);
+        readAndRepair(model, path, actual, load, normals);
     }
     dropStandardInput();
     if (!model->mesh)
@@ -153,10 +153,10 @@ Mesh* loadTeapot(const LoadArguments& load)
     return mesh;
 }
 
-Mesh* loadForWriting(const std::string& path, const LoadArguments& load, ModelTextures* textures)
+Mesh* loadForWriting(const std::string& path, const LoadArguments& load, bool normals, ModelTextures* textures)
 {
     LoadedModel model;
-    if (!loadModel(&model, path, load))
+    if (!loadModel(&model, path, load, normals))
         return nullptr;
     if (textures)
         *textures = model.textures;

@@ -19,7 +19,7 @@ int runRender(const Arguments& arguments)
     }
     const ViewArguments& view = arguments.view;
     bool builtIn = arguments.inputs.empty();
-    Mesh* mesh = builtIn ? loadTeapot(arguments.load) : loadForWriting(arguments.inputs[0], arguments.load);
+    Mesh* mesh = builtIn ? loadTeapot(arguments.load) : loadForWriting(arguments.inputs[0], arguments.load, true);
     if (!mesh)
         return 1;
     const std::string name = builtIn ? builtInName : arguments.inputs[0];

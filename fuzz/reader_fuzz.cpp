@@ -21,16 +21,22 @@ constexpr size_t compareEvery = 4; // sizes of inputs that are read without a re
     return load(mesh, path, report);
 }
 
-[[maybe_unused]] static int read(int (*load)(Mesh*, const char*, bool, Report*), Mesh* mesh, const char* path,
+[[maybe_unused]] static int read(int (*load)(Mesh*, const char*, Report*, bool), Mesh* mesh, const char* path,
                                  Report* report)
 {
-    return load(mesh, path, true, report);
+    return load(mesh, path, report, true);
 }
 
-[[maybe_unused]] static int read(int (*load)(Mesh*, const char*, const char*, Report*), Mesh* mesh, const char* path,
+[[maybe_unused]] static int read(int (*load)(Mesh*, const char*, bool, Report*, bool), Mesh* mesh, const char* path,
                                  Report* report)
 {
-    return load(mesh, path, nullptr, report);
+    return load(mesh, path, true, report, true);
+}
+
+[[maybe_unused]] static int read(int (*load)(Mesh*, const char*, const char*, Report*, bool), Mesh* mesh,
+                                 const char* path, Report* report)
+{
+    return load(mesh, path, nullptr, report, true);
 }
 
 static void expect(bool holds, const char* what)

@@ -23,28 +23,33 @@ struct Reader
     int (*load)(Mesh* mesh, const char* path, const ReadOptions& options);
 };
 
-// For the readers that have no options but the report.
-template <int (*load)(Mesh* mesh, const char* path, Report* report)>
+// For the readers that have no options of their own.
+template <int (*load)(Mesh* mesh, const char* path, Report* report, bool normals)>
 static int loadWithoutOptions(Mesh* mesh, const char* path, const ReadOptions& options)
 {
-    return load(mesh, path, options.report);
+    return load(mesh, path, options.report, options.normals);
+}
+
+static int loadDxf(Mesh* mesh, const char* path, const ReadOptions& options)
+{
+    return LoadDxfFile(mesh, path, options.report);
 }
 
 static int load3ds(Mesh* mesh, const char* path, const ReadOptions& options)
 {
-    return Load3dsFile(mesh, path, options.keyframes3ds, options.report);
+    return Load3dsFile(mesh, path, options.keyframes3ds, options.report, options.normals);
 }
 
 static int loadPly(Mesh* mesh, const char* path, const ReadOptions& options)
 {
-    return LoadPlyFile(mesh, path, options.plyList, options.report);
+    return LoadPlyFile(mesh, path, options.plyList, options.report, options.normals);
 }
 
 // clang-format off
 static constexpr Reader readers[] = {
     { "OBJ", loadWithoutOptions<LoadObjFile> },
     { "3DS", load3ds },
-    { "DXF", loadWithoutOptions<LoadDxfFile> },
+    { "DXF", loadDxf },
     { "OFF", loadWithoutOptions<LoadOffFile> },
     { "PP2", loadWithoutOptions<LoadPoserFile> },
     { "HR2", loadWithoutOptions<LoadPoserFile> },

@@ -170,14 +170,15 @@ static void dropMissingMaterials(Mesh* mesh, Report* report)
     }
 }
 
-int ReadRkf(Mesh* mesh, FILE* file, Report* report)
+int ReadRkf(Mesh* mesh, FILE* file, Report* report, bool normals)
 {
     RkfHeader header;
     if (!readHeader(file, &header, report) || !makeRoom(mesh, header))
         return 0;
     if (!readPositions(file, mesh, report) || !readFaces(file, mesh, report) || !readCoords(file, mesh))
         return 0;
-    computeNormals(mesh);
+    if (normals)
+        computeNormals(mesh);
     computeBounds(mesh);
     if (!readMaterials(file, mesh, header))
         return 0;
@@ -185,12 +186,12 @@ int ReadRkf(Mesh* mesh, FILE* file, Report* report)
     return 1;
 }
 
-int LoadRkfFile(Mesh* mesh, const char* path, Report* report)
+int LoadRkfFile(Mesh* mesh, const char* path, Report* report, bool normals)
 {
     FILE* file = openFile(path, "rb");
     if (!file)
         return 0;
-    int ok = ReadRkf(mesh, file, report);
+    int ok = ReadRkf(mesh, file, report, normals);
     fclose(file);
     if (!ok)
         messageBox("File Error", "Error", iconNone);

@@ -10,10 +10,10 @@
 // out. Returns 1, or 0 for a short file, for counts below 0 or larger than the file can hold, for corner indices past
 // the last vertex and for more than 512 materials. It shows no box except "Out of memory". After a failure the mesh can
 // only be passed to freeMesh.
-int ReadRkf(Mesh* mesh, FILE* file, Report* report = nullptr);
+int ReadRkf(Mesh* mesh, FILE* file, Report* report = nullptr, bool normals = true);
 
 // Reads a file given by its name. Returns 1, or 0: silently when the file does not open, otherwise after "File Error".
-int LoadRkfFile(Mesh* mesh, const char* path, Report* report);
+int LoadRkfFile(Mesh* mesh, const char* path, Report* report, bool normals = true);
 inline int LoadRkfFile(Mesh* mesh, const char* path)
 {
     return LoadRkfFile(mesh, path, nullptr);

@@ -38,6 +38,28 @@ static Plane newellPlane(const MeshVertex* vertices, const Corners& corners, int
     return plane;
 }
 
+// Adds the terms of one coordinate of the normal in the order of newellPlane. Nearly every face has an area, and nearly
+// every one of these shows it in the first coordinate. A sum that is not 0 stays so when it is normalised.
+bool hasArea(const MeshVertex* vertices, const Corners& corners)
+{
+    const float* points[4];
+    for (size_t k = 0; k < 4; ++k) // the edge from the first corner to itself adds 0
+        points[k] = vertices[corners[k] == noCorner ? corners[0] : corners[k]].position;
+    for (size_t first = 1; first <= 3; ++first)
+    {
+        size_t i = first % 3, j = (first + 1) % 3;
+        float sum = 0;
+        for (size_t k = 0; k < 4; ++k)
+        {
+            const float *a = points[k], *b = points[(k + 1) & 3];
+            sum += (a[i] - b[i]) * (a[j] + b[j]);
+        }
+        if (sum != 0)
+            return true;
+    }
+    return false;
+}
+
 // Computes the plane of a face slot and adds its normal to those of its corners.
 static void addFaceNormal(Mesh* mesh, int32_t f)
 {

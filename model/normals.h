@@ -20,5 +20,9 @@ void computeNormals(Mesh* mesh);
 void addFaceNormals(Mesh* mesh, int32_t from, int32_t to);
 void finishNormals(Mesh* mesh);
 
-// The same bits by the plain kernels.
+// Whether computeNormals gives a face of the surface, whose corners are vertices, another normal than (0, 0, 0). Needs
+// no planes.
+bool hasArea(const MeshVertex* vertices, const Corners& corners);
+
+// computeNormals by the plain kernels, with the same bits.
 void computeNormalsPlain(Mesh* mesh);

@@ -32,6 +32,11 @@ bool outputFormatOf(const std::string& path, OutputFormat* format)
     return false;
 }
 
+bool needsNormals(OutputFormat format)
+{
+    return format == OutputFormat::lxs || format == OutputFormat::pp2;
+}
+
 const char* obstacleToWriting(OutputFormat format, const Mesh* mesh)
 {
     if (format == OutputFormat::rkf && mesh->lineCount != 0)

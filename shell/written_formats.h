@@ -17,6 +17,10 @@ enum class OutputFormat
 // The format that the extension of a name to write stands for, in any letter case. Returns whether there is one.
 bool outputFormatOf(const std::string& path, OutputFormat* format);
 
+// Whether the files have the normals of the vertices, or a picture of the model, which needs the planes, too. The other
+// formats are written without them.
+bool needsNormals(OutputFormat format);
+
 // Why the model cannot be written in a format; null when it can.
 const char* obstacleToWriting(OutputFormat format, const Mesh* mesh);
 

@@ -5,6 +5,7 @@
 #include "tools/statistics.h"
 
 #include "model/memory.h"
+#include "model/normals.h"
 #include "model/seeded_hash.h"
 #include "tools/edge_counts.h"
 #include "tools/hash.h"
@@ -23,11 +24,6 @@ struct StatisticsWork
     bool anyCrowded;
 };
 
-static bool hasArea(const Plane& plane)
-{
-    return plane.normal[0] != 0 || plane.normal[1] != 0 || plane.normal[2] != 0;
-}
-
 // Takes up to surfaceBlockLimit faces of the surface. Returns the slot after the last one.
 static int32_t takeBlock(const Mesh* mesh, int32_t f, const EdgeCounts& edges, SurfaceBlock* block,
                          int32_t* degenerateFaces)
@@ -38,7 +34,7 @@ static int32_t takeBlock(const Mesh* mesh, int32_t f, const EdgeCounts& edges, S
         const Corners& corners = mesh->faces[f];
         if (!isSurface(mesh->faceAttributes[f]) || !cornersAreVertices(mesh, corners, surfaceCorners(corners)))
             continue;
-        *degenerateFaces += repeatsCorner(corners) || !hasArea(mesh->facePlanes[f]);
+        *degenerateFaces += repeatsCorner(corners) || !hasArea(mesh->vertices, corners);
         for (size_t k = 0; k < 3; ++k)
             __builtin_prefetch(edges.places[corners[k]], 1);
         block->faces[block->count++] = corners;

@@ -21,7 +21,6 @@ inline bool enclosesVolume(const MeshStatistics& statistics)
     return statistics.closed && statistics.flippedEdges == 0;
 }
 
-// Counts in time linear in vertices and faces. The planes must be up to date. A face that uses a vertex twice, or has a
-// corner that is not a vertex, has no edges; any other face without area has.
-// Returns 1, or 0 after "Out of memory".
+// Counts in time linear in vertices and faces. Planes and normals are not used. A face that uses a vertex twice, or has
+// a corner that is not a vertex, has no edges; any other face without area has. Returns 1, or 0 after "Out of memory".
 int gatherStatistics(const Mesh* mesh, MeshStatistics* statistics);

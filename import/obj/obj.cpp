@@ -322,8 +322,11 @@ static int finishMesh(const ObjReader* reader, const char* path)
     mesh->faceCount = reader->faceCount;
     mesh->materialCount = reader->materials.count;
     mesh->groupCount = reader->groups.count;
-    addFaceNormals(mesh, 0, mesh->faceCount);
-    finishNormals(mesh);
+    if (reader->normals)
+    {
+        addFaceNormals(mesh, 0, mesh->faceCount);
+        finishNormals(mesh);
+    }
     computeBounds(mesh);
     if (mesh->uvCount == 0 && !addPlaceholderUv(mesh)) // all texture indices are 0 then
         return 0;
@@ -331,13 +334,12 @@ static int finishMesh(const ObjReader* reader, const char* path)
     return 1;
 }
 
-static int readObj(ObjReader* reader, Mesh* mesh, const char* path, size_t blockBytes, Report* report)
+static int readObj(ObjReader* reader, Mesh* mesh, const char* path, size_t blockBytes)
 {
-    if (!openObjSource(&reader->source, path, blockBytes, report))
+    if (!openObjSource(&reader->source, path, blockBytes, reader->report))
         return 0;
-    reader->report = report;
-    if (report)
-        report->isText = true;
+    if (reader->report)
+        reader->report->isText = true;
     reader->mesh = mesh;
     reader->vertexCount = reader->uvCount = reader->faceCount = reader->polygonCount = reader->lineCount = 0;
     reader->attributes = 0;
@@ -349,24 +351,28 @@ static int readObj(ObjReader* reader, Mesh* mesh, const char* path, size_t block
     return ok && finishMesh(reader, path);
 }
 
-int parseObjInBlocks(Mesh* mesh, const char* path, size_t blockBytes, Report* report)
+int parseObjInBlocks(Mesh* mesh, const char* path, size_t blockBytes, Report* report, bool normals)
 {
     // From the heap, where the next file finds the block touched: fresh pages cost a small file a fifth of its time.
     auto* reader = static_cast<ObjReader*>(allocateZeroed(1, sizeof(ObjReader)));
-    int ok = reader ? readObj(reader, mesh, path, blockBytes, report) : reportOutOfMemory();
+    if (!reader)
+        return reportOutOfMemory();
+    reader->report = report;
+    reader->normals = normals;
+    int ok = readObj(reader, mesh, path, blockBytes);
     free(reader);
     return ok;
 }
 
-int ParseObjFile(Mesh* mesh, const char* path, Report* report)
+int ParseObjFile(Mesh* mesh, const char* path, Report* report, bool normals)
 {
-    return parseObjInBlocks(mesh, path, blockRoom, report);
+    return parseObjInBlocks(mesh, path, blockRoom, report, normals);
 }
 
-int LoadObjFile(Mesh* mesh, const char* path, Report* report)
+int LoadObjFile(Mesh* mesh, const char* path, Report* report, bool normals)
 {
     showProgress("LOADING.....");
-    int ok = ParseObjFile(mesh, path, report);
+    int ok = ParseObjFile(mesh, path, report, normals);
     closeProgress();
     if (!ok)
         messageBox("Error: failed to open", path, iconStop);

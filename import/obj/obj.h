@@ -14,15 +14,15 @@ extern int32_t ClampTexCoords;
 
 // Reads a file into a fresh mesh and shows the progress box. Returns 1, or 0 after "Error: failed to open"; after a
 // failure the mesh can only be passed to freeMesh. The report may be null.
-int LoadObjFile(Mesh* mesh, const char* path, Report* report);
+int LoadObjFile(Mesh* mesh, const char* path, Report* report, bool normals = true);
 inline int LoadObjFile(Mesh* mesh, const char* path)
 {
     return LoadObjFile(mesh, path, nullptr);
 }
 
-// Reads the file inside an open progress box: geometry, normals, bounds, material library. Returns 1 or 0. It shows a
-// message only when memory runs out.
-int ParseObjFile(Mesh* mesh, const char* path, Report* report);
+// Reads the file inside an open progress box: geometry, normals if wanted, bounds, material library. Returns 1 or 0. It
+// shows a message only when memory runs out.
+int ParseObjFile(Mesh* mesh, const char* path, Report* report, bool normals = true);
 inline int ParseObjFile(Mesh* mesh, const char* path)
 {
     return ParseObjFile(mesh, path, nullptr);

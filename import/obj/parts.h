@@ -74,6 +74,7 @@ struct ObjReader
     char library[nameRoom];
     int64_t libraryByte; // of its statement
     Report* report;      // null: none
+    bool normals;        // are computed
     ObjSource source;
 };
 
@@ -83,4 +84,4 @@ struct ObjReader
 int32_t takePlainStatements(ObjReader* reader, int32_t most);
 
 // ParseObjFile with a given block size. Tests use small blocks so that statements run across blocks.
-int parseObjInBlocks(Mesh* mesh, const char* path, size_t blockBytes, Report* report = nullptr);
+int parseObjInBlocks(Mesh* mesh, const char* path, size_t blockBytes, Report* report = nullptr, bool normals = true);

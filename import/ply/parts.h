@@ -102,6 +102,7 @@ struct PlyReader
     int32_t missingValues;  // words without a number, in the same way
     const char* wantedList; // of a face; null: the last one
     Report* report;         // null: none
+    bool normals;           // are computed
     int32_t normalsDone;    // the normals of this many faces have been added to their vertices
 
     ByteCursor cursor;

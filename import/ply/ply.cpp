@@ -329,6 +329,8 @@ static void storeTriangle(PlyReader* reader, Mesh* mesh, uint32_t a, uint32_t b,
 // Adds the normals of the faces stored since the last call, while those faces are in the cache.
 static void catchUpNormals(PlyReader* reader, Mesh* mesh)
 {
+    if (!reader->normals)
+        return;
     addFaceNormals(mesh, reader->normalsDone, mesh->faceCount);
     reader->normalsDone = mesh->faceCount;
 }
@@ -604,7 +606,8 @@ static bool readPly(PlyReader* reader, Mesh* mesh)
         mesh->liveFaceCount = mesh->faceCount;
         mesh->lineCount = 0;
         catchUpNormals(reader, mesh);
-        finishNormals(mesh);
+        if (reader->normals)
+            finishNormals(mesh);
         computeBounds(mesh);
         ok = addPlaceholderUv(mesh);
     }
@@ -613,7 +616,7 @@ static bool readPly(PlyReader* reader, Mesh* mesh)
     return ok;
 }
 
-int LoadPlyFile(Mesh* mesh, const char* path, const char* wantedList, Report* report)
+int LoadPlyFile(Mesh* mesh, const char* path, const char* wantedList, Report* report, bool normals)
 {
     FILE* file = openFile(path, "rb");
     if (!file)
@@ -628,6 +631,7 @@ int LoadPlyFile(Mesh* mesh, const char* path, const char* wantedList, Report* re
     {
         startBytes(&reader->cursor, file);
         reader->report = report;
+        reader->normals = normals;
         reader->wantedList = wantedList;
         reader->list = list;
         reader->listCapacity = plyFirstListCapacity;

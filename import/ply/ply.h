@@ -16,7 +16,7 @@ extern int32_t vertexColoursPresent;
 //
 // A face may have several lists, and then the last one has its corners. With `list` it is the list of that name, and a
 // file whose faces have no such list is refused. The report may be null.
-int LoadPlyFile(Mesh* mesh, const char* path, const char* list, Report* report);
+int LoadPlyFile(Mesh* mesh, const char* path, const char* list, Report* report, bool normals = true);
 inline int LoadPlyFile(Mesh* mesh, const char* path)
 {
     return LoadPlyFile(mesh, path, nullptr, nullptr);

@@ -28,6 +28,16 @@ static bool makeRoom(Mesh* mesh, int64_t triangles)
            growFaces(mesh, static_cast<int32_t>(std::min<int64_t>(triangles, INT32_MAX)), grownCornersUncleared);
 }
 
+void completeTriangles(StlReader* reader)
+{
+    Mesh* mesh = reader->mesh;
+    for (int32_t f = reader->facesDone; reader->report && f < mesh->faceCount; ++f)
+        reader->degenerateFaces += !hasArea(mesh->vertices, mesh->faces[f]);
+    if (reader->normals)
+        addFaceNormals(mesh, reader->facesDone, mesh->faceCount);
+    reader->facesDone = mesh->faceCount;
+}
+
 // Counts the bad numbers of a run of facets. They are looked for once more, so that the run itself need not stop.
 static void noteFacets(const ByteCursor* cursor, const uint8_t* at, int64_t count, Report* report)
 {
@@ -40,9 +50,9 @@ static void noteFacets(const ByteCursor* cursor, const uint8_t* at, int64_t coun
     }
 }
 
-static void storeFacets(const ByteCursor* cursor, Mesh* mesh, const uint8_t* at, int64_t count, Report* report)
+static void storeFacets(const ByteCursor* cursor, StlReader* reader, const uint8_t* at, int64_t count)
 {
-    int32_t first = mesh->faceCount;
+    Mesh* mesh = reader->mesh;
     const uint8_t* run = at;
     bool good = true;
     for (int64_t i = 0; i < count; ++i, at += stlFacetBytes)
@@ -56,16 +66,16 @@ static void storeFacets(const ByteCursor* cursor, Mesh* mesh, const uint8_t* at,
         mesh->faces[mesh->faceCount++] = { vertex, vertex + 1, vertex + 2, noCorner };
         mesh->vertexCount += 3;
     }
-    if (!good && report)
-        noteFacets(cursor, run, count, report);
-    addFaceNormals(mesh, first, mesh->faceCount); // while the faces are in the cache
+    if (!good && reader->report)
+        noteFacets(cursor, run, count, reader->report);
+    completeTriangles(reader);
 }
 
-static bool readBinary(ByteCursor* cursor, Mesh* mesh, int64_t triangles, Report* report)
+static bool readBinary(ByteCursor* cursor, StlReader* reader, int64_t triangles)
 {
     if (triangles == 0)
-        return failReading(report, -1, "no triangle");
-    if (!makeRoom(mesh, triangles))
+        return failReading(reader->report, -1, "no triangle");
+    if (!makeRoom(reader->mesh, triangles))
         return false;
     seekBytes(cursor, stlHeadBytes);
     for (int64_t done = 0; done < triangles;)
@@ -74,15 +84,16 @@ static bool readBinary(ByteCursor* cursor, Mesh* mesh, int64_t triangles, Report
         const uint8_t* at = takeRecords(cursor, stlFacetBytes, std::min(triangles - done, progressInterval), &count);
         if (!at)
             return false;
-        storeFacets(cursor, mesh, at, count, report);
+        storeFacets(cursor, reader, at, count);
         done += count;
         setProgress(blockFraction(&cursor->blocks));
     }
     return true;
 }
 
-static bool readFacets(ByteCursor* cursor, FILE* file, Mesh* mesh, Report* report)
+static bool readFacets(ByteCursor* cursor, FILE* file, StlReader* reader)
 {
+    Report* report = reader->report;
     startBytes(cursor, file);
     BlockSource* blocks = &cursor->blocks;
     int64_t announced = -1;
@@ -94,7 +105,7 @@ static bool readFacets(ByteCursor* cursor, FILE* file, Mesh* mesh, Report* repor
     int64_t wanted = stlHeadBytes + announced * stlFacetBytes;
     bool whole = announced >= 0 && wanted == blocks->sizeBytes;
     if (!whole && moveBlocks(blocks, 0) && startsAsStlText(blocks))
-        return readStlText(blocks, mesh, report);
+        return readStlText(blocks, reader);
     if (blocks->sizeBytes <= 0)
         return failReading(report, -1, "the file is empty");
     if (announced < 0)
@@ -104,34 +115,24 @@ static bool readFacets(ByteCursor* cursor, FILE* file, Mesh* mesh, Report* repor
                            static_cast<long long>(announced));
     if (wanted < blocks->sizeBytes)
         noteDetail(report, restIgnored, wanted, "%lld triangles are announced", static_cast<long long>(announced));
-    return readBinary(cursor, mesh, announced, report);
+    return readBinary(cursor, reader, announced);
 }
 
-// Counts the triangles without area, whose planes have no normal.
-static void noteDegenerate(const Mesh* mesh, Report* report)
+static bool readStl(ByteCursor* cursor, FILE* file, StlReader* reader)
 {
-    int64_t count = 0;
-    for (int32_t f = 0; report && f < mesh->faceCount; ++f)
-    {
-        const float* normal = mesh->facePlanes[f].normal;
-        count += normal[0] == 0 && normal[1] == 0 && normal[2] == 0;
-    }
-    note(report, facesDegenerate, -1, count);
-}
-
-static bool readStl(ByteCursor* cursor, FILE* file, Mesh* mesh, Report* report)
-{
-    if (!readFacets(cursor, file, mesh, report))
+    Mesh* mesh = reader->mesh;
+    if (!readFacets(cursor, file, reader))
         return false;
-    finishNormals(mesh);
+    if (reader->normals)
+        finishNormals(mesh);
     mesh->liveFaceCount = mesh->faceCount;
     mesh->lineCount = 0;
-    noteDegenerate(mesh, report);
+    note(reader->report, facesDegenerate, -1, reader->degenerateFaces);
     computeBounds(mesh);
     return addPlaceholderUv(mesh) != 0; // the texture indices are already 0
 }
 
-int LoadStlFile(Mesh* mesh, const char* path, Report* report)
+int LoadStlFile(Mesh* mesh, const char* path, Report* report, bool normals)
 {
     FILE* file = openFile(path, "rb");
     if (!file)
@@ -141,7 +142,8 @@ int LoadStlFile(Mesh* mesh, const char* path, Report* report)
     }
     showProgress("LOADING.....");
     auto* cursor = static_cast<ByteCursor*>(workAlloc(sizeof(ByteCursor)));
-    bool ok = cursor && readStl(cursor, file, mesh, report);
+    StlReader reader = { mesh, report, normals, 0, 0 };
+    bool ok = cursor && readStl(cursor, file, &reader);
     workFree(cursor);
     fclose(file);
     closeProgress();

@@ -18,7 +18,7 @@ constexpr int64_t stlFacetBytes = 50; // a normal, three corners, and two bytes 
 // Returns 1, or 0 after "Error: failed to open" or "Error readin file".
 //
 // A report also counts the triangles without area.
-int LoadStlFile(Mesh* mesh, const char* path, Report* report);
+int LoadStlFile(Mesh* mesh, const char* path, Report* report, bool normals = true);
 inline int LoadStlFile(Mesh* mesh, const char* path)
 {
     return LoadStlFile(mesh, path, nullptr);

@@ -129,14 +129,6 @@ static void takeVertex(BlockSource* source, Loop* loop, Report* report)
         loop->more = true;
 }
 
-// Adds the normals of the triangles since the last call.
-static void catchUp(BlockSource* source, Mesh* mesh, int32_t* normalsDone)
-{
-    addFaceNormals(mesh, *normalsDone, mesh->faceCount);
-    *normalsDone = mesh->faceCount;
-    setProgress(blockFraction(source));
-}
-
 // Counts what a loop lost that ends at a byte. The end of a facet finds no vertex after that of its loop.
 static void noteLoop(const Loop& loop, bool endsFacet, int64_t byte, Report* report)
 {
@@ -148,8 +140,10 @@ static void noteLoop(const Loop& loop, bool endsFacet, int64_t byte, Report* rep
         note(report, facesCut, byte, loop.more);
 }
 
-bool readStlText(BlockSource* source, Mesh* mesh, Report* report)
+bool readStlText(BlockSource* source, StlReader* reader)
 {
+    Mesh* mesh = reader->mesh;
+    Report* report = reader->report;
     if (report)
         report->isText = true;
 
@@ -159,7 +153,6 @@ bool readStlText(BlockSource* source, Mesh* mesh, Report* report)
         return false;
     Loop loop = {};
     bool inSolid = true;
-    int32_t normalsDone = 0;
     skipLine(source); // the name of the first solid
     for (Word word; nextWord(source, &word);)
     {
@@ -173,8 +166,11 @@ bool readStlText(BlockSource* source, Mesh* mesh, Report* report)
             if (loop.count == 3 && !loop.bad && !addTriangle(mesh, loop))
                 return false;
             loop = {};
-            if (mesh->faceCount - normalsDone >= progressInterval)
-                catchUp(source, mesh, &normalsDone);
+            if (mesh->faceCount - reader->facesDone >= progressInterval)
+            {
+                completeTriangles(reader);
+                setProgress(blockFraction(source));
+            }
         }
         else if (isWord(word, "solid") || isWord(word, "endsolid"))
         {
@@ -184,6 +180,7 @@ bool readStlText(BlockSource* source, Mesh* mesh, Report* report)
     }
     if (inSolid)
         noteDetail(report, readingEndedEarly, source->sizeBytes, "the file ends inside a solid");
-    catchUp(source, mesh, &normalsDone);
+    completeTriangles(reader);
+    setProgress(blockFraction(source));
     return mesh->faceCount > 0 || failForLackOf(report, "no triangle");
 }

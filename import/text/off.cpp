@@ -270,10 +270,19 @@ static void noteRest(OffSource* source, int32_t announced)
         noteDetail(source->report, restIgnored, lineByte(source), "%d faces are announced", announced);
 }
 
+// Adds the normals of the faces since the last call, while those are in the cache.
+static void catchUpNormals(const OffSource* source, Mesh* mesh, int32_t* normalsDone)
+{
+    if (!source->normals)
+        return;
+    addFaceNormals(mesh, *normalsDone, mesh->faceCount);
+    *normalsDone = mesh->faceCount;
+}
+
 // A list that is shorter than announced is accepted. So is a file that grows while it is read.
 static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
 {
-    int32_t normalsDone = 0; // normals are added run by run, while the faces are in the cache
+    int32_t normalsDone = 0;
     int32_t done = 0;
     while (done < announced)
     {
@@ -282,8 +291,7 @@ static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
         done += taken;
         if (taken > 0)
         {
-            addFaceNormals(mesh, normalsDone, mesh->faceCount);
-            normalsDone = mesh->faceCount;
+            catchUpNormals(source, mesh, &normalsDone);
             continue;
         }
         if (mesh->faceCount == mesh->faceCapacity || !NextOffLine(source))
@@ -303,15 +311,16 @@ static void readFaces(OffSource* source, Mesh* mesh, int32_t announced)
     }
     if (done >= announced)
         noteRest(source, announced);
-    addFaceNormals(mesh, normalsDone, mesh->faceCount);
-    finishNormals(mesh);
+    catchUpNormals(source, mesh, &normalsDone);
+    if (source->normals)
+        finishNormals(mesh);
     mesh->liveFaceCount = mesh->faceCount;
     mesh->lineCount = 0;
 }
 
-static bool readOff(OffSource* source, FILE* file, Mesh* mesh, Report* report)
+static bool readOff(OffSource* source, FILE* file, Mesh* mesh)
 {
-    source->report = report;
+    Report* report = source->report;
     if (report)
         report->isText = true;
     startLines(&source->lines, file);
@@ -327,7 +336,7 @@ static bool readOff(OffSource* source, FILE* file, Mesh* mesh, Report* report)
     return addPlaceholderUv(mesh) != 0; // the texture indices are already 0
 }
 
-int LoadOffFile(Mesh* mesh, const char* path, Report* report)
+int LoadOffFile(Mesh* mesh, const char* path, Report* report, bool normals)
 {
     FILE* file = openFile(path, "rb");
     if (!file)
@@ -337,7 +346,12 @@ int LoadOffFile(Mesh* mesh, const char* path, Report* report)
     }
     showProgress("LOADING.....");
     auto* source = static_cast<OffSource*>(workAlloc(sizeof(OffSource)));
-    bool ok = source && readOff(source, file, mesh, report);
+    if (source)
+    {
+        source->report = report;
+        source->normals = normals;
+    }
+    bool ok = source && readOff(source, file, mesh);
     workFree(source);
     fclose(file);
     closeProgress();

@@ -11,6 +11,7 @@ struct OffSource
     char* line;        // the line that NextOffLine found
     int32_t lineCount; // without comments and blank lines
     bool plainLines;   // lines may be read by the fast kernel
+    bool normals;      // are computed
     Report* report;    // null: none
     LineView lines;
 };
@@ -18,7 +19,7 @@ struct OffSource
 // Reads triangles and quads; the fifth and later corners of a face are dropped. Everything gets group 0, material 0 and
 // the placeholder texture coordinate.
 // Returns 1, or 0 after "Error: failed to open" or "Error readin file".
-int LoadOffFile(Mesh* mesh, const char* path, Report* report);
+int LoadOffFile(Mesh* mesh, const char* path, Report* report, bool normals = true);
 inline int LoadOffFile(Mesh* mesh, const char* path)
 {
     return LoadOffFile(mesh, path, nullptr);

@@ -593,7 +593,7 @@ static int finishUvs(Mesh* mesh, Report* report)
     return 1;
 }
 
-int LoadPoserFile(Mesh* mesh, const char* path, Report* report)
+int LoadPoserFile(Mesh* mesh, const char* path, Report* report, bool normals)
 {
     FILE* file = openFile(path, "rb");
     if (!file)
@@ -615,7 +615,8 @@ int LoadPoserFile(Mesh* mesh, const char* path, Report* report)
     }
     if (ok)
     {
-        computeNormals(mesh);
+        if (normals)
+            computeNormals(mesh);
         computeBounds(mesh);
         ok = finishUvs(mesh, report);
     }

@@ -17,7 +17,7 @@ struct PoserSource
 // Reads the geomCustom blocks of all props, hair props, actors and figures into one mesh, and the materials that their
 // faces use. Geometry in other files is not read. No progress is shown.
 // Returns 1, or 0: silently for a file that does not open, else after "No internal geometry" or "Unable to read file".
-int LoadPoserFile(Mesh* mesh, const char* path, Report* report);
+int LoadPoserFile(Mesh* mesh, const char* path, Report* report, bool normals = true);
 inline int LoadPoserFile(Mesh* mesh, const char* path)
 {
     return LoadPoserFile(mesh, path, nullptr);

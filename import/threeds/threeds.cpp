@@ -64,7 +64,7 @@ static void turnUpright(Mesh* mesh)
     }
 }
 
-static int read3ds(ThreeDsReadContext* context, bool keyframes)
+static int read3ds(ThreeDsReadContext* context, bool keyframes, bool normals)
 {
     Mesh* mesh = context->mesh;
     if (!readChunks(context))
@@ -78,13 +78,16 @@ static int read3ds(ThreeDsReadContext* context, bool keyframes)
     if (keyframes && context->objectCount > 0)
         applyPivots(context);
     turnUpright(mesh);
-    addFaceNormals(mesh, 0, mesh->faceCount);
-    finishNormals(mesh);
+    if (normals)
+    {
+        addFaceNormals(mesh, 0, mesh->faceCount);
+        finishNormals(mesh);
+    }
     computeBounds(mesh);
     return mesh->uvCount > 0 || addPlaceholderUv(mesh);
 }
 
-int Load3dsFile(Mesh* mesh, const char* path, bool keyframes, Report* report)
+int Load3dsFile(Mesh* mesh, const char* path, bool keyframes, Report* report, bool normals)
 {
     auto* context = static_cast<ThreeDsReadContext*>(tableAlloc(sizeof(ThreeDsReadContext)));
     FILE* file = context ? openFile(path, "rb") : nullptr;
@@ -96,7 +99,7 @@ int Load3dsFile(Mesh* mesh, const char* path, bool keyframes, Report* report)
         context->report = report;
         startBytes(&context->cursor, file);
         showProgress("LOADING 3DS.....");
-        ok = read3ds(context, keyframes);
+        ok = read3ds(context, keyframes, normals);
         closeProgress();
     }
     else if (file)

@@ -10,7 +10,7 @@
 // Returns 1 or 0. It shows no message when there is no memory to start with, or when the file does not open or is
 // empty; otherwise it fails after "Unable to read file". The mesh then holds what was read so far and can only be
 // passed to freeMesh.
-int Load3dsFile(Mesh* mesh, const char* path, bool keyframes, Report* report = nullptr);
+int Load3dsFile(Mesh* mesh, const char* path, bool keyframes, Report* report = nullptr, bool normals = true);
 
 // Reads a 3DS file with keyframes, which is the program's default.
 inline int Load3dsFile(Mesh* mesh, const char* path)

@@ -113,6 +113,31 @@ TEST_F(KbxVerbose, TheMemoryIsThatOfTheProcess)
     EXPECT_GE(steps[6].mostMebibytes, steps[5].mostMebibytes);
 }
 
+TEST_F(KbxVerbose, PlanesAreMadeOnlyWhereSomethingNeedsThem)
+{
+    constexpr int faces = 200000; // with planes of 16 bytes each
+    std::string model =
+        "OFF\n4 " + std::to_string(faces) + " 0\n0 0 0\n1 0 0\n0 1 0\n9999 9999 0\n"; // smaller than a pixel
+    for (int i = 0; i < faces; ++i)
+        model += "3 0 1 2\n";
+    write("large.off", model);
+    auto memoryOfReading = [this](const std::string& command)
+    {
+        std::vector<StepLine> steps = stepsIn(run(command + " --verbose").err);
+        return steps.empty() ? 0 : steps[0].nowMebibytes;
+    };
+    double with = memoryOfReading("convert large.off b.lxs");
+    for (const char* command : { "dump --normals large.off", "convert large.off b.pp2", "render large.off -o b.png" })
+        EXPECT_GE(memoryOfReading(command), with - 1) << command;
+    for (const char* command : { "info large.off", "dump large.off", "convert large.off b.obj",
+                                 "convert large.off b.rkf", "convert large.off b.stl" })
+    {
+        double without = memoryOfReading(command);
+        EXPECT_GT(without, 4) << command;
+        EXPECT_LE(without, with - 2.5) << command;
+    }
+}
+
 TEST_F(KbxVerbose, ManyFilesKeepTheirLinesTogether)
 {
     std::string inputs, expected;
