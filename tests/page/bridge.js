@@ -7,6 +7,7 @@ import http from "node:http";
 import os from "node:os";
 import path from "node:path";
 import readline from "node:readline";
+import { handleFunctions, withoutPickers } from "./handles.js";
 import { viewFunctions } from "./views.js";
 import { gzipSync } from "node:zlib";
 
@@ -90,6 +91,7 @@ async function whenReady() {
 }
 
 async function start() {
+    await page.evaluateOnNewDocument(withoutPickers); // whose dialogs no test can answer
     await page.setViewport(viewport);
     await page.goto(address);
     await whenReady();
@@ -122,7 +124,9 @@ function filesBeside(chosen) {
     return [chosen, ...names.filter((name) => /\.(obj|off|ply|3ds|mtl|jpg)$/i.test(name))];
 }
 
-const downloadedNames = () => fs.readdirSync(downloads).filter((found) => found !== "profile");
+// A download that goes on has an ending of its own, also before the browser has told of it.
+const downloadedNames = () =>
+    fs.readdirSync(downloads).filter((found) => found !== "profile" && !found.endsWith(".crdownload"));
 
 // Moves what was downloaded to a folder, sets unpacked, as soon as there is a file whose name begins so.
 async function takeDownloads(folder, stem) {
@@ -339,6 +343,8 @@ const functions = {
         await page.screenshot({ path: name });
     },
     requests: () => requests,
+    downloadCount: () => loads.begun,
+    takeDownloads: ({ folder }) => takeDownloads(folder, ""),
 
     // What was asked for until the first picture was there; the page asks for its service worker next. Bytes as gzip -9.
     firstLoad() {
@@ -545,6 +551,7 @@ const functions = {
 };
 Object.assign(
     functions,
+    handleFunctions({ page, address, whenReady, settle }),
     viewFunctions(() => puppeteer.launch(launchOptions), path.join(pageFolder, "../view")),
 );
 

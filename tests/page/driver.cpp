@@ -6,6 +6,7 @@
 #include "model/memory.h"
 #include "resources/ids.h"
 #include "shell/scene.h"
+#include "tests/page/base64.h"
 #include "tests/page/bridge.h"
 
 #include <gtest/gtest.h>
@@ -285,31 +286,10 @@ bool runKbx(const std::string& arguments)
 
 // ---- pictures ----
 
-static std::vector<uint8_t> decodeBase64(const std::string& text)
-{
-    std::vector<uint8_t> bytes;
-    uint32_t bits = 0;
-    int count = 0;
-    for (char c : text)
-    {
-        const char* letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-        const char* place = strchr(letters, c);
-        if (c == '=' || !place)
-            break;
-        bits = bits << 6 | static_cast<uint32_t>(place - letters);
-        count += 6;
-        if (count >= 8)
-        {
-            count -= 8;
-            bytes.push_back(static_cast<uint8_t>(bits >> count));
-        }
-    }
-    return bytes;
-}
-
 static Shown pictureOf(const Json& answer)
 {
-    return { answer.value("width", 0), answer.value("height", 0), decodeBase64(answer.value("bytes", "")) };
+    const std::string bytes = decodeBase64(answer.value("bytes", ""));
+    return { answer.value("width", 0), answer.value("height", 0), { bytes.begin(), bytes.end() } };
 }
 
 Shown shownPicture()

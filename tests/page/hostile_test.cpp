@@ -1,6 +1,7 @@
 // tests/page/hostile_test.cpp - damaged and large files in the page: the same messages as natively, no memory, Stop
 #include "resources/ids.h"
 #include "tests/hostile/hostile_files.h"
+#include "tests/page/base64.h"
 #include "tests/page/bridge.h"
 #include "tests/window/driver.h"
 
@@ -44,28 +45,10 @@ static Boxes nativeBoxes(const fs::path& path)
     return boxes;
 }
 
-static std::string base64(const std::string& bytes)
-{
-    const char* letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::string text;
-    uint32_t bits = 0;
-    int count = 0;
-    for (char c : bytes)
-    {
-        bits = bits << 8 | static_cast<uint8_t>(c);
-        for (count += 8; count >= 6; count -= 6)
-            text += letters[bits >> (count - 6) & 63];
-    }
-    if (count > 0)
-        text += letters[bits << (6 - count) & 63];
-    text.append((4 - text.size() % 4) % 4, '=');
-    return text;
-}
-
 static Boxes pageBoxes(const std::string& name, const std::string& bytes)
 {
     Boxes boxes;
-    for (const auto& box : askBridge("boxesOf", { { "name", name }, { "bytes", base64(bytes) } }))
+    for (const auto& box : askBridge("boxesOf", { { "name", name }, { "bytes", encodeBase64(bytes) } }))
     {
         std::string caption = box[1];
         boxes.push_back(box[0].get<std::string>() + " [" + caption.substr(caption.rfind('/') + 1) + "]");

@@ -1,5 +1,6 @@
 // files.js - files that come in by a dialog, a drop or the clipboard, and files that go out as downloads
 import { givenFiles } from "./given.js";
+import { filesOfHandle, pickFiles } from "./handles.js";
 
 /** @typedef {import("./messages").GivenFile} GivenFile */
 /** @typedef {import("./messages").SavedFile} SavedFile */
@@ -25,22 +26,34 @@ async function filesOfEntry(entry) {
     }
 }
 
-// All files of a drop, those in its folders, too.
+// All files of a drop, those in its folders, too. The items are there only until the first promise is waited for.
 /** @param {DataTransfer} transfer @returns {Promise<GivenFile[]>} */
 export async function droppedFiles(transfer) {
-    const entries = [...transfer.items].map((item) => item.webkitGetAsEntry()).filter((entry) => entry !== null);
-    if (entries.length === 0) return givenFiles(transfer.files);
+    const items = [...transfer.items];
+    const files = givenFiles(transfer.files);
+    const entries = items.map((item) => item.webkitGetAsEntry()).filter((entry) => entry !== null);
+    const asked = items.map((item) => item.getAsFileSystemHandle?.().catch(() => null));
+    const handles = (await Promise.all(asked)).filter((handle) => handle !== null && handle !== undefined);
+    if (handles.length > 0 && handles.length === items.length)
+        return (await Promise.all(handles.map((handle) => filesOfHandle(handle)))).flat();
+    if (entries.length === 0) return files;
     return (await Promise.all(entries.map(filesOfEntry))).flat();
 }
 
 // Asks the user for files. Several may be chosen, so that a model's library and pictures can come with it.
 /** @param {string} pattern as "*.obj;*.3ds" @returns {Promise<GivenFile[]>} none: cancelled */
-export function askForFiles(pattern) {
+export async function askForFiles(pattern) {
+    const asked = pattern.toLowerCase().replaceAll("*", "").split(";");
+    const endings = [...asked, ...(asked.includes(".obj") ? companions : [])];
+    return (await pickFiles(endings)) ?? askByInput(endings);
+}
+
+/** @param {string[]} endings @returns {Promise<GivenFile[]>} */
+function askByInput(endings) {
     const input = document.createElement("input");
-    const endings = pattern.toLowerCase().replaceAll("*", "").split(";");
     input.type = "file";
     input.multiple = true;
-    input.accept = [...endings, ...(endings.includes(".obj") ? companions : [])].join(",");
+    input.accept = endings.join(",");
     return new Promise((resolve) => {
         input.addEventListener("change", () => resolve(givenFiles(input.files ?? [])));
         input.addEventListener("cancel", () => resolve([]));

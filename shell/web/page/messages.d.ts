@@ -3,6 +3,7 @@
 export interface GivenFile {
     path: string; // below the folder that was given, with "/"
     file: File | Blob;
+    handle?: FileSystemFileHandle; // where the browser gives one
 }
 
 // The answer to a dialog: files and the one that was meant, or the name of a file to write.
@@ -16,6 +17,7 @@ export type Action =
     | Command
     | { do: "panel"; id: number; value: number }
     | { do: "open"; files: GivenFile[]; path: string; address?: string }
+    | { do: "renew"; files: GivenFile[] } // of the model that is shown
     | ViewAction
     | { do: "leftButton"; code: number; x: number; y: number }
     | { do: "rightButton"; code: number; y: number }

@@ -4,9 +4,11 @@ import { Display } from "./display.js";
 import { takeWorker } from "./early.js";
 import { askForFiles, downloadFiles, droppedFiles } from "./files.js";
 import { givenFiles, meantFile } from "./given.js";
+import { filesNow, pickFiles, pickFolder } from "./handles.js";
 import { element, Menus } from "./menus.js";
 import { Panel } from "./panel.js";
 import { Program } from "./program.js";
+import { SaveFolder } from "./save_folder.js";
 
 /** @typedef {import("./messages").Command} Command */
 /** @typedef {import("./messages").GivenFile} GivenFile */
@@ -49,9 +51,11 @@ let opening = null; // the files that were given last
 let shown = null; // those of the model that is shown; none for the built-in one
 let ended = false;
 let copying = false;
+let renewing = false;
 let begun = false; // the start, with the model of the address, is over
 
 const boxes = new Boxes((open) => program.send({ do: "rest", on: open }), stopReading);
+const saveFolder = new SaveFolder(place("save-folder"), boxes);
 
 // ---- what the user does ----
 
@@ -86,8 +90,17 @@ async function answerWithName(caption, proposed) {
     if (asked && name) run({ ...asked, answer: { name } });
 }
 
+// The files of the model that is shown may have changed since they were given.
+async function renewFiles() {
+    if (!shown?.files.some(({ handle }) => handle)) return;
+    renewing = true;
+    shown = { ...shown, files: await filesNow(shown.files) };
+    program.send({ do: "renew", files: shown.files });
+    renewing = false;
+}
+
 /** @param {KeyboardEvent} event */
-function takeKey(event) {
+async function takeKey(event) {
     const target = /** @type {HTMLElement} */ (event.target);
     if (event.altKey || event.metaKey || target.closest("dialog, select, [role=menu]")) return;
     const key = namedKeys[event.key] ?? (event.key.length === 1 ? event.key.toUpperCase().charCodeAt(0) : 0);
@@ -97,6 +110,7 @@ function takeKey(event) {
     );
     if (!known) return;
     event.preventDefault();
+    if (event.key === "F5" && !event.repeat) await renewFiles();
     run({ do: "key", key, modifiers, repeated: event.repeat });
 }
 
@@ -158,7 +172,7 @@ const heard = {
     opened() {
         shown = opening;
     },
-    saved: ({ files }) => downloadFiles(files),
+    saved: async ({ files }) => (await saveFolder.save(files)) || downloadFiles(files),
     copy: copyPicture,
     about: showAbout,
     beep: flash,
@@ -195,7 +209,9 @@ async function stopReading() {
     program.end();
     boxes.hear({ what: "progress-close", id: 0, value: 0, text: "" });
     await startProgram();
-    if (shown) await program.send({ do: "open", ...shown });
+    if (!shown) return;
+    opening = { ...shown, files: await filesNow(shown.files) };
+    await program.send({ do: "open", ...opening });
 }
 
 // A model may be named in the page's address. It has to lie on the page's own server.
@@ -228,20 +244,35 @@ function listen() {
         if (event.dataTransfer) await openFiles(await droppedFiles(event.dataTransfer));
     });
     document.addEventListener("paste", (event) => openFiles(givenFiles(event.clipboardData?.files ?? [])));
-    for (const id of ["choose-files", "choose-folder"]) {
-        const input = /** @type {HTMLInputElement} */ (place(id));
-        input.addEventListener("change", async () => {
-            await openFiles(givenFiles(input.files ?? []));
-            input.value = "";
-        });
-    }
+    listenToChooser("choose-files", window.showOpenFilePicker && pickFiles);
+    listenToChooser("choose-folder", window.showDirectoryPicker && pickFolder);
+}
+
+// A chooser of files asks by the browser's picker where it has one, since that gives handles, and else by itself.
+/** @param {string} id @param {(() => Promise<GivenFile[] | null>) | undefined} pick */
+function listenToChooser(id, pick) {
+    const input = /** @type {HTMLInputElement} */ (place(id));
+    input.addEventListener("change", async () => {
+        await openFiles(givenFiles(input.files ?? []));
+        input.value = "";
+    });
+    input.addEventListener("click", async (event) => {
+        if (!pick) return;
+        event.preventDefault();
+        const files = await pick();
+        if (files) await openFiles(files);
+        else {
+            pick = undefined; // it is refused here
+            input.click();
+        }
+    });
 }
 
 // For scripts on this page: the program that runs now, whether it has done everything that it was asked for, and its state.
 Object.assign(window, {
     kestrelbox: {
         program: () => program,
-        isIdle: () => begun && program.isIdle() && !copying,
+        isIdle: () => begun && program.isIdle() && !copying && !renewing,
         state: () => program.state(),
     },
 });

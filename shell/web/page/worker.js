@@ -61,6 +61,11 @@ export function draw() {
 /** @param {string} path */
 const folderOf = (path) => path.slice(0, path.lastIndexOf("/"));
 
+/** @param {GivenFile[]} files @param {string} source a folder */
+function mount(files, source) {
+    core.FS.mount(core.WORKERFS, { blobs: files.map(({ path, file }) => ({ name: path, data: file })) }, source);
+}
+
 // Puts files where the program finds them, without reading them: each is a link to the browser's file, so that what the
 // program writes beside a model has a place, too. Returns their folder.
 /** @param {GivenFile[]} files @param {string} [address] where the model lies, for files that are beside it */
@@ -70,7 +75,7 @@ export function give(files, address) {
     const folder = `/files/${mounts}`;
     FS.mkdirTree(source);
     FS.mkdirTree(folder);
-    FS.mount(core.WORKERFS, { blobs: files.map(({ path, file }) => ({ name: path, data: file })) }, source);
+    mount(files, source);
     for (const { path } of files) {
         FS.mkdirTree(folderOf(`${folder}/${path}`));
         FS.symlink(`${source}/${path}`, `${folder}/${path}`);
@@ -105,6 +110,15 @@ export function removeBelow(folder) {
             FS.rmdir(path);
         } else FS.unlink(path);
     }
+}
+
+// Gives the files of the model that is shown again, as they are now; the links stay.
+/** @param {GivenFile[]} files */
+function renew(files) {
+    const number = /^\/files\/(\d+)\//.exec(core.UTF8ToString(core._pathOfModel()))?.[1];
+    if (!number) return;
+    core.FS.unmount(`/in/${number}`);
+    mount(files, `/in/${number}`);
 }
 
 // Takes away the files of earlier openings, but for those of the model that is shown, and tells the page when that is the
@@ -179,6 +193,7 @@ export const actions = {
         withText(`${give(files, address)}/${path}`, core._openPath);
         forgetOldFiles();
     },
+    renew: ({ files }) => renew(files),
     leftButton: ({ code, x, y }) => core._leftButton(code, x, y),
     rightButton: ({ code, y }) => core._rightButton(code, y),
     move: ({ left, right, x, y }) => core._movePointer(left ? 1 : 0, right ? 1 : 0, x, y),
