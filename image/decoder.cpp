@@ -151,6 +151,19 @@ static HuffmanTable* makeLookup(JpegState* state, bool isDc, int32_t number)
     return nullptr;
 }
 
+// Gives the i-th component of the scan the tables that an earlier one has made. Both chroma components usually have the
+// same ones; one copy leaves room in the first-level cache.
+static void shareLookups(JpegState* state, int32_t i)
+{
+    for (int32_t other = 0; other < i; ++other)
+    {
+        if (state->scan[other]->dcIndex == state->scan[i]->dcIndex)
+            state->dcLookup[i] = state->dcLookup[other];
+        if (state->scan[other]->acIndex == state->scan[i]->acIndex)
+            state->acLookup[i] = state->acLookup[other];
+    }
+}
+
 static bool setUpScanTables(JpegState* state)
 {
     for (int32_t i = 0; i < state->scanCount; ++i)
@@ -158,8 +171,11 @@ static bool setUpScanTables(JpegState* state)
             return false;
     for (int32_t i = 0; i < state->scanCount; ++i)
     {
-        state->dcLookup[i] = makeLookup(state, true, state->scan[i]->dcIndex);
-        state->acLookup[i] = makeLookup(state, false, state->scan[i]->acIndex);
+        shareLookups(state, i);
+        if (!state->dcLookup[i])
+            state->dcLookup[i] = makeLookup(state, true, state->scan[i]->dcIndex);
+        if (!state->acLookup[i])
+            state->acLookup[i] = makeLookup(state, false, state->scan[i]->acIndex);
         if (!state->dcLookup[i] || !state->acLookup[i])
             return false;
     }

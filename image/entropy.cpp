@@ -4,7 +4,7 @@
 // has to look for markers. Two readers decode a segment and give the same coefficients:
 //
 //   exact  holds up to 32 bits, and refills byte by byte to 25 when it holds fewer than it needs; the meaning
-//   wide   holds up to 64 bits, takes 8 bytes at a time, and gets code and value of most symbols from one look-up
+//   wide   holds up to 64 bits, takes 8 bytes at a time, and gets up to two symbols with their values from one look-up
 //
 // The exact reader always decodes a segment that ends because the source does: which bytes it requests before it uses
 // them decides whether the file fails. Behind the end of a segment there are zero bits.
@@ -255,62 +255,108 @@ static int32_t searchWide(const HuffmanTable& table, BitReader* reader)
     return length > 16 ? 0 : table.stored->symbols[(code + table.valueOffset[length]) & 0xFF];
 }
 
+static inline uint32_t lookWide(const uint32_t* entries, const BitReader& reader)
+{
+    return entries[reader.bits >> (64 - wideBits)];
+}
+
 static inline int32_t dcDifferenceWide(const HuffmanTable& table, BitReader* reader)
 {
-    int32_t entry = table.wide[reader->bits >> (64 - wideBits)];
-    int32_t s = entry >> 12 & 15;
-    if ((entry & wideKind) == wideNone)
-        s = searchWide(table, reader);
-    else
-        dropWide(reader, entry & 63);
-    if ((entry & wideKind) == wideValue)
-        return entry >> 16;
+    uint32_t entry = lookWide(table.singles, *reader);
+    dropWide(reader, bitsUsed(entry));
+    if (passedBy(entry) != wideCode)
+        return lastValue(entry);
+    int32_t s = bitsUsed(entry) > 0 ? valueBits(entry) : searchWide(table, reader);
     return s > 0 ? receiveWide(reader, s) : 0;
+}
+
+// Takes the symbol that an entry with wideCode begins, and moves *k behind it. Returns false at the end of the block.
+static inline bool takeCode(const HuffmanTable& ac, uint32_t entry, BitReader* reader, int32_t* k, int16_t* block)
+{
+    refillWide(reader); // code and value are at most 31 bits
+    dropWide(reader, bitsUsed(entry));
+    int32_t run = runOf(entry), s = valueBits(entry);
+    if (bitsUsed(entry) == 0)
+    {
+        int32_t symbol = searchWide(ac, reader);
+        run = symbol >> 4;
+        s = symbol & 15;
+    }
+    *k += run + 1;
+    if (s > 0)
+        block[zigzagOrder[*k - 1]] = static_cast<int16_t>(receiveWide(reader, s));
+    return s > 0 || run == 15;
+}
+
+// Stores the values of an entry that passes at least one coefficient. Where there is only one, the last one takes the
+// place of the first.
+static inline void takeValues(uint32_t entry, int32_t passed, BitReader* reader, int32_t* k, int16_t* block)
+{
+    dropWide(reader, bitsUsed(entry));
+    block[zigzagOrder[*k + runOf(entry)]] = static_cast<int16_t>(firstValue(entry));
+    *k += passed;
+    block[zigzagOrder[*k - 1]] = static_cast<int16_t>(lastValue(entry));
+}
+
+// Takes entries of pairs up to one with which the block may end, or which does not hold all of its symbol. Returns
+// that one.
+static inline uint32_t takePairs(const HuffmanTable& ac, BitReader* reader, int32_t* k, int16_t* block)
+{
+    constexpr int32_t looksPerRefill = 4;
+    static_assert(looksPerRefill * wideBits <= 56);
+    for (;;)
+    {
+        refillWide(reader);
+        for (int32_t i = 0; i < looksPerRefill; ++i)
+        {
+            uint32_t entry = lookWide(ac.pairs, *reader);
+            int32_t passed = passedBy(entry);
+            if (*k + passed >= blockCoefficients)
+                return entry;
+            takeValues(entry, passed, reader, k, block);
+        }
+    }
+}
+
+// Decodes the coefficients behind the first. Returns an index behind which none is set.
+static inline int32_t decodeCoefficientsWide(const HuffmanTable& ac, BitReader* reader, int16_t* block)
+{
+    int32_t k = 1;
+    bool more = true;
+    while (more && k < blockCoefficients)
+    {
+        uint32_t entry = takePairs(ac, reader, &k, block);
+        int32_t rest = passedBy(entry) - wideEnd; // coefficients before the end of the block
+        if (passedBy(entry) == wideCode)
+        {
+            more = takeCode(ac, entry, reader, &k, block);
+        }
+        else if (rest < 0 || k + rest >= blockCoefficients)
+        {
+            // The block is full before the entry ends, and what follows in the entry is the next block's.
+            entry = lookWide(ac.singles, *reader);
+            takeValues(entry, passedBy(entry), reader, &k, block);
+        }
+        else
+        {
+            if (rest > 0)
+                takeValues(entry, rest, reader, &k, block);
+            else
+                dropWide(reader, bitsUsed(entry));
+            more = false;
+        }
+    }
+    return k - 1;
 }
 
 static BitReader decodeBlockWide(JpegState* state, int32_t b, BitReader reader)
 {
     int32_t owner = state->blockOwner[b];
     int16_t* block = state->blocks[b];
-    const HuffmanTable& ac = *state->acLookup[owner];
-    refillWide(&reader); // one symbol with its value is at most 32 bits
+    refillWide(&reader); // a code with its value is at most 31 bits
     state->dcPrediction[owner] += static_cast<uint32_t>(dcDifferenceWide(*state->dcLookup[owner], &reader));
     block[0] = static_cast<int16_t>(state->dcPrediction[owner] & dcMask);
-    int32_t last = 0;
-    for (int32_t k = 1; k < blockCoefficients; ++k)
-    {
-        if (reader.held < 32)
-            refillWide(&reader);
-        int32_t entry = ac.wide[reader.bits >> (64 - wideBits)];
-        if ((entry & wideKind) == wideValue)
-        {
-            dropWide(&reader, entry & 63);
-            k += entry >> 8 & 15;
-            block[zigzagOrder[k]] = static_cast<int16_t>(entry >> 16);
-            last = k;
-            continue;
-        }
-        int32_t run = entry >> 8 & 15;
-        int32_t s = entry >> 12 & 15;
-        if ((entry & wideKind) == wideNone)
-        {
-            int32_t symbol = searchWide(ac, &reader);
-            run = symbol >> 4;
-            s = symbol & 15;
-        }
-        else
-        {
-            dropWide(&reader, entry & 63);
-        }
-        if (s == 0 && run != 15)
-            break;
-        k += run;
-        if (s == 0)
-            continue;
-        block[zigzagOrder[k]] = static_cast<int16_t>(receiveWide(&reader, s));
-        last = k;
-    }
-    state->lastIndex[b] = static_cast<uint8_t>(last);
+    state->lastIndex[b] = static_cast<uint8_t>(decodeCoefficientsWide(*state->acLookup[owner], &reader, block));
     return reader;
 }
 
@@ -418,13 +464,8 @@ bool startEntropy(JpegState* state)
 
 static void clearBlocks(JpegState* state)
 {
-    for (int32_t b = 0; b < state->mcuBlocks; ++b)
-    {
-        if (state->lastIndex[b] > 0)
-            memset(state->blocks[b], 0, sizeof state->blocks[b]);
-        state->blocks[b][0] = 0;
-        state->lastIndex[b] = 0;
-    }
+    memset(state->blocks, 0, sizeof state->blocks[0] * static_cast<size_t>(state->mcuBlocks));
+    memset(state->lastIndex, 0, sizeof state->lastIndex);
 }
 
 bool decodeMcu(JpegState* state)

@@ -60,31 +60,61 @@ static void fillLookAhead(HuffmanTable* table, int32_t count, const uint8_t* len
     }
 }
 
-// An entry of the wide look-ahead: the code at the top of wideBits bits, and below it rest, which has `free` bits.
-static int32_t wideEntry(bool isDc, int32_t symbol, int32_t length, uint32_t rest, int32_t free)
+static uint32_t wideEntry(int32_t used, int32_t run, int32_t passed)
 {
+    return static_cast<uint32_t>(used | run << 6 | passed << 10);
+}
+
+// An entry of singles: the code at the top of wideBits bits, and below it rest, which has `free` bits.
+static uint32_t singleEntry(bool isDc, int32_t symbol, int32_t length, uint32_t rest, int32_t free)
+{
+    constexpr int32_t valueBitsLimit = 7; // of a value in an entry
     int32_t size = symbol & 15;
     int32_t run = isDc ? 0 : symbol >> 4;
-    int32_t entry = run << 8 | size << 12 | length;
     if (size == 0)
-        return entry | wideSymbol;
-    if (size > free)
-        return entry | wideCode;
+        return isDc || run == 15 ? wideEntry(length, run, run + 1) : wideEntry(length, 0, wideEnd);
+    if (size > free || size > valueBitsLimit)
+        return wideEntry(length, run, wideCode) | static_cast<uint32_t>(size) << 17;
     int32_t value = static_cast<int32_t>(rest >> (free - size));
     if (value < 1 << (size - 1))
         value += 1 - (1 << size);
-    return value * 65536 + (entry + size + wideValue);
+    auto bits = static_cast<uint32_t>(value);
+    return wideEntry(length + size, run, run + 1) | (bits & 127) << 17 | bits << 24;
 }
 
-static void fillWide(HuffmanTable* table, bool isDc, int32_t count, const uint8_t* lengths, const uint32_t* codes)
+static void fillSingles(HuffmanTable* table, bool isDc, int32_t count, const uint8_t* lengths, const uint32_t* codes)
 {
-    memset(table->wide, 0, sizeof table->wide);
+    for (uint32_t& entry : table->singles)
+        entry = wideEntry(0, 0, wideCode);
     for (int32_t i = 0; i < count && lengths[i] <= wideBits; ++i)
     {
         int32_t free = wideBits - lengths[i];
         for (uint32_t rest = 0; rest < 1u << free; ++rest)
-            table->wide[codes[i] << free | rest] = wideEntry(isDc, table->stored->symbols[i], lengths[i], rest, free);
+            table->singles[codes[i] << free | rest] =
+                singleEntry(isDc, table->stored->symbols[i], lengths[i], rest, free);
     }
+}
+
+// The entry of singles for the bits behind the first ones; wideCode where they do not hold all that it needs.
+static uint32_t entryBehind(const HuffmanTable& table, uint32_t bits, int32_t used)
+{
+    uint32_t entry = table.singles[(bits << used) & ((1u << wideBits) - 1)];
+    return used + bitsUsed(entry) <= wideBits ? entry : wideEntry(0, 0, wideCode);
+}
+
+static uint32_t pairEntry(const HuffmanTable& table, uint32_t bits)
+{
+    uint32_t entry = table.singles[bits];
+    if (passedBy(entry) >= wideEnd)
+        return entry;
+    uint32_t next = entryBehind(table, bits, bitsUsed(entry));
+    if (passedBy(next) < wideEnd && firstValue(entry) == lastValue(entry)) // else too large to be the first of two
+    {
+        entry += wideEntry(bitsUsed(next), 0, passedBy(next));
+        entry = (entry & 0xFFFFFF) | (next & 0xFF000000);
+        next = entryBehind(table, bits, bitsUsed(entry));
+    }
+    return passedBy(next) == wideEnd ? entry + wideEntry(bitsUsed(next), 0, wideEnd) : entry;
 }
 
 bool buildHuffmanTable(bool isDc, const StoredHuffman& stored, HuffmanTable* table)
@@ -100,6 +130,8 @@ bool buildHuffmanTable(bool isDc, const StoredHuffman& stored, HuffmanTable* tab
             return false;
     fillSearch(table, codes);
     fillLookAhead(table, count, lengths, codes);
-    fillWide(table, isDc, count, lengths, codes);
+    fillSingles(table, isDc, count, lengths, codes);
+    for (uint32_t bits = 0; !isDc && bits < 1u << wideBits; ++bits)
+        table->pairs[bits] = pairEntry(*table, bits);
     return true;
 }

@@ -130,7 +130,7 @@ struct JpegState
     uint32_t dcPrediction[scanComponentLimit]; // wraps
     int32_t restartsLeft;
     int16_t blocks[mcuBlockLimit][blockCoefficients];
-    uint8_t lastIndex[mcuBlockLimit]; // highest zigzag index set
+    uint8_t lastIndex[mcuBlockLimit]; // a zigzag index behind which no coefficient is set
 
     // rows
     bool contextRows;    // a component needs the rows above and below

@@ -2,11 +2,6 @@
 #include "image/colour_weights.h"
 #include "image/x86/vectors.h"
 
-inlineAvx2 __m256i widen16(const uint8_t* bytes)
-{
-    return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)));
-}
-
 inlineAvx2 __m256i weighAvx2(__m256i low, __m256i high, int32_t cbWeight, int32_t crWeight)
 {
     const __m256i round = _mm256_set1_epi32(half), weights = _mm256_broadcastsi128_si256(pairSse2(cbWeight, crWeight));

@@ -15,6 +15,7 @@ JpegKernels chooseKernels()
     if (level >= kernelsAvx2)
     {
         kernels.idctPair = inverseDctPairAvx2;
+        kernels.triangleTwoWay = triangleH2V2Avx2;
         kernels.ycc = convertYccAvx2;
     }
     return kernels;

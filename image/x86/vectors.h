@@ -11,6 +11,12 @@ inlineSse2 __m128i widen8(const uint8_t* bytes)
     return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes)), _mm_setzero_si128());
 }
 
+// Sixteen bytes to sixteen 16-bit lanes.
+inlineAvx2 __m256i widen16(const uint8_t* bytes)
+{
+    return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)));
+}
+
 // The factors a and b of a multiply-add, in every pair of 16-bit lanes.
 constexpr int32_t factorPair(int32_t a, int32_t b)
 {

@@ -410,34 +410,49 @@ TEST(JpegDecoder, CodesThatDoNotExistAreSymbolZero)
     EXPECT_TRUE(decodePlain(joinParts(parts)) == decoded);
 }
 
-// A grey block: `single` coefficients of 1, each with a code of one bit, then coefficients of 2 ** (size - 1) after
-// runs of 15 zeros until the block is full. Their code has the given length.
-static Bytes blockOfRuns(int single, int size, int codeLength)
+// A grey block of the given bits, in text. A first coefficient of 0 has the code 0. The other symbols have codes of the
+// given lengths, which increase.
+static Bytes blockOfBits(const std::vector<std::pair<int, int>>& lengthsAndSymbols, const std::string& bits)
 {
     JpegPlan plan;
     plan.width = plan.height = 8;
     plan.quant = 1;
     plan.components = { { 1, 1, 1 } };
     JpegParts parts = planJpeg(plan);
-    Bytes dc(18, 0), ac(19, 0);
+    Bytes dc(18, 0), ac(17, 0);
     dc[1] = 1;
     ac[0] = 0x10;
-    ac[1] = ac[static_cast<size_t>(codeLength)] = 1;
-    ac[17] = 0x01;
-    ac[18] = static_cast<uint8_t>(0xF0 + size);
+    for (auto [length, symbol] : lengthsAndSymbols)
+    {
+        ac[static_cast<size_t>(length)] = 1;
+        ac.push_back(static_cast<uint8_t>(symbol));
+    }
     parts.huffman = segmentOf(0xC4, dc);
     for (uint8_t byte : segmentOf(0xC4, ac))
         parts.huffman.push_back(byte);
+    parts.entropy.clear();
+    for (size_t i = 0; i < bits.size(); i += 8)
+    {
+        std::string byte = bits.substr(i, 8);
+        byte.resize(8, '0');
+        parts.entropy.push_back(static_cast<uint8_t>(std::stoi(byte, nullptr, 2)));
+        if (parts.entropy.back() == 0xFF)
+            parts.entropy.push_back(0);
+    }
+    return joinParts(parts);
+}
+
+// A grey block: `single` coefficients of 1, each with a code of one bit, then coefficients of 2 ** (size - 1) after
+// runs of 15 zeros until the block is full. Their code has the given length.
+static Bytes blockOfRuns(int single, int size, int codeLength)
+{
     std::string bits = "0";
     for (int i = 0; i < single; ++i)
         bits += "01";
     for (int k = single + 16; k < 64 + 16; k += 16)
         bits += "1" + std::string(static_cast<size_t>(codeLength - 1), '0') + "1" +
                 std::string(static_cast<size_t>(size - 1), '0');
-    parts.entropy.assign((bits.size() + 7) / 8, 0);
-    for (size_t i = 0; i < bits.size(); ++i)
-        parts.entropy[i / 8] = static_cast<uint8_t>(parts.entropy[i / 8] | (bits[i] - '0') << (7 - i % 8));
-    return joinParts(parts);
+    return blockOfBits({ { 1, 0x01 }, { codeLength, 0xF0 + size } }, bits);
 }
 
 TEST(JpegDecoder, ARunPastTheEndOfTheBlockSetsTheLastCoefficient)
@@ -463,6 +478,70 @@ TEST(JpegDecoder, ARunPastTheEndOfTheBlockSetsTheLastCoefficient)
                 EXPECT_TRUE(decode(past) == within) << size << " " << codeLength << " " << single;
                 EXPECT_TRUE(decodePlain(past) == within) << size << " " << codeLength << " " << single;
             }
+}
+
+TEST(JpegDecoder, AValueOfAnySizeMayStandBeforeARunOfSixteen)
+{
+    for (int size = 1; size <= 10; ++size)
+        for (int value : { 1 << (size - 1), (1 << size) - 1, -(1 << (size - 1)), 1 - (1 << size) })
+        {
+            std::string coded = "0";
+            for (int bit = size - 1; bit >= 0; --bit)
+                coded += ((value < 0 ? value - 1 : value) >> bit & 1) != 0 ? "1" : "0";
+            std::string bits = "0";
+            bits.append(coded).append("10").append(coded).append("110");
+            Bytes file = blockOfBits({ { 1, size }, { 2, 0xF0 }, { 3, 0x00 } }, bits);
+            JpegPlan plan;
+            plan.width = plan.height = 8;
+            plan.quant = 1;
+            plan.components = { { 1, 1, 1 } };
+            plan.block = [&](int, int, int* zigzag) { zigzag[1] = zigzag[18] = value; };
+            auto expected = decode(buildJpeg(plan));
+            ASSERT_TRUE(expected.has_value());
+            EXPECT_TRUE(decode(file) == expected) << value;
+            EXPECT_TRUE(decodePlain(file) == expected) << value;
+        }
+}
+
+// A full block has no end of its own: the bits behind its last coefficient are those of the next block.
+TEST(JpegDecoder, AFullBlockLeavesTheRestOfALookUpToTheNextBlock)
+{
+    for (int lone = 0; lone < 6; ++lone)
+        for (int steps = 1; steps < 4; ++steps)
+        {
+            JpegPlan plan;
+            plan.width = plan.height = 64;
+            plan.quant = 1;
+            plan.components = { { 1, 1, 1 } };
+            plan.block = [&](int, int index, int* zigzag)
+            {
+                zigzag[0] = index * index % 7 - 3;
+                int first = index % 3 == 0 ? 63 - index % (63 - lone) : 63; // most are short, so their end is, too
+                for (int k = first; k < 64; k += k < 63 - lone ? 1 : steps)
+                    zigzag[index % 3 == 0 ? k : 1] = k % 2 ? 1 : -1;
+                zigzag[63] = index % 3 == 0 ? 1 : 0;
+            };
+            Bytes file = buildJpeg(plan);
+            auto expected = decodePlain(file);
+            ASSERT_TRUE(expected.has_value());
+            EXPECT_TRUE(decode(file) == expected) << lone << " " << steps;
+        }
+}
+
+TEST(JpegDecoder, ComponentsWithTablesOfTheirOwn)
+{
+    for (int tables = 0; tables < 16; ++tables)
+    {
+        JpegPlan plan;
+        plan.components = sampled(1, 1);
+        plan.components[1].dc = tables & 1;
+        plan.components[1].ac = tables >> 1 & 1;
+        plan.components[2].dc = tables >> 2 & 1;
+        plan.components[2].ac = tables >> 3;
+        auto decoded = decode(buildJpeg(plan));
+        plan.components = sampled(1, 1);
+        EXPECT_TRUE(decoded.has_value() && decoded == decode(buildJpeg(plan))) << tables;
+    }
 }
 
 static std::vector<Bytes> samplesOfAllKinds()
