@@ -244,6 +244,24 @@ TEST_F(View, WithAFilterWritesWhatItShows)
     EXPECT_GT(infoOf("a")["hidden"].get<int>(), 0); // the view still has the rest
 }
 
+// The page fetches a file in pieces that grow.
+TEST_F(View, ReadsAFileOfSeveralPiecesAsKbxDoes)
+{
+    std::ofstream large(folder / "large.obj");
+    for (int i = 0; i < 150000; ++i)
+        large << "v " << i % 977 << "." << i << " " << i / 7 << " -0." << 1000000 + i << "\n";
+    for (int i = 1; i < 150000 - 2; ++i)
+        large << "f " << i << " " << i + 1 << " " << i + 2 << "\n";
+    large.close();
+    add("a", Json::object());
+    askBridge("viewFiles", { { "paths", { (folder / "large.obj").string() } } });
+    askBridge("viewOpen", { { "id", "a" }, { "names", { "large.obj" } } });
+    askBridge("viewSave", { { "id", "a" }, { "kind", "obj" }, { "folder", (folder / "out").string() } });
+    fs::create_directories(folder / "kbx");
+    kbxIn(folder, "convert large.obj kbx/large.obj");
+    EXPECT_EQ(bytesOf(folder / "out" / "large.obj"), bytesOf(folder / "kbx" / "large.obj"));
+}
+
 TEST_F(View, ReportsProgress)
 {
     std::ofstream large(folder / "large.off");

@@ -106,7 +106,7 @@ export interface State {
 export interface Core {
     HEAPU8: Uint8Array;
     FS: any;
-    WORKERFS: object;
+    WORKERFS: { stream_ops: object };
     filesAhead: { [name: string]: Uint8Array };
     UTF8ToString(pointer: number): string;
     _malloc(bytes: number): number;

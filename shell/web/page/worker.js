@@ -4,6 +4,7 @@
 // message is answered by { what: "done" } when the program has drawn what it asked for.
 import { forgetAddress, lookBeside, setAddress, wasFetched } from "./beside.js";
 import createProgram from "./core.js";
+import { readInPieces } from "./pieces.js";
 
 /** @typedef {import("./messages").Request} Request */
 /** @typedef {import("./messages").GivenFile} GivenFile */
@@ -242,6 +243,7 @@ async function start(request) {
     for (const folder of ["/in", "/files", outputFolder]) core.FS.mkdir(folder);
     core.FS.chdir(outputFolder);
     lookBeside(core.FS);
+    readInPieces(core.WORKERFS);
     starting.begin(request);
 }
 
