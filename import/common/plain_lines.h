@@ -53,26 +53,27 @@ inline bool takeLowest(uint64_t* bits, uint64_t* offset)
 }
 
 // A line of numbers that may have signs and points. Every byte that is not a digit must end a number or be a sign.
-// signsAreInPlace tests all signs together after the numbers have been taken, so that no number waits for the test.
+// signsAreInPlace tests all signs together after the numbers have been taken, so that no number waits for the test. A
+// sign is always doubled: a byte that is not a digit stands before it. So it is enough that there are as many of both.
 struct PlainLine
 {
     const char* text;
     uint64_t ends;    // bit i: text[i] is the first byte after digits; bits are removed as numbers are taken
-    uint64_t doubled; // bit i: neither text[i] nor the byte before it is a digit
-    uint64_t signs;   // found so far
+    uint64_t doubled; // bit i: neither text[i] nor the byte before it is a digit; each sign removes the lowest bit
     uint64_t at;      // offset of the next number
 };
 
 inline PlainLine startPlainLine(const char* text)
 {
     uint64_t others = otherThanDigits(text), doubled = others & (others << 1 | 1);
-    return { text, others ^ doubled, doubled, 0, 0 };
+    return { text, others ^ doubled, doubled, 0 };
 }
 
+// At least one number has been taken.
 inline bool signsAreInPlace(const PlainLine& line)
 {
-    uint64_t passed = (uint64_t{ 1 } << (line.at - 1)) - 1;
-    return (line.doubled & passed) == line.signs;
+    uint64_t passed = ~uint64_t{ 0 } >> (64 - line.at);
+    return (line.doubled & passed) == 0;
 }
 
 // A number as sixteen digits filled up with zeros on the right, and the factor that gives its value.
@@ -96,7 +97,7 @@ inline bool takePlainNumber(PlainLine* line, PlainNumber* number)
     if (!takeLowest(&line->ends, &end))
         return false;
     uint64_t negative = line->text[line->at] == '-', start = line->at + negative;
-    line->signs |= negative << line->at;
+    line->doubled &= line->doubled - negative;
     uint64_t whole = end - start, digits = whole;
     if (line->text[end] == '.')
     {

@@ -63,63 +63,84 @@ struct PlainFace
     int count;
 };
 
-// Takes "7", "7/3", "7/3/5" or "7//5" and the byte behind it. The last of three numbers, the normal, is not used.
-static bool takeCorner(DigitLine* line, SixteenDigits* digits)
+// The numbers of a corner. The last of three, the normal, is not used.
+enum CornerForm
+{
+    vertexOnly,     // 7
+    vertexUv,       // 7/3
+    vertexUvNormal, // 7/3/5
+    vertexSecond    // 7//5: as in 7/5
+};
+
+// Takes a corner and the byte behind it.
+template <CornerForm form>
+__attribute__((always_inline)) static inline bool takeCorner(DigitLine* line, SixteenDigits* digits)
 {
     constexpr uint64_t longest = 28; // three numbers and what separates them
     if (line->at > 64 - longest)
         *line = startDigitLine(line->text + line->at);
     PlainDigits vertex, uv;
-    uint64_t end;
+    [[maybe_unused]] uint64_t end;
     if (!takePlainDigits(line, &vertex))
         return false;
     uv = { vertex.end, 0 };
-    if (*vertex.end == '/')
+    if (form != vertexOnly && *vertex.end != '/')
+        return false;
+    if (form == vertexSecond)
     {
-        if (vertex.end[1] == '/')
-        {
-            takeLowest(&line->ends, &end);
-            ++line->at;
-        }
-        if (!takePlainDigits(line, &uv))
+        if (vertex.end[1] != '/' || !takeLowest(&line->ends, &end))
             return false;
-        if (*uv.end == '/')
-        {
-            if (!takeLowest(&line->ends, &end))
-                return false;
-            line->at = end + 1;
-        }
+        ++line->at;
+    }
+    if (form != vertexOnly && !takePlainDigits(line, &uv))
+        return false;
+    if (form == vertexUvNormal)
+    {
+        if (*uv.end != '/' || !takeLowest(&line->ends, &end))
+            return false;
+        line->at = end + 1;
     }
     *digits = joinFours(vertex, uv);
     return true;
 }
 
+// Takes three or four corners of one form and the line end. Returns where the next line begins, or null.
+template <CornerForm form>
+static const char* takeCornersOfForm(DigitLine line, PlainFace* face)
+{
+    SixteenDigits first, second, third, fourth = {};
+    if (!takeCorner<form>(&line, &first) || line.text[line.at - 1] != ' ' || !takeCorner<form>(&line, &second) ||
+        line.text[line.at - 1] != ' ' || !takeCorner<form>(&line, &third))
+        return nullptr;
+    const char* end = line.text + line.at - 1;
+    end += *end == ' ';
+    face->count = 3;
+    if (!isLineEnd(*end))
+    {
+        if (end[-1] != ' ' || !takeCorner<form>(&line, &fourth))
+            return nullptr;
+        end = line.text + line.at - 1;
+        end += *end == ' ';
+        face->count = 4;
+    }
+    splitPairs(joinEights(first, second), joinEights(third, fourth), &face->vertices, &face->uvs);
+    return isLineEnd(*end) ? end + 1 : nullptr;
+}
+
+// The first corner shows the form of all corners.
 static const char* takeCorners(const char* at, PlainFace* face)
 {
     DigitLine line = startDigitLine(at);
-    SixteenDigits digits[4] = {};
-    face->count = 0;
-    for (;;)
-    {
-        if (face->count == 4 || !takeCorner(&line, &digits[face->count]))
-            return nullptr;
-        ++face->count;
-        const char* end = line.text + line.at - 1;
-        if (*end == '\n' || *end == '\r')
-        {
-            at = end + 1;
-            break;
-        }
-        if (*end != ' ')
-            return nullptr;
-        if (end[1] == '\n' || end[1] == '\r')
-        {
-            at = end + 2;
-            break;
-        }
-    }
-    splitPairs(joinEights(digits[0], digits[1]), joinEights(digits[2], digits[3]), &face->vertices, &face->uvs);
-    return face->count >= 3 ? at : nullptr;
+    uint64_t ends = line.ends, end;
+    if (!takeLowest(&ends, &end))
+        return nullptr;
+    if (at[end] != '/')
+        return takeCornersOfForm<vertexOnly>(line, face);
+    if (at[end + 1] == '/')
+        return takeCornersOfForm<vertexSecond>(line, face);
+    if (!takeLowest(&ends, &end))
+        return nullptr;
+    return at[end] == '/' ? takeCornersOfForm<vertexUvNormal>(line, face) : takeCornersOfForm<vertexUv>(line, face);
 }
 
 // Counts the texture indices past the last texture coordinate, which takeFace sets to the first one.

@@ -94,7 +94,7 @@ static float readCoordinate(const DxfSource* source)
 // Passes a byte that is not a digit and stands where a sign might.
 static void passDoubled(PlainLine* line)
 {
-    line->signs |= uint64_t{ 1 } << line->at;
+    line->doubled &= line->doubled - 1;
     ++line->at;
 }
 

@@ -50,6 +50,31 @@ static const std::string sample =
     "vn 0 0 1\ng left side \nusemtl red\nf 1/1/1 2/2/1 3//1\nfo 1 2 3 4\n\n\tv 7 7 7\nl 1 2 3 4 5\nusev 1 1 1\n"
     "usemtl  blue\nf -1 -2 -3 -4 -5\ng\nf 1 2\nmtlx f 1 2 3\ns 1\rv 9 9 9\rf 1/2 3/1 6/2\n";
 
+TEST_F(ObjLiteral, CornersOfEveryForm)
+{
+    static const char* const forms[] = { "", "/%d", "/%d/%d", "//%d", "/%d/", "//%d/%d", "///%d", "/" };
+    std::string text;
+    for (int i = 1; i <= 9; ++i)
+        text += "v " + std::to_string(i) + " 0 0\nvt 0." + std::to_string(i) + " 0\n";
+    auto corner = [](int number, const char* form)
+    {
+        char rest[32];
+        snprintf(rest, sizeof rest, form, 9 - number, number); // not the index of the vertex
+        return " " + std::to_string(number) + rest;
+    };
+    for (const char* end : { "\n", " \n", "\r\n", "  \n" })
+        for (const char* first : forms)
+            for (const char* other : forms)
+                for (int count = 2; count <= 5; ++count)
+                {
+                    text += "f";
+                    for (int k = 1; k <= count; ++k)
+                        text += corner(k, k == count - 1 ? other : first);
+                    text += end;
+                }
+    compare(text);
+}
+
 TEST_F(ObjLiteral, EveryCutOfASampleWithEveryBlockSize)
 {
     for (size_t length = 0; length <= sample.size(); ++length)
