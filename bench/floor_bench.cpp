@@ -1,9 +1,10 @@
-// bench/floor_bench.cpp - what no reader can do without, in bare loops: the floors of bench/compare
+// bench/floor_bench.cpp - what no reader and no frame can do without, in bare loops: the floors of bench/compare
 //
 // The memory has been touched before, and nothing is checked but what the kernels check.
 #include "reader_timing.h"
 
 #include "import/common/plain_lines.h"
+#include "render/kernels.h"
 
 #include <fcntl.h>
 #include <string.h>
@@ -77,5 +78,45 @@ static void bareText(benchmark::State& state)
     }
 }
 
-BENCHMARK(bareBytes)->Args({ 27, 68 })->Args({ 29, 104 })->Args({ 190, 482 })->Unit(benchmark::kMillisecond);
+// Reads every vertex and stores its place, reads every face, and fills the display three times: with the background,
+// with the picture, and with its pixels. The faces are triangles, of which a closed model has two for each vertex.
+static void bareFrame(benchmark::State& state)
+{
+    constexpr size_t cellCount = 688 * 584, pixelBytes = 3;
+    auto faceCount = static_cast<size_t>(state.range(0));
+    std::vector<MeshVertex> vertices(faceCount / 2);
+    std::vector<ProjectedVertex> projected(vertices.size());
+    std::vector<Corners> faces(faceCount);
+    std::vector<Plane> planes(faceCount);
+    std::vector<uint32_t> attributes(faceCount), cells(cellCount);
+    std::vector<uint8_t> pixels(cellCount * pixelBytes);
+    for (auto _ : state)
+    {
+        for (size_t i = 0; i < vertices.size(); ++i)
+        {
+            const float* position = vertices[i].position;
+            projected[i] = { static_cast<uint32_t>(position[0] + position[1]), static_cast<uint32_t>(position[2]), 0,
+                             vertices[i].colour };
+        }
+        uint32_t read = 0;
+        for (size_t i = 0; i < faceCount; ++i)
+            read |= faces[i][0] | faces[i][1] | faces[i][2] | attributes[i] | (planes[i].distance > 0 ? 1u : 0u);
+        std::fill(cells.begin(), cells.end(), 0x528Au);
+        benchmark::DoNotOptimize(cells.data());
+        std::fill(cells.begin(), cells.end(), read);
+        benchmark::DoNotOptimize(cells.data());
+        cellExpander()(pixels.data(), cells.data(), static_cast<int32_t>(cellCount));
+        benchmark::DoNotOptimize(projected.data());
+        benchmark::DoNotOptimize(pixels.data());
+    }
+}
+
+BENCHMARK(bareBytes)
+    ->Args({ 1, 17 })
+    ->Args({ 11, 268 })
+    ->Args({ 27, 68 })
+    ->Args({ 29, 104 })
+    ->Args({ 190, 482 })
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(bareText)->Arg(1)->Arg(10)->Arg(47)->Arg(68)->Arg(116)->Unit(benchmark::kMillisecond);
+BENCHMARK(bareFrame)->Arg(4096)->Arg(1048576)->Arg(10485760)->Unit(benchmark::kMillisecond);

@@ -59,8 +59,15 @@ WIDE Mask greaterWithin(Mask lanes, Ints a, Ints b) { return _mm512_mask_cmpgt_e
 WIDE bool anyOf(Mask lanes) { return lanes != 0; }
 WIDE Ints loadCells(const uint32_t* cells, Mask lanes) { return _mm512_maskz_loadu_epi32(lanes, cells); }
 WIDE void storeCells(uint32_t* cells, Mask lanes, Ints values) { _mm512_mask_storeu_epi32(cells, lanes, values); }
+// A gather takes as long as its register is wide, and half of the spans have no more than eight pixels.
 WIDE Ints gatherTexels(const uint32_t* texels, Ints places, Mask lanes)
 {
+    if (lanes <= 0xFF)
+    {
+        __m256i half = _mm256_mmask_i32gather_epi32(_mm256_setzero_si256(), static_cast<__mmask8>(lanes),
+                                                    _mm512_castsi512_si256(places), texels, 4);
+        return _mm512_zextsi256_si512(half);
+    }
     return _mm512_mask_i32gather_epi32(zero(), lanes, places, texels, 4);
 }
 // clang-format on
