@@ -22,6 +22,14 @@ constexpr int blockColumns = (width + blockSide - 1) / blockSide, blockRows = (h
 // How much the mean of a block may differ, of 255: processors estimate reciprocal square roots differently.
 constexpr int tolerance = 2;
 
+// How many means of a picture may differ by more: those of one block in three colours. In one view of the built-in
+// model a triangle of 30 pixels stands edge-on to the eye, and the estimate decides which of its sides is shaded.
+#if defined(__x86_64__) || defined(__i386__)
+constexpr int edgeOnMeans = 0; // the kept pictures come from such a processor
+#else
+constexpr int edgeOnMeans = 3;
+#endif
+
 struct Entry
 {
     std::string name, options;
@@ -119,14 +127,14 @@ TEST_F(Pictures, LookAsTheyDidWhenTheyWereKept)
             std::ofstream(kept, std::ios::binary) << means;
         std::string expected = bytesOf(kept);
         ASSERT_EQ(expected.size(), means.size());
-        int worst = 0, different = 0;
+        int different = 0;
         for (size_t i = 0; i < means.size(); ++i)
         {
             int difference = abs(static_cast<uint8_t>(means[i]) - static_cast<uint8_t>(expected[i]));
-            worst = std::max(worst, difference);
             different += difference > tolerance;
         }
-        EXPECT_LE(worst, tolerance) << different << " of " << blockColumns * blockRows * 3 << " means differ by more";
+        EXPECT_LE(different, edgeOnMeans)
+            << "of " << blockColumns * blockRows * 3 << " means differ by more than " << tolerance;
     }
 }
 
