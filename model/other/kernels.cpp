@@ -3,9 +3,23 @@
 
 #include "model/reciprocal_root.h"
 
+#include <algorithm>
+
+// A browser changes to its optimised code of a function at the next call, so the faces are taken in parts.
+static void addFaceNormalsInParts(Mesh* mesh, int32_t from, int32_t to)
+{
+    constexpr int32_t part = 4096;
+    while (from < to)
+    {
+        int32_t end = from + std::min(part, to - from);
+        addFaceNormalsPlain(mesh, from, end);
+        from = end;
+    }
+}
+
 ModelKernels modelKernels()
 {
-    return { addFaceNormalsPlain, normaliseVerticesPlain, boxOfVerticesPlain };
+    return { addFaceNormalsInParts, normaliseVerticesPlain, boxOfVerticesPlain };
 }
 
 float reciprocalRootEstimate(float squared)
