@@ -205,6 +205,70 @@ export function viewFunctions(launch, viewFolder) {
                 .evaluate(() => {
                     self.onmessage({ data: { do: "nothing", number: 0 } });
                 }),
+        // The program of the view that was added last runs into a trap of WebAssembly at the next tool.
+        viewTrap: () =>
+            page
+                .workers()
+                .at(-1)
+                .evaluate(async (scripts) => {
+                    const { actions, core } = await import(`${scripts}worker.js`);
+                    actions.tool = () => core._runToolInView(-16); // a name at the end of all addresses
+                }, `http://127.0.0.1:${port}/view/`),
+        async viewClickAgain({ id }) {
+            const view = await page.$(`#${id}`);
+            const button = await view.evaluateHandle((element) => element.shadowRoot.querySelector("button"));
+            const shown = await button.evaluate((element) => element.checkVisibility() && element.textContent);
+            await button.click();
+            return shown;
+        },
+
+        // Opens a file of these bytes. Returns the message of a refusal, that of the last error event, and the facts.
+        viewOpenBytes: ({ id, name, bytes }) =>
+            page.evaluate(
+                async (viewId, file, text) => {
+                    const view = document.getElementById(viewId);
+                    const contents = Uint8Array.from(atob(text), (letter) => letter.charCodeAt(0));
+                    view.said.length = 0;
+                    const refused = await view.open([new File([contents], file)]).then(
+                        () => null,
+                        ({ message }) => message,
+                    );
+                    const errors = view.said.filter(({ type }) => type === "error");
+                    return { refused, said: errors.at(-1)?.message ?? null, info: view.info() };
+                },
+                id,
+                name,
+                bytes,
+            ),
+
+        // Opens the taken files one after another, in so many rounds. Returns what the program has then: bytes from the
+        // browser, files and folders, and bytes of its worker's scripts.
+        async viewOpenInARow({ id, names, rounds }) {
+            await page.evaluate(
+                async (viewId, chosen, count) => {
+                    const files = [...window.taken.files];
+                    const others = files.filter((file) => /mtl$|jpg$/.test(file.name));
+                    const view = document.getElementById(viewId);
+                    for (let i = 0; i < count * chosen.length; ++i) {
+                        const wanted = files.find((file) => file.name === chosen[i % chosen.length]);
+                        await view.open([wanted, ...others]).catch(() => {});
+                    }
+                },
+                id,
+                names,
+                rounds,
+            );
+            const worker = page.workers().at(-1);
+            const [memory, nodes] = await worker.evaluate(async (scripts) => {
+                const { core } = await import(`${scripts}worker.js`);
+                let count = 0;
+                for (let node of core.FS.nameTable) for (; node; node = node.name_next) ++count;
+                return [core.HEAPU8.length, count];
+            }, `http://127.0.0.1:${port}/view/`);
+            await worker.client.send("HeapProfiler.collectGarbage");
+            const { usedSize } = await worker.client.send("Runtime.getHeapUsage");
+            return { memory, nodes, scripts: usedSize };
+        },
         async viewName({ id }) {
             const view = await page.$(`#${id}`);
             const inner = await view.evaluateHandle((element) => element.shadowRoot.querySelector("div"));

@@ -355,6 +355,48 @@ TEST_F(View, StartsAnewAfterAFault)
     EXPECT_EQ(pictureOf("a"), rendered((folder / "scan.ply").string() + " --size 300x240"));
 }
 
+TEST_F(View, ATrapInsideIsAnErrorAndTheUserCanStartAnew)
+{
+    add("a", { { "src", "/models/chair.obj" } });
+    std::string before = pictureOf("a");
+    askBridge("viewTrap");
+    const std::string message = "The program has stopped: RuntimeError: memory access out of bounds";
+    EXPECT_EQ(askBridge("viewTool", { { "id", "a" }, { "name", "weld" } })["refused"], message);
+    Json events = askBridge("viewSay", { { "id", "a" }, { "count", 2 } });
+    EXPECT_EQ(lastMessageOf(events), message);
+    EXPECT_EQ(askBridge("viewClickAgain", { { "id", "a" } }), "Start anew");
+    events = askBridge("viewSay", { { "id", "a" }, { "count", 3 } });
+    EXPECT_EQ(countOf(events, "load"), 2) << events;
+    EXPECT_EQ(pictureOf("a"), before);
+    EXPECT_EQ(askBridge("viewTool", { { "id", "a" }, { "name", "weld" } }).value("refused", ""), "");
+}
+
+TEST_F(View, HasTheSizeThatItsAttributeSays)
+{
+    add("a", { { "src", "/models/chair.obj" }, { "size", "200x150" } });
+    EXPECT_EQ(pictureOf("a"), rendered(chair() + " --size 200x150"));
+    Json events = add("b", { { "src", "/models/chair.obj" }, { "size", "5x150" } });
+    EXPECT_EQ(lastMessageOf(events), "size: expected WxH, each 10..16384, not 5x150");
+    EXPECT_EQ(pictureOf("b"), rendered(chair()));
+}
+
+TEST_F(View, ThreeHundredFilesInARowLeaveNothingBehind)
+{
+    std::ofstream(folder / "bad.dxf") << "0\nSECTION\n2\nENTITIES\n0\nPOLYLINE\n";
+    add("a", Json::object());
+    std::vector<std::string> names = { "chair.obj", "scan.ply", "bad.dxf" }, paths;
+    for (const char* name : { "chair.obj", "scan.ply", "bad.dxf", "chair.mtl", "wood.jpg" })
+        paths.push_back((folder / name).string());
+    askBridge("viewFiles", { { "paths", paths } });
+    auto openInARow = [&](int rounds) {
+        return askBridge("viewOpenInARow", { { "id", "a" }, { "names", names }, { "rounds", rounds } });
+    };
+    Json early = openInARow(40), late = openInARow(60);
+    EXPECT_EQ(late["memory"], early["memory"]);
+    EXPECT_EQ(late["nodes"], early["nodes"]);
+    EXPECT_LT(late["scripts"].get<int>(), early["scripts"].get<int>() + (1 << 17)); // what the browser compiles, too
+}
+
 TEST_F(View, HasANameForScreenReaders)
 {
     add("a", { { "src", "/models/chair.obj" } });

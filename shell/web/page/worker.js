@@ -64,7 +64,15 @@ const folderOf = (path) => path.slice(0, path.lastIndexOf("/"));
 
 /** @param {GivenFile[]} files @param {string} source a folder */
 function mount(files, source) {
-    core.FS.mount(core.WORKERFS, { blobs: files.map(({ path, file }) => ({ name: path, data: file })) }, source);
+    const { FS, WORKERFS } = core;
+    const root = FS.mount(WORKERFS, { blobs: files.map(({ path, file }) => ({ name: path, data: file })) }, source);
+    // emscripten makes the nodes before their mount is known, and would keep them when it is taken away.
+    /** @param {any} node */
+    const enter = (node) => {
+        node.mount = root.mount;
+        if (FS.isDir(node.mode)) Object.values(node.contents).forEach(enter);
+    };
+    enter(root);
 }
 
 // Puts files where the program finds them, without reading them: each is a link to the browser's file, so that what the

@@ -12,7 +12,9 @@ import { Program } from "./program.js";
 const turning = ["rotate", "view", "zoom"];
 const looking = ["preset", "texture", "lights", "shadows", "no-vertex-color", "no-backcull", "wireframe", "rough"];
 const reading = ["no-keyframes", "tool", "filter", "format", "ply-list", "max-size"];
-const optionNames = [...turning, ...looking, "metallic", "moon", "background", ...reading];
+const optionNames = [...turning, ...looking, "metallic", "moon", "background", "size", ...reading];
+const sideLeast = 10; // of the size, as for kbx
+const sideLimit = 16384;
 const builtInTextures = ["wood", "metal", "pattern"];
 
 /** The keys of the page that turn and zoom, with the codes of shell/keys.h. @type {{ [name: string]: number }} */
@@ -30,12 +32,14 @@ const keys = {
 
 const style = new CSSStyleSheet();
 style.replaceSync(`
-    :host { display: inline-block; width: 620px; height: 520px; }
+    :host { display: inline-block; position: relative; width: 620px; height: 520px; }
     :host([hidden]) { display: none; }
     div { width: 100%; height: 100%; touch-action: none; }
     div:focus-visible { outline: 2px solid Highlight; outline-offset: 1px; }
     canvas { display: block; width: 100%; height: 100%; visibility: hidden; }
     .shown canvas { visibility: visible; }
+    button { position: absolute; inset: 0; width: fit-content; height: fit-content; margin: auto; padding: 0.5em 1em; }
+    button[hidden] { display: none; }
 `);
 
 /** @param {string} address */
@@ -63,12 +67,17 @@ export class KestrelboxView extends HTMLElement {
     #textureAddress = ""; // of the one that the program has
     #ending = ""; // why there is no program
     #place = document.createElement("div");
+    #again = document.createElement("button"); // for a program that has stopped
+    #sizeStyle = new CSSStyleSheet();
 
     constructor() {
         super();
         const root = this.attachShadow({ mode: "open", delegatesFocus: true });
-        root.adoptedStyleSheets = [style];
-        root.append(this.#place);
+        root.adoptedStyleSheets = [style, this.#sizeStyle];
+        root.append(this.#place, this.#again);
+        this.#again.textContent = "Start anew";
+        this.#again.hidden = true;
+        this.#again.addEventListener("click", () => this.restart().catch(() => undefined));
         this.#place.setAttribute("role", "img");
         this.#place.tabIndex = 0;
         this.#place.addEventListener("keydown", (event) => this.#takeKey(event));
@@ -100,6 +109,7 @@ export class KestrelboxView extends HTMLElement {
     /** @param {string} name */
     attributeChangedCallback(name) {
         if (name === "src") this.#shown = null;
+        if (name === "size") this.#takeSize();
         if (name === "aria-label") this.#name();
         else if (this.#program && this.#changed.add(name).size === 1) queueMicrotask(() => this.#follow());
     }
@@ -134,12 +144,18 @@ export class KestrelboxView extends HTMLElement {
         return files.map(({ name, bytes }) => new File([/** @type {BlobPart} */ (bytes)], name));
     }
 
+    async restart() {
+        this.#end("The program was started anew");
+        await this.#open(this.#shown ?? this.#addressed());
+    }
+
     // ---- the program ----
 
     #start() {
         const worker = new Worker(new URL("./view_worker.js", import.meta.url), { type: "module" });
         const program = new Program((said) => this.#hear(program, said), worker);
         this.#program = program;
+        this.#again.hidden = true;
         this.#textureAddress = "";
         program.start(this.#place);
     }
@@ -158,6 +174,7 @@ export class KestrelboxView extends HTMLElement {
         if (program !== this.#program) return;
         if (what === "fault") {
             this.#end(`The program has stopped: ${text}`);
+            this.#again.hidden = false;
             this.#fail(this.#ending);
         }
         if (what === "progress") this.#steps = value;
@@ -269,6 +286,14 @@ export class KestrelboxView extends HTMLElement {
     /** @param {string} message */
     #fail(message) {
         this.dispatchEvent(new ErrorEvent("error", { message }));
+    }
+
+    // The size is that of the element where the page's own styles give none; the program says when it is wrong.
+    #takeSize() {
+        const [, width, height] = /^(\d+)x(\d+)$/.exec(this.getAttribute("size") ?? "") ?? [];
+        const isOne = (/** @type {string} */ side) => Number(side) >= sideLeast && Number(side) <= sideLimit;
+        const rule = isOne(width) && isOne(height) ? `:host { width: ${width}px; height: ${height}px; }` : "";
+        this.#sizeStyle.replaceSync(rule);
     }
 
     #fileName() {

@@ -21,7 +21,7 @@ export type SaveKind = "obj" | "pp2" | "rkf" | "lxs" | "stl" | "png" | "bmp";
 
 /**
  * `<kestrelbox-view>`. Its attributes are `src` and the options of `kbx render`: `preset`, `texture`, `lights`, `shadows`,
- * `no-vertex-color`, `no-backcull`, `wireframe`, `rough`, `metallic`, `moon`, `background`, `rotate`, `view`, `zoom`,
+ * `no-vertex-color`, `no-backcull`, `wireframe`, `rough`, `metallic`, `moon`, `background`, `size`, `rotate`, `view`, `zoom`,
  * `no-keyframes`, `tool`, `filter`, `format`, `ply-list` and `max-size`.
  *
  * Events: `load` when a model is shown, `error` (an `ErrorEvent` with the message), `progress` (a `ProgressEvent`).
@@ -41,6 +41,9 @@ export declare class KestrelboxView extends HTMLElement {
 
     /** The picture that is shown, as a PNG file of its own pixels. */
     picture(): Promise<Blob>;
+
+    /** Starts the program anew, after a fault or at any time, and shows the model again without what tools have done. */
+    restart(): Promise<void>;
 
     /** The files that `kbx convert` writes, or the picture. The one that was asked for comes first. */
     save(kind: SaveKind): Promise<File[]>;
