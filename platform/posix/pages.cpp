@@ -4,22 +4,17 @@
 // at 2 MiB boundaries, consist of whole 2 MiB pages and request huge pages: touching fresh memory in pages of 4 KiB
 // takes longer than reading a file into it. A huge page takes about as long as 40 small ones (43 and 1.2 microseconds
 // in a virtual machine), so it pays where a third of a block of 512 KiB is used.
-//
-// Released blocks whose content does not matter are kept for the next request of this kind. Reading a model into pages
-// that the last one has left takes two thirds of the time. The list has no lock: only one thread may use it.
 #include "platform/pages.h"
 
+#include "platform/kept_blocks.h"
 #include "platform/refused_memory.h"
 
 #include <stdint.h>
-#include <string.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
 constexpr size_t hugePage = size_t{ 2 } << 20;
 constexpr size_t hugeFrom = size_t{ 512 } << 10; // bytes from which a block gets huge pages
-constexpr int keptBlockLimit = 8;                // the arrays of a model
-constexpr size_t keptRoom = size_t{ 256 } << 20; // of all kept blocks together
 
 struct BlockHeader
 {
@@ -28,15 +23,6 @@ struct BlockHeader
     size_t blockBytes;
     bool uncleared; // nobody expects zeros in it
 };
-
-struct KeptBlocks
-{
-    void* blocks[keptBlockLimit]; // the oldest first
-    int count;
-    size_t totalBytes;
-};
-
-static KeptBlocks kept;
 
 static size_t pageSize()
 {
@@ -60,51 +46,12 @@ static void unmapBlock(void* block)
     munmap(header->mapping, header->mappedBytes);
 }
 
-static void* takeKept(int i)
-{
-    void* block = kept.blocks[i];
-    kept.totalBytes -= headerOf(block)->blockBytes;
-    --kept.count;
-    memmove(&kept.blocks[i], &kept.blocks[i + 1], static_cast<size_t>(kept.count - i) * sizeof *kept.blocks);
-    return block;
-}
-
-static void keepBlock(void* block)
-{
-    size_t bytes = headerOf(block)->blockBytes;
-    if (bytes > keptRoom)
-        return unmapBlock(block);
-    while (kept.count == keptBlockLimit || kept.totalBytes + bytes > keptRoom)
-        unmapBlock(takeKept(0));
-    kept.blocks[kept.count++] = block;
-    kept.totalBytes += bytes;
-}
-
-// The smallest kept block that has the size. A block of more than twice the size is left for a larger model. Returns
-// null when there is none.
-static void* findKept(size_t sizeBytes)
-{
-    int best = -1;
-    size_t bestBytes = sizeBytes > hugePage ? 2 * sizeBytes : hugePage;
-    for (int i = 0; i < kept.count; ++i)
-    {
-        size_t bytes = headerOf(kept.blocks[i])->blockBytes;
-        if (bytes < sizeBytes || bytes > bestBytes)
-            continue;
-        best = i;
-        bestBytes = bytes;
-    }
-    return best < 0 ? nullptr : takeKept(best);
-}
-
 static void* map(size_t bytes)
 {
-    void* mapping = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    while (mapping == MAP_FAILED && kept.count > 0)
-    {
-        unmapBlock(takeKept(0));
+    void* mapping;
+    do
         mapping = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    }
+    while (mapping == MAP_FAILED && dropOldestBlock(unmapBlock));
     return mapping;
 }
 
@@ -136,9 +83,8 @@ void* allocatePages(size_t sizeBytes)
 
 void* allocateUnclearedPages(size_t sizeBytes)
 {
-    if (void* block = sizeBytes > 0 ? findKept(sizeBytes) : nullptr)
-        return block;
-    return mapPages(sizeBytes, true);
+    void* block = sizeBytes > 0 ? takeKeptBlock(sizeBytes) : nullptr;
+    return block ? block : mapPages(sizeBytes, true);
 }
 
 void releasePages(void* block)
@@ -146,7 +92,7 @@ void releasePages(void* block)
     if (!block)
         return;
     if (headerOf(block)->uncleared)
-        keepBlock(block);
+        keepBlock(block, headerOf(block)->blockBytes, unmapBlock);
     else
         unmapBlock(block);
 }

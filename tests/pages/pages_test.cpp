@@ -1,10 +1,10 @@
 // tests/pages/pages_test.cpp - the pages of the operating system: what is cleared, and what is kept
 #include "platform/pages.h"
+#include "tests/pages/mapped.h"
 
 #include <gtest/gtest.h>
 #include <stdint.h>
 #include <string.h>
-#include <sys/mman.h>
 #include <algorithm>
 #include <vector>
 
@@ -14,11 +14,6 @@ static bool isZero(const void* block, size_t sizeBytes)
 {
     const auto* bytes = static_cast<const uint8_t*>(block);
     return std::all_of(bytes, bytes + sizeBytes, [](uint8_t byte) { return byte == 0; });
-}
-
-static bool isMapped(void* block)
-{
-    return msync(block, 1, MS_ASYNC) == 0;
 }
 
 // Leaves one kept block, which is larger than any that the tests ask for.
