@@ -402,6 +402,10 @@ static void addPoser(Made* made)
     add(made, "flood", "pp2", "many small blocks",
         "{\n" + repeated("prop box\n{\ngeomCustom\n{\n" + counts + points + "f 1/1 2/2 3/3\n}\n}\n", 500) + "}\n");
     addForText(made, "pp2", poserSamples()[0]);
+}
+
+static void addCr2(Made* made)
+{
     addForText(made, "cr2", poserSamples()[1]);
 }
 
@@ -785,17 +789,32 @@ static void addJpeg(Made* made)
     add(made, "flood", "jpg", "empty comments", "\xFF\xD8" + repeated(comment, 50000) + file.substr(2));
 }
 
+struct Format
+{
+    const char* extension;
+    void (*add)(Made* made);
+};
+
+static constexpr Format formats[] = {
+    { "obj", addObj }, { "off", addOff }, { "dxf", addDxf }, { "pp2", addPoser }, { "cr2", addCr2 },
+    { "ply", addPly }, { "3ds", add3ds }, { "stl", addStl }, { "rkf", addRkf },   { "jpg", addJpeg },
+};
+
 std::vector<HostileFile> hostileFiles()
 {
     Made made;
-    addObj(&made);
-    addOff(&made);
-    addDxf(&made);
-    addPoser(&made);
-    addPly(&made);
-    add3ds(&made);
-    addStl(&made);
-    addRkf(&made);
-    addJpeg(&made);
+    for (const Format& format : formats)
+        format.add(&made);
+    return made;
+}
+
+std::vector<HostileFile> hostileFilesOf(const std::string& extension)
+{
+    Made made;
+    for (const Format& format : formats)
+    {
+        if (extension == format.extension)
+            format.add(&made);
+    }
     return made;
 }

@@ -16,3 +16,6 @@ struct HostileFile
 
 // All files, at least a thousand, grouped by format.
 std::vector<HostileFile> hostileFiles();
+
+// Those of one format.
+std::vector<HostileFile> hostileFilesOf(const std::string& extension);

@@ -39,9 +39,7 @@ protected:
         std::string name = (fs::temp_directory_path() / "kestrelbox-hostile-XXXXXX").string();
         ASSERT_NE(mkdtemp(name.data()), nullptr);
         folder = name;
-        for (HostileFile& file : hostileFiles())
-            if (file.extension == GetParam())
-                files.push_back(std::move(file));
+        files = hostileFilesOf(GetParam());
     }
     void TearDown() override
     {
