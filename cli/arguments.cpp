@@ -2,6 +2,7 @@
 #include "cli/arguments.h"
 #include "cli/formats.h"
 #include "cli/usage.h"
+#include "cli/version.h"
 #include "image/textures.h"
 #include "platform/processes.h"
 
@@ -266,7 +267,7 @@ void describeUsage(CLI::App* app, Arguments* arguments)
     app->get_formatter()->label("SUBCOMMAND", "COMMAND");
     app->allow_windows_style_options(false); // "/models/a.obj" is a file on every operating system
     app->require_subcommand(1);
-    app->set_version_flag("--version", "kbx " KBX_VERSION " (" KBX_BUILD ")", "version and build");
+    app->set_version_flag("--version", versionLine, "version and build");
 
     CLI::App* info = addCommand(app, arguments, Command::info, "info", "counts, bounds, groups, materials, textures");
     CLI::Option* json =

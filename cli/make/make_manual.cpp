@@ -6,6 +6,7 @@
 // It writes kbx.1 and kestrelbox.1, the pages, and kbx.bash, _kbx (zsh) and kbx.fish, which complete commands, options
 // and the words that an option takes.
 #include "cli/usage.h"
+#include "cli/version.h"
 #include "model/ascii.h"
 #include "shell/keys.h"
 
@@ -172,7 +173,7 @@ static void printKeys(std::ostream* out)
 
 static void printManual(std::ostream* out, const CLI::App& app)
 {
-    *out << ".TH KBX 1 \"\" \"kbx " KBX_VERSION "\" \"Kestrelbox\"\n"
+    *out << ".TH KBX 1 \"\" \"kbx " << versionNumber << "\" \"Kestrelbox\"\n"
          << ".SH NAME\n"
          << escaped(app.get_description(), "-", "\\") << "\n.SH SYNOPSIS\n";
     for (const CLI::App* command : commandsOf(app))
@@ -197,7 +198,8 @@ static void printManual(std::ostream* out, const CLI::App& app)
 // The page of the program with the window.
 static void printWindowManual(std::ostream* out, const CLI::App&)
 {
-    *out << ".TH KESTRELBOX 1 \"\" \"kestrelbox " KBX_VERSION "\" \"Kestrelbox\"\n"
+    *out << ".TH KESTRELBOX 1 \"\" \"kestrelbox " << versionNumber
+         << "\" \"Kestrelbox\"\n"
             ".SH NAME\nkestrelbox \\- look at 3D polygon models, repair and convert them\n"
             ".SH SYNOPSIS\n.B kestrelbox\n[\\fIFILE\\fR]\n"
             ".SH DESCRIPTION\nShows a model in a window: FILE, or the built-in teapot. When the program runs already, "
