@@ -1,5 +1,7 @@
 // tools/positions.h - comparing positions
 #pragma once
+#include "model/mesh.h"
+
 #include <stdint.h>
 #include <string.h>
 
@@ -10,8 +12,17 @@ inline uint32_t floatBits(float x)
     return bits;
 }
 
-// Whether all coordinates are equal; a NaN equals nothing.
-inline bool equalPositions(const float* a, const float* b)
+// Whether all coordinates are equal; a NaN equals nothing. All of them are compared at once, with the colour, which
+// does not count.
+inline bool equalPositions(const MeshVertex& a, const MeshVertex& b)
 {
-    return (a[0] == b[0]) & (a[1] == b[1]) & (a[2] == b[2]);
+    using FourFloats = float __attribute__((vector_size(16)));
+    using FourInts = int32_t __attribute__((vector_size(16)));
+    FourFloats left, right;
+    memcpy(&left, &a, sizeof left);
+    memcpy(&right, &b, sizeof right);
+    FourInts equal = left == right;
+    uint64_t firstTwo;
+    memcpy(&firstTwo, &equal, sizeof firstTwo);
+    return firstTwo == UINT64_MAX && equal[2] != 0;
 }

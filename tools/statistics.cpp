@@ -164,14 +164,13 @@ struct VertexTable
 // Enters the vertex, or returns true when there is one at its position.
 static bool isDuplicate(const Mesh* mesh, const VertexTable& table, uint32_t vertex, uint32_t hash)
 {
-    const float* position = mesh->vertices[vertex].position;
     uint32_t mark = hash & ~table.vertexMask; // the low bits choose the place
     uint32_t place = hash & table.mask;
     for (; table.entries[place] != 0; place = (place + 1) & table.mask)
     {
         uint32_t entry = table.entries[place];
         if ((entry & ~table.vertexMask) == mark &&
-            equalPositions(mesh->vertices[(entry & table.vertexMask) - 1].position, position))
+            equalPositions(mesh->vertices[(entry & table.vertexMask) - 1], mesh->vertices[vertex]))
             return true;
     }
     table.entries[place] = mark | (vertex + 1);

@@ -74,75 +74,61 @@ static void markUsedVertices(const Mesh* mesh, uint32_t* target)
     }
 }
 
-// Gives a vertex the next new number and moves its position and colour down. Normals are recomputed later.
-static uint32_t keepVertex(VertexStore* store, uint32_t vertex)
+// Gives a vertex the next new number and moves its position and colour down. Normals are recomputed later. Returns the
+// number + 1.
+static uint32_t keepVertex(VertexStore* store, const MeshVertex* vertex)
 {
-    if (store->kept != vertex)
-        memcpy(&store->vertices[store->kept], &store->vertices[vertex], sizeof(float[3]) + sizeof(uint32_t));
-    return store->target[vertex] = ++store->kept;
+    MeshVertex* kept = &store->vertices[store->kept];
+    if (kept != vertex)
+        memcpy(kept, vertex, sizeof(float[3]) + sizeof(uint32_t));
+    return ++store->kept;
 }
 
-// The parts of a home entry where only equal positions merge: the new number + 1 in the low bits, bits of the hash as a
-// tag above it. The upper bits of a hash give the entry where its search starts.
-struct EqualWeld
+// The new number + 1 of the kept vertex at the place of this one, which may be itself. A home entry has the number in
+// the low bits, which are those of numberMask, and above it the same bits of the hash as a tag. The low bits of a hash
+// give the entry where its search starts.
+static uint32_t mergedNumber(VertexStore* store, const MeshVertex* vertex, uint32_t hash, uint32_t numberMask)
 {
-    VertexStore* store;
-    int numberBits, hashShift;
-    const HashSeed* seed;
-};
-
-static uint32_t* homeOf(const EqualWeld& weld, uint32_t hash)
-{
-    return &weld.store->home[static_cast<uint64_t>(hash) >> weld.hashShift];
-}
-
-static void mergeEqual(const EqualWeld& weld, uint32_t vertex, uint32_t hash)
-{
-    VertexStore* store = weld.store;
-    const uint32_t tag = hash << weld.numberBits, numberMask = (1u << weld.numberBits) - 1;
-    const float* position = store->vertices[vertex].position;
-    uint32_t place = static_cast<uint32_t>(homeOf(weld, hash) - store->home);
+    uint32_t place = hash & store->homeMask;
     for (; store->home[place] != 0; place = (place + 1) & store->homeMask)
     {
-        uint32_t number = store->home[place] & numberMask;
-        if ((store->home[place] ^ number) != tag || !equalPositions(store->vertices[number - 1].position, position))
-            continue;
-        store->target[vertex] = number;
-        return;
+        uint32_t entry = store->home[place], number = entry & numberMask;
+        if (((entry ^ hash) & ~numberMask) == 0 && equalPositions(store->vertices[number - 1], *vertex))
+            return number;
     }
-    store->home[place] = tag | keepVertex(store, vertex);
+    uint32_t number = keepVertex(store, vertex);
+    store->home[place] = (hash & ~numberMask) | number;
+    return number;
 }
 
-// Works in three rounds so that the cache misses of a batch overlap: it prefetches the home entries, then the vertices
-// stored there, then compares.
-static void mergeEqualBatch(const EqualWeld& weld, uint32_t first, uint32_t count)
+// Works in two rounds so that the cache misses of a batch overlap: it prefetches the home entries, then compares. The
+// kept vertices are not prefetched: while one of them is loaded, the processor already works on the next vertices.
+static void mergeEqualBatch(VertexStore* shared, uint32_t first, uint32_t count, uint32_t numberMask)
 {
-    const VertexStore* store = weld.store;
+    VertexStore store = *shared; // a copy that no store to an array changes, so that it stays in registers
+    const MeshVertex* vertices = &store.vertices[first];
+    const HashSeed& seed = hashSeed();
     uint32_t hashes[batchVertices];
     for (uint32_t i = 0; i < count; ++i)
     {
-        hashes[i] = hashPosition(*weld.seed, store->vertices[first + i].position);
-        __builtin_prefetch(homeOf(weld, hashes[i]), 1);
+        hashes[i] = hashPosition(seed, vertices[i].position);
+        __builtin_prefetch(&store.home[hashes[i] & store.homeMask], 1);
     }
+    uint32_t* targets = &store.target[first];
     for (uint32_t i = 0; i < count; ++i)
     {
-        uint32_t number = *homeOf(weld, hashes[i]) & ((1u << weld.numberBits) - 1);
-        __builtin_prefetch(&store->vertices[number == 0 ? 0 : number - 1]);
+        if (targets[i] != unused)
+            targets[i] = mergedNumber(&store, &vertices[i], hashes[i], numberMask);
     }
-    for (uint32_t i = 0; i < count; ++i)
-    {
-        if (store->target[first + i] != unused)
-            mergeEqual(weld, first + i, hashes[i]);
-    }
+    shared->kept = store.kept;
 }
 
 static void mergeAllEqual(const Mesh* mesh, VertexStore* store)
 {
     const auto vertexCount = static_cast<uint32_t>(mesh->vertexCount);
-    EqualWeld weld = { store, static_cast<int>(std::bit_width(vertexCount)),
-                       static_cast<int>(std::countl_zero(store->homeMask)), &hashSeed() };
+    const auto numberMask = static_cast<uint32_t>((uint64_t{ 1 } << std::bit_width(vertexCount)) - 1);
     for (uint32_t first = 0; first < vertexCount; first += batchVertices)
-        mergeEqualBatch(weld, first, std::min<uint32_t>(batchVertices, vertexCount - first));
+        mergeEqualBatch(store, first, std::min<uint32_t>(batchVertices, vertexCount - first), numberMask);
 }
 
 // The number of a coordinate's cell in the grid. Cells are 2^-14 wide, six times the tolerance, so near coordinates lie
@@ -266,12 +252,12 @@ static void mergeNear(const NearWeld& weld, uint32_t vertex, const Search& searc
         store->target[vertex] = near;
         return;
     }
-    uint32_t number = keepVertex(store, vertex);
+    uint32_t number = store->target[vertex] = keepVertex(store, &store->vertices[vertex]);
     store->next[number - 1] = *search.homes[0];
     *search.homes[0] = number;
 }
 
-// Works in three rounds, like mergeEqualBatch.
+// Works in three rounds: it prefetches the home entries, then the vertices stored there, then compares.
 static void mergeNearBatch(const NearWeld& weld, uint32_t first, uint32_t count)
 {
     const VertexStore* store = weld.store;

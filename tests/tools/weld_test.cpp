@@ -111,6 +111,18 @@ TEST_F(Weld, NegativeZeroEqualsZero)
     EXPECT_EQ(mesh->vertexCount, 4);
 }
 
+TEST_F(Weld, ANanEqualsNothing)
+{
+    for (float Point::*coordinate : { &Point::x, &Point::y, &Point::z })
+    {
+        std::vector<Point> points = apart;
+        points[3].*coordinate = points[1].*coordinate = NAN;
+        MeshPointer mesh = buildMesh(points, pair);
+        EXPECT_EQ(weldVertices(mesh.get(), weldExact), 1);
+        EXPECT_EQ(mesh->faces[1], (Corners{ 3, 4, 2, none })); // of the two common vertices, one merged
+    }
+}
+
 TEST_F(Weld, VerticesThatNoFaceUsesAreRemovedAndCounted)
 {
     MeshPointer mesh =
