@@ -1,5 +1,6 @@
 // tests/page/page_test.cpp - what only a page does: the network, fingers, narrow and fine screens, faults
 #include "resources/ids.h"
+#include "shell/keys.h"
 #include "tests/page/bridge.h"
 #include "tests/window/driver.h"
 
@@ -164,6 +165,21 @@ TEST(Page, AFolderBringsTheLibraryOfItsModel)
     EXPECT_EQ(titleBegin(), "Kestrelbox: b.obj");
     EXPECT_EQ(panelText(ID_MATERIAL_COUNT), "1");
     fs::remove_all(folder);
+}
+
+TEST(Page, AFileThatHasChangedWithoutAHandleFailsAndThePageGoesOn)
+{
+    fs::path path = fs::temp_directory_path() / "page-changed.obj";
+    std::ofstream(path) << "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
+    askBridge("drop", { { "paths", { path.string() } } });
+    EXPECT_EQ(panelText(ID_FACE_COUNT), "1");
+    std::ofstream(path) << "v 0 0 0\nv 2 0 0\nv 0 1 0\nv 1 1 0\nf 1 2 3\nf 2 3 4\n";
+    pressKey(keyF5, 0);
+    auto boxes = askBridge("closeBoxes");
+    ASSERT_EQ(boxes.size(), 1u) << boxes;
+    EXPECT_EQ(boxes[0][0], "Error: failed to open");
+    EXPECT_EQ(panelText(ID_FACE_COUNT), "1");
+    fs::remove(path);
 }
 
 TEST(Page, AModelOfTheServerOpensByTheAddress)

@@ -244,15 +244,17 @@ TEST_F(View, WithAFilterWritesWhatItShows)
     EXPECT_GT(infoOf("a")["hidden"].get<int>(), 0); // the view still has the rest
 }
 
-// The page fetches a file in pieces that grow.
+// A file of more than 64 MiB is fetched in pieces that grow.
 TEST_F(View, ReadsAFileOfSeveralPiecesAsKbxDoes)
 {
+    const std::string comment = "#" + std::string(700, '-') + "\n"; // makes it large, but not its model
     std::ofstream large(folder / "large.obj");
-    for (int i = 0; i < 150000; ++i)
-        large << "v " << i % 977 << "." << i << " " << i / 7 << " -0." << 1000000 + i << "\n";
-    for (int i = 1; i < 150000 - 2; ++i)
-        large << "f " << i << " " << i + 1 << " " << i + 2 << "\n";
+    for (int i = 0; i < 50000; ++i)
+        large << "v " << i % 977 << "." << i << " " << i / 7 << " -0." << 1000000 + i << "\n" << comment;
+    for (int i = 1; i < 50000 - 2; ++i)
+        large << "f " << i << " " << i + 1 << " " << i + 2 << "\n" << comment;
     large.close();
+    ASSERT_GT(fs::file_size(folder / "large.obj"), uintmax_t{ 64 } << 20);
     add("a", Json::object());
     askBridge("viewFiles", { { "paths", { (folder / "large.obj").string() } } });
     askBridge("viewOpen", { { "id", "a" }, { "names", { "large.obj" } } });

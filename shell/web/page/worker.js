@@ -251,7 +251,7 @@ async function start(request) {
     for (const folder of ["/in", "/files", outputFolder]) core.FS.mkdir(folder);
     core.FS.chdir(outputFolder);
     lookBeside(core.FS);
-    readInPieces(core.WORKERFS);
+    readInPieces(core);
     starting.begin(request);
 }
 
