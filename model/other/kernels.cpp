@@ -1,7 +1,8 @@
-// model/other/kernels.cpp - the plain kernels, for processors without fast ones
-#include "model/kernels.h"
+// model/other/kernels.cpp - choosing kernels on processors that have no folder of their own
+#include "model/other/kernels.h"
 
 #include "model/reciprocal_root.h"
+#include "platform/processor.h"
 
 #include <algorithm>
 
@@ -9,10 +10,11 @@
 static void addFaceNormalsInParts(Mesh* mesh, int32_t from, int32_t to)
 {
     constexpr int32_t part = 4096;
+    auto* add = kernelLevel() >= kernelsLanes ? addFaceNormalsLanes : addFaceNormalsPlain;
     while (from < to)
     {
         int32_t end = from + std::min(part, to - from);
-        addFaceNormalsPlain(mesh, from, end);
+        add(mesh, from, end);
         from = end;
     }
 }

@@ -1,4 +1,4 @@
-// render/other/lanes.h - four numbers in one register
+// platform/other/lanes.h - four numbers in one register
 //
 // GCC and Clang make NEON, SIMD128 or plain instructions of these types, whichever the processor has.
 #pragma once

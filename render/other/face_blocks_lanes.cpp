@@ -7,7 +7,7 @@
 //   a c. The other is b, or the middle of the other edge that spans two rows
 #include "render/other/kernels.h"
 
-#include "render/other/lanes.h"
+#include "platform/other/lanes.h"
 #include "render/project.h"
 
 #include <bit>

@@ -3,7 +3,7 @@
 // Lane k holds row k of the transform, and the sums run in the same order as in render/project.cpp.
 #include "render/other/kernels.h"
 
-#include "render/other/lanes.h"
+#include "platform/other/lanes.h"
 
 struct TransformColumns
 {
