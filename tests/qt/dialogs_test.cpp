@@ -21,13 +21,22 @@ namespace fs = std::filesystem;
 // What the user does, one step for each box that appears; a box that waits in vain for a step is closed.
 static std::deque<std::function<void(QDialog*)>> steps;
 static std::vector<std::string> questions;
+static bool inMiddleOfStep;
+
+// Lets a step wait for the box that it works on, without the next step beginning meanwhile.
+static void handleEvents()
+{
+    inMiddleOfStep = true;
+    QApplication::processEvents();
+    inMiddleOfStep = false;
+}
 
 // A timer does not fire again in the loop of a box that it has opened itself, so there is a new one for each look.
 static void takeStep(QObject* test)
 {
     QTimer::singleShot(20, test, [test] { takeStep(test); });
     auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-    if (!dialog || !dialog->isVisible())
+    if (inMiddleOfStep || !dialog || !dialog->isVisible())
         return;
     if (const auto* box = qobject_cast<QMessageBox*>(dialog))
         questions.push_back(box->text().toStdString());
@@ -75,7 +84,7 @@ protected:
         std::string typed = (fs::current_path() / name).string();
         auto* edit = box->findChild<QLineEdit*>("fileNameEdit");
         box->activateWindow();
-        QApplication::processEvents();
+        handleEvents();
         edit->setFocus();
         edit->setText(QString::fromStdString(typed));
     }
@@ -127,7 +136,7 @@ TEST_F(FileDialogs, ListTheFilesOfTheFilterInSmallLettersAndCapitals)
         filter = files->selectedNameFilter();
         files->setDirectory(".");
         QElapsedTimer time;
-        for (time.start(); listed.size() < 4 && time.elapsed() < 5000; QApplication::processEvents())
+        for (time.start(); listed.size() < 4 && time.elapsed() < 5000; handleEvents())
             listed = listedNames(box); // another thread reads the folder
         box->reject();
     };
