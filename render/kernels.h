@@ -30,3 +30,4 @@ VertexKernels vertexKernels();
 FaceBlockSorter faceSorter(); // null where there is none
 CellExpander cellExpander();
 ShadowFiller shadowFiller();
+ShadowBlockFiller shadowBlockFiller(); // null where there is none

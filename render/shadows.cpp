@@ -6,6 +6,7 @@
 #include "render/shadows.h"
 
 #include "model/matrix.h"
+#include "render/face_blocks.h"
 #include "render/kernels.h"
 #include "render/project.h"
 #include "render/shadow_rows.h"
@@ -14,6 +15,7 @@
 #include <math.h>
 #include <string.h>
 #include <algorithm>
+#include <bit>
 
 // The largest distance, in columns, between a vertex and the point whose depth its entry stores. Both are rounded to
 // whole columns and rows.
@@ -173,24 +175,38 @@ static int readLightCorners(TriangleCorner* out, const Mesh* mesh, const Corners
     return count;
 }
 
+static void fillShadowFace(FrameBuffer* target, const Mesh* mesh, int32_t index, ShadowFiller fillRows)
+{
+    uint32_t attributes = mesh->faceAttributes[index];
+    if (attributes & (faceHidden | faceDeleted) || !(attributes & faceLit))
+        return;
+    TriangleCorner corner[4];
+    int count = readLightCorners(corner, mesh, mesh->faces[index]);
+    if (count == 4)
+    {
+        const TriangleCorner half[3] = { corner[0], corner[2], corner[3] };
+        fillShadowTriangle(target, half, fillRows);
+    }
+    if (count >= 3)
+        fillShadowTriangle(target, corner, fillRows);
+}
+
 void RenderShadowMap(FrameBuffer* target, const Mesh* mesh)
 {
     ShadowFiller fillRows = shadowFiller();
-    for (int32_t i = 0; i < mesh->faceCount; ++i)
+    ShadowBlockFiller fillBlock = shadowBlockFiller();
+    int32_t i = 0;
+    if (fillBlock && mesh->vertexCount > 0 && mesh->vertexCount <= blockVertexLimit)
     {
-        uint32_t attributes = mesh->faceAttributes[i];
-        if (attributes & (faceHidden | faceDeleted) || !(attributes & faceLit))
-            continue;
-        TriangleCorner corner[4];
-        int count = readLightCorners(corner, mesh, mesh->faces[i]);
-        if (count == 4)
+        for (; i + faceBlock <= mesh->faceCount; i += faceBlock)
         {
-            const TriangleCorner half[3] = { corner[0], corner[2], corner[3] };
-            fillShadowTriangle(target, half, fillRows);
+            uint32_t left = fillBlock(target->shadowMap, target->shadowSize, mesh, i);
+            for (; left; left &= left - 1)
+                fillShadowFace(target, mesh, i + std::countr_zero(left), fillRows);
         }
-        if (count >= 3)
-            fillShadowTriangle(target, corner, fillRows);
     }
+    for (; i < mesh->faceCount; ++i)
+        fillShadowFace(target, mesh, i, fillRows);
 }
 
 // Whether an entry that is nearer to the light than its vertex, by excess depths, can belong to the vertex's own

@@ -21,6 +21,12 @@ void ProjectToLight(Mesh* mesh, const FrameTransforms* transforms);
 // depth nearest to the light.
 void RenderShadowMap(FrameBuffer* target, const Mesh* mesh);
 
+// Raises the entries under the faces first..first + 7 of the mesh that cast a shadow and have small triangles only. A
+// bit of the result stands for a face that it has left, at most partly drawn: k for face first + k. Drawing it again
+// does no harm. The mesh has 1 to blockVertexLimit vertices (render/face_blocks.h). There is no plain version: faces
+// are then drawn one by one.
+using ShadowBlockFiller = uint32_t (*)(uint16_t* map, int32_t side, const Mesh* mesh, int32_t first);
+
 // Raises count entries of the map to a 16.16 depth that changes by perColumn with each entry. Depths are clamped to
 // 0..highest.
 void fillShadowSpan(uint16_t* entry, int32_t count, int32_t depth, int32_t perColumn, int32_t highest);

@@ -28,3 +28,8 @@ ShadowFiller shadowFiller()
 {
     return fillShadowRows;
 }
+
+ShadowBlockFiller shadowBlockFiller()
+{
+    return nullptr;
+}

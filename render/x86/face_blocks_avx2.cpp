@@ -7,65 +7,10 @@
 //   a c. The other is b, or the middle of the other edge that spans two rows
 #include "render/x86/kernels.h"
 
-#include "platform/x86/targets.h"
 #include "render/project.h"
+#include "render/x86/face_lanes.h"
 
 #include <immintrin.h>
-
-inlineAvx2 __m256i both(__m256i a, __m256i b)
-{
-    return _mm256_and_si256(a, b);
-}
-
-inlineAvx2 __m256i either(__m256i a, __m256i b)
-{
-    return _mm256_or_si256(a, b);
-}
-
-inlineAvx2 __m256i equals(__m256i a, int32_t b)
-{
-    return _mm256_cmpeq_epi32(a, _mm256_set1_epi32(b));
-}
-
-inlineAvx2 uint32_t bitsOf(__m256i lanes)
-{
-    return static_cast<uint32_t>(_mm256_movemask_ps(_mm256_castsi256_ps(lanes)));
-}
-
-struct CornerLanes
-{
-    __m256i of[4];
-};
-
-inlineAvx2 CornerLanes loadCorners(const Corners* faces)
-{
-    __m256i pair[4];
-    for (int k = 0; k < 4; ++k)
-    {
-        __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(faces + k));
-        __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(faces + k + 4));
-        pair[k] = _mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1);
-    }
-    __m256i a = _mm256_unpacklo_epi32(pair[0], pair[1]), b = _mm256_unpacklo_epi32(pair[2], pair[3]);
-    __m256i c = _mm256_unpackhi_epi32(pair[0], pair[1]), d = _mm256_unpackhi_epi32(pair[2], pair[3]);
-    return { { _mm256_unpacklo_epi64(a, b), _mm256_unpackhi_epi64(a, b), _mm256_unpacklo_epi64(c, d),
-               _mm256_unpackhi_epi64(c, d) } };
-}
-
-// The corners' places as row << 16 | column. Their flags are added to offScreen, for its top bit.
-inlineAvx2 __m256i loadPlaces(const ProjectedVertex* projected, __m256i index, __m256i* offScreen)
-{
-    const long long* words = reinterpret_cast<const long long*>(projected);
-    index = _mm256_slli_epi32(index, 1); // in halves of a record
-    __m256 low = _mm256_castsi256_ps(_mm256_i32gather_epi64(words, _mm256_castsi256_si128(index), 8));
-    __m256 high = _mm256_castsi256_ps(_mm256_i32gather_epi64(words, _mm256_extracti128_si256(index, 1), 8));
-    __m256i xy = _mm256_castps_si256(_mm256_shuffle_ps(low, high, 0x88));
-    __m256i flags = _mm256_castps_si256(_mm256_shuffle_ps(low, high, 0xDD));
-    // up to here the lanes hold faces 0 1 4 5 2 3 6 7
-    xy = _mm256_permute4x64_epi64(xy, 0xD8);
-    *offScreen = either(*offScreen, _mm256_permute4x64_epi64(flags, 0xD8));
-    return either(_mm256_slli_epi32(xy, 16), _mm256_srli_epi32(xy, 16));
-}
 
 // The faces of the pass.
 inlineAvx2 __m256i passFaces(FaceBlock* block, const FacePass* pass, __m256i attributes)
@@ -131,9 +76,13 @@ withAvx2 void sortFaceBlockAvx2(FaceBlock* block, const FacePass* pass, int32_t 
     triangle = both(triangle, passed);
     __m256i place[3], offScreen = _mm256_setzero_si256(), onMesh = triangle;
     for (int k = 0; k < 3; ++k)
-        onMesh = both(onMesh, _mm256_cmpeq_epi32(_mm256_max_epu32(corner.of[k], last), last));
+        onMesh = both(onMesh, notAbove(corner.of[k], last));
     for (int k = 0; k < 3; ++k)
-        place[k] = loadPlaces(pass->projected, both(corner.of[k], onMesh), &offScreen);
+    {
+        VertexLanes vertex = loadVertices(pass->projected, both(corner.of[k], onMesh));
+        place[k] = vertex.place;
+        offScreen = either(offScreen, vertex.flags);
+    }
     __m256i onScreen = _mm256_andnot_si256(_mm256_srai_epi32(offScreen, 31), onMesh);
     SmallTriangles small = smallTriangles(place[0], place[1], place[2]);
     block->empty = bitsOf(both(onScreen, small.empty));

@@ -37,3 +37,8 @@ ShadowFiller shadowFiller()
 {
     return kernelLevel() >= kernelsAvx2 ? fillShadowRowsAvx2 : fillShadowRows;
 }
+
+ShadowBlockFiller shadowBlockFiller()
+{
+    return kernelLevel() >= kernelsAvx2 ? fillShadowBlockAvx2 : nullptr;
+}

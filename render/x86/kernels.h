@@ -33,3 +33,4 @@ void expandCellsAvx2(uint8_t* pixels, const uint32_t* cells, int32_t count);
 void fillShadowSpanAvx2(uint16_t* entry, int32_t count, int32_t room, int32_t depth, int32_t perColumn,
                         int32_t highest);
 void fillShadowRowsAvx2(uint16_t* map, int32_t side, const ShadowTriangle* triangle);
+uint32_t fillShadowBlockAvx2(uint16_t* map, int32_t side, const Mesh* mesh, int32_t first);

@@ -352,3 +352,57 @@ TEST_F(Shadows, SmallTrianglesRaiseTheEntriesThatLargeOnesWould)
         ASSERT_TRUE(std::equal(expected.begin(), expected.end(), display.target.shadowMap)) << round;
     }
 }
+
+// Triangles, quads and faces that cast no shadow, eight corners apart at most, of vertices in groups of eight.
+static Mesh* makeMixedFaces(std::mt19937& random)
+{
+    constexpr uint32_t groups = 200, inGroup = 8;
+    Mesh* mesh = makeTriangles(std::vector<float>(3 * groups * inGroup)); // a third as many faces
+    mesh->faceCount -= mesh->faceCount % 8 == 0 ? 1 : 0;                  // some faces are left over after the blocks
+    for (uint32_t group = 0; group < groups; ++group)
+    {
+        auto place = [&] { return static_cast<int32_t>(random() % 3 ? random() % 100 : 1008 + random() % 17); };
+        int32_t x = place(), y = place(), size = 1 + static_cast<int32_t>(random() % 24);
+        for (uint32_t k = 0; k < inGroup; ++k)
+        {
+            TriangleCorner corner = anyCornerNear(random, x, y, size);
+            ProjectedVertex& vertex = mesh->projected[group * inGroup + k];
+            vertex.xy = static_cast<uint32_t>(corner.x) << 16 | static_cast<uint32_t>(corner.y);
+            vertex.flags = random() % 20 ? static_cast<uint32_t>(corner.depth) : vertexOffScreen;
+        }
+    }
+    for (int32_t f = 0; f < mesh->faceCount; ++f)
+    {
+        uint32_t first = static_cast<uint32_t>(random() % groups) * inGroup;
+        for (uint32_t& corner : mesh->faces[f])
+            corner = first + static_cast<uint32_t>(random() % inGroup);
+        if (random() % 2)
+            mesh->faces[f][3] = noCorner;
+        if (random() % 16 == 0)
+            mesh->faces[f][random() % 4] = random() % 2 ? noCorner : static_cast<uint32_t>(mesh->vertexCount);
+        const uint32_t others[4] = { 0, faceLit | faceHidden, faceLit | faceDeleted, faceLit | faceLine };
+        mesh->faceAttributes[f] = random() % 8 ? faceLit : others[random() % 4];
+    }
+    return mesh;
+}
+
+TEST_F(Shadows, FacesInBlocksRaiseTheEntriesThatSingleOnesWould)
+{
+    std::mt19937 random(32);
+    Display display(32, 32);
+    for (int32_t round = 0; round < 40; ++round)
+    {
+        Mesh* mesh = makeMixedFaces(random);
+        installMesh(&display.list, mesh);
+        std::vector<uint16_t> maps[2];
+        for (size_t k = 0; k < 2; ++k)
+        {
+            limitKernelLevel(k ? kernelsAvx512 : kernelsPlain);
+            ClearShadowMap(display.target.shadowMap, shadowMapSide);
+            RenderShadowMap(&display.target, mesh);
+            maps[k].assign(display.target.shadowMap, display.target.shadowMap + shadowMapSide * shadowMapSide);
+        }
+        ASSERT_TRUE(maps[0] == maps[1]) << round;
+        ASSERT_GT(std::count_if(maps[0].begin(), maps[0].end(), [](uint16_t depth) { return depth > 0; }), 1000);
+    }
+}
