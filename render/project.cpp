@@ -19,14 +19,16 @@ void classifyFaceRange(Mesh* mesh, const FaceDirections* directions, int32_t fir
     for (int32_t i = first; i < end; ++i)
     {
         const float* normal = mesh->facePlanes[i].normal;
-        uint32_t attributes = mesh->faceAttributes[i];
+        const uint32_t before = mesh->faceAttributes[i];
+        uint32_t attributes = before;
         uint32_t lit = dotProduct(normal, directions->light) >= litSideThreshold ? faceLit : 0;
         uint32_t eyeFacing = dotProduct(normal, directions->eye) >= 0 ? faceEyeFacing : 0;
         if (!(attributes & (faceHidden | faceDeleted)))
             attributes = (attributes & ~faceLit) | lit;
         if (!(attributes & faceLine))
             attributes = (attributes & ~faceEyeFacing) | eyeFacing;
-        mesh->faceAttributes[i] = attributes;
+        if (attributes != before) // few faces change sides from frame to frame
+            mesh->faceAttributes[i] = attributes;
     }
 }
 

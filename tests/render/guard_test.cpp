@@ -1,6 +1,7 @@
 // tests/render/guard_test.cpp - frames in buffers with inaccessible pages before and after them
 //
 // Writing or reading one byte before the first or after the last cell, map entry or pixel ends the program.
+#include "platform/processor.h"
 #include "render/frame.h"
 #include "render/materials.h"
 #include "render/view.h"
@@ -65,6 +66,29 @@ struct GuardedDisplay
     {
         return static_cast<size_t>(own.pitch) * static_cast<size_t>(own.rows);
     }
+};
+
+// A copy of a mesh's array on pages that cannot be written. The mesh uses it as long as it exists.
+template <class Record>
+struct ReadOnlyArray
+{
+    Record** place;
+    Record* own;
+    GuardedBlock block;
+
+    ReadOnlyArray(Record** array, int32_t count)
+        : place(array), own(*array), block(sizeof(Record) * static_cast<size_t>(count), false)
+    {
+        *place = reinterpret_cast<Record*>(block.bytes);
+        std::copy_n(own, count, *place);
+        EXPECT_EQ(mprotect(block.bytes, sizeof(Record) * static_cast<size_t>(count), PROT_READ), 0);
+    }
+    ~ReadOnlyArray()
+    {
+        *place = own;
+    }
+    ReadOnlyArray(const ReadOnlyArray&) = delete;
+    ReadOnlyArray& operator=(const ReadOnlyArray&) = delete;
 };
 
 // Values that no file should contain. Some readers copy materials byte for byte, and arithmetic can give the others.
@@ -216,4 +240,36 @@ TEST_F(GuardedFrames, OrdinaryAndLongDisplays)
 TEST_F(GuardedFrames, TheLargestDisplay)
 {
     drawInto(4000, 3000, 2);
+}
+
+// A turn changes the sides of faces, a zoom not even those. A store to anything else ends the program, even one of the
+// value that is there.
+TEST_F(GuardedFrames, AFrameAfterATurnOrAZoomStoresOnlyWhatChanges)
+{
+    std::vector<uint32_t> texels(64 * 64, 0x00804020);
+    Image image = { texels.data(), 64, 64 };
+    renderSettings.currentTexture = &image;
+    Display display(300, 200);
+    installMesh(&display.list, makeSphere(17, 31));
+    Mesh* mesh = display.list.meshes[0];
+    for (KernelLevel level : { kernelsPlain, kernelsSse2, kernelsAvx512 })
+    {
+        limitKernelLevel(level);
+        for (uint32_t flags : { 0u, renderTextured, renderShadows, renderWireframe, renderMetallic })
+        {
+            renderSettings.renderFlags = flags;
+            display.drawWhole();
+            ReadOnlyArray vertices(&mesh->vertices, mesh->vertexCount);
+            ReadOnlyArray uvs(&mesh->uvs, mesh->uvCount);
+            ReadOnlyArray faces(&mesh->faces, mesh->faceCount);
+            ReadOnlyArray faceUvs(&mesh->faceUvs, mesh->faceCount);
+            ReadOnlyArray planes(&mesh->facePlanes, mesh->faceCount);
+            rotationAboutScreenAxes(&frameState.view.rotation, 10, static_cast<float>(flags), 30);
+            display.draw();
+            ReadOnlyArray attributes(&mesh->faceAttributes, mesh->faceCount);
+            frameState.view.zoom += 0.1f;
+            display.draw();
+            EXPECT_GT(frameState.statistics.framePolygons, 0u);
+        }
+    }
 }
