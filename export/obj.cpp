@@ -1,6 +1,7 @@
 // export/obj.cpp - the OBJ and MTL writer
 #include "export/obj.h"
 #include "export/face_order.h"
+#include "export/number_texts.h"
 #include "export/save_progress.h"
 #include "export/text_writer.h"
 #include "export/written_names.h"
@@ -54,7 +55,7 @@ static void writeObjUvs(TextWriter* writer, const Mesh* mesh, SaveProgress* prog
     }
 }
 
-static void writeObjFace(TextWriter* writer, const Mesh* mesh, int32_t f, bool withUvs)
+static void writeObjFace(TextWriter* writer, const Mesh* mesh, const NumberTexts& numbers, int32_t f, bool withUvs)
 {
     const Corners& corners = mesh->faces[f];
     const Corners& uvs = mesh->faceUvs[f];
@@ -63,11 +64,11 @@ static void writeObjFace(TextWriter* writer, const Mesh* mesh, int32_t f, bool w
     for (size_t k = 0; k < 4 && corners[k] != noCorner; ++k)
     {
         *out++ = ' ';
-        out = formatInt(out, static_cast<int32_t>(corners[k] + 1));
+        out = formatRepeated(numbers, out, static_cast<int32_t>(corners[k] + 1));
         if (withUvs)
         {
             *out++ = '/';
-            out = formatInt(out, static_cast<int32_t>(uvs[k] + 1));
+            out = formatRepeated(numbers, out, static_cast<int32_t>(uvs[k] + 1));
         }
     }
     textWritten(writer, putLineEnd(out));
@@ -78,6 +79,7 @@ struct ObjText
 {
     const Mesh* mesh;
     const FaceOrder* order;
+    NumberTexts numbers; // of corners and their texture coordinates
     std::string libraryName;
     SaveProgress progress;
     TextWriter* writer;
@@ -102,7 +104,7 @@ static void faceMet(void* context, int32_t material, int32_t f)
         WrittenName written;
         writeLine(text->writer, "usemtl %s", writtenName(text->mesh->materialNames, material, lineBreakers, &written));
     }
-    writeObjFace(text->writer, text->mesh, f, text->withUvs);
+    writeObjFace(text->writer, text->mesh, text->numbers, f, text->withUvs);
     countSaved(&text->progress);
 }
 
@@ -180,17 +182,26 @@ int WriteMtlFile(const Mesh* mesh, const char* objPath)
     return commitOutputs(&output, 1, writeMtlOutput(&output, mesh, objPath) != 0);
 }
 
+// Every face has three corners or more, with or without texture coordinates.
+static int makeObjNumbers(NumberTexts* numbers, const Mesh* mesh)
+{
+    int32_t uvs = writtenUvCount(mesh);
+    int64_t uses = int64_t{ mesh->faceCount } * (uvs > 0 ? 6 : 3);
+    return makeNumberTexts(numbers, mesh->vertexCount > uvs ? mesh->vertexCount : uvs, uses);
+}
+
 int WriteObjFile(const Mesh* mesh, const char* path, const char* fileTitle)
 {
     OutputFile outputs[2] = {}; // the MTL file first: no OBJ file names one that is not there
     FaceOrder order;
     if (!makeFaceOrder(&order, mesh))
         return 0;
-    ObjText text = { mesh, &order, withoutExtension(fileTitle) + ".mtl", {}, nullptr, false, -1 };
-    int ok = writeTextOutput(&outputs[1], path, writeObjText, &text);
+    ObjText text = { mesh, &order, {}, withoutExtension(fileTitle) + ".mtl", {}, nullptr, false, -1 };
+    int ok = makeObjNumbers(&text.numbers, mesh) && writeTextOutput(&outputs[1], path, writeObjText, &text);
     if (ok)
         ok = writeMtlOutput(&outputs[0], mesh, path);
     endSaveProgress(&text.progress);
+    freeNumberTexts(&text.numbers);
     freeFaceOrder(&order);
     return commitOutputs(outputs, 2, ok != 0);
 }

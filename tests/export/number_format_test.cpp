@@ -1,10 +1,12 @@
 // tests/export/number_format_test.cpp - every digit is the one that printf writes
 #include "export/number_format.h"
+#include "export/number_texts.h"
 
 #include <gtest/gtest.h>
 #include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <algorithm>
 #include <bit>
 #include <random>
 #include <string>
@@ -170,4 +172,33 @@ TEST(NumberFormat, WholeNumbersAreAsPrinted)
     std::mt19937 random(1);
     for (int i = 0; i < 200000; ++i)
         expectPrinted(static_cast<uint32_t>(random()) >> (random() % 32));
+}
+
+TEST(NumberTexts, EveryNumberIsAsPrinted)
+{
+    for (uint32_t largest : { 9u, 12345u, numberTextLimit + 5 })
+    {
+        NumberTexts texts;
+        ASSERT_EQ(makeNumberTexts(&texts, largest, int64_t{ largest } * 4), 1);
+        EXPECT_EQ(texts.count, std::min(largest + 1, numberTextLimit));
+        for (int64_t n = -2; n <= int64_t{ largest } + 2; ++n)
+        {
+            char expected[32], text[numberRoom];
+            snprintf(expected, sizeof expected, "%d", static_cast<int>(n));
+            ASSERT_EQ(std::string(text, formatRepeated(texts, text, static_cast<int32_t>(n))), expected);
+        }
+        freeNumberTexts(&texts);
+        EXPECT_EQ(texts.count, 0u);
+    }
+}
+
+TEST(NumberTexts, NumbersThatAreHardlyUsedHaveNone)
+{
+    for (int64_t largest : { 0, 1000 })
+    {
+        NumberTexts texts;
+        EXPECT_EQ(makeNumberTexts(&texts, largest, largest), 1);
+        EXPECT_EQ(texts.count, 0u);
+        freeNumberTexts(&texts);
+    }
 }

@@ -168,7 +168,7 @@ TEST_F(ObjWriter, WithoutMemoryForTheOrderNoFileIsTouched)
     MeshPointer mesh = mixedFaces();
     putFile(folder + "out.obj", "earlier");
     int live = recorded.liveBlocks;
-    for (int n = 1; n <= 3; ++n) // the order, and the blocks of the two texts
+    for (int n = 1; n <= 4; ++n) // the order, the numbers, and the blocks of the two texts
     {
         recorded.allocations = 0;
         recorded.refuseOnly = n;
