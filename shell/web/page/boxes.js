@@ -2,6 +2,7 @@
 import { element } from "./menus.js";
 
 const noticeMs = 1300;
+const stepMs = 100; // painting the page more often takes time from the program
 
 export class Boxes {
     /**
@@ -12,6 +13,7 @@ export class Boxes {
         this.rest = rest;
         this.openBoxes = 0;
         this.last = Promise.resolve();
+        this.stepped = 0; // when the progress bar moved last
         this.bar = /** @type {HTMLDialogElement} */ (document.getElementById("progress"));
         this.bar.querySelector("button")?.addEventListener("click", stop);
         this.bar.addEventListener("cancel", (event) => event.preventDefault());
@@ -102,9 +104,13 @@ export class Boxes {
             /** @type {HTMLElement} */ (this.bar.querySelector("p")).textContent = text;
             bar.max = value;
             bar.value = 0;
+            this.stepped = 0;
             if (!this.bar.open) this.bar.showModal();
         }
-        if (what === "progress-steps") bar.value = value;
+        if (what === "progress-steps" && performance.now() - this.stepped >= stepMs) {
+            bar.value = value;
+            this.stepped = performance.now();
+        }
         if (what === "progress-close" && this.bar.open) this.bar.close();
         if (what === "notice") this.notice(text);
         if (what === "box") {
