@@ -2,7 +2,7 @@
 //
 // Colours are computed in signed 16-bit lanes that hold a byte of colour times 256, less 32768. So 0 is -32768 and 255
 // is 32512. Saturation clamps a colour. After the sign is flipped, the top bits of a lane are its field of the cell.
-#include "render/raster.h"
+#include "render/walk_rows.h"
 
 #include <algorithm>
 
@@ -202,54 +202,17 @@ struct TexturedSpan
     }
 };
 
-// Walks the rows. The loop over a span's pixels is compiled into the walk, because most spans are only a few pixels
-// long.
-template <class Span>
-static void fillTriangle(FillState* fill, const SpanState* state)
-{
-    uint32_t value[laneCount];
-    std::copy_n(state->value, Span::lanes, value);
-    uint32_t leftX = static_cast<uint32_t>(state->left.x), leftStep = static_cast<uint32_t>(state->left.step);
-    int32_t rightX = state->right.x, rightStep = state->right.step;
-    const uint32_t(*rowStep)[laneCount] = state->rowStep;
-    uint32_t* row = fill->cells + static_cast<ptrdiff_t>(state->topRow) * fill->pitch;
-    for (int32_t y = state->topRow; y < state->bottomRow; ++y, row += fill->pitch)
-    {
-        if (y == state->right.changeRow)
-        {
-            rightX = state->right.secondX;
-            rightStep = state->right.secondStep;
-        }
-        if (y == state->left.changeRow)
-        {
-            leftX = static_cast<uint32_t>(state->left.secondX);
-            leftStep = static_cast<uint32_t>(state->left.secondStep);
-            std::copy_n(state->secondValue, Span::lanes, value);
-            rowStep = state->rowStep + 2;
-        }
-        int32_t x = static_cast<int32_t>(leftX) >> 16;
-        int32_t count = (rightX >> 16) - x;
-        if (count > 0)
-            Span::fill(fill, state, row + x, count, value);
-        uint32_t carry = ((leftX & 0xFFFF) + (leftStep & 0xFFFF)) >> 16;
-        for (int32_t lane = 0; lane < Span::lanes; ++lane)
-            value[lane] += rowStep[carry][lane];
-        leftX += leftStep;
-        rightX += rightStep;
-    }
-}
-
 void fillOpaque(FillState* fill, const SpanState* state)
 {
-    fillTriangle<OpaqueSpan>(fill, state);
+    walkRows<OpaqueSpan>(fill, state);
 }
 
 void fillTransparent(FillState* fill, const SpanState* state)
 {
-    fillTriangle<TransparentSpan>(fill, state);
+    walkRows<TransparentSpan>(fill, state);
 }
 
 void fillTextured(FillState* fill, const SpanState* state)
 {
-    fillTriangle<TexturedSpan>(fill, state);
+    walkRows<TexturedSpan>(fill, state);
 }

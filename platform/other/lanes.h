@@ -6,6 +6,7 @@
 #include <string.h>
 
 using IntLanes = int32_t __attribute__((vector_size(16)));
+using UnsignedLanes = uint32_t __attribute__((vector_size(16)));
 using FloatLanes = float __attribute__((vector_size(16)));
 
 inline IntLanes allLanes(int32_t value)
@@ -16,6 +17,16 @@ inline IntLanes allLanes(int32_t value)
 inline FloatLanes allLanes(float value)
 {
     return FloatLanes{ value, value, value, value };
+}
+
+// The same bits as other lanes.
+template <typename Lanes, typename From>
+Lanes reinterpretLanes(From from)
+{
+    static_assert(sizeof(Lanes) == sizeof from);
+    Lanes lanes;
+    memcpy(&lanes, &from, sizeof lanes);
+    return lanes;
 }
 
 template <typename Lanes>

@@ -5,7 +5,8 @@
 
 RasterKernels rasterKernels()
 {
-    return { setUpTriangle, fillOpaque, fillTransparent, fillTextured };
+    auto* opaque = kernelLevel() >= kernelsLanes ? fillOpaqueLanes : fillOpaque;
+    return { setUpTriangle, opaque, fillTransparent, fillTextured };
 }
 
 VertexKernels vertexKernels()

@@ -4,3 +4,4 @@
 
 void projectVerticesLanes(Mesh* mesh, const FrameTransforms* transforms, int32_t width, int32_t height);
 void sortFaceBlockLanes(FaceBlock* block, const FacePass* pass, int32_t first);
+void fillOpaqueLanes(FillState* fill, const SpanState* state);
