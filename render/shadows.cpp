@@ -26,10 +26,10 @@ void ProjectToLight(Mesh* mesh, const FrameTransforms* transforms)
     vertexKernels().projectLight(mesh, transforms);
 }
 
-// a / b in 16.16. It divides in 32 bits where they are enough, because that is faster.
+// a / b in 16.16. It divides in 32 bits where they are enough, because that is faster. They do not hold -32768 / -1.
 static int64_t quotient16(int64_t a, int32_t b)
 {
-    if (a >= -32768 && a < 32768)
+    if (a > -32768 && a < 32768)
         return static_cast<int32_t>(a) * 65536 / b;
     return a * 65536 / b;
 }

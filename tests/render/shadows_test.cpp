@@ -406,3 +406,44 @@ TEST_F(Shadows, FacesInBlocksRaiseTheEntriesThatSingleOnesWould)
         ASSERT_GT(std::count_if(maps[0].begin(), maps[0].end(), [](uint16_t depth) { return depth > 0; }), 1000);
     }
 }
+
+// The steepest planes: triangles of the smallest area with depths from one end of the range to the other. Each stands
+// alone on the map, so that no other one hides a depth.
+TEST_F(Shadows, SteepFacesInBlocksRaiseTheEntriesThatSingleOnesWould)
+{
+    constexpr int32_t reach = 6, apart = 2 * reach + 2, inRow = shadowMapSide / apart;
+    Display display(32, 32);
+    Mesh* mesh = makeTriangles(std::vector<float>(size_t{ 9 } * inRow * inRow));
+    installMesh(&display.list, mesh);
+    int32_t count = 0;
+    auto addSteep = [&](int32_t dx1, int32_t dy1, int32_t dx2, int32_t dy2, uint32_t depths)
+    {
+        int32_t x = count % inRow * apart + reach, y = count / inRow * apart;
+        const int32_t xs[3] = { x, x + dx1, x + dx2 }, ys[3] = { y, y + dy1, y + dy2 };
+        for (uint32_t k = 0; k < 3; ++k)
+        {
+            ProjectedVertex& vertex = mesh->projected[mesh->faces[count][k]];
+            vertex.xy = static_cast<uint32_t>(xs[k]) << 16 | static_cast<uint32_t>(ys[k]);
+            vertex.flags = depths >> k & 1 ? depthLimit : 0;
+        }
+        mesh->faceAttributes[count++] = faceLit;
+    };
+    for (int32_t dx1 = -reach; dx1 <= reach; ++dx1)
+        for (int32_t dx2 = -reach; dx2 <= reach; ++dx2)
+            for (int32_t dy1 = 0; dy1 <= reach; ++dy1)
+                for (int32_t dy2 = 1; dy2 <= reach; ++dy2)
+                    for (uint32_t depths = 1; depths < 7; ++depths)
+                        if (abs(dx1 * dy2 - dx2 * dy1) == 1 && count < inRow * inRow)
+                            addSteep(dx1, dy1, dx2, dy2, depths);
+    mesh->faceCount = count;
+    std::vector<uint16_t> maps[2];
+    for (size_t k = 0; k < 2; ++k)
+    {
+        limitKernelLevel(k ? kernelsAvx512 : kernelsPlain);
+        ClearShadowMap(display.target.shadowMap, shadowMapSide);
+        RenderShadowMap(&display.target, mesh);
+        maps[k].assign(display.target.shadowMap, display.target.shadowMap + shadowMapSide * shadowMapSide);
+    }
+    EXPECT_GT(count, 1000);
+    EXPECT_TRUE(maps[0] == maps[1]);
+}
