@@ -475,6 +475,23 @@ const functions = {
         await page.emulateMediaFeatures([{ name: "prefers-color-scheme", value: theme }]);
         return page.evaluate(() => getComputedStyle(document.body).backgroundColor);
     },
+    // The contrast between the mark of a failure and its box, from 1 to 21 (WCAG 2).
+    async contrastOfFailure({ theme }) {
+        await page.emulateMediaFeatures([{ name: "prefers-color-scheme", value: theme }]);
+        return page.evaluate(() => {
+            const brightness = (colour) => {
+                const [red, green, blue] = colour.match(/[\d.]+/g).map((part) => {
+                    const share = Number(part) / 255;
+                    return share <= 0.04045 ? share / 12.92 : ((share + 0.055) / 1.055) ** 2.4;
+                });
+                return 0.2126 * red + 0.7152 * green + 0.0722 * blue;
+            };
+            const box = document.querySelector("dialog[open]:not(#progress)");
+            const mark = brightness(getComputedStyle(box.querySelector(".stop"), "::before").color);
+            const back = brightness(getComputedStyle(box).backgroundColor);
+            return (Math.max(mark, back) + 0.05) / (Math.min(mark, back) + 0.05);
+        });
+    },
     async folder({ path: folder }) {
         const input = await page.$("#choose-folder");
         await input.uploadFile(folder);

@@ -154,6 +154,18 @@ TEST(Page, FollowsTheDarkTheme)
     EXPECT_NE(light, dark);
 }
 
+TEST(Page, TheMarkOfAFailureIsSeenInBothThemes)
+{
+    constexpr double readable = 4.5; // what WCAG 2 asks of text
+    fs::path path = fs::temp_directory_path() / "page-unknown.xyz";
+    std::ofstream(path) << "x";
+    askBridge("drop", { { "paths", { path.string() } } });
+    EXPECT_GE(askBridge("contrastOfFailure", { { "theme", "dark" } }).get<double>(), readable);
+    EXPECT_GE(askBridge("contrastOfFailure", { { "theme", "light" } }).get<double>(), readable);
+    EXPECT_EQ(askBridge("closeBoxes").size(), 1u);
+    fs::remove(path);
+}
+
 TEST(Page, AFolderBringsTheLibraryOfItsModel)
 {
     fs::path folder = fs::temp_directory_path() / "page-folder";
