@@ -69,7 +69,9 @@ const browserPrograms = {
     ours: { address: "/page/", prepare: preparePage },
     f3d: { address: "/peers/f3d.html" },
     "online-3d-viewer": { address: "/peers/online_3d_viewer.html" },
+    OBJLoader: { address: "/peers/objloader.html", draws: false },
 };
+const underNode = "OBJLoader under Node.js";
 
 const compressedBytes = () =>
     [...requested].reduce((sum, file) => sum + gzipSync(fs.readFileSync(file), { level: 9 }).length, 0);
@@ -82,9 +84,10 @@ function note(program, row, value) {
 }
 
 async function measureFile(page, program, input, file) {
+    const { draws = true } = browserPrograms[program];
     await input.uploadFile(path.join(models, fileNames[file]));
     note(program, `open ${file}`, await page.evaluate((field) => window.peer.open(field.files[0]), input));
-    for (let k = 0; k <= frameCounts[file]; ++k) {
+    for (let k = 0; draws && k <= frameCounts[file]; ++k) {
         const time = await page.evaluate(() => window.peer.frame());
         if (k > 0) note(program, `frame ${file}`, time);
     }
@@ -107,7 +110,7 @@ async function measureInBrowser(program) {
     await page.goto(address + place);
     await prepare(page);
     await page.waitForFunction(() => window.peer, { timeout: stopMs });
-    note(program, "compressed", compressedBytes());
+    if (program !== "OBJLoader") note(program, "compressed", compressedBytes()); // which is no program
     const input = await page.evaluateHandle(() => {
         const field = document.createElement("input");
         field.type = "file";
@@ -118,12 +121,12 @@ async function measureInBrowser(program) {
     await browser.close();
 }
 
-// OBJLoader has no page of its own. Each file is read in a process of its own, as the heap is then its own, too.
-function measureObjLoader() {
+// Each file is read in a process of its own, as the heap is then its own, too.
+function measureUnderNode() {
     for (const file of files) {
         const script = [path.join(here, "objloader.js"), modules, path.join(models, fileNames[file])];
         const answer = execFileSync(process.execPath, ["--max-old-space-size=8192", ...script], { encoding: "utf8" });
-        note("OBJLoader", `open ${file}`, Number(answer));
+        note(underNode, `open ${file}`, Number(answer));
     }
 }
 
@@ -157,12 +160,12 @@ function report() {
     }
 }
 
-const programs = [...Object.keys(browserPrograms), "OBJLoader"].filter(
-    (name) => wanted.length === 0 || wanted.includes(name),
+const programs = [...Object.keys(browserPrograms), underNode].filter(
+    (name) => wanted.length === 0 || wanted.some((start) => name.startsWith(start)),
 );
 for (let round = 0; round < rounds; ++round) {
     for (const program of programs) {
-        if (program === "OBJLoader") measureObjLoader();
+        if (program === underNode) measureUnderNode();
         else await measureInBrowser(program);
     }
 }
