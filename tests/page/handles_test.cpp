@@ -124,6 +124,36 @@ TEST_F(Handles, ASetOfFilesIsSavedIntoTheChosenFolder)
     EXPECT_EQ(bytesOf(folder / "loaded.mtl"), expected["saved.mtl"]);
 }
 
+// The preview shows the display, so only the prop is that of kbx.
+TEST_F(Handles, APropAndItsPreviewAreSavedIntoTheChosenFolder)
+{
+    openChair();
+    int downloads = downloadCount();
+    chooseFolder();
+    askBridge("saveAs", { { "id", ID_EXPORT_PP2 }, { "name", "saved.pp2" } });
+    askBridge("whenNoticed", { { "text", "Saved into chosen" } });
+    auto found = files(), expected = converted("saved.pp2");
+    EXPECT_EQ(expected.size(), 2u);
+    EXPECT_EQ(found["saved.pp2"], expected["saved.pp2"]);
+    EXPECT_FALSE(found["saved.rsr"].empty());
+    EXPECT_EQ(downloadCount(), downloads);
+}
+
+TEST_F(Handles, ASceneIsSavedIntoTheChosenFolder)
+{
+    openChair();
+    int downloads = downloadCount();
+    chooseFolder();
+    pressPanel(ID_LUX_EXPORT);
+    askBridge("whenNoticed", { { "text", "Saved into chosen" } });
+    auto found = files(), expected = converted("chair.lxs");
+    EXPECT_EQ(expected.size(), 4u);
+    for (const auto& [name, bytes] : expected)
+        EXPECT_FALSE(found[name].empty()) << name;
+    EXPECT_EQ(found["chair.lxm"], expected["chair.lxm"]); // the others have normals, which are the processor's
+    EXPECT_EQ(downloadCount(), downloads);
+}
+
 TEST_F(Handles, FilesOfTheFolderAreReplacedOnlyWhenTheUserSaysSo)
 {
     openChair();
